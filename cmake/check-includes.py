@@ -1,0 +1,182 @@
+#!/usr/bin/env python3
+"""Checks who includes whom; prints each violation and exits 1 where it finds any.
+
+- Every subsystem includes only the subsystems that ALLOWED grants it.
+- A public header includes public headers and the C++ standard library.
+- A source or private header includes public headers and the private headers of its own folder.
+- Tests, examples and benchmarks see the public headers only.
+- The include graph has no circle.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+PUBLIC = ROOT / "include" / "DataBinding"
+PRIVATE = ROOT / "DataBinding"
+USERS = ("tests", "examples", "benchmarks")
+
+# What a subsystem may include beside itself and the headers of COMMON.
+ALLOWED = {
+    "foundation": set(),
+    "broadcast": {"foundation"},
+    "reflection": {"foundation"},
+    "framework": {"foundation"},
+    "appevents": {"foundation"},
+    "datasource": {"foundation", "broadcast", "reflection"},
+    "registrar": {"foundation", "broadcast", "reflection"},
+    "typed": {"foundation", "broadcast", "reflection", "datasource", "registrar"},
+}
+# Datasource and registrar call each other: their sources may include the other's public headers,
+# their public headers may not.
+ALLOWED_IN_SOURCES = {"datasource": {"registrar"}, "registrar": {"datasource"}}
+
+# Public headers of no subsystem, which everything may include.
+COMMON = {"Export.h", "Fwd.h"}
+# The header of everything, which only users of the library include.
+UMBRELLA = "DataBinding.h"
+# What public headers include of the platform, each inside a guard of that platform.
+PLATFORM = {"guiddef.h"}
+# The subsystem of every other header right in include/DataBinding; foundation/ speaks for itself.
+HEADERS = {
+    "broadcast": {"IBroadcaster.h", "ListenerGuard.h"},
+    "reflection": {"IReflectable.h", "RuntimeType.h"},
+    "framework": {"BindTypes.h", "IBaseBind.h", "IBaseDataBind.h", "IDataBind.h", "IEventBind.h"},
+    "appevents": {
+        "AppEventListener.h", "EventBroadcaster.h", "IAppEventBroadcaster.h",
+        "IAppEventListener.h", "PendingEvent.h", "Singleton.h", "ThreadingPolicy.h",
+        "UpdatePolicy.h", "WAppEventRegistrar.h",
+    },
+    "datasource": {
+        "CustomDataProxy.h", "DataListener.h", "DataSourceImpl.h", "DataSourceProvider.h",
+        "IDataListener.h", "IDataSource.h", "IDataSourceBase.h", "IDataSourceProvider.h",
+        "MakeDataSource.h", "NamedDataSource.h", "PropertyChanges.h",
+    },
+    "registrar": {"DataSourceRegistrar.h", "IDataSourceConstructor.h", "IDataSourceRegistrar.h"},
+    "typed": {
+        "DataSourceConstructor.h", "Property.h", "PropertyAccess.h", "PropertyBase.h",
+        "PropertyBatch.h", "PropertyName.h", "PropertyResult.h",
+    },
+}
+SUBSYSTEM_OF = {header: name for name, headers in HEADERS.items() for header in headers}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
+STANDARD = re.compile(r"[a-z_]+")
+
+problems = []
+
+
+def report(file, text):
+    problems.append(f"{file.relative_to(ROOT)}: {text}")
+
+
+def subsystem(file):
+    """The subsystem of a file of the library; None for COMMON, the umbrella and unknown files."""
+    if file.is_relative_to(PRIVATE):
+        return file.relative_to(PRIVATE).parts[0]
+    parts = file.relative_to(PUBLIC).parts
+    return parts[0] if len(parts) > 1 else SUBSYSTEM_OF.get(file.name)
+
+
+def check_place(file):
+    """Reports a file of the library whose subsystem is not known."""
+    if file.parent == PUBLIC and file.name in COMMON | {UMBRELLA}:
+        return
+    if subsystem(file) in ALLOWED:
+        return
+    if file.parent == PUBLIC:
+        report(file, "unknown public header: add it to its subsystem in HEADERS of "
+                     "cmake/check-includes.py")
+    else:
+        report(file, "not in the folder of a known subsystem: move it, or add the subsystem to "
+                     "ALLOWED of cmake/check-includes.py")
+
+
+def resolve(file, quote, name):
+    """The file of ours that an include names, or None."""
+    candidates = [file.parent / name] if quote == '"' else []
+    candidates.append(ROOT / "include" / name)
+    if file.is_relative_to(ROOT / "tests"):
+        candidates.append(ROOT / "tests" / name)
+    for candidate in candidates:
+        if candidate.is_file():
+            return candidate.resolve()
+    return None
+
+
+def check_layer(file, target):
+    if target.parent == PUBLIC and target.name in COMMON:
+        return
+    if target == PUBLIC / UMBRELLA:
+        report(file, f"includes {UMBRELLA}, which is for users of the library")
+        return
+    if file == PUBLIC / UMBRELLA:
+        return
+    own, other = subsystem(file), subsystem(target)
+    if own is None and file.name in COMMON:
+        report(file, f"includes {target.name}, but everything may include {file.name}")
+        return
+    allowed = {own} | ALLOWED.get(own, set())
+    if file.is_relative_to(PRIVATE):
+        allowed |= ALLOWED_IN_SOURCES.get(own, set())
+    if other not in allowed:
+        report(file, f"{own} may not include {target.name} of {other}")
+
+
+def check_include(file, quote, name, target):
+    in_library = file.is_relative_to(PUBLIC) or file.is_relative_to(PRIVATE)
+    if target is None:
+        if quote == '"' or name.startswith("DataBinding/"):
+            report(file, f'"{name}" names no public header and no file beside it')
+        elif file.is_relative_to(PUBLIC) and not (STANDARD.fullmatch(name) or name in PLATFORM):
+            report(file, f"<{name}>: a public header includes only ours and the standard library")
+    elif target.is_relative_to(PRIVATE) and target.parent != file.parent:
+        report(file, f"{name} is private to {target.parent.relative_to(ROOT)}")
+    elif in_library and not (target.is_relative_to(PUBLIC) or target.is_relative_to(PRIVATE)):
+        report(file, f"{name} is no file of the library")
+    elif in_library:
+        check_layer(file, target)
+
+
+def check_circles(graph):
+    done, path = set(), []
+
+    def visit(file):
+        if file in path:
+            circle = path[path.index(file):] + [file]
+            report(file, "include circle: " + " -> ".join(step.name for step in circle))
+        elif file not in done:
+            path.append(file)
+            for target in graph.get(file, []):
+                visit(target)
+            done.add(path.pop())
+
+    for file in sorted(graph):
+        visit(file)
+
+
+def main():
+    library = [file for top in (PUBLIC, PRIVATE) for file in sorted(top.rglob("*.*"))
+               if file.suffix in (".h", ".cpp")]
+    users = [file for top in USERS for file in sorted((ROOT / top).rglob("*.*"))
+             if file.suffix in (".h", ".cpp")]
+    graph = {}
+    for file in library:
+        check_place(file)
+    for file in library + users:
+        graph[file] = []
+        for quote, name in INCLUDE.findall(file.read_text(encoding="utf-8")):
+            target = resolve(file, quote, name)
+            check_include(file, quote, name, target)
+            if target:
+                graph[file].append(target)
+    check_circles(graph)
+    if not library:
+        problems.append("no file of the library found")
+    print("\n".join(problems) or f"{len(graph)} files include only what they may")
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
