@@ -1,0 +1,9 @@
+#include "DataBinding/foundation/PostConstructible.h"
+
+namespace VtrUtils {
+
+PostConstructible::~PostConstructible() = default;
+
+void PostConstructible::PostConstruct() { postConstructed = true; }
+
+}  // namespace VtrUtils

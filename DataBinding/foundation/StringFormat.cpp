@@ -1,0 +1,182 @@
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+#include "DataBinding/foundation/String.h"
+
+namespace VtrPlatform::details {
+
+namespace {
+
+/// Wider fields and longer precisions are refused: they are mistakes, and would exhaust memory.
+constexpr int largestField = 65535;
+
+[[noreturn]] void Refuse(const char* reason) {
+  throw std::invalid_argument(std::string("format string: ") + reason);
+}
+
+/// One conversion, taken apart: `%-08.3f` has flags "-0", width 8, precision 3, type f.
+struct Conversion {
+  std::string flags;
+  int width = 0;
+  int precision = -1;
+  wchar_t type = L'\0';
+
+  [[nodiscard]] bool LeftAligned() const { return flags.find('-') != std::string::npos; }
+};
+
+/// Walks a format from conversion to conversion and appends what each one makes of its argument.
+class Formatter {
+ public:
+  Formatter(std::wstring_view format, std::span<const FormatArgument> given)
+      : rest(format), arguments(given) {}
+
+  std::wstring Run() {
+    while (!rest.empty()) {
+      const auto percent = std::min(rest.find(L'%'), rest.size());
+      text += rest.substr(0, percent);
+      rest.remove_prefix(percent);
+      if (!rest.empty()) Convert();
+    }
+    return std::move(text);
+  }
+
+ private:
+  void Convert() {
+    rest.remove_prefix(1);
+    const Conversion conversion = Parse();
+    if (conversion.type == L'%') {
+      text += L'%';
+    } else if (conversion.type == L's') {
+      Pad(conversion, Take<std::wstring_view>().substr(0, Limit(conversion)));
+    } else if (conversion.type == L'c') {
+      const auto character = static_cast<wchar_t>(TakeInteger());
+      Pad(conversion, std::wstring_view(&character, 1));
+    } else {
+      Number(conversion);
+    }
+  }
+
+  Conversion Parse() {
+    Conversion parsed;
+    while (!rest.empty() && std::wstring_view(L"-+ #0").find(rest.front()) != rest.npos) {
+      parsed.flags += static_cast<char>(Next());
+    }
+    parsed.width = Field();
+    if (parsed.width < 0) {
+      parsed.flags += '-';
+      parsed.width = -parsed.width;
+    }
+    if (!rest.empty() && rest.front() == L'.') {
+      Next();
+      parsed.precision = std::max(Field(), -1);
+    }
+    while (!rest.empty() && std::wstring_view(L"hlLqjzt").find(rest.front()) != rest.npos) Next();
+    parsed.type = Next();
+    return parsed;
+  }
+
+  /// A number written in the format, or the next argument for `*`; 0 when there is neither.
+  int Field() {
+    long long value = 0;
+    if (!rest.empty() && rest.front() == L'*') {
+      Next();
+      value = TakeInteger();
+    }
+    while (!rest.empty() && rest.front() >= L'0' && rest.front() <= L'9' && value <= largestField) {
+      value = value * 10 + (Next() - L'0');
+    }
+    if (value > largestField || value < -largestField) Refuse("field too wide");
+    return static_cast<int>(value);
+  }
+
+  wchar_t Next() {
+    if (rest.empty()) Refuse("ends within a conversion");
+    const wchar_t character = rest.front();
+    rest.remove_prefix(1);
+    return character;
+  }
+
+  const FormatArgument::Value& TakeValue() {
+    if (arguments.empty()) Refuse("more conversions than arguments");
+    const auto& value = arguments.front().Get();
+    arguments = arguments.subspan(1);
+    return value;
+  }
+  template <class T>
+  T Take() {
+    const T* value = std::get_if<T>(&TakeValue());
+    if (value == nullptr) Refuse("conversion does not fit its argument");
+    return *value;
+  }
+  long long TakeInteger() {
+    const auto& value = TakeValue();
+    if (const auto* number = std::get_if<long long>(&value)) return *number;
+    if (const auto* number = std::get_if<unsigned long long>(&value)) {
+      return static_cast<long long>(*number);
+    }
+    Refuse("conversion needs a whole number");
+  }
+
+  static std::size_t Limit(const Conversion& conversion) {
+    return conversion.precision < 0 ? std::wstring_view::npos
+                                    : static_cast<std::size_t>(conversion.precision);
+  }
+
+  void Pad(const Conversion& conversion, std::wstring_view piece) {
+    const auto width = static_cast<std::size_t>(conversion.width);
+    const std::wstring blanks(width > piece.size() ? width - piece.size() : 0, L' ');
+    if (!conversion.LeftAligned()) text += blanks;
+    text += piece;
+    if (conversion.LeftAligned()) text += blanks;
+  }
+
+  void Number(const Conversion& conversion) {
+    const wchar_t type = conversion.type;
+    if (type == L'd' || type == L'i') {
+      Print(conversion, "lld", TakeInteger());
+    } else if (std::wstring_view(L"uoxX").find(type) != std::wstring_view::npos) {
+      const char spelled[] = {'l', 'l', static_cast<char>(type), '\0'};
+      Print(conversion, spelled, static_cast<unsigned long long>(TakeInteger()));
+    } else if (std::wstring_view(L"eEfFgGaA").find(type) != std::wstring_view::npos) {
+      const char spelled[] = {static_cast<char>(type), '\0'};
+      Print(conversion, spelled, Take<double>());
+    } else if (type == L'p') {
+      Print(conversion, "p", Take<const void*>());
+    } else {
+      Refuse("unknown conversion");
+    }
+  }
+
+  template <class T>
+  void Print(const Conversion& conversion, const char* type, T value) {
+    const std::string format =
+        "%" + conversion.flags + "*" + (conversion.precision < 0 ? "" : ".*") + type;
+    const auto print = [&](char* out, std::size_t size) {
+      return conversion.precision < 0
+                 ? std::snprintf(out, size, format.c_str(), conversion.width, value)
+                 : std::snprintf(out, size, format.c_str(), conversion.width, conversion.precision,
+                                 value);
+    };
+    const int length = print(nullptr, 0);
+    if (length < 0) Refuse("number cannot be written");
+    std::string narrow(static_cast<std::size_t>(length) + 1, '\0');
+    print(narrow.data(), narrow.size());
+    text.append(narrow.begin(), narrow.end() - 1);
+  }
+
+  std::wstring_view rest;
+  std::span<const FormatArgument> arguments;
+  std::wstring text;
+};
+
+}  // namespace
+
+StringBuffer* FormatBuffer(std::wstring_view format, std::span<const FormatArgument> arguments) {
+  return StringBuffer::Make(Formatter(format, arguments).Run());
+}
+
+}  // namespace VtrPlatform::details

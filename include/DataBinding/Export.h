@@ -1,0 +1,31 @@
+/// Marks what the shared library exports.
+///
+/// DATABINDING_BUILD is defined while the library itself is built, DATABINDING_STATIC when it is
+/// built and used as a static library. Everything not marked stays hidden. The export macro goes on
+/// classes with out-of-line virtual operations and on free functions, never on explicit
+/// instantiations of templates, where g++ ignores it.
+#pragma once
+
+#if defined(DATABINDING_STATIC)
+#define DATABINDING_API
+#elif defined(_WIN32)
+#if defined(DATABINDING_BUILD)
+#define DATABINDING_API __declspec(dllexport)
+#else
+#define DATABINDING_API __declspec(dllimport)
+#endif
+#else
+#define DATABINDING_API __attribute__((visibility("default")))
+#endif
+
+/// Expands to Clang's thread-safety attributes; other compilers see nothing.
+#if defined(__clang__)
+#define DATABINDING_THREAD_ANNOTATION(...) __attribute__((__VA_ARGS__))
+#else
+#define DATABINDING_THREAD_ANNOTATION(...)
+#endif
+#define DATABINDING_GUARDED_BY(lock) DATABINDING_THREAD_ANNOTATION(guarded_by(lock))
+#define DATABINDING_REQUIRES(...) DATABINDING_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+#define DATABINDING_REQUIRES_SHARED(...) \
+  DATABINDING_THREAD_ANNOTATION(requires_shared_capability(__VA_ARGS__))
+#define DATABINDING_EXCLUDES(...) DATABINDING_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))

@@ -1,0 +1,147 @@
+/// What a callback is made of: a counted state with its functions, and the untyped callback bases.
+///
+/// A state holds a target with its bound arguments. Its invoke function takes the state and the
+/// call's arguments and is stored without its type; the callback that holds the state knows the
+/// signature and calls it. A state may answer whether its target is gone. States are counted
+/// atomically; the last reference runs the destroy function on whatever thread drops it.
+#pragma once
+
+#include <typeinfo>
+#include <utility>
+
+#include "DataBinding/foundation/ComlikePtr.h"
+
+namespace VtrUtils {
+
+namespace details {
+
+class BindStateBase;
+
+struct BindStateBaseRefCountTraits {
+  static void Destroy(const BindStateBase* state);
+};
+
+class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTraits> {
+ public:
+  /// The two questions that a state is asked about its target.
+  enum class CancellationQueryMode { IsCancelled, MaybeValid };
+
+  using InvokeFunction = void (*)();
+  using DestroyFunction = void (*)(const BindStateBase*);
+  using CancellationQuery = bool (*)(const BindStateBase*, CancellationQueryMode);
+
+  BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy) noexcept
+      : BindStateBase(onInvoke, onDestroy, nullptr) {}
+  BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy,
+                CancellationQuery onQuery) noexcept
+      : invoke(onInvoke), destroy(onDestroy), query(onQuery) {}
+  ~BindStateBase() = default;
+
+  [[nodiscard]] InvokeFunction Invoke() const noexcept { return invoke; }
+  [[nodiscard]] bool IsCancelled() const {
+    return query != nullptr && query(this, CancellationQueryMode::IsCancelled);
+  }
+  [[nodiscard]] bool MaybeValid() const {
+    return query == nullptr || query(this, CancellationQueryMode::MaybeValid);
+  }
+  /// False only when both signatures are known and differ.
+  [[nodiscard]] bool FitsSignature(const std::type_info& wanted) const noexcept {
+    return signature == nullptr || *signature == wanted;
+  }
+
+ protected:
+  /// Lets a typed callback recognise a state of its own signature.
+  void SetSignature(const std::type_info& type) noexcept { signature = &type; }
+
+ private:
+  friend BindStateBaseRefCountTraits;
+
+  InvokeFunction invoke;
+  DestroyFunction destroy;
+  CancellationQuery query;
+  const std::type_info* signature = nullptr;
+};
+
+inline void BindStateBaseRefCountTraits::Destroy(const BindStateBase* state) {
+  state->destroy(state);
+}
+
+/// A callback without its signature: owns one reference to a state, or none.
+class OneShotCallbackBase {
+ public:
+  explicit OneShotCallbackBase(comlike_ptr<BindStateBase> adopted) noexcept
+      : state(std::move(adopted)) {}
+  OneShotCallbackBase(OneShotCallbackBase&&) noexcept = default;
+  OneShotCallbackBase& operator=(OneShotCallbackBase&&) noexcept = default;
+  ~OneShotCallbackBase() = default;
+
+  /// False for a null callback.
+  explicit operator bool() const noexcept { return static_cast<bool>(state); }
+  /// The function to call with the state; null for a null callback.
+  [[nodiscard]] BindStateBase::InvokeFunction polymorphic_invoke() const noexcept {
+    return state ? state->Invoke() : nullptr;
+  }
+  [[nodiscard]] BindStateBase* GetBindState() const noexcept { return state.Get(); }
+  /// True once the target is gone, and for a null callback.
+  [[nodiscard]] bool IsCancelled() const { return !state || state->IsCancelled(); }
+  /// False once the target is surely gone, and for a null callback.
+  [[nodiscard]] bool MaybeValid() const { return state && state->MaybeValid(); }
+
+ protected:
+  OneShotCallbackBase() noexcept = default;
+  OneShotCallbackBase(const OneShotCallbackBase&) noexcept = default;
+  OneShotCallbackBase& operator=(const OneShotCallbackBase&) noexcept = default;
+
+  comlike_ptr<BindStateBase> state;
+};
+
+class RepeatingCallbackBase;
+
+}  // namespace details
+
+/// A copyable holder of a repeating callback's state without its signature.
+class RepeatingCallbackMemento {
+ public:
+  RepeatingCallbackMemento() noexcept = default;
+  [[nodiscard]] bool IsEmpty() const noexcept { return !state; }
+
+ private:
+  friend details::RepeatingCallbackBase;
+
+  comlike_ptr<details::BindStateBase> state;
+};
+
+namespace details {
+
+/// A callback that may be copied and run many times; copies share one state.
+class RepeatingCallbackBase : public OneShotCallbackBase {
+ public:
+  RepeatingCallbackBase() noexcept = default;
+  using OneShotCallbackBase::OneShotCallbackBase;
+  RepeatingCallbackBase(const RepeatingCallbackBase&) noexcept = default;
+  RepeatingCallbackBase(RepeatingCallbackBase&&) noexcept = default;
+  RepeatingCallbackBase& operator=(const RepeatingCallbackBase&) noexcept = default;
+  RepeatingCallbackBase& operator=(RepeatingCallbackBase&&) noexcept = default;
+  ~RepeatingCallbackBase() = default;
+
+  [[nodiscard]] RepeatingCallbackMemento GetMemento() const noexcept {
+    RepeatingCallbackMemento memento;
+    memento.state = state;
+    return memento;
+  }
+  /// Shares the memento's state; an empty one makes the callback null.
+  void SetMemento(const RepeatingCallbackMemento& memento) noexcept { state = memento.state; }
+};
+
+}  // namespace details
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::RepeatingCallbackMemento;
+namespace details {
+using VtrUtils::details::BindStateBase;
+using VtrUtils::details::BindStateBaseRefCountTraits;
+using VtrUtils::details::OneShotCallbackBase;
+using VtrUtils::details::RepeatingCallbackBase;
+}  // namespace details
+}  // namespace DataBinding

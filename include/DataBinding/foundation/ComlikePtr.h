@@ -1,0 +1,71 @@
+/// An owning pointer to an object that counts its own references, and the base that counts them.
+///
+/// A comlike_ptr made from a raw pointer takes over one existing reference; Share adds one. The
+/// count is atomic. RefCounted calls Traits::Destroy when the last reference goes.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <utility>
+
+namespace VtrUtils {
+
+template <class T, class Traits>
+class RefCounted {
+ public:
+  void AddRef() const noexcept { references.fetch_add(1, std::memory_order_relaxed); }
+  void Release() const {
+    if (references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+      Traits::Destroy(static_cast<const T*>(this));
+    }
+  }
+
+ protected:
+  RefCounted() noexcept = default;
+  ~RefCounted() = default;
+  RefCounted(const RefCounted&) = delete;
+  RefCounted& operator=(const RefCounted&) = delete;
+
+ private:
+  mutable std::atomic<std::uint32_t> references{1};
+};
+
+template <class T>
+class comlike_ptr {
+ public:
+  comlike_ptr() noexcept = default;
+  explicit comlike_ptr(T* adopted) noexcept : object(adopted) {}
+  comlike_ptr(const comlike_ptr& other) noexcept : object(other.object) {
+    if (object != nullptr) object->AddRef();
+  }
+  comlike_ptr(comlike_ptr&& other) noexcept : object(std::exchange(other.object, nullptr)) {}
+  ~comlike_ptr() {
+    if (object != nullptr) object->Release();
+  }
+  comlike_ptr& operator=(comlike_ptr other) noexcept {
+    std::swap(object, other.object);
+    return *this;
+  }
+
+  /// An owner beside the existing ones.
+  [[nodiscard]] static comlike_ptr Share(T* object) noexcept {
+    if (object != nullptr) object->AddRef();
+    return comlike_ptr(object);
+  }
+  /// Gives the reference up to the caller.
+  [[nodiscard]] T* Detach() noexcept { return std::exchange(object, nullptr); }
+  [[nodiscard]] T* Get() const noexcept { return object; }
+  T* operator->() const noexcept { return object; }
+  T& operator*() const noexcept { return *object; }
+  explicit operator bool() const noexcept { return object != nullptr; }
+
+ private:
+  T* object = nullptr;
+};
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::comlike_ptr;
+using VtrUtils::RefCounted;
+}  // namespace DataBinding

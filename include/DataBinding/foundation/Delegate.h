@@ -1,0 +1,54 @@
+/// A two-word value, a context and a function, that is copied freely and called as
+/// function(context, arguments...).
+///
+/// Owns nothing: whoever made it keeps the context alive. Calling an empty one does nothing and
+/// gives a value-initialised result.
+///
+///   auto hook = Delegate<void(int)>::To<&Log::Add>(log);
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "DataBinding/foundation/Callback.h"
+
+namespace VtrUtils {
+
+template <class Signature>
+class Delegate;
+
+template <class Result, class... Args>
+class Delegate<Result(Args...)> {
+ public:
+  using Function = Result (*)(void* context, Args... args);
+
+  constexpr Delegate() noexcept = default;
+  constexpr Delegate(void* boundContext, Function target) noexcept
+      : context(boundContext), function(target) {}
+
+  /// Calls a method of an object, or a function that takes a reference to it.
+  template <auto target, class T>
+  [[nodiscard]] static Delegate To(T& object) noexcept {
+    return {const_cast<void*>(static_cast<const void*>(&object)),
+            [](void* self, Args... args) -> Result {
+              return std::invoke(target, *static_cast<T*>(self), std::forward<Args>(args)...);
+            }};
+  }
+
+  Result operator()(Args... args) const {
+    if (function == nullptr) return details::SkippedResult<Result>();
+    return function(context, std::forward<Args>(args)...);
+  }
+  explicit constexpr operator bool() const noexcept { return function != nullptr; }
+  friend constexpr bool operator==(const Delegate&, const Delegate&) noexcept = default;
+
+ private:
+  void* context = nullptr;
+  Function function = nullptr;
+};
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::Delegate;
+}  // namespace DataBinding

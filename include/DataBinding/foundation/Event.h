@@ -1,0 +1,87 @@
+/// A multicast event: callbacks subscribe and are run, in order of subscription, when it is raised.
+///
+/// A raise runs those that were subscribed when it began and still are when reached; one that
+/// subscribes meanwhile waits for the next raise. A callback may subscribe, cancel or destroy the
+/// event. An exception from a callback leaves the raise. Subscriptions may outlive the event. One
+/// thread only.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/foundation/WeakPtr.h"
+
+namespace VtrUtils {
+
+/// The part of an event that does not depend on its signature. Tokens ascend and are not reused.
+class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
+ public:
+  EventBase(const EventBase&) = delete;
+  EventBase& operator=(const EventBase&) = delete;
+
+ protected:
+  EventBase();
+  ~EventBase();
+
+  /// Adds a listener until the subscription is cancelled. An empty memento is counted and skipped.
+  Subscription Subscribe(const RepeatingCallbackMemento& memento);
+  [[nodiscard]] std::set<unsigned long long> GetListenerTokensCopy() const;
+  /// The memento of a token that is still subscribed, else an empty one.
+  [[nodiscard]] RepeatingCallbackMemento GetListener(unsigned long long token) const;
+  [[nodiscard]] WeakPtr<EventBase> GetWeakPtr() { return AsWeakPtr(); }
+
+ private:
+  friend SupportsWeakPtr<EventBase>;
+  void Remove(unsigned long long token);
+
+  std::map<unsigned long long, RepeatingCallbackMemento> listeners;
+  unsigned long long lastToken = 0;
+};
+
+template <class Signature>
+class Event;
+
+template <class... Args>
+class Event<void(Args...)> : public EventBase {
+ public:
+  Event() = default;
+  ~Event() = default;
+
+  Subscription Subscribe(const RepeatingCallback<void(Args...)>& callback) {
+    return EventBase::Subscribe(callback.GetMemento());
+  }
+  Subscription Subscribe(const RepeatingCallbackMemento& memento) {
+    return EventBase::Subscribe(memento);
+  }
+
+  void Raise(const Args&... args) {
+    RaiseEach([] { throw; }, args...);
+  }
+  /// Raises the event; what a callback throws goes to `failed`, called within the catch block, and
+  /// the next one runs.
+  template <class Failed>
+  void RaiseEach(Failed failed, const Args&... args) {
+    const auto self = GetWeakPtr();
+    for (const auto token : GetListenerTokensCopy()) {
+      if (!self) return;
+      RepeatingCallback<void(Args...)> callback;
+      callback.SetMemento(GetListener(token));
+      try {
+        callback(args...);
+      } catch (...) {
+        failed();
+      }
+    }
+  }
+};
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::Event;
+using VtrUtils::EventBase;
+}  // namespace DataBinding

@@ -1,0 +1,50 @@
+/// One argument of a formatted string, with its kind.
+///
+/// Made implicitly from arithmetic values, enumerations, pointers and wide texts. Since the kind
+/// travels with the value, a format can be checked against it and never reads a wrong type. Holds
+/// texts and pointers as they are: it lives no longer than the call that it is made for.
+#pragma once
+
+#include <concepts>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+
+#include "DataBinding/foundation/StringView.h"
+
+namespace VtrPlatform::details {
+
+class FormatArgument {
+ public:
+  using Value = std::variant<long long, unsigned long long, double, const void*, std::wstring_view>;
+
+  template <class T>
+  requires std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T> ||
+      std::convertible_to<const T&, VtrStringView>
+      FormatArgument(const T& argument) : value(Wrap(argument)) {}
+
+  [[nodiscard]] const Value& Get() const noexcept { return value; }
+
+ private:
+  template <class T>
+  static Value Wrap(const T& argument) {
+    if constexpr (std::is_enum_v<T>) {
+      return Wrap(static_cast<std::underlying_type_t<T>>(argument));
+    } else if constexpr (std::is_floating_point_v<T>) {
+      return static_cast<double>(argument);
+    } else if constexpr (std::unsigned_integral<T>) {
+      return static_cast<unsigned long long>(argument);
+    } else if constexpr (std::integral<T>) {
+      return static_cast<long long>(argument);
+    } else if constexpr (std::convertible_to<const T&, VtrStringView>) {
+      return std::wstring_view(VtrStringView(argument));
+    } else {
+      return static_cast<const void*>(argument);
+    }
+  }
+
+  Value value;
+};
+
+}  // namespace VtrPlatform::details

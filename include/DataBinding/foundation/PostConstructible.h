@@ -1,0 +1,28 @@
+/// A base whose PostConstruct is run by the creator once construction is complete.
+///
+/// An override does what needs the finished object, such as calling virtual operations, and calls
+/// the base, which marks the object as post-constructed.
+#pragma once
+
+#include "DataBinding/Export.h"
+
+namespace VtrUtils {
+
+class DATABINDING_API PostConstructible {
+ public:
+  PostConstructible() noexcept = default;
+  PostConstructible(const PostConstructible&) = delete;
+  PostConstructible& operator=(const PostConstructible&) = delete;
+  virtual ~PostConstructible();
+
+  virtual void PostConstruct();
+
+ protected:
+  bool postConstructed = false;
+};
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::PostConstructible;
+}  // namespace DataBinding

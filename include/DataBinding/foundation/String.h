@@ -1,0 +1,156 @@
+/// The wide string of every name: an immutable, shared, NUL-terminated run of characters.
+///
+/// A string is one pointer. Copies share one counted buffer, so copying allocates nothing and
+/// copies may be used on different threads; one string object is not to be written by one thread
+/// while another uses it. Changing a string gives it a buffer of its own. The empty string has no
+/// buffer. Lengths are signed 32-bit counts; a longer text throws std::length_error.
+///
+///   VtrString name = L"Memory";
+///   VtrString text;
+///   text.Format(L"%s: %d of %.1f GiB", name, 3, 15.5);
+///   std::string narrow = text.ToUtf8();
+#pragma once
+
+#include <array>
+#include <compare>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/FormatArgument.h"
+#include "DataBinding/foundation/StringBuffer.h"
+#include "DataBinding/foundation/StringView.h"
+
+namespace VtrPlatform {
+
+namespace details {
+
+[[nodiscard]] DATABINDING_API StringBuffer* FormatBuffer(std::wstring_view format,
+                                                         std::span<const FormatArgument> arguments);
+[[nodiscard]] DATABINDING_API StringBuffer* BufferFromUtf8(std::string_view text);
+[[nodiscard]] DATABINDING_API std::string ToUtf8(std::wstring_view text);
+
+}  // namespace details
+
+template <class CharT>
+class VtrStringT {
+  static_assert(std::same_as<CharT, wchar_t>, "only wide strings are supported");
+
+ public:
+  using View = VtrStringViewT<CharT>;
+
+  VtrStringT() noexcept = default;
+  VtrStringT(const CharT* text) : VtrStringT(View(text)) {}
+  explicit VtrStringT(View text) : buffer(details::StringBuffer::Make(text)) {}
+  explicit VtrStringT(std::basic_string_view<CharT> text) : VtrStringT(View(text)) {}
+  VtrStringT(const VtrStringT& other) noexcept : buffer(other.buffer) {
+    details::StringBuffer::AddRef(buffer);
+  }
+  VtrStringT(VtrStringT&& other) noexcept : buffer(std::exchange(other.buffer, nullptr)) {}
+  /// Takes over a buffer with one count, or none for an empty string.
+  explicit VtrStringT(details::StringBuffer* owned) noexcept : buffer(owned) {}
+  ~VtrStringT() { details::StringBuffer::Release(buffer); }
+
+  VtrStringT& operator=(VtrStringT other) noexcept {
+    std::swap(buffer, other.buffer);
+    return *this;
+  }
+  VtrStringT& operator+=(const VtrStringT& other) {
+    return *this = VtrStringT(details::StringBuffer::Join(*this, other));
+  }
+
+  /// Decodes UTF-8. Each ill-formed sequence becomes one U+FFFD.
+  [[nodiscard]] static VtrStringT FromUtf8(std::string_view text) {
+    return VtrStringT(details::BufferFromUtf8(text));
+  }
+  /// Encodes as UTF-8. What is no character (a lone surrogate) becomes U+FFFD.
+  [[nodiscard]] std::string ToUtf8() const { return details::ToUtf8(*this); }
+
+  /// Replaces this string by the formatted text and returns it.
+  ///
+  /// The format is printf's: flags, width, precision (both also as `*`), and the conversions
+  /// d i u o x X c s p e E f F g G a A %. Length modifiers are accepted and ignored, since each
+  /// argument's own type is known; `%s` takes a wide string. A conversion that does not fit its
+  /// argument, a missing argument or an unknown conversion throws std::invalid_argument.
+  template <class... Args>
+  VtrStringT& Format(View format, const Args&... args) {
+    const std::array<details::FormatArgument, sizeof...(Args)> list{
+        details::FormatArgument(args)...};
+    return *this = FormatInternal(format, list);
+  }
+
+  /// Negative, 0 or positive, as this string stands before, with or after the other.
+  [[nodiscard]] int Compare(View other, CompareCase mode = CompareCase::Sensitive) const noexcept {
+    return View(*this).Compare(other, mode);
+  }
+  /// 0 when the two are equal but for case.
+  [[nodiscard]] int CompareNoCase(View other) const noexcept {
+    return View(*this).CompareNoCase(other);
+  }
+  /// The characters from a start index to the end: all for a negative start, none past the end.
+  [[nodiscard]] VtrStringT Mid(std::int32_t start) const {
+    if (start <= 0) return *this;
+    if (start >= GetLength()) return VtrStringT();
+    return VtrStringT(View(Text() + start, GetLength() - start));
+  }
+  [[nodiscard]] bool IsEmpty() const noexcept { return buffer == nullptr; }
+  [[nodiscard]] std::int32_t GetLength() const noexcept {
+    return buffer == nullptr ? 0 : buffer->length;
+  }
+  /// NUL-terminated; lives as long as this string is neither changed nor destroyed.
+  operator const CharT*() const noexcept { return Text(); }
+  operator std::basic_string_view<CharT>() const noexcept { return View(*this); }
+  /// A string is no condition: its pointer is never null. Ask IsEmpty.
+  explicit operator bool() const = delete;
+
+  friend bool operator==(const VtrStringT& left, const VtrStringT& right) noexcept {
+    return left.buffer == right.buffer || View(left) == View(right);
+  }
+  friend bool operator==(const VtrStringT& left, const CharT* right) noexcept {
+    return View(left) == View(right);
+  }
+  friend std::strong_ordering operator<=>(const VtrStringT& left,
+                                          const VtrStringT& right) noexcept {
+    return View(left) <=> View(right);
+  }
+  friend std::strong_ordering operator<=>(const VtrStringT& left, const CharT* right) noexcept {
+    return View(left) <=> View(right);
+  }
+
+ private:
+  static VtrStringT FormatInternal(View format, std::span<const details::FormatArgument> args) {
+    return VtrStringT(details::FormatBuffer(format, args));
+  }
+  [[nodiscard]] const CharT* Text() const noexcept {
+    return buffer == nullptr ? L"" : buffer->Text();
+  }
+
+  details::StringBuffer* buffer = nullptr;
+};
+
+using VtrString = VtrStringT<wchar_t>;
+
+/// Joins two texts; strings, views and literals all fit.
+[[nodiscard]] inline VtrString operator+(VtrStringView left, VtrStringView right) {
+  return VtrString(details::StringBuffer::Join(left, right));
+}
+
+}  // namespace VtrPlatform
+
+template <class CharT>
+struct std::hash<VtrPlatform::VtrStringT<CharT>> {
+  std::size_t operator()(const VtrPlatform::VtrStringT<CharT>& text) const noexcept {
+    return std::hash<VtrPlatform::VtrStringViewT<CharT>>()(text);
+  }
+};
+
+namespace DataBinding {
+using VtrPlatform::VtrString;
+using VtrPlatform::VtrStringT;
+}  // namespace DataBinding

@@ -1,0 +1,59 @@
+/// The shared storage of a wide string: a count of owners and a length, then the characters.
+///
+/// One allocation holds both. The count is atomic, so owners may live on different threads; the
+/// characters never change once a second owner exists. A null pointer stands for the empty string
+/// in every operation here.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <string_view>
+
+#include "DataBinding/foundation/StringView.h"
+
+namespace VtrPlatform::details {
+
+struct StringBuffer {
+  explicit StringBuffer(std::int32_t characters) noexcept : references(1), length(characters) {}
+
+  std::atomic<std::uint32_t> references;
+  std::int32_t length;
+
+  [[nodiscard]] wchar_t* Text() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
+
+  /// A buffer for so many characters, NUL-terminated, the rest still to be written; null for 0.
+  [[nodiscard]] static StringBuffer* Allocate(std::size_t length) {
+    const std::int32_t count = CheckedLength(length);
+    if (count == 0) return nullptr;
+    void* memory = ::operator new(sizeof(StringBuffer) + (length + 1) * sizeof(wchar_t));
+    auto* made = ::new (memory) StringBuffer(count);
+    made->Text()[length] = L'\0';
+    return made;
+  }
+  [[nodiscard]] static StringBuffer* Make(std::wstring_view text) {
+    StringBuffer* made = Allocate(text.size());
+    if (made != nullptr) text.copy(made->Text(), text.size());
+    return made;
+  }
+  [[nodiscard]] static StringBuffer* Join(std::wstring_view left, std::wstring_view right) {
+    StringBuffer* made = Allocate(left.size() + right.size());
+    if (made == nullptr) return nullptr;
+    left.copy(made->Text(), left.size());
+    right.copy(made->Text() + left.size(), right.size());
+    return made;
+  }
+  static void AddRef(StringBuffer* buffer) noexcept {
+    if (buffer != nullptr) buffer->references.fetch_add(1, std::memory_order_relaxed);
+  }
+  static void Release(StringBuffer* buffer) noexcept {
+    if (buffer == nullptr || buffer->references.fetch_sub(1, std::memory_order_acq_rel) != 1) {
+      return;
+    }
+    buffer->~StringBuffer();
+    ::operator delete(buffer);
+  }
+};
+
+}  // namespace VtrPlatform::details
