@@ -1,0 +1,122 @@
+#include <cxxabi.h>
+#include <dlfcn.h>
+#include <pthread.h>
+#include <setjmp.h>
+#include <signal.h>
+
+#include <array>
+#include <mutex>
+
+#include "GuardedRun.h"
+
+namespace DataBinding::details {
+
+#if defined(DATABINDING_NO_FAULT_GUARD)
+
+std::uint32_t RunTrapping(void (*run)(void*), void* context) {
+  run(context);
+  return 0;
+}
+
+#else
+
+namespace {
+
+/// The runtime's record of the exceptions that this thread is handling, laid out by the Itanium C++
+/// ABI (2.2.2). A jump out of a catch block leaves it as it was inside.
+struct ExceptionState {
+  void* caught;
+  unsigned int uncaughtCount;
+
+  static ExceptionState& OfThread() noexcept {
+    return *reinterpret_cast<ExceptionState*>(abi::__cxa_get_globals());
+  }
+};
+
+/// Where a fault on this thread goes: one for each guarded run that it is in.
+struct Trap {
+  Trap() noexcept;
+  Trap(const Trap&) = delete;
+  Trap& operator=(const Trap&) = delete;
+  ~Trap();
+
+  sigjmp_buf target;
+  volatile std::uint32_t code = 0;
+  ExceptionState exceptions;
+  Trap* outer;
+};
+
+constinit thread_local Trap* innermostTrap = nullptr;
+
+Trap::Trap() noexcept : exceptions(ExceptionState::OfThread()), outer(innermostTrap) {}
+Trap::~Trap() { innermostTrap = outer; }
+
+constexpr std::array faultSignals{SIGSEGV, SIGBUS, SIGFPE, SIGILL};
+std::array<struct sigaction, faultSignals.size()> formerActions;
+
+struct sigaction& FormerAction(int signal) noexcept {
+  std::size_t i = 0;
+  while (faultSignals[i] != signal) ++i;
+  return formerActions[i];
+}
+
+/// Does what would have happened without the guard.
+void PassOn(int signal, siginfo_t* info, void* context) {
+  const struct sigaction& former = FormerAction(signal);
+  if ((former.sa_flags & SA_SIGINFO) != 0) {
+    former.sa_sigaction(signal, info, context);
+  } else if (former.sa_handler == SIG_DFL) {
+    sigaction(signal, &former, nullptr);  // the instruction faults again when this returns
+    if (info->si_code <= 0) raise(signal);
+  } else if (former.sa_handler != SIG_IGN) {
+    former.sa_handler(signal);
+  }
+}
+
+void OnFault(int signal, siginfo_t* info, void* context) {
+  Trap* trap = innermostTrap;
+  const bool byHardware = info->si_code > 0;
+  if (trap == nullptr || !byHardware) return PassOn(signal, info, context);
+  trap->code = static_cast<std::uint32_t>(signal);
+  pthread_sigmask(SIG_SETMASK, &static_cast<ucontext_t*>(context)->uc_sigmask, nullptr);
+  siglongjmp(trap->target, 1);
+}
+
+/// The handlers must not go away while they are installed.
+void KeepLibraryLoaded() {
+  Dl_info library;
+  if (dladdr(reinterpret_cast<void*>(&OnFault), &library) != 0) {
+    dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+  }
+}
+
+void InstallHandlers() {
+  KeepLibraryLoaded();
+  struct sigaction action {};
+  action.sa_sigaction = &OnFault;
+  action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+  sigemptyset(&action.sa_mask);
+  for (std::size_t i = 0; i < faultSignals.size(); ++i) {
+    sigaction(faultSignals[i], nullptr, &formerActions[i]);
+    sigaction(faultSignals[i], &action, nullptr);
+  }
+}
+
+}  // namespace
+
+std::uint32_t RunTrapping(void (*run)(void*), void* context) {
+  static const bool installed = (InstallHandlers(), true);
+  static_cast<void>(installed);
+  Trap trap;
+  if (sigsetjmp(trap.target, 0) == 0) {
+    innermostTrap = &trap;
+    run(context);
+  } else {
+    ExceptionState::OfThread() = trap.exceptions;
+  }
+  return trap.code;
+}
+
+#endif
+
+}  // namespace DataBinding::details

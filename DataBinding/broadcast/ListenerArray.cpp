@@ -1,0 +1,119 @@
+#include "ListenerArray.h"
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+
+namespace DataBinding::details {
+
+namespace {
+
+/// Stands at holes and at null callbacks, so that a broadcast need not ask.
+void RunNothing(const BindStateBase* /*state*/) {}
+
+constexpr std::uint32_t largestCapacity = std::uint32_t{1} << 30;
+
+}  // namespace
+
+ListenerArray* ListenerArray::Make(const VtrString& property, std::uint32_t capacity) {
+  if (capacity > largestCapacity) throw std::length_error("unordered_map/set too long");
+  const std::size_t each = sizeof(Listener) + sizeof(ListenerMark);
+  return ::new (::operator new(sizeof(ListenerArray) + capacity * each))
+      ListenerArray(property, capacity);
+}
+
+ListenerArray::ListenerArray(const VtrString& name, std::uint32_t size) noexcept
+    : property(name),
+      listeners(reinterpret_cast<Listener*>(this + 1)),
+      marks(reinterpret_cast<ListenerMark*>(listeners + size)),
+      capacity(size) {}
+
+void ListenerArray::Destroy(ListenerArray* array) {
+  for (std::uint32_t i = 0; i < array->count; ++i) {
+    if (array->listeners[i].state != nullptr) array->listeners[i].state->Release();
+  }
+  array->~ListenerArray();
+  ::operator delete(array);
+}
+
+void ListenerArray::Append(std::uint64_t id, const RepeatingCallback<void()>& callback) noexcept {
+  const BindStateBase* state = callback.GetBindState();
+  const auto run = reinterpret_cast<Listener::Run>(callback.polymorphic_invoke());
+  if (state != nullptr) state->AddRef();
+  ::new (&listeners[count]) Listener{run != nullptr ? run : &RunNothing, state};
+  ::new (&marks[count]) ListenerMark{id, ListenerMark::never};
+  ++count;
+  ++live;
+}
+
+void ListenerArray::CloseHoles() noexcept {
+  std::uint32_t kept = 0;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (Removal(i) != ListenerMark::never) continue;
+    listeners[kept] = listeners[i];
+    marks[kept].id = marks[i].id;
+    marks[kept].removal.store(ListenerMark::never, std::memory_order_relaxed);
+    ++kept;
+  }
+  count = kept;
+}
+
+ListenerArray* ListenerArray::Grown(bool pinned) {
+  ListenerArray* grown = Make(property, std::max(live * 2, std::uint32_t{2}));
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (Removal(i) != ListenerMark::never) continue;
+    if (pinned && listeners[i].state != nullptr) listeners[i].state->AddRef();
+    ::new (&grown->listeners[grown->count]) Listener(listeners[i]);
+    ::new (&grown->marks[grown->count]) ListenerMark{marks[i].id, ListenerMark::never};
+    ++grown->count;
+  }
+  grown->live = live;
+  if (!pinned) count = 0;
+  return grown;
+}
+
+std::uint64_t ListenerArray::Removal(std::uint32_t position) const noexcept {
+  return marks[position].removal.load(std::memory_order_relaxed);
+}
+
+std::uint32_t ListenerArray::Find(std::uint64_t id) const noexcept {
+  const auto* found = std::lower_bound(
+      marks, marks + count, id, [](const auto& mark, auto wanted) { return mark.id < wanted; });
+  return static_cast<std::uint32_t>(found - marks);
+}
+
+comlike_ptr<const BindStateBase> ListenerArray::Vacate(std::uint32_t position) noexcept {
+  Listener& listener = listeners[position];
+  comlike_ptr<const BindStateBase> state(listener.state);
+  listener = {&RunNothing, nullptr};
+  return state;
+}
+
+comlike_ptr<const BindStateBase> ListenerArray::TakeOut(std::uint64_t id) noexcept {
+  const auto position = Find(id);
+  auto state = Vacate(position);
+  marks[position].removal.store(ListenerMark::hole, std::memory_order_relaxed);
+  --live;
+  while (count > 0 && Removal(count - 1) == ListenerMark::hole) --count;
+  if (count / 2 > live) CloseHoles();
+  return state;
+}
+
+void ListenerArray::MarkRemoved(std::uint64_t id) noexcept {
+  marks[Find(id)].removal.store(++lastRemoval, std::memory_order_relaxed);
+  --live;
+  ++removed;
+}
+
+void ListenerArray::Sweep(std::span<comlike_ptr<const BindStateBase>> out) noexcept {
+  for (std::uint32_t i = 0; removed != 0 && i < count && !out.empty(); ++i) {
+    if (Removal(i) == ListenerMark::hole || Removal(i) == ListenerMark::never) continue;
+    marks[i].removal.store(ListenerMark::hole, std::memory_order_relaxed);
+    --removed;
+    out.front() = Vacate(i);
+    if (out.front()) out = out.subspan(1);
+  }
+  if (removed == 0 && count / 2 > live) CloseHoles();
+}
+
+}  // namespace DataBinding::details

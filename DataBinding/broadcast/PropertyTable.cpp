@@ -1,0 +1,97 @@
+#include "PropertyTable.h"
+
+#include <utility>
+
+#include "DataBinding/foundation/SamplingHash.h"
+
+namespace DataBinding::details {
+
+PropertyTable::PropertyTable(PropertyTable&& other) noexcept
+    : slots(std::move(other.slots)),
+      capacity(std::exchange(other.capacity, 0)),
+      usedSlots(std::exchange(other.usedSlots, 0)),
+      size(std::exchange(other.size, 0)) {}
+
+PropertyTable::~PropertyTable() {
+  ForEach([](PropertyEntry& entry) { delete &entry; });
+}
+
+PropertyTable::Slot& PropertyTable::Probe(std::uint64_t hash) const noexcept {
+  std::size_t i = Home(hash);
+  while (slots[i].first != nullptr && slots[i].hash != hash) i = (i + 1) & (capacity - 1);
+  return slots[i];
+}
+
+PropertyEntry* PropertyTable::Find(const VtrString& name) const noexcept {
+  if (size == 0) return nullptr;
+  const Slot& slot = Probe(SamplingHash(name));
+  if (slot.first == nullptr || slot.first->Name() == name) return slot.first;
+  if (slot.alike == nullptr) return nullptr;
+  const auto found = slot.alike->find(name);
+  return found == slot.alike->end() ? nullptr : found->second;
+}
+
+PropertyEntry& PropertyTable::Insert(const VtrString& name) {
+  Reserve();
+  const auto hash = SamplingHash(name);
+  std::unique_ptr<PropertyEntry> entry(
+      new PropertyEntry{hash, ListenerArrayPtr(ListenerArray::Make(name, 1))});
+  Slot& slot = Probe(hash);
+  if (slot.first == nullptr) {
+    slot.hash = hash;
+    slot.first = entry.get();
+    ++usedSlots;
+  } else {
+    if (slot.alike == nullptr) slot.alike = std::make_unique<Alike>();
+    slot.alike->emplace(entry->Name(), entry.get());
+  }
+  ++size;
+  return *entry.release();
+}
+
+void PropertyTable::Reserve() {
+  if (usedSlots + 1 <= capacity / 2 + capacity / 4) return;
+  PropertyTable larger;
+  larger.capacity = capacity == 0 ? firstCapacity : capacity * 2;
+  larger.slots = std::make_unique<Slot[]>(larger.capacity);
+  for (std::size_t i = 0; i < capacity; ++i) {
+    if (slots[i].first != nullptr) larger.Probe(slots[i].hash) = std::move(slots[i]);
+  }
+  slots = std::move(larger.slots);
+  capacity = std::exchange(larger.capacity, 0);
+}
+
+std::unique_ptr<PropertyEntry> PropertyTable::Extract(PropertyEntry& entry) noexcept {
+  RemoveFromSlot(Probe(entry.hash), entry);
+  --size;
+  return std::unique_ptr<PropertyEntry>(&entry);
+}
+
+void PropertyTable::RemoveFromSlot(Slot& slot, PropertyEntry& entry) noexcept {
+  if (slot.alike == nullptr) return Vacate(slot);
+  if (slot.first == &entry) {
+    const auto next = slot.alike->begin();
+    slot.first = next->second;
+    slot.alike->erase(next);
+  } else {
+    slot.alike->erase(entry.Name());
+  }
+  if (slot.alike->empty()) slot.alike.reset();
+}
+
+/// Empties a slot and moves later slots of its run up, so that no probe meets a gap.
+void PropertyTable::Vacate(Slot& slot) noexcept {
+  auto gap = static_cast<std::size_t>(&slot - slots.get());
+  for (std::size_t i = (gap + 1) & (capacity - 1); slots[i].first != nullptr;
+       i = (i + 1) & (capacity - 1)) {
+    const std::size_t fromHome = (i - Home(slots[i].hash)) & (capacity - 1);
+    const std::size_t fromGap = (i - gap) & (capacity - 1);
+    if (fromHome < fromGap) continue;
+    slots[gap] = std::move(slots[i]);
+    gap = i;
+  }
+  slots[gap] = Slot();
+  --usedSlots;
+}
+
+}  // namespace DataBinding::details

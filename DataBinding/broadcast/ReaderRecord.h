@@ -1,0 +1,51 @@
+/// What each thread says of the broadcasts that it is in: one record a thread, a cache line of its
+/// own, written by that thread and read by writers of any registry.
+///
+/// A thread that looks listeners up says in which registry; a thread that runs a listener array
+/// says which one, in a pin. So a broadcast writes no memory that another thread's broadcast writes
+/// or reads, and two threads that announce one property do not slow each other down. The idea is
+/// that of biased reader/writer locks (Dice and Kogan, USENIX ATC 2019) and of hazard pointers
+/// (Michael, IEEE TPDS 2004).
+///
+/// Records are made at a thread's first broadcast, taken over by later threads when theirs ends,
+/// and never freed.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace DataBinding::details {
+
+class alignas(64) ReaderRecord {
+ public:
+  /// How many broadcasts of one thread may nest and still be pinned here.
+  static constexpr std::size_t mostPins = 6;
+  /// Set in a pin by a writer that counts on being told when the run ends.
+  static constexpr std::uintptr_t handedOver = 1;
+  using Pin = std::atomic<std::uintptr_t>;
+
+  /// The calling thread's record, or null when there is no memory or the thread is ending.
+  [[nodiscard]] static ReaderRecord* Current() noexcept;
+
+  /// The first of all records; Next leads to the others.
+  [[nodiscard]] static ReaderRecord* First() noexcept;
+  [[nodiscard]] ReaderRecord* Next() const noexcept { return next; }
+
+  /// The registry lock under which this thread looks something up, or null.
+  std::atomic<const void*> reading{nullptr};
+  /// The arrays that this thread runs, as addresses; 0 for none.
+  std::array<Pin, mostPins> pins{};
+  /// How many pins are in use. For the record's own thread only.
+  std::size_t depth = 0;
+
+ private:
+  friend class ReaderRecordOwner;
+  [[nodiscard]] static ReaderRecord* Acquire() noexcept;
+
+  std::atomic<bool> taken{true};
+  ReaderRecord* next = nullptr;
+};
+
+}  // namespace DataBinding::details

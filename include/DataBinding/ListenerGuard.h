@@ -1,0 +1,44 @@
+/// What happens to a property listener that throws or faults: it is skipped and the next one runs.
+///
+/// C++ exceptions are always caught. Hardware faults (access violations, divisions by zero, illegal
+/// instructions) are caught as well unless that is switched off, at run time here or at build time
+/// with the CMake option DATABINDING_FAULT_GUARD. A faulting listener is abandoned where it stood:
+/// the destructors of its frames do not run, so locks stay held and memory leaks.
+///
+/// On POSIX the guard installs handlers for SIGSEGV, SIGBUS, SIGFPE and SIGILL at the first
+/// broadcast that has listeners and from then on the library stays loaded. Faults outside a
+/// listener go to whoever had installed a handler before; whoever installs one later without
+/// chaining takes the faults over. A stack overflow is survived only on a thread that has an
+/// alternate signal stack. Thread cancellation passes through. All functions here may be called on
+/// any thread.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding {
+
+/// What a listener let out.
+struct ListenerFailure {
+  VtrString property;
+  /// The exception, or null for a hardware fault.
+  std::exception_ptr exception;
+  /// The signal number or the structured exception code, or 0 for an exception.
+  std::uint32_t faultCode = 0;
+};
+
+/// Sets who is told, on the broadcasting thread, of what was swallowed; null, which is how a
+/// process starts, for nobody. What the handler throws is dropped.
+DATABINDING_API void SetListenerFailureHandler(
+    const RepeatingCallback<void(const ListenerFailure&)>& handler);
+
+/// Switches the guard against hardware faults for broadcasts that start from now on.
+DATABINDING_API void SetHardwareFaultGuard(bool on) noexcept;
+/// False as well where the library was built without the guard.
+[[nodiscard]] DATABINDING_API bool IsHardwareFaultGuardOn() noexcept;
+
+}  // namespace DataBinding
