@@ -1,0 +1,77 @@
+#include "DataBinding/IReflectable.h"
+
+namespace DataBinding {
+
+// The resolvers go through the virtual operations of this very object and live no longer than it.
+IReflectable::IReflectable()
+    : reflectable([this](const VtrString& name,
+                         const runtime_type_base& type) { return GetDynamicDelegate(name, type); },
+                  [this](const VtrString& name) -> const runtime_type_base& {
+                    return GetDynamicType(name);
+                  }) {}
+
+IReflectable::~IReflectable() = default;
+
+bool IReflectable::IsProperty(const VtrString& name) const { return reflectable.IsProperty(name); }
+
+bool IReflectable::IsWritableProperty(const VtrString& name) const {
+  return reflectable.IsWritableProperty(name);
+}
+
+RepeatingCallbackMemento IReflectable::GetDynamicDelegate(const VtrString& /*name*/,
+                                                          const runtime_type_base& /*type*/) {
+  return RepeatingCallbackMemento();
+}
+
+const runtime_type_base& IReflectable::GetDynamicType(const VtrString& /*name*/) {
+  return runtime_type<void>::Get();
+}
+
+Subscription IReflectable::AddOnDestroyHandler(const RepeatingCallback<void()>& callback) {
+  return reflectable.AddOnDestroyHandler(callback);
+}
+
+Subscription IReflectable::AddOnDestroyedHandler(const RepeatingCallback<void()>& callback) {
+  return reflectable.AddOnDestroyedHandler(callback);
+}
+
+IReflectable::iterator IReflectable::begin() { return reflectable.begin(); }
+IReflectable::const_iterator IReflectable::begin() const { return reflectable.begin(); }
+IReflectable::iterator IReflectable::end() { return reflectable.end(); }
+IReflectable::const_iterator IReflectable::end() const { return reflectable.end(); }
+
+void IReflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
+                                const runtime_type_base& type) {
+  reflectable._AddDelegate(name, delegate, type);
+}
+
+void IReflectable::_AddType(const VtrString& name, const runtime_type_base& type) {
+  reflectable._AddType(name, type);
+}
+
+std::pair<std::size_t, RepeatingCallbackMemento> IReflectable::_GetDelegate(
+    std::initializer_list<DelegateTag> tags) {
+  return reflectable._GetDelegate(tags);
+}
+
+std::pair<std::size_t, const runtime_type_base&> IReflectable::_GetType(
+    std::initializer_list<VtrString> names) {
+  return reflectable._GetType(names);
+}
+
+RepeatingCallbackMemento IReflectable::GetDelegateMemento(const VtrString& name,
+                                                          const runtime_type_base& type) {
+  return _GetDelegate({{name, type}}).second;
+}
+
+const runtime_type_base& IReflectable::GetDelegateType(const VtrString& name) {
+  return _GetType({name}).second;
+}
+
+const runtime_type_base& IReflectable::GetDelegatesType(std::initializer_list<VtrString> names) {
+  return _GetType(names).second;
+}
+
+void IReflectable::MakeEventSource(VtrString name) { _AddType(name, runtime_type<void()>::Get()); }
+
+}  // namespace DataBinding

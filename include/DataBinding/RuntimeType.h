@@ -1,0 +1,64 @@
+/// Descriptors of the types of reflected members: runtime_type<T>, one static instance per T.
+///
+/// A property's type is its value type, `const T` for one that only its source may write; a
+/// delegate's or an event source's is its function type. Each module may have an instance of its
+/// own for one T: compare descriptors with IsSameType, never by address. Instances live until their
+/// module is unloaded; hold no descriptor of a plug-in longer than the plug-in.
+#pragma once
+
+#include <string>
+#include <type_traits>
+#include <typeinfo>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/Fwd.h"
+
+namespace DataBinding {
+
+class DATABINDING_API runtime_type_base {
+ public:
+  virtual ~runtime_type_base();
+
+  /// True when the other describes the very same type. False for null.
+  [[nodiscard]] virtual bool IsSameType(const runtime_type_base* other) const = 0;
+  /// True for types whose members cannot be written.
+  [[nodiscard]] virtual bool IsReadOnly() const = 0;
+  /// True for function types: delegates and event sources.
+  [[nodiscard]] virtual bool IsFunction() const = 0;
+  /// The static instance of this descriptor's class.
+  [[nodiscard]] virtual const runtime_type_base& Instance() const = 0;
+
+  /// The described type as a reader would write it, for messages: "double", "void ()". How a
+  /// compiler spells a type differs; show it, do not compare it.
+  [[nodiscard]] std::string GetTypeName() const;
+
+ protected:
+  runtime_type_base() noexcept = default;
+  runtime_type_base(const runtime_type_base&) noexcept = default;
+  runtime_type_base& operator=(const runtime_type_base&) noexcept = default;
+};
+
+template <class T>
+class runtime_type : public runtime_type_base {
+ public:
+  [[nodiscard]] bool IsSameType(const runtime_type_base* other) const override {
+    return other != nullptr && typeid(*other) == typeid(runtime_type);
+  }
+  [[nodiscard]] bool IsReadOnly() const override { return std::is_const_v<T>; }
+  [[nodiscard]] bool IsFunction() const override { return std::is_function_v<T>; }
+  [[nodiscard]] const runtime_type_base& Instance() const override { return Get(); }
+
+  [[nodiscard]] static const runtime_type& Get() {
+    static const runtime_type instance;
+    return instance;
+  }
+};
+
+template <>
+DATABINDING_API const runtime_type<void>& runtime_type<void>::Get();
+template <>
+DATABINDING_API const runtime_type<void()>& runtime_type<void()>::Get();
+template <>
+DATABINDING_API const runtime_type<IDataContext*>& runtime_type<IDataContext*>::Get();
+
+}  // namespace DataBinding
