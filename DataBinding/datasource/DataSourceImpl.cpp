@@ -1,0 +1,62 @@
+#include "DataBinding/DataSourceImpl.h"
+
+#include "DataBinding/IDataSourceProvider.h"
+#include "DataBinding/foundation/StringSplit.h"
+
+namespace DataBinding {
+
+namespace {
+
+constexpr wchar_t everyProperty[] = L"*";
+
+/// True for what splitting would give back as it is: most announcements, which need not be split.
+bool IsOneName(std::wstring_view names) noexcept {
+  return names != everyProperty && names.find(L',') == names.npos &&
+         !String::IsBlank(names.front()) && !String::IsBlank(names.back());
+}
+
+}  // namespace
+
+DataSourceImpl::DataSourceImpl() = default;
+DataSourceImpl::~DataSourceImpl() = default;
+
+void DataSourceImpl::Destroy() { delete this; }
+
+IDataContext* DataSourceImpl::GetDataContext() const {
+  return provider == nullptr ? nullptr : provider->GetDataContext();
+}
+
+void DataSourceImpl::UpdateListeners(const VtrString& names) {
+  if (!postConstructed || names.IsEmpty()) return;
+  if (IsOneName(names)) return broadcaster.UpdateListeners(names);
+
+  const auto pieces = String::Split(names, L',', false, true);
+  const auto self = liveness.GetRef();
+  if (!pieces.empty() && pieces.front().Compare(everyProperty) != 0) {
+    for (const auto& piece : pieces) {
+      if (!self.IsValid()) return;
+      broadcaster.UpdateListeners(piece);
+    }
+    return;
+  }
+  std::set<VtrString> excluded;
+  for (std::size_t i = 1; i < pieces.size(); ++i) excluded.insert(pieces[i].Mid(1));
+  UpdateAllBut(excluded, self);
+}
+
+void DataSourceImpl::UpdateAllBut(const std::set<VtrString>& excluded,
+                                  const details::WeakReference& self) {
+  for (auto item = begin(); item != end(); ++item) {
+    if (item->second.type.get().IsFunction() || excluded.contains(item->first)) continue;
+    broadcaster.UpdateListeners(item->first);
+    if (!self.IsValid()) return;
+  }
+}
+
+void details::DataSourceAccess::Complete(DataSourceImpl& source, IDataSourceProvider* provider) {
+  source.SetDataSourceProvider(provider);
+  source.PostConstruct();
+  source.postConstructed = true;
+}
+
+}  // namespace DataBinding

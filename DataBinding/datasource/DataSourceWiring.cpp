@@ -1,0 +1,147 @@
+// How a provider wires listeners to sources: sources come and go, listeners wait for them by name.
+
+#include <cassert>
+#include <utility>
+
+#include "DataBinding/DataSourceProvider.h"
+#include "DataBinding/IDataListener.h"
+#include "DataBinding/IDataSource.h"
+
+namespace DataBinding {
+
+/// The scope of a call to a listener, in which the provider must not be changed.
+class DataSourceProvider::Notification {
+ public:
+  explicit Notification(DataSourceProvider& notifying) noexcept : provider(notifying) {
+    ++provider.notifications;
+  }
+  Notification(const Notification&) = delete;
+  Notification& operator=(const Notification&) = delete;
+  ~Notification() { --provider.notifications; }
+
+ private:
+  DataSourceProvider& provider;
+};
+
+void DataSourceProvider::AddDataSource(IDataSource* source) {
+  if (source == nullptr) return;
+  assert(notifications == 0 && "a listener adds a source while this provider connects it");
+  const wchar_t* name = source->GetDataSourceName();
+  if (name != nullptr) {
+    const VtrString key(name);
+    const Notification scope(*this);
+    IDataListener* listener = nullptr;
+    while ((listener = NextWaiting(key, listener)) != nullptr)
+      listener->ConnectToDatasource(source);
+    sourcesByName.try_emplace(key, source);
+  }
+  addedSources.emplace(++lastAddition, source);
+  additions.emplace(source, lastAddition);
+}
+
+void DataSourceProvider::AddDataSources(IDataSource* const* sources, std::size_t count) {
+  for (std::size_t i = 0; sources != nullptr && i < count; ++i) AddDataSource(sources[i]);
+}
+
+void DataSourceProvider::RemoveDataSource(IDataSource* source) {
+  if (source == nullptr) return;
+  assert(notifications == 0 && "a listener removes a source while this provider connects it");
+  const wchar_t* name = source->GetDataSourceName();
+  if (GetLocalDataSourceInstance(name) == nullptr) return;
+  const VtrString key(name);
+  DisconnectDataListeners(source);
+  sourcesByName.erase(key);
+  ForgetSource(source);
+}
+
+void DataSourceProvider::RemoveDataSources(IDataSource* const* sources, std::size_t count) {
+  for (std::size_t i = 0; sources != nullptr && i < count; ++i) RemoveDataSource(sources[i]);
+}
+
+void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
+  const wchar_t* name = source->GetDataSourceName();
+  if (name == nullptr) return;
+  const VtrString key(name);
+  const Notification scope(*this);
+  IDataListener* listener = nullptr;
+  while ((listener = NextWaiting(key, listener)) != nullptr) {
+    listener->DisconnectFromDatasource(source);
+  }
+}
+
+/// The next living listener, in order of address, that waits for a name. Looks anew each time,
+/// since a listener may end, or end others, while it is called.
+IDataListener* DataSourceProvider::NextWaiting(const VtrString& name, IDataListener* after) {
+  for (auto found = waiting.find(name); found != waiting.end(); found = waiting.find(name)) {
+    const auto next = found->second.upper_bound(after);
+    if (next == found->second.end()) return nullptr;
+    IDataListener* listener = *next;
+    if (listeners.at(listener).liveness.IsValid()) return listener;
+    ForgetListener(listener);
+  }
+  return nullptr;
+}
+
+void DataSourceProvider::AddDataListener(IDataListener* listener, const std::set<VtrString>& names,
+                                         bool keepUnresolved) {
+  if (listener == nullptr) return;
+  assert(notifications == 0 && "a listener is added while this provider connects one");
+  const auto liveness = listener->liveness.GetRef();
+  std::set<VtrString> kept;
+  std::set<VtrString> forwarded;
+  for (const auto& name : names) {
+    const bool buildable = CanBuild(name);
+    IDataSource* local = GetLocalDataSourceInstance(name);
+    if (local != nullptr) {
+      const Notification scope(*this);
+      listener->ConnectToDatasource(local);
+      if (!liveness.IsValid()) return;
+    }
+    const bool servedHere = local != nullptr || buildable;
+    if (servedHere || keepUnresolved) kept.insert(kept.end(), name);
+    if (!servedHere) forwarded.insert(forwarded.end(), name);
+  }
+  if (!forwarded.empty() && parent != nullptr) {
+    parent->AddDataListener(listener, forwarded, false);
+    if (!liveness.IsValid()) return;
+  }
+  FileListener(listener, std::move(kept));
+}
+
+void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrString>&& kept) {
+  const auto filed = listeners.find(listener);
+  if (filed != listeners.end()) {
+    if (filed->second.liveness.IsValid()) return;
+    ForgetListener(listener);  // a former listener at the same address
+  }
+  for (const auto& name : kept) waiting[name].insert(listener);
+  listeners.emplace(listener, ListenerEntry{std::move(kept), listener->liveness.GetRef()});
+}
+
+void DataSourceProvider::ForgetListener(IDataListener* listener) {
+  const auto entry = listeners.extract(listener);
+  if (entry.empty()) return;
+  for (const auto& name : entry.mapped().names) {
+    const auto found = waiting.find(name);
+    found->second.erase(listener);
+    if (found->second.empty()) waiting.erase(found);
+  }
+}
+
+void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
+  if (parent != nullptr) parent->RemoveDataListener(listener);
+  const auto filed = listeners.find(listener);
+  if (filed == listeners.end()) return;
+  if (!filed->second.liveness.IsValid()) return ForgetListener(listener);
+  // The entry's names must outlast the calls, in which the listener may end.
+  const auto names = filed->second.names;
+  const auto liveness = filed->second.liveness;
+  const Notification scope(*this);
+  for (const auto& name : names) {
+    IDataSource* source = GetLocalDataSourceInstance(name);
+    if (source != nullptr && liveness.IsValid()) listener->DisconnectFromDatasource(source);
+  }
+  ForgetListener(listener);
+}
+
+}  // namespace DataBinding

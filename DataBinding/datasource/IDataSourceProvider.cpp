@@ -1,0 +1,22 @@
+#include "DataBinding/IDataSourceProvider.h"
+
+namespace DataBinding {
+
+IDataSourceProvider::~IDataSourceProvider() = default;
+
+void IDataSourceProvider::Destroy(IDataSourceProvider* provider) {
+  if (provider != nullptr) provider->Destroy();
+}
+
+// What is attached to a provider is no part of its state: a proxy may set it on a const one.
+CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {
+  return CustomDataProxy(const_cast<IDataSourceProvider*>(this));
+}
+
+void* CustomDataProxy::GetRaw(const Guid& id) const { return provider->GetCustomData(id); }
+
+void* CustomDataProxy::SetRaw(const Guid& id, void* value) const {
+  return provider->SetCustomData(id, value);
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,66 @@
+/// A listener that runs callbacks when named properties of named data sources change, without
+/// holding the sources.
+///
+/// Add all entries first, then give it a provider: the provider connects it to each wanted source
+/// now or when it appears, and disconnects it when the source goes. Source names are matched to
+/// entries without regard to case; property names are passed on as they are.
+///
+/// Deliberate, and to be known: setting another provider does not take the listener off the former
+/// one, and an entry that is added later is heard only after `RemoveDataListener` on the provider
+/// followed by SetDataSourceProvider, since a provider keeps the names that it was first given. A
+/// move takes the entries along with their live subscriptions, while the provider goes on knowing
+/// the object that was moved from; move a listener only before it has a provider.
+///
+///   class CpuView : public DataListener {
+///    public:
+///     CpuView() { AddDataListener(L"Cpu", L"Load", [this] { Redraw(); }); }
+///   ...
+///   view.SetDataSourceProvider(&provider);
+#pragma once
+
+#include <vector>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/IDataListener.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
+
+namespace DataBinding {
+
+/// One wanted property, and the registration while its source is connected.
+struct DataListenerEntry {
+  VtrString dataSourceName;
+  VtrString propertyName;
+  RepeatingCallback<void()> callback;
+  Subscription subscription;
+};
+
+class DATABINDING_API DataListener : public IDataListener {
+ public:
+  DataListener() noexcept;
+  DataListener(DataListener&& other) noexcept;
+  DataListener& operator=(DataListener&& other) noexcept;
+  /// Takes the listener off its provider.
+  ~DataListener() override;
+
+  /// Attaches the listener, after OnDataSourceProviderChanging. Null only forgets the provider.
+  void SetDataSourceProvider(IDataSourceProvider* newProvider);
+
+ protected:
+  /// Adds an entry. It takes effect with the next SetDataSourceProvider. Equal entries each run.
+  void AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,
+                       const RepeatingCallback<void()>& callback);
+  [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept { return provider; }
+
+  void ConnectToDatasource(IDataSource* source) override;
+  void DisconnectFromDatasource(IDataSource* source) override;
+  void NotifyDatasourceProviderDestroyed(IDataSourceProvider* gone) override;
+  void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) override = 0;
+
+ private:
+  std::vector<DataListenerEntry> entries;
+  IDataSourceProvider* provider = nullptr;
+};
+
+}  // namespace DataBinding

@@ -1,0 +1,77 @@
+/// Registers a data source class, to be built on demand, for as long as this object lives.
+///
+/// The name must be that of the sources it builds. A T is constructed from the provider where it
+/// can be, else without arguments, or by a factory. It unregisters at the registrar at which it
+/// registered, which deletes the sources of that name in attached providers.
+///
+///   const DataSourceConstructor<CpuSource> cpu(L"Cpu", L"root");
+#pragma once
+
+#include <concepts>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "DataBinding/IDataSourceConstructor.h"
+#include "DataBinding/IDataSourceRegistrar.h"
+#include "DataBinding/MakeDataSource.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding {
+
+template <std::derived_from<DataSourceImpl> T>
+class DataSourceConstructor final : public IDataSourceConstructor {
+ public:
+  using Factory = RepeatingCallback<DataSourcePtr<T>(IDataSourceProvider*)>;
+
+  /// Throws std::invalid_argument when the name is empty or taken.
+  DataSourceConstructor(VtrString sourceName, VtrString categoryList,
+                        Placement place = Placement::Back) requires std::default_initializable<T> ||
+      std::constructible_from<T, IDataSourceProvider*>
+      : DataSourceConstructor(std::move(sourceName), std::move(categoryList), place, &Build) {}
+  DataSourceConstructor(VtrString sourceName, VtrString categoryList, Placement place,
+                        Factory sourceFactory)
+      : registrar(IDataSourceRegistrar::GetInstance()),
+        name(std::move(sourceName)),
+        categories(std::move(categoryList)),
+        placement(place),
+        factory(std::move(sourceFactory)) {
+    if (name.IsEmpty() || registrar.FindConstructor(name) != nullptr) {
+      throw std::invalid_argument("the data source name \"" + name.ToUtf8() +
+                                  "\" is empty or already registered");
+    }
+    registrar.RegisterDataSource(this);
+  }
+  DataSourceConstructor(const DataSourceConstructor&) = delete;
+  DataSourceConstructor& operator=(const DataSourceConstructor&) = delete;
+  ~DataSourceConstructor() { registrar.UnregisterDataSource(this); }
+
+  void OnRegistered() override {}
+  void OnUnregistered() override {}
+  const wchar_t* GetName() override { return name; }
+  IDataSource* CreateDataSource(IDataSourceProvider* provider) override {
+    return factory(provider).release();
+  }
+  void OnProviderAttached(IDataSourceProvider* /*provider*/) override {}
+  int GetPlacement() override { return static_cast<int>(placement); }
+  const wchar_t* GetCategories() override { return categories; }
+
+ private:
+  static DataSourcePtr<T> Build(IDataSourceProvider* provider) {
+    if constexpr (std::constructible_from<T, IDataSourceProvider*>) {
+      return MakeDataSource<T>(provider, provider);
+    } else {
+      return MakeDataSource<T>(provider);
+    }
+  }
+
+  IDataSourceRegistrar& registrar;
+  VtrString name;
+  VtrString categories;
+  Placement placement;
+  Factory factory;
+};
+
+}  // namespace DataBinding

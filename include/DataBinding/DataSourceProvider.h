@@ -1,0 +1,120 @@
+/// The provider that the library itself builds: see IDataSourceProvider for what it does.
+///
+/// Re-entrancy: a listener must not add or remove listeners or sources of a provider from inside
+/// that provider's call to its ConnectToDatasource or DisconnectFromDatasource; debug builds assert
+/// it. A listener may end there, itself or another one: it is then not called any more.
+///
+/// Entries of listeners know whether their listener lives, so one that was left behind (the
+/// listener moved to another provider, or a scope between them was shut down) is dropped silently.
+///
+/// Copies are plain member-wise copies, deliberately: they tell nobody, are no child of their
+/// parent, and name the same sources, which both would end. Copy only a provider without sources,
+/// children and listeners, as a template for another.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <vector>
+
+#include "DataBinding/IDataSourceProvider.h"
+#include "DataBinding/foundation/WeakPtr.h"
+
+namespace DataBinding {
+
+class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
+ public:
+  /// A scope below the parent, or a root for null. Null categories are none. The registrar is not
+  /// told: see IDataSourceRegistrar::AttachProvider.
+  DataSourceProvider(IDataSourceProvider* parentProvider, const wchar_t* categoryList,
+                     IDataContext* context);
+  DataSourceProvider(const DataSourceProvider&);
+  DataSourceProvider& operator=(const DataSourceProvider&);
+
+  IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categoryList,
+                                                IDataContext* context) override;
+  [[nodiscard]] IDataSourceProvider* GetParent() const override;
+  IDataSource* GetDataSource(const wchar_t* name) override;
+  IDataSource& GetDataSourceReference(const wchar_t* name) override;
+  IVantorGenericDetail::FindInterfaceProxy GetDataSourceInterface(const wchar_t* name) override;
+  [[nodiscard]] IDataSource* GetLocalDataSourceInstance(const wchar_t* name) const override;
+  bool DeleteLocalDataSourceInstance(const wchar_t* name) override;
+  IDataContext* GetDataContext() override;
+  void AddDataSource(IDataSource* source) override;
+  void AddDataSources(IDataSource* const* sources, std::size_t count) override;
+  void RemoveDataSource(IDataSource* source) override;
+  void RemoveDataSources(IDataSource* const* sources, std::size_t count) override;
+  void AddDataListener(IDataListener* listener, const std::set<VtrString>& names,
+                       bool keepUnresolved) override;
+  void RemoveDataListener(IDataListener* listener) override;
+  using IDataSourceProvider::GetCustomData;
+  void* SetCustomData(const Guid& id, void* value) override;
+  [[nodiscard]] void* GetCustomData(const Guid& id) const override;
+  [[nodiscard]] std::vector<VtrString> GetRegisteredDataSources() const override;
+  [[nodiscard]] bool MatchCategory(const wchar_t* categoryList) const override;
+  void Shutdown() override;
+  [[nodiscard]] const std::vector<VtrString>& GetCategories() const override;
+
+  /// True when the comma-separated list holds one of the categories, exactly, case included.
+  [[nodiscard]] static bool MatchCategory(const wchar_t* categoryList,
+                                          const std::vector<VtrString>& categories);
+
+  /// Calls visit(IDataSource&) for the sources that were added here, in order of addition. Those
+  /// that are removed meanwhile are skipped, those that are added meanwhile are not visited.
+  template <class Visitor>
+  void VisitDataSources(Visitor&& visit) const {
+    for (const auto& [number, source] : std::map(addedSources)) {
+      if (addedSources.contains(number)) visit(*source);
+    }
+  }
+  /// Calls visit(IDataSourceProvider&) for the child scopes, in no meaningful order. Those that
+  /// leave meanwhile are skipped.
+  template <class Visitor>
+  void VisitChildren(Visitor&& visit) const {
+    for (IDataSourceProvider* child : std::set(children)) {
+      if (children.contains(child)) visit(*child);
+    }
+  }
+
+ protected:
+  ~DataSourceProvider() override;
+
+ private:
+  struct ListenerEntry {
+    std::set<VtrString> names;
+    details::WeakReference liveness;
+  };
+  class Notification;
+
+  void Destroy() override;
+  void SetParent(IDataSourceProvider* newParent) override;
+  void AddChild(IDataSourceProvider* child) override;
+  void RemoveChild(IDataSourceProvider* child) override;
+  void GetCombinedCategoryList(std::vector<VtrString>& out) const override;
+  void DisconnectDataListeners(IDataSource* source) override;
+
+  IDataSource* BuildDataSource(const wchar_t* name);
+  [[nodiscard]] bool CanBuild(const wchar_t* name) const;
+  void ForgetSource(IDataSource* source);
+  void FileListener(IDataListener* listener, std::set<VtrString>&& kept);
+  void ForgetListener(IDataListener* listener);
+  [[nodiscard]] IDataListener* NextWaiting(const VtrString& name, IDataListener* after);
+
+  IDataSourceProvider* parent;
+  IDataContext* dataContext;
+  std::set<IDataSourceProvider*> children;
+  std::vector<VtrString> categories;
+  std::map<VtrString, IDataSource*, std::less<>> sourcesByName;
+  /// The owned sources by the number of their addition, and the way back.
+  std::map<std::uint64_t, IDataSource*> addedSources;
+  std::multimap<IDataSource*, std::uint64_t> additions;
+  std::uint64_t lastAddition = 0;
+  std::map<Guid, void*> customData;
+  std::map<IDataListener*, ListenerEntry> listeners;
+  /// The same listeners by the names that they wait for here.
+  std::map<VtrString, std::set<IDataListener*>> waiting;
+  bool shutDown = false;
+  int notifications = 0;
+};
+
+}  // namespace DataBinding

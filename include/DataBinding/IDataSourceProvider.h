@@ -1,0 +1,103 @@
+/// One scope in a tree of scopes in which data sources are found by name.
+///
+/// A name is answered by the sources that were added here, then by building the source from a
+/// registered constructor whose categories match this provider's, then by the parent. A provider
+/// owns the sources that were added to it and nothing else; its creator ends it with
+/// IDataSourceProvider::Destroy. A tree is used on one thread.
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <vector>
+
+#include "DataBinding/CustomDataProxy.h"
+#include "DataBinding/Export.h"
+#include "DataBinding/Fwd.h"
+#include "DataBinding/foundation/Guid.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/VantorGeneric.h"
+
+namespace DataBinding {
+
+class DATABINDING_API IDataSourceProvider {
+ public:
+  using CustomDataProxy = DataBinding::CustomDataProxy;
+
+  IDataSourceProvider() noexcept = default;
+  IDataSourceProvider(const IDataSourceProvider&) noexcept = default;
+  IDataSourceProvider& operator=(const IDataSourceProvider&) noexcept = default;
+
+  /// Ends a provider. Does nothing for null.
+  static void Destroy(IDataSourceProvider* provider);
+  /// Typed access to this provider's custom data.
+  [[nodiscard]] CustomDataProxy GetCustomData() const noexcept;
+
+  /// A new child scope with its own comma-separated categories. The caller owns it.
+  virtual IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categories,
+                                                        IDataContext* context) = 0;
+  /// The enclosing scope, or null for a root.
+  virtual IDataSourceProvider* GetParent() const = 0;
+  /// The source of that name: held here, built here, or the parent's answer; else null.
+  virtual IDataSource* GetDataSource(const wchar_t* name) = 0;
+  /// As GetDataSource. Throws a VtrString, "No constructor found for data source %s.", for none.
+  virtual IDataSource& GetDataSourceReference(const wchar_t* name) = 0;
+  /// As GetDataSource, to be asked for an interface.
+  virtual IVantorGenericDetail::FindInterfaceProxy GetDataSourceInterface(const wchar_t* name) = 0;
+  /// The source that is held here under that name, or null. Neither builds nor climbs.
+  virtual IDataSource* GetLocalDataSourceInstance(const wchar_t* name) const = 0;
+  /// Disconnects and ends the source that is held here under that name. Always answers false,
+  /// deliberately: callers must not read anything into the answer.
+  virtual bool DeleteLocalDataSourceInstance(const wchar_t* name) = 0;
+  /// The opaque context that the provider was made with.
+  virtual IDataContext* GetDataContext() = 0;
+  /// Takes a source over and connects the listeners that wait here for its name. The first source
+  /// of a name keeps it; a later one is owned, and connected, but not found by name. Ignores null.
+  virtual void AddDataSource(IDataSource* source) = 0;
+  /// Adds each in order.
+  virtual void AddDataSources(IDataSource* const* sources, std::size_t count) = 0;
+  /// Disconnects a source and gives it back to the caller. Does nothing when nothing is held here
+  /// under its name; what is held under its name is taken off it, even if it is another source.
+  virtual void RemoveDataSource(IDataSource* source) = 0;
+  /// Removes each in order.
+  virtual void RemoveDataSources(IDataSource* const* sources, std::size_t count) = 0;
+  /// Connects a listener to the sources of those names, now or when they appear, here or further
+  /// up. Names that nobody here holds or can build go to the parent, and are kept here too when
+  /// keepUnresolved is true. A listener that is registered already keeps its first names: call
+  /// RemoveDataListener before registering it with others.
+  virtual void AddDataListener(IDataListener* listener, const std::set<VtrString>& names,
+                               bool keepUnresolved) = 0;
+  /// Disconnects a listener here and in all enclosing scopes.
+  virtual void RemoveDataListener(IDataListener* listener) = 0;
+  /// Stores a value under an identifier, here, and returns the former one or null.
+  virtual void* SetCustomData(const Guid& id, void* value) = 0;
+  /// The value stored here or in the nearest enclosing scope that has the identifier, else null.
+  /// A null that is stored here hides outer values.
+  virtual void* GetCustomData(const Guid& id) const = 0;
+  /// The names of all sources that could be built here or in an enclosing scope, in order.
+  virtual std::vector<VtrString> GetRegisteredDataSources() const = 0;
+  /// True when the comma-separated list shares a category with this provider's own.
+  virtual bool MatchCategory(const wchar_t* categoryList) const = 0;
+  /// Ends the sources, leaves the tree and tells the listeners. The provider may be used again.
+  virtual void Shutdown() = 0;
+
+ private:
+  friend class DataSourceProvider;
+
+  virtual void Destroy() = 0;
+
+ public:
+  /// This provider's own categories, in the order in which they were given.
+  virtual const std::vector<VtrString>& GetCategories() const = 0;
+
+ protected:
+  virtual ~IDataSourceProvider();
+
+ private:
+  virtual void SetParent(IDataSourceProvider* parent) = 0;
+  virtual void AddChild(IDataSourceProvider* child) = 0;
+  virtual void RemoveChild(IDataSourceProvider* child) = 0;
+  virtual void GetCombinedCategoryList(std::vector<VtrString>& out) const = 0;
+  virtual void DisconnectDataListeners(IDataSource* source) = 0;
+};
+
+}  // namespace DataBinding

@@ -1,0 +1,34 @@
+/// A data source that is told its name: the shortest way to write one.
+///
+///   class Thermostat : public NamedDataSource {
+///    public:
+///     Thermostat() : NamedDataSource(L"Thermostat") {}
+///     Property<double> Target{this, L"Target", 21.0};
+///     Property<double> Actual{this, L"Actual", 19.5};
+///     ComputedProperty<bool> Heating{this, L"Heating", [this] { return *Actual < *Target; },
+///                                    Actual, Target};
+///   };
+#pragma once
+
+#include "DataBinding/DataSourceImpl.h"
+#include "DataBinding/IDataSourceBase.h"
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding {
+
+class DATABINDING_API NamedDataSource : public DataSourceImpl, public IDataSourceBase {
+ public:
+  explicit NamedDataSource(VtrString dataSourceName);
+
+  const wchar_t* GetDataSourceName() override;
+  /// This object.
+  IDataSourceBase* GetDataSourceBaseImpl() override;
+
+ protected:
+  ~NamedDataSource() override;
+
+ private:
+  VtrString name;
+};
+
+}  // namespace DataBinding
