@@ -1,0 +1,145 @@
+/// Typed properties: members of a data source that announce their own changes.
+///
+/// Property<T> may be set by anybody, ReadOnlyProperty<T> only by its source (see Assign),
+/// ComputedProperty<T> by nobody: it is a function of other properties. All are found by name with
+/// the typed look-up of PropertyAccess.h. Setting validates, compares, stores, runs the change hook
+/// and notifies once; values without == count as changed each time. A hook that throws lets its
+/// exception out after listeners were notified.
+///
+///   Property<int> Size{this, L"Size", 10, {.validate = InRange(1, 100)}};
+///   ReadOnlyProperty<double> Load{this, L"Load"};
+///   ComputedProperty<bool> Busy{this, L"Busy", [this] { return *Load > 0.9; }, Load};
+#pragma once
+
+#include <concepts>
+#include <exception>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+#include "DataBinding/PropertyBase.h"
+
+namespace DataBinding {
+
+/// What a property does beside keeping its value.
+template <class T>
+struct PropertyOptions {
+  /// Answers why a value is refused, or an empty text to accept it.
+  RepeatingCallback<VtrString(const T& value)> validate = {};
+  /// Runs after the value has changed and before the listeners do.
+  RepeatingCallback<void(const T& before, const T& now)> changed = {};
+};
+
+namespace details {
+
+template <class T, class Filed>
+class StoredProperty : public TypedProperty<T, Filed> {
+ public:
+  StoredProperty(DataSourceImpl* owner, PropertyName name, T initial = T(),
+                 PropertyOptions<T> extras = {})
+      : TypedProperty<T, Filed>(*owner, name),
+        value(std::move(initial)),
+        options(std::move(extras)) {}
+
+  [[nodiscard]] const T& Get() const noexcept { return value; }
+  [[nodiscard]] const T& operator*() const noexcept { return value; }
+  [[nodiscard]] const T* operator->() const noexcept { return &value; }
+
+ protected:
+  /// The accessor answers no more while the value goes.
+  ~StoredProperty() { this->InvalidateWeakPtrs(); }
+
+  SetResult Store(T wanted) {
+    if (options.validate) {
+      const VtrString reason = options.validate(wanted);
+      if (!reason.IsEmpty()) return this->RefusedResult(reason);
+    }
+    if constexpr (std::equality_comparable<T>) {
+      if (value == wanted) return {};
+    }
+    std::swap(value, wanted);
+    if (options.changed) {
+      RunHookAndNotify(wanted);
+    } else {
+      this->NotifyChanged();
+    }
+    return {true, PropertyError::None, {}};
+  }
+
+ private:
+  friend DataSourceAccess;
+
+  SetResult StoreFor(const DataSourceImpl& setter, T wanted) {
+    if (&setter != &this->Owner()) return this->ReadOnlyResult(runtime_type<T>::Get());
+    return Store(std::move(wanted));
+  }
+  /// Notifies also when the hook throws, and not when it ends the property.
+  void RunHookAndNotify(const T& before) {
+    const auto self = this->AsWeakPtr();
+    std::exception_ptr failure;
+    try {
+      options.changed(before, value);
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    if (self) this->NotifyChanged();
+    if (failure != nullptr) std::rethrow_exception(failure);
+  }
+  [[nodiscard]] T GetValue() const override { return value; }
+
+  T value;
+  PropertyOptions<T> options;
+};
+
+}  // namespace details
+
+/// A property that anybody may set.
+template <std::copyable T>
+class Property final : public details::StoredProperty<T, T> {
+ public:
+  using details::StoredProperty<T, T>::StoredProperty;
+
+  /// Sets the value and says whether it changed. Listeners run before this returns.
+  SetResult Set(T wanted) { return this->Store(std::move(wanted)); }
+
+ private:
+  SetResult SetValue(T wanted) override { return this->Store(std::move(wanted)); }
+};
+
+/// A property that only its source may set, by `Assign(property, value)`.
+template <std::copyable T>
+class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
+ public:
+  using details::StoredProperty<T, const T>::StoredProperty;
+
+ private:
+  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(runtime_type<T>::Get()); }
+};
+
+/// A property whose value is a function of other properties.
+///
+/// It is computed each time it is read. Its listeners are notified whenever one of the others
+/// changes, equal result or not; at the end of the batch if they belong to one source. Others of
+/// another source must be cared for by the function: it may be called after they are gone.
+template <std::copyable T>
+class ComputedProperty final : public details::TypedProperty<T, const T> {
+ public:
+  template <std::derived_from<details::PropertyBase>... Others>
+  ComputedProperty(DataSourceImpl* owner, PropertyName name, RepeatingCallback<T()> function,
+                   Others&... others)
+      : details::TypedProperty<T, const T>(*owner, name), compute(std::move(function)) {
+    this->DependOn({&others...});
+  }
+  ~ComputedProperty() { this->InvalidateWeakPtrs(); }
+
+  [[nodiscard]] T Get() const { return compute(); }
+  [[nodiscard]] T operator*() const { return compute(); }
+
+ private:
+  [[nodiscard]] T GetValue() const override { return compute(); }
+  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(runtime_type<T>::Get()); }
+
+  RepeatingCallback<T()> compute;
+};
+
+}  // namespace DataBinding

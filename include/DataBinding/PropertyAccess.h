@@ -1,0 +1,119 @@
+/// Reads and sets properties by name, with their types checked, for code that does not know the
+/// source's class.
+///
+/// A failure is told apart by its PropertyError and explained by its text. Reading accepts
+/// read-only properties of the same value type; there are no conversions between types. Nothing is
+/// allocated where nothing fails, beyond what copying the value takes.
+///
+///   if (const auto load = GetProperty<double>(provider.GetDataSource(L"Cpu"), L"Load"))
+///   Show(*load); const SetResult set = SetProperty(source, L"Target", 22.0); if
+///   (!set.IsAccepted()) Complain(set.text);
+#pragma once
+
+#include <exception>
+#include <type_traits>
+#include <utility>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/IDataSource.h"
+#include "DataBinding/PropertyBase.h"
+#include "DataBinding/PropertyResult.h"
+
+namespace DataBinding {
+
+namespace details {
+
+/// The untyped part of a look-up.
+class DATABINDING_API ReflectionAccess {
+ public:
+  struct Found {
+    PropertyError error;
+    RepeatingCallbackMemento accessor;
+    bool isReadOnly;
+  };
+  /// Finds the accessor of a property whose type is `plain`, or `readOnly` for a read-only one.
+  [[nodiscard]] static Found Find(IDataSource* source, const VtrString& name,
+                                  const runtime_type_base& plain,
+                                  const runtime_type_base& readOnly);
+  /// The text for an error of that look-up.
+  [[nodiscard]] static VtrString Explain(PropertyError error, IDataSource* source,
+                                         const VtrString& name, const runtime_type_base& wanted);
+  static void File(IReflectable& table, const VtrString& name,
+                   const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
+    table._AddDelegate(name, accessor, type);
+  }
+};
+
+}  // namespace details
+
+/// A property found by name. It may be kept: it answers "absent" once the property is gone.
+template <class T>
+class PropertyRef {
+ public:
+  PropertyRef(IDataSource* source, const VtrString& name) {
+    const auto& wanted = runtime_type<T>::Get();
+    auto found =
+        details::ReflectionAccess::Find(source, name, wanted, runtime_type<const T>::Get());
+    error = found.error;
+    accessor.SetMemento(found.accessor);
+    isReadOnly = found.isReadOnly;
+    if (error == PropertyError::None && !accessor) error = PropertyError::NoAccessor;
+    if (error != PropertyError::None) {
+      text = details::ReflectionAccess::Explain(error, source, name, wanted);
+    }
+  }
+
+  [[nodiscard]] PropertyError Error() const noexcept { return error; }
+  /// Why the property was not found. Empty when it was.
+  [[nodiscard]] const VtrString& Text() const noexcept { return text; }
+  [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
+  explicit operator bool() const noexcept { return error == PropertyError::None; }
+
+  [[nodiscard]] PropertyValue<T> Get() const {
+    if (error != PropertyError::None) return {{}, error, text};
+    const auto* access = accessor();
+    if (access == nullptr) return {{}, PropertyError::Absent, L"The property is gone."};
+    return {access->GetValue(), PropertyError::None, {}};
+  }
+  SetResult Set(T value) const {
+    if (error != PropertyError::None) return {false, error, text};
+    auto* access = accessor();
+    if (access == nullptr) return {false, PropertyError::Absent, L"The property is gone."};
+    return access->SetValue(std::move(value));
+  }
+
+ private:
+  details::PropertyAccessor<T> accessor;
+  PropertyError error = PropertyError::None;
+  bool isReadOnly = false;
+  VtrString text;
+};
+
+template <class T>
+[[nodiscard]] PropertyRef<T> FindProperty(IDataSource* source, const VtrString& name) {
+  return PropertyRef<T>(source, name);
+}
+
+template <class T>
+[[nodiscard]] PropertyValue<T> GetProperty(IDataSource* source, const VtrString& name) {
+  return FindProperty<T>(source, name).Get();
+}
+
+template <class T>
+SetResult SetProperty(IDataSource* source, const VtrString& name, T value) {
+  return FindProperty<T>(source, name).Set(std::move(value));
+}
+
+/// Calls visit(value) with the property's value if its type is one of those listed, and tells
+/// whether it was. For code that writes out whatever it finds.
+template <class... Types, class Visitor>
+bool VisitProperty(IDataSource* source, const VtrString& name, Visitor&& visit) {
+  const auto attempt = [&]<class T>(std::type_identity<T>) {
+    const auto found = GetProperty<T>(source, name);
+    if (found) visit(*found);
+    return static_cast<bool>(found);
+  };
+  return (attempt(std::type_identity<Types>()) || ...);
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,94 @@
+/// What all properties share: owner, name, and those that are computed from them.
+///
+/// A property belongs to one data source and is a member of it. It files itself in the source's
+/// reflection table when it is made; its accessor there answers only as long as the property lives.
+/// Used on the thread that owns the provider tree.
+#pragma once
+
+#include <initializer_list>
+#include <vector>
+
+#include "DataBinding/DataSourceImpl.h"
+#include "DataBinding/Export.h"
+#include "DataBinding/PropertyName.h"
+#include "DataBinding/PropertyResult.h"
+#include "DataBinding/RuntimeType.h"
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/WeakPtr.h"
+
+namespace DataBinding {
+
+namespace details {
+
+/// How a property of a value type is reached by name: its accessor gives this, or null when the
+/// property is gone.
+template <class T>
+class PropertyAccess {
+ public:
+  [[nodiscard]] virtual T GetValue() const = 0;
+  /// Refuses, as read-only, unless the property may be set from outside.
+  virtual SetResult SetValue(T value) = 0;
+
+ protected:
+  PropertyAccess() noexcept = default;
+  PropertyAccess(const PropertyAccess&) noexcept = default;
+  PropertyAccess& operator=(const PropertyAccess&) noexcept = default;
+  ~PropertyAccess() = default;
+};
+
+template <class T>
+using PropertyAccessor = RepeatingCallback<PropertyAccess<T>*()>;
+
+class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase> {
+ public:
+  PropertyBase(const PropertyBase&) = delete;
+  PropertyBase& operator=(const PropertyBase&) = delete;
+
+  [[nodiscard]] const VtrString& Name() const noexcept { return link.name; }
+
+  /// Tells the listeners of this property, and of those that are computed from it, that the value
+  /// has changed; at the end of the batch where one is open on the source. The source, and this
+  /// property with it, may be gone when this returns.
+  void NotifyChanged();
+
+ protected:
+  PropertyBase(DataSourceImpl& ownerSource, PropertyName propertyName);
+  ~PropertyBase();
+
+  void File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type);
+  /// Notifies of this property whenever one of those changes.
+  void DependOn(std::initializer_list<PropertyBase*> others);
+  [[nodiscard]] DataSourceImpl& Owner() const noexcept { return owner; }
+  [[nodiscard]] SetResult ReadOnlyResult(const runtime_type_base& wanted) const;
+  [[nodiscard]] SetResult RefusedResult(const VtrString& reason) const;
+
+ private:
+  friend DataSourceAccess;
+
+  DataSourceImpl& owner;
+  PropertyLink link;
+  std::vector<PropertyBase*> dependents;
+  std::vector<PropertyBase*> dependencies;
+};
+
+/// Files a property under its name. Filed is `const T` for one that only its source may set.
+template <class T, class Filed>
+class TypedProperty : public PropertyBase, protected PropertyAccess<T> {
+ protected:
+  TypedProperty(DataSourceImpl& ownerSource, PropertyName propertyName)
+      : PropertyBase(ownerSource, propertyName) {
+    const PropertyAccessor<T> accessor = BindWeak(AsWeakPtr(), &TypedProperty::Access);
+    File(accessor.GetMemento(), runtime_type<Filed>::Get());
+  }
+  ~TypedProperty() = default;
+
+ private:
+  static PropertyAccess<T>* Access(PropertyBase& property) {
+    return &static_cast<TypedProperty&>(property);
+  }
+};
+
+}  // namespace details
+}  // namespace DataBinding

@@ -1,0 +1,47 @@
+/// A name that a property may bear: not empty, no comma, not "*", no blank at either end, since
+/// names are sent in trimmed, comma-separated lists.
+///
+/// A literal is checked when it is compiled; any other text is checked when the name is made, which
+/// throws std::invalid_argument. It refers to the text that it was made from.
+///
+///   Property<int> Size{this, L"Size"};                       // checked by the compiler
+///   Property<int> Extra{this, PropertyName(column.name)};    // checked at run time
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <stdexcept>
+#include <string_view>
+
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/StringSplit.h"
+
+namespace DataBinding {
+
+class PropertyName {
+ public:
+  template <std::size_t Size>
+  consteval PropertyName(const wchar_t (&literal)[Size]) : text(literal, Size - 1) {
+    Check(text);
+  }
+  explicit PropertyName(const VtrString& name) : text(name) { Check(text); }
+  explicit PropertyName(std::wstring_view name) : text(name) { Check(text); }
+
+  [[nodiscard]] constexpr std::wstring_view Get() const noexcept { return text; }
+
+ private:
+  static constexpr void Check(std::wstring_view name) {
+    if (name.empty()) throw std::invalid_argument("a property name must not be empty");
+    if (name == L"*") throw std::invalid_argument("a property must not be named *");
+    if (name.find(L',') != name.npos) {
+      throw std::invalid_argument("a property name must not hold a comma");
+    }
+    if (String::IsBlank(name.front()) || String::IsBlank(name.back())) {
+      throw std::invalid_argument("a property name must not begin or end with a blank");
+    }
+  }
+
+  std::wstring_view text;
+};
+
+}  // namespace DataBinding

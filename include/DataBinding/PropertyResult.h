@@ -1,0 +1,47 @@
+/// What comes of reading or setting a property: the outcome, and a text for people where it failed.
+#pragma once
+
+#include <optional>
+#include <utility>
+
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding {
+
+/// Why a property could not be read or set.
+enum class PropertyError {
+  None,
+  NoSource,    ///< the source given was null
+  Absent,      ///< the source has no such property, or its property is gone
+  WrongType,   ///< the property has another type, or is a delegate or an event source
+  NoAccessor,  ///< the property was declared with a type only, so its value cannot be reached
+  ReadOnly,    ///< only the source itself may set the property
+  Refused      ///< the property's validator refused the value
+};
+
+/// The outcome of setting a property.
+struct SetResult {
+  /// True when the property has a new value and its listeners were told.
+  bool changed = false;
+  PropertyError error = PropertyError::None;
+  /// Names source, property and types, and for a refused value the validator's reason. Empty
+  /// without an error.
+  VtrString text;
+
+  [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }
+};
+
+/// The value of a property, or why there is none.
+template <class T>
+struct PropertyValue {
+  std::optional<T> value;
+  PropertyError error = PropertyError::None;
+  /// As in SetResult.
+  VtrString text;
+
+  explicit operator bool() const noexcept { return value.has_value(); }
+  const T& operator*() const { return *value; }
+  const T* operator->() const { return &*value; }
+};
+
+}  // namespace DataBinding
