@@ -45,6 +45,8 @@
 #include "DataBinding/foundation/PostConstructible.h"
 #include "DataBinding/foundation/SafeFunction.h"
 #include "DataBinding/foundation/SamplingHash.h"
+#include "DataBinding/foundation/Singleton.h"
+#include "DataBinding/foundation/SingletonLibrary.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/StringBuffer.h"
 #include "DataBinding/foundation/StringSplit.h"

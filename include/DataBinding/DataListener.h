@@ -2,18 +2,10 @@
 /// holding the sources.
 ///
 /// Add all entries first, then give it a provider: the provider connects it to each wanted source
-/// now or when it appears, and disconnects it when the source goes. Source names are matched to
-/// entries without regard to case; property names are passed on as they are.
+/// now or when it appears, and disconnects it when the source goes. One thread, that of the
+/// provider tree; callbacks run on the thread that announces the change.
 ///
-/// Deliberate, and to be known: setting another provider does not take the listener off the former
-/// one, and an entry that is added later is heard only after `RemoveDataListener` on the provider
-/// followed by SetDataSourceProvider, since a provider keeps the names that it was first given. A
-/// move takes the entries along with their live subscriptions, while the provider goes on knowing
-/// the object that was moved from; move a listener only before it has a provider.
-///
-///   class CpuView : public DataListener {
-///    public:
-///     CpuView() { AddDataListener(L"Cpu", L"Load", [this] { Redraw(); }); }
+///   CpuView::CpuView() { AddDataListener(L"Cpu", L"Load", [this] { Redraw(); }); }
 ///   ...
 ///   view.SetDataSourceProvider(&provider);
 #pragma once
@@ -36,6 +28,14 @@ struct DataListenerEntry {
   Subscription subscription;
 };
 
+/// Source names are matched to entries without regard to case; property names are passed on as they
+/// are.
+///
+/// Deliberate, and to be known: setting another provider does not take the listener off the former
+/// one. An entry that is added later is heard only after the provider's RemoveDataListener followed
+/// by SetDataSourceProvider, since a provider keeps the names that it was first given. A move takes
+/// the entries along with their live subscriptions, while the provider goes on knowing the object
+/// that was moved from: move a listener only before it has a provider.
 class DATABINDING_API DataListener : public IDataListener {
  public:
   DataListener() noexcept;

@@ -7,10 +7,6 @@
 /// broadcaster. An announcement runs those that were registered when it began: one that is
 /// cancelled meanwhile still runs once, one that registers meanwhile waits for the next. What a
 /// callback throws is swallowed and the next one runs (see ListenerGuard.h).
-///
-/// Copies deliberately share their listeners: what is registered through one is announced through
-/// both, for code that hands a broadcaster on by value. A copy made before the first use shares
-/// nothing. The listeners end with the last copy.
 #pragma once
 
 #include <cstdint>
@@ -49,6 +45,9 @@ class DATABINDING_API Broadcaster {
 
 }  // namespace details
 
+/// Copies deliberately share their listeners: what is registered through one is announced through
+/// both, for code that hands a broadcaster on by value. A copy made before the first use shares
+/// nothing. The listeners end with the last copy.
 class DATABINDING_API IBroadcaster {
  public:
   IBroadcaster() noexcept;

@@ -1,5 +1,8 @@
 /// What a provider sees of a listener: it is connected to sources, disconnected from them, and told
 /// when its provider goes.
+///
+/// A provider does not own its listeners; it knows when one has ended and then leaves it alone.
+/// DataListener is the reusable implementation. One thread, that of the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"

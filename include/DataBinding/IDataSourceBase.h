@@ -1,7 +1,8 @@
 /// An empty marker base through which an application reaches its own data source classes.
 ///
 /// A concrete data source returns this part of itself from GetDataSourceBaseImpl; the application
-/// casts it to what it knows it to be. Copying is trivial.
+/// casts it to what it knows it to be. Owns nothing, is owned by the data source that it is a part
+/// of. Copying is trivial.
 #pragma once
 
 #include "DataBinding/Export.h"

@@ -1,5 +1,8 @@
-/// Builds data sources of one name on demand. Client modules implement it, most easily by
-/// DataSourceConstructor<T>, and register it with the registrar, which does not own it.
+/// Builds data sources of one name on demand.
+///
+/// Client modules implement it, most easily by DataSourceConstructor<T>, and register it with the
+/// registrar, which does not own it: a constructor unregisters before it ends. Its operations are
+/// called on the thread that owns the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"

@@ -3,14 +3,9 @@
 /// C++ exceptions are always caught. Hardware faults (access violations, divisions by zero, illegal
 /// instructions) are caught as well unless that is switched off, at run time here or at build time
 /// with the CMake option DATABINDING_FAULT_GUARD. A faulting listener is abandoned where it stood:
-/// the destructors of its frames do not run, so locks stay held and memory leaks.
-///
-/// On POSIX the guard installs handlers for SIGSEGV, SIGBUS, SIGFPE and SIGILL at the first
-/// broadcast that has listeners and from then on the library stays loaded. Faults outside a
-/// listener go to whoever had installed a handler before; whoever installs one later without
-/// chaining takes the faults over. A stack overflow is survived only on a thread that has an
-/// alternate signal stack. Thread cancellation passes through. All functions here may be called on
-/// any thread.
+/// the destructors of its frames do not run, so locks stay held and memory leaks. A stack overflow
+/// is survived only on a thread that has an alternate signal stack. Thread cancellation passes
+/// through. All functions here may be called on any thread.
 #pragma once
 
 #include <cstdint>
@@ -37,6 +32,11 @@ DATABINDING_API void SetListenerFailureHandler(
     const RepeatingCallback<void(const ListenerFailure&)>& handler);
 
 /// Switches the guard against hardware faults for broadcasts that start from now on.
+///
+/// On POSIX the first broadcast that has listeners, with the guard on, installs handlers for
+/// SIGSEGV, SIGBUS, SIGFPE and SIGILL; from then on the library stays loaded. Faults outside a
+/// listener go to whoever had installed a handler before. Whoever installs one later without
+/// chaining takes the faults over, those of listeners too.
 DATABINDING_API void SetHardwareFaultGuard(bool on) noexcept;
 /// False as well where the library was built without the guard.
 [[nodiscard]] DATABINDING_API bool IsHardwareFaultGuardOn() noexcept;

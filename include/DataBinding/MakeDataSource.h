@@ -1,4 +1,9 @@
 /// MakeDataSource: builds a data source so that nothing is forgotten.
+///
+/// The result owns the source until it is handed to a provider. One thread, that of the provider
+/// tree.
+///
+///   provider.AddDataSource(MakeDataSource<CpuSource>(&provider).release());
 #pragma once
 
 #include <concepts>

@@ -1,4 +1,9 @@
 /// What comes of reading or setting a property: the outcome, and a text for people where it failed.
+///
+/// Plain values: they may be copied, kept and handed to other threads. The text says what was
+/// wanted and what was found, and is empty where nothing failed.
+///
+///   if (const SetResult result = size.Set(200); !result.IsAccepted()) ShowHint(result.text);
 #pragma once
 
 #include <optional>

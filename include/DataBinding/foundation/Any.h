@@ -1,5 +1,8 @@
 /// A type-erased value, the form in which events carry their arguments to those who do not know
 /// their signature.
+///
+/// The standard one: owns a copy of what it holds, is copied by value, and compares types by their
+/// identity across modules.
 #pragma once
 
 #include <any>

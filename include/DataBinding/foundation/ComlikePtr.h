@@ -1,7 +1,8 @@
 /// An owning pointer to an object that counts its own references, and the base that counts them.
 ///
-/// A comlike_ptr made from a raw pointer takes over one existing reference; Share adds one. The
-/// count is atomic. RefCounted calls Traits::Destroy when the last reference goes.
+/// A comlike_ptr made from a raw pointer takes over one existing reference, which a new object has;
+/// Share adds one. The count is atomic, the pointer itself is not. RefCounted calls Traits::Destroy
+/// when the last reference goes, on whatever thread that happens.
 #pragma once
 
 #include <atomic>

@@ -1,7 +1,8 @@
 /// A base whose PostConstruct is run by the creator once construction is complete.
 ///
 /// An override does what needs the finished object, such as calling virtual operations, and calls
-/// the base, which marks the object as post-constructed.
+/// the base, which marks the object as post-constructed. Derived classes read the mark. One thread:
+/// that on which the object is made.
 #pragma once
 
 #include "DataBinding/Export.h"
