@@ -29,9 +29,17 @@ HandlerSlot& Handler() {
   return *slot;
 }
 
-/// Calls run(context) and gives what it throws to failed, but lets a thread's cancellation pass.
+#if defined(__GLIBCXX__)
+/// A thread's cancellation is caught as a reference to nothing, which is as the runtime means it.
+#define DATABINDING_CATCHES_CANCELLATION __attribute__((no_sanitize("null")))
+#else
+#define DATABINDING_CATCHES_CANCELLATION
+#endif
+
+/// Calls `run` and then `failed`, within the catch block, if it throws. Lets a thread's
+/// cancellation pass.
 template <class Run, class Failed>
-void CatchAll(Run run, Failed failed) {
+DATABINDING_CATCHES_CANCELLATION void CatchAll(Run run, Failed failed) {
   try {
     run();
 #if defined(__GLIBCXX__)

@@ -1,0 +1,253 @@
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Notifier.h"
+
+namespace DataBinding {
+namespace {
+
+TEST(Broadcaster, CountsListenersOfExactlyOneName) {
+  Notifier notifier;
+  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 0u);
+  const auto first = notifier.Log('1');
+  const auto again = notifier.Log('2');
+  const auto lower = notifier.Log('a', L"a");
+  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 2u);
+  EXPECT_EQ(notifier.GetNumRegistered(L"a"), 1u);
+  EXPECT_FALSE(notifier.AreListenersAvailable(L"B"));
+  EXPECT_EQ(notifier.Announce(L"A"), "12");
+  EXPECT_EQ(notifier.Announce(L"a"), "a");
+  EXPECT_EQ(notifier.Announce(L"B"), "");
+}
+
+TEST(Broadcaster, PropertyIsListedOnlyWhileSomebodyListens) {
+  Notifier notifier;
+  EXPECT_TRUE(notifier.GetRegisteredProperties().empty());
+  auto first = notifier.Log('1');
+  auto second = notifier.Log('2');
+  first.Cancel();
+  first.Cancel();
+  EXPECT_EQ(notifier.GetRegisteredProperties(), std::vector<VtrString>{L"A"});
+  second = Subscription();
+  EXPECT_TRUE(notifier.GetRegisteredProperties().empty());
+  EXPECT_FALSE(notifier.AreListenersAvailable(L"A"));
+  EXPECT_EQ(notifier.Announce(), "");
+}
+
+TEST(Broadcaster, NullCallbackIsCountedAndSkipped) {
+  Notifier notifier;
+  const auto before = notifier.Log('1');
+  const auto null = notifier.Register(nullptr, L"A");
+  const auto after = notifier.Log('2');
+  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 3u);
+  EXPECT_EQ(notifier.Announce(), "12");
+}
+
+TEST(Broadcaster, SubscriptionMayOutliveItsBroadcaster) {
+  std::optional<Notifier> notifier(std::in_place);
+  auto subscription = notifier->Log('1');
+  auto dropped = notifier->Log('2');
+  notifier.reset();
+  subscription.Cancel();
+}
+
+TEST(Broadcaster, CopiesShareTheirListenersUntilTheLastOneGoes) {
+  std::optional<Notifier> original(std::in_place);
+  const Notifier fromBeforeFirstUse(*original);
+  const auto held = std::make_shared<int>();
+  const auto subscription = original->Register([held] {}, L"A");
+  Notifier copy(*original);
+  Notifier assigned;
+  const auto other = assigned.Log('x');
+  assigned = copy;
+  original.reset();
+  copy = Notifier();
+  EXPECT_EQ(assigned.GetNumRegistered(L"A"), 1u);
+  EXPECT_EQ(fromBeforeFirstUse.GetNumRegistered(L"A"), 0u);
+  assigned = copy;
+  EXPECT_EQ(held.use_count(), 1);
+}
+
+/// Which of three listeners cancels which, before it, itself or after it: all positions.
+class CancelWithin : public testing::TestWithParam<std::pair<int, int>> {};
+
+TEST_P(CancelWithin, CancelledListenerStillRunsOnceInThatBroadcast) {
+  const auto [canceller, cancelled] = GetParam();
+  Notifier notifier;
+  std::vector<Subscription> subscriptions(3);
+  std::vector<std::shared_ptr<int>> held;
+  for (int i = 0; i < 3; ++i) {
+    held.push_back(std::make_shared<int>());
+    const auto run = [&, i, state = held.back()] {
+      notifier.log += static_cast<char>('0' + i);
+      if (i == canceller) subscriptions[static_cast<std::size_t>(cancelled)].Cancel();
+    };
+    subscriptions[static_cast<std::size_t>(i)] = notifier.Register(run, L"A");
+  }
+  EXPECT_EQ(notifier.Announce(), "012");
+  EXPECT_EQ(held[static_cast<std::size_t>(cancelled)].use_count(), 1) << "state not released";
+  std::string rest = "012";
+  rest.erase(static_cast<std::size_t>(cancelled), 1);
+  EXPECT_EQ(notifier.Announce(), rest);
+  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 2u);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllPositions, CancelWithin,
+                         testing::Values(std::pair{0, 0}, std::pair{0, 1}, std::pair{0, 2},
+                                         std::pair{1, 0}, std::pair{1, 1}, std::pair{1, 2},
+                                         std::pair{2, 0}, std::pair{2, 1}, std::pair{2, 2}));
+
+TEST(Broadcaster, ListenerThatRegistersDuringABroadcastWaitsForTheNext) {
+  Notifier notifier;
+  std::vector<Subscription> added;
+  const auto first = notifier.Register(
+      [&] {
+        notifier.log += '0';
+        for (int i = 0; i < 20; ++i) added.push_back(notifier.Log('n'));
+      },
+      L"A");
+  const auto last = notifier.Log('1');
+  EXPECT_EQ(notifier.Announce(), "01");
+  added.resize(20);
+  EXPECT_EQ(notifier.Announce(), "01" + std::string(20, 'n'));
+}
+
+TEST(Broadcaster, ListenerMayReplaceItselfInEachBroadcast) {
+  Notifier notifier;
+  Subscription self;
+  int runs = 0;
+  RepeatingCallback<void()> replace = [&] {
+    ++runs;
+    self = notifier.Register(replace, L"A");
+  };
+  self = notifier.Register(replace, L"A");
+  const auto other = notifier.Log('o');
+  EXPECT_EQ(notifier.Announce(), "o");
+  EXPECT_EQ(notifier.Announce(), "o");
+  EXPECT_EQ(runs, 2);
+  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 2u);
+}
+
+TEST(Broadcaster, NestedAnnouncementsSeeWhatIsRegisteredAtEachLevel) {
+  Notifier notifier;
+  Subscription cancelledAtTheBottom = notifier.Log('c');
+  int depth = 0;
+  const auto nest = notifier.Register(
+      [&] {
+        if (depth == 12) cancelledAtTheBottom.Cancel();
+        if (++depth <= 13) notifier.UpdateListeners(L"A");
+      },
+      L"A");
+  const auto last = notifier.Log('l');
+  EXPECT_EQ(notifier.Announce(), std::string(13, 'c') + std::string(14, 'l'));
+  EXPECT_EQ(notifier.Announce(), "l");
+}
+
+TEST(Broadcaster, ListenerThatEndsTheBroadcasterLeavesTheRestOfTheListToRun) {
+  auto notifier = std::make_unique<Notifier>();
+  const auto held = std::make_shared<int>();
+  std::string log;
+  const auto first = notifier->Register([&] { notifier.reset(); }, L"A");
+  auto second = notifier->Register([&log, held] { log += '2'; }, L"A");
+  const auto third = notifier->Register([&] { second.Cancel(), log += '3'; }, L"A");
+  notifier->UpdateListeners(L"A");
+  EXPECT_EQ(log, "23");
+  EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(Broadcaster, StateIsReleasedWithoutALockAndMayUseTheBroadcaster) {
+  Notifier notifier;
+  Subscription inner;
+  struct RegistersWhenReleased {
+    Notifier& notifier;
+    Subscription& inner;
+    ~RegistersWhenReleased() { inner = notifier.Log('r'); }
+  };
+  auto state = std::make_shared<RegistersWhenReleased>(notifier, inner);
+  auto outer = notifier.Register([state] {}, L"A");
+  state.reset();
+  outer.Cancel();
+  EXPECT_EQ(notifier.Announce(), "r");
+}
+
+TEST(Broadcaster, NamesAlikeInAllSampledCharactersAreKeptApart) {
+  Notifier notifier;
+  std::vector<std::pair<VtrString, Subscription>> listeners;
+  int runs = 0;
+  for (int i = 0; i < 2000; ++i) {  // step 3: places 0, 3, 6, ... are sampled
+    VtrString name;
+    name.Format(L"n%02dn%02dn00n00n00n00n00n", i / 100, i % 100);
+    listeners.emplace_back(name, notifier.Register([&runs] { ++runs; }, name));
+  }
+  std::shuffle(listeners.begin(), listeners.end(), std::minstd_rand(1));
+  for (std::size_t left = listeners.size(); left > 0; --left) {
+    notifier.UpdateListeners(listeners.back().first);
+    EXPECT_EQ(notifier.GetNumRegistered(listeners.front().first), 1u);
+    listeners.pop_back();
+  }
+  EXPECT_EQ(runs, 2000);
+  EXPECT_TRUE(notifier.GetRegisteredProperties().empty());
+}
+
+/// A random script of registrations, cancellations and announcements, against a plain model.
+class RandomScript : public testing::TestWithParam<unsigned> {
+ protected:
+  struct Registered {
+    VtrString name;
+    int id;
+    Subscription subscription;
+  };
+
+  VtrString Name() { return VtrString().Format(L"p%d", static_cast<int>(random() % 40)); }
+  void Add() {
+    const VtrString name = Name();
+    const int id = ++lastId;
+    registered.push_back({name, id, notifier.Register([this, id] { ran.push_back(id); }, name)});
+  }
+  void Cancel() {
+    if (registered.empty()) return;
+    registered.erase(registered.begin() + static_cast<long>(random() % registered.size()));
+  }
+  void Announce() {
+    const VtrString name = Name();
+    std::vector<int> expected;
+    for (const auto& each : registered) {
+      if (each.name == name) expected.push_back(each.id);
+    }
+    ran.clear();
+    notifier.UpdateListeners(name);
+    ASSERT_EQ(ran, expected);
+    ASSERT_EQ(notifier.GetNumRegistered(name), expected.size());
+  }
+
+  std::minstd_rand random{GetParam()};
+  Notifier notifier;
+  std::vector<Registered> registered;
+  std::vector<int> ran;
+  int lastId = 0;
+};
+
+TEST_P(RandomScript, RunsExactlyThoseRegisteredInOrder) {
+  for (int step = 0; step < 4000 && !HasFatalFailure(); ++step) {
+    const auto kind = random() % 10;
+    // Grows for a while, then shrinks, so that tables and arrays do both.
+    if (kind < (step < 2000 ? 5u : 2u)) {
+      Add();
+    } else if (kind < 7) {
+      Cancel();
+    } else {
+      Announce();
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomScript, testing::Range(1u, 9u));
+
+}  // namespace
+}  // namespace DataBinding

@@ -1,0 +1,30 @@
+/// A broadcaster for tests, with its protected query in the open.
+///
+/// Names are passed as literals; log listeners write their mark into a text that tests compare.
+#pragma once
+
+#include <string>
+
+#include <DataBinding/IBroadcaster.h>
+
+namespace DataBinding {
+
+class Notifier : public IBroadcaster {
+ public:
+  using IBroadcaster::GetNumRegistered;
+
+  /// Registers a listener that appends a mark to the log.
+  Subscription Log(char mark, const wchar_t* property = L"A") {
+    return Register([this, mark] { log += mark; }, property);
+  }
+  /// What an announcement of the property makes the listeners log.
+  std::string Announce(const wchar_t* property = L"A") {
+    log.clear();
+    UpdateListeners(property);
+    return log;
+  }
+
+  std::string log;
+};
+
+}  // namespace DataBinding
