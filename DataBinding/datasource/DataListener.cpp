@@ -16,37 +16,39 @@ IDataListener::~IDataListener() = default;
 DataListener::DataListener() noexcept = default;
 
 DataListener::DataListener(DataListener&& other) noexcept
-    : IDataListener(other), entries(std::move(other.entries)), provider(other.provider) {
-  other.entries.clear();
+    : IDataListener(other),
+      listenerEntries(std::move(other.listenerEntries)),
+      dataSourceProvider(other.dataSourceProvider) {
+  other.listenerEntries.clear();
 }
 
 DataListener& DataListener::operator=(DataListener&& other) noexcept {
-  if (this != &other) entries = std::exchange(other.entries, {});
-  provider = other.provider;
+  if (this != &other) listenerEntries = std::exchange(other.listenerEntries, {});
+  dataSourceProvider = other.dataSourceProvider;
   return *this;
 }
 
 DataListener::~DataListener() {
-  if (provider != nullptr) provider->RemoveDataListener(this);
+  if (dataSourceProvider != nullptr) dataSourceProvider->RemoveDataListener(this);
 }
 
 void DataListener::AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,
                                    const RepeatingCallback<void()>& callback) {
-  entries.push_back({dataSourceName, propertyName, callback, Subscription()});
+  listenerEntries.push_back({dataSourceName, propertyName, callback, Subscription()});
 }
 
 void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
   OnDataSourceProviderChanging(newProvider);
-  provider = newProvider;
-  if (provider == nullptr) return;
+  dataSourceProvider = newProvider;
+  if (dataSourceProvider == nullptr) return;
   std::set<VtrString> names;
-  for (const auto& entry : entries) names.insert(entry.dataSourceName);
-  provider->AddDataListener(this, names, true);
+  for (const auto& entry : listenerEntries) names.insert(entry.dataSourceName);
+  dataSourceProvider->AddDataListener(this, names, true);
 }
 
 void DataListener::ConnectToDatasource(IDataSource* source) {
   const VtrString name(source->GetDataSourceName());
-  for (auto& entry : entries) {
+  for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) != 0) continue;
     entry.subscription = source->Register(entry.callback, entry.propertyName);
   }
@@ -54,13 +56,13 @@ void DataListener::ConnectToDatasource(IDataSource* source) {
 
 void DataListener::DisconnectFromDatasource(IDataSource* source) {
   const VtrString name(source->GetDataSourceName());
-  for (auto& entry : entries) {
+  for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) == 0) entry.subscription.Cancel();
   }
 }
 
 void DataListener::NotifyDatasourceProviderDestroyed(IDataSourceProvider* gone) {
-  if (gone == provider && gone != nullptr) provider = gone->GetParent();
+  if (gone == dataSourceProvider && gone != nullptr) dataSourceProvider = gone->GetParent();
 }
 
 }  // namespace DataBinding

@@ -23,7 +23,7 @@ DataSourceImpl::~DataSourceImpl() = default;
 void DataSourceImpl::Destroy() { delete this; }
 
 IDataContext* DataSourceImpl::GetDataContext() const {
-  return provider == nullptr ? nullptr : provider->GetDataContext();
+  return dataSourceProvider == nullptr ? nullptr : dataSourceProvider->GetDataContext();
 }
 
 void DataSourceImpl::UpdateListeners(const VtrString& names) {
@@ -31,7 +31,7 @@ void DataSourceImpl::UpdateListeners(const VtrString& names) {
   if (IsOneName(names)) return broadcaster.UpdateListeners(names);
 
   const auto pieces = String::Split(names, L',', false, true);
-  const auto self = liveness.GetRef();
+  const auto self = sourceLiveness.GetRef();
   if (!pieces.empty() && pieces.front().Compare(everyProperty) != 0) {
     for (const auto& piece : pieces) {
       if (!self.IsValid()) return;

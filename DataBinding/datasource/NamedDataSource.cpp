@@ -4,10 +4,10 @@
 
 namespace DataBinding {
 
-NamedDataSource::NamedDataSource(VtrString dataSourceName) : name(std::move(dataSourceName)) {}
+NamedDataSource::NamedDataSource(VtrString name) : dataSourceName(std::move(name)) {}
 NamedDataSource::~NamedDataSource() = default;
 
-const wchar_t* NamedDataSource::GetDataSourceName() { return name; }
+const wchar_t* NamedDataSource::GetDataSourceName() { return dataSourceName; }
 
 IDataSourceBase* NamedDataSource::GetDataSourceBaseImpl() { return this; }
 

@@ -51,7 +51,9 @@ class DATABINDING_API DataListener : public IDataListener {
   /// Adds an entry. It takes effect with the next SetDataSourceProvider. Equal entries each run.
   void AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,
                        const RepeatingCallback<void()>& callback);
-  [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept { return provider; }
+  [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept {
+    return dataSourceProvider;
+  }
 
   void ConnectToDatasource(IDataSource* source) override;
   void DisconnectFromDatasource(IDataSource* source) override;
@@ -59,8 +61,8 @@ class DATABINDING_API DataListener : public IDataListener {
   void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) override = 0;
 
  private:
-  std::vector<DataListenerEntry> entries;
-  IDataSourceProvider* provider = nullptr;
+  std::vector<DataListenerEntry> listenerEntries;
+  IDataSourceProvider* dataSourceProvider = nullptr;
 };
 
 }  // namespace DataBinding

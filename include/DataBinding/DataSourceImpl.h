@@ -26,7 +26,9 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   DataSourceImpl();
 
   /// The provider that the source belongs to, or null. Not owned.
-  [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept { return provider; }
+  [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept {
+    return dataSourceProvider;
+  }
   /// The provider's context, or null without a provider.
   [[nodiscard]] IDataContext* GetDataContext() const override;
 
@@ -46,7 +48,9 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   template <class Property, class Value>
   auto Assign(Property& property, Value&& value);
   /// Stores the provider; tells nobody.
-  void SetDataSourceProvider(IDataSourceProvider* newProvider) noexcept { provider = newProvider; }
+  void SetDataSourceProvider(IDataSourceProvider* newProvider) noexcept {
+    dataSourceProvider = newProvider;
+  }
 
  private:
   friend class details::DataSourceAccess;
@@ -54,9 +58,9 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   void Destroy() override;
   void UpdateAllBut(const std::set<VtrString>& excluded, const details::WeakReference& self);
 
-  IDataSourceProvider* provider = nullptr;
-  details::PropertyChanges changes;
-  details::WeakReferenceOwner liveness;
+  IDataSourceProvider* dataSourceProvider = nullptr;
+  details::PropertyChanges propertyChanges;
+  details::WeakReferenceOwner sourceLiveness;
 };
 
 namespace details {
@@ -72,10 +76,10 @@ class DATABINDING_API DataSourceAccess {
   /// PostConstruct forgets its base.
   static void Complete(DataSourceImpl& source, IDataSourceProvider* provider);
   [[nodiscard]] static PropertyChanges& Changes(DataSourceImpl& source) noexcept {
-    return source.changes;
+    return source.propertyChanges;
   }
   [[nodiscard]] static WeakReference Liveness(const DataSourceImpl& source) {
-    return source.liveness.GetRef();
+    return source.sourceLiveness.GetRef();
   }
 };
 

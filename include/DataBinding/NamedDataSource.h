@@ -18,7 +18,7 @@ namespace DataBinding {
 
 class DATABINDING_API NamedDataSource : public DataSourceImpl, public IDataSourceBase {
  public:
-  explicit NamedDataSource(VtrString dataSourceName);
+  explicit NamedDataSource(VtrString name);
 
   const wchar_t* GetDataSourceName() override;
   /// This object.
@@ -28,7 +28,7 @@ class DATABINDING_API NamedDataSource : public DataSourceImpl, public IDataSourc
   ~NamedDataSource() override;
 
  private:
-  VtrString name;
+  VtrString dataSourceName;
 };
 
 }  // namespace DataBinding

@@ -35,9 +35,9 @@ namespace details {
 template <class T, class Filed>
 class StoredProperty : public TypedProperty<T, Filed> {
  public:
-  StoredProperty(DataSourceImpl* owner, PropertyName name, T initial = T(),
+  StoredProperty(DataSourceImpl* ownerSource, PropertyName name, T initial = T(),
                  PropertyOptions<T> extras = {})
-      : TypedProperty<T, Filed>(*owner, name),
+      : TypedProperty<T, Filed>(*ownerSource, name),
         value(std::move(initial)),
         options(std::move(extras)) {}
 
@@ -125,9 +125,9 @@ template <std::copyable T>
 class ComputedProperty final : public details::TypedProperty<T, const T> {
  public:
   template <std::derived_from<details::PropertyBase>... Others>
-  ComputedProperty(DataSourceImpl* owner, PropertyName name, RepeatingCallback<T()> function,
+  ComputedProperty(DataSourceImpl* ownerSource, PropertyName name, RepeatingCallback<T()> function,
                    Others&... others)
-      : details::TypedProperty<T, const T>(*owner, name), compute(std::move(function)) {
+      : details::TypedProperty<T, const T>(*ownerSource, name), compute(std::move(function)) {
     this->DependOn({&others...});
   }
   ~ComputedProperty() { this->InvalidateWeakPtrs(); }

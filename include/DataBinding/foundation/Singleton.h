@@ -89,11 +89,21 @@ class Singleton {
     return static_cast<SingletonData*>(entry->data.load(std::memory_order_acquire));
   }
 
+  /// Runs a function when this module is unloaded, at the latest at exit.
+  template <void (*run)()>
+  struct AtUnload {
+    AtUnload() noexcept = default;
+    AtUnload(const AtUnload&) = delete;
+    AtUnload& operator=(const AtUnload&) = delete;
+    ~AtUnload() { run(); }
+  };
+
   /// Lets the library clear this module's cache, until this module goes.
   static bool PrepareReset() {
     const auto clear = [] { ModuleCache().entry.exchange(nullptr, std::memory_order_acq_rel); };
     ModuleCache().reset = new SingletonLibrary::Reset(clear);
-    return std::atexit(&DropReset) == 0;
+    static const AtUnload<&DropReset> atUnload;
+    return true;
   }
   static void DropReset() {
     const std::unique_ptr<SingletonLibrary::Reset> reset(ModuleCache().reset.exchange(nullptr));
@@ -144,15 +154,16 @@ class Singleton {
     return reinterpret_cast<std::uintptr_t>(&StaticFinalizer);
   }
   static void StaticFinalizer() {
-    FinalizerIsRegistered() = false;
+    HasFinalized() = true;
     SingletonLibrary::NotifySingletonModuleUnloaded(ModuleToken());
   }
   static void RegisterFinalizer() {
-    if (!FinalizerIsRegistered().exchange(true)) static_cast<void>(std::atexit(&StaticFinalizer));
+    static const AtUnload<&StaticFinalizer> atUnload;
+    if (HasFinalized()) static_cast<void>(std::atexit(&StaticFinalizer));  // made anew at exit
   }
-  static std::atomic<bool>& FinalizerIsRegistered() {
-    static constinit std::atomic<bool> registered{false};
-    return registered;
+  static std::atomic<bool>& HasFinalized() {
+    static constinit std::atomic<bool> finalized{false};
+    return finalized;
   }
 };
 

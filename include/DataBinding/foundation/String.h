@@ -122,6 +122,20 @@ class VtrStringT {
   friend std::strong_ordering operator<=>(const VtrStringT& left, const CharT* right) noexcept {
     return View(left) <=> View(right);
   }
+  // Spelled out although <=> implies them: std::less<> and its like compare the addresses of what
+  // converts to a pointer, unless they find an operator of that name.
+  friend bool operator<(const VtrStringT& left, const VtrStringT& right) noexcept {
+    return (left <=> right) < 0;
+  }
+  friend bool operator>(const VtrStringT& left, const VtrStringT& right) noexcept {
+    return (left <=> right) > 0;
+  }
+  friend bool operator<=(const VtrStringT& left, const VtrStringT& right) noexcept {
+    return (left <=> right) <= 0;
+  }
+  friend bool operator>=(const VtrStringT& left, const VtrStringT& right) noexcept {
+    return (left <=> right) >= 0;
+  }
 
  private:
   static VtrStringT FormatInternal(View format, std::span<const details::FormatArgument> args) {

@@ -1,0 +1,115 @@
+#include <dlfcn.h>
+
+#include <gtest/gtest.h>
+
+#include "Shared.h"
+
+namespace Boundary {
+namespace {
+
+using namespace DataBinding;
+
+class Plugin {
+ public:
+  Plugin() : handle(dlopen(BOUNDARY_PLUGIN, RTLD_NOW | RTLD_LOCAL)) {
+    using Entry = const PluginFunctions* (*)();
+    const auto entry = reinterpret_cast<Entry>(dlsym(handle, "GetPluginFunctions"));
+    functions = entry();
+  }
+  Plugin(const Plugin&) = delete;
+  Plugin& operator=(const Plugin&) = delete;
+  ~Plugin() { dlclose(handle); }
+  const PluginFunctions* operator->() const { return functions; }
+
+  static bool IsLoaded() {
+    void* loaded = dlopen(BOUNDARY_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
+    if (loaded != nullptr) dlclose(loaded);
+    return loaded != nullptr;
+  }
+
+ private:
+  void* handle;
+  const PluginFunctions* functions;
+};
+
+class ModuleBoundary : public testing::Test {
+ protected:
+  ModuleBoundary() {
+    registrar.Initialize();
+    StartModel();
+    gauge = root().GetDataSource(L"Gauge");
+  }
+  ~ModuleBoundary() override {
+    StopModel();
+    registrar.Shutdown();
+  }
+  IDataSourceProvider& root() { return *registrar.GetRootProvider(); }
+
+  IDataSourceRegistrar& registrar = IDataSourceRegistrar::GetInstance();
+  IDataSource* gauge = nullptr;
+};
+
+TEST_F(ModuleBoundary, RuntimeTypesOfTwoModulesAreTheSameType) {
+  EXPECT_TRUE(runtime_type<Reading>::Get().IsSameType(&ReadingTypeOfModel()));
+  EXPECT_FALSE(runtime_type<const Reading>::Get().IsSameType(&ReadingTypeOfModel()));
+}
+
+TEST_F(ModuleBoundary, SourceOfOneModuleIsSetAndReadByNameInAnother) {
+  EXPECT_TRUE(SetLevelInView(gauge, 7).changed);
+  EXPECT_EQ(ReadLastInView(gauge), (Reading{7, L"bar"}));
+  EXPECT_EQ(*GetProperty<Reading>(gauge, L"Last"), (Reading{7, L"bar"}));
+  EXPECT_TRUE(ViewCatchesUnknownSource(root()));
+}
+
+TEST_F(ModuleBoundary, StoppedPluginTakesItsSourcesAlongAndIsUnloaded) {
+  {
+    const Plugin plugin;
+    plugin->start(gauge);
+    SetLevelInView(gauge, 1);
+    EXPECT_EQ(plugin->timesHeard(), 1);
+    EXPECT_EQ(GetProperty<Reading>(root().GetDataSource(L"FromPlugin"), L"Own")->unit, L"plug");
+    plugin->stop();
+    EXPECT_EQ(root().GetDataSource(L"FromPlugin"), nullptr);
+  }
+  EXPECT_FALSE(Plugin::IsLoaded());
+  EXPECT_TRUE(SetLevelInView(gauge, 2).changed);
+}
+
+TEST_F(ModuleBoundary, PluginsThrowingListenerIsSkippedAndItsSubscriptionHeldByTheHost) {
+  const Plugin plugin;
+  auto subscription = plugin->subscribe(gauge);
+  int last = 0;
+  const auto after = gauge->Register([&] { ++last; }, L"Level");
+  SetLevelInView(gauge, 3);
+  SetLevelInView(gauge, 4);
+  EXPECT_EQ(plugin->meter().count, 2);
+  EXPECT_EQ(last, 2);
+  subscription.Cancel();
+  SetLevelInView(gauge, 5);
+  EXPECT_EQ(plugin->meter().count, 2);
+  Meter::ReleaseInstance(false);
+}
+
+TEST_F(ModuleBoundary, SingletonIsOneForAllModulesAndGoesWithTheModuleThatMadeIt) {
+  EXPECT_FALSE(Meter::HasInstance());
+  {
+    const Plugin plugin;
+    EXPECT_EQ(&plugin->meter(), &Meter::GetInstance());
+    Meter::ReleaseInstance(false);
+    EXPECT_FALSE(Meter::HasInstance());
+    const Meter* made = &Meter::GetInstance();
+    EXPECT_EQ(&plugin->meter(), made);
+  }
+  EXPECT_TRUE(Meter::HasInstance()) << "made anew by this module, it outlives the plug-in";
+  Meter::ReleaseInstance(false);
+  {
+    const Plugin plugin;
+    plugin->meter().count = 5;
+  }
+  EXPECT_FALSE(Plugin::IsLoaded());
+  EXPECT_FALSE(Meter::HasInstance());
+  EXPECT_EQ(Meter::GetInstance().count, 0);
+}
+
+}  // namespace
+}  // namespace Boundary

@@ -1,0 +1,28 @@
+#include <optional>
+
+#include "Shared.h"
+
+namespace Boundary {
+
+using namespace DataBinding;
+
+namespace {
+
+class Gauge : public NamedDataSource {
+ public:
+  Gauge() : NamedDataSource(L"Gauge") {}
+  Property<int> Level{this, L"Level", 0, {.changed = [this](int, int now) {
+                        Assign(Last, Reading{now, L"bar"});
+                      }}};
+  ReadOnlyProperty<Reading> Last{this, L"Last"};
+};
+
+std::optional<DataSourceConstructor<Gauge>> registration;
+
+}  // namespace
+
+const runtime_type_base& ReadingTypeOfModel() { return runtime_type<Reading>::Get(); }
+void StartModel() { registration.emplace(L"Gauge", L"root"); }
+void StopModel() { registration.reset(); }
+
+}  // namespace Boundary

@@ -1,0 +1,50 @@
+#include <memory>
+#include <stdexcept>
+
+#include "Shared.h"
+
+namespace Boundary {
+
+using namespace DataBinding;
+
+namespace {
+
+class FromPlugin : public NamedDataSource {
+ public:
+  FromPlugin() : NamedDataSource(L"FromPlugin") {}
+  Property<Reading> Own{this, L"Own", Reading{1, L"plug"}};
+};
+
+struct State {
+  DataSourceConstructor<FromPlugin> constructor{L"FromPlugin", L"root"};
+  Subscription subscription;
+  int heard = 0;
+};
+std::unique_ptr<State> state;
+
+void Start(IDataSource* gauge) {
+  state = std::make_unique<State>();
+  state->subscription = gauge->Register([] { ++state->heard; }, L"Level");
+}
+
+Subscription Subscribe(IDataSource* gauge) {
+  return gauge->Register(
+      [] {
+        ++Meter::GetInstance().count;
+        throw std::runtime_error("from the plug-in");
+      },
+      L"Level");
+}
+
+int TimesHeard() { return state->heard; }
+Meter& GetMeter() { return Meter::GetInstance(); }
+void Stop() { state.reset(); }
+
+}  // namespace
+
+extern "C" BOUNDARY_API const PluginFunctions* GetPluginFunctions() {
+  static const PluginFunctions functions{&Start, &Subscribe, &TimesHeard, &GetMeter, &Stop};
+  return &functions;
+}
+
+}  // namespace Boundary

@@ -1,0 +1,25 @@
+#include "Shared.h"
+
+namespace Boundary {
+
+using namespace DataBinding;
+
+SetResult SetLevelInView(IDataSource* gauge, int level) {
+  return SetProperty(gauge, L"Level", level);
+}
+
+Reading ReadLastInView(IDataSource* gauge) {
+  const auto last = GetProperty<Reading>(gauge, L"Last");
+  return last ? *last : Reading{-1, last.text};
+}
+
+bool ViewCatchesUnknownSource(IDataSourceProvider& provider) {
+  try {
+    static_cast<void>(provider.GetDataSourceReference(L"Unknown"));
+  } catch (const VtrString& text) {
+    return text == L"No constructor found for data source Unknown.";
+  }
+  return false;
+}
+
+}  // namespace Boundary
