@@ -4,6 +4,7 @@
 - A file has at most 400 lines, unless LONGER names it and says why.
 - A header has `#pragma once`; a public header opens with a `///` banner of 5 to 12 lines before it;
   Fwd.h only declares names, and a line will do.
+- README's C++ example is examples/readme.cpp, which the build compiles.
 - The name of a test is PascalCase without underscores, its body has at most 25 lines, and no test
   is left disabled or skipped.
 """
@@ -59,6 +60,13 @@ def check_tests(file, text):
         report(file, f"{match}: a test runs or is deleted")
 
 
+def check_readme():
+    shown = re.search(r"```cpp\n(.*?)```", (ROOT / "README.md").read_text(encoding="utf-8"), re.DOTALL)
+    example = ROOT / "examples" / "readme.cpp"
+    if shown is None or shown.group(1) != example.read_text(encoding="utf-8"):
+        report(example, "README.md does not show it as it is")
+
+
 def main():
     files = [file for top in FOLDERS for file in sorted((ROOT / top).rglob("*.*"))
              if file.suffix in (".h", ".cpp")]
@@ -70,6 +78,7 @@ def main():
             check_header(file, lines)
         if file.is_relative_to(ROOT / "tests"):
             check_tests(file, text)
+    check_readme()
     if not files:
         problems.append("no source found")
     print("\n".join(problems) or f"{len(files)} files are in shape")

@@ -30,6 +30,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
                      IDataContext* context);
   DataSourceProvider(const DataSourceProvider&);
   DataSourceProvider& operator=(const DataSourceProvider&);
+  /// Shuts the provider down; what that throws is dropped.
+  ~DataSourceProvider() override;
 
   IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categoryList,
                                                 IDataContext* context) override;
@@ -75,9 +77,6 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
       if (children.contains(child)) visit(*child);
     }
   }
-
- protected:
-  ~DataSourceProvider() override;
 
  private:
   struct ListenerEntry {

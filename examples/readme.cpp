@@ -1,0 +1,27 @@
+#include <iostream>
+
+#include <DataBinding/DataBinding.h>
+
+using namespace DataBinding;
+
+class Thermostat : public NamedDataSource {  // the model
+ public:
+  Thermostat() : NamedDataSource(L"Thermostat") {}
+  Property<double> Target{this, L"Target", 21.0};
+  Property<double> Actual{this, L"Actual", 19.5};
+  ComputedProperty<bool> Heats{this, L"Heats", [this] { return *Actual < *Target; }, Actual,
+                               Target};
+};
+
+int main() {
+  DataSourceProvider room(nullptr, L"room", nullptr);  // a scope that builds sources of "room"
+  const DataSourceConstructor<Thermostat> registration(L"Thermostat", L"room");
+
+  IDataSource* source = room.GetDataSource(L"Thermostat");  // the view: names and types only
+  const auto show = [&] { std::cout << "heats: " << *GetProperty<bool>(source, L"Heats") << '\n'; };
+  const Subscription heats = source->Register(show, L"Heats");
+
+  SetProperty(source, L"Actual", 22.5);  // prints "heats: 0"
+  const SetResult wrong = SetProperty(source, L"Actual", 22);
+  std::cout << wrong.text.ToUtf8() << '\n';  // ... has type double, not int.
+}
