@@ -24,12 +24,12 @@ namespace {
 
 /// The runtime's record of the exceptions that this thread is handling, laid out by the Itanium C++
 /// ABI (2.2.2). A jump out of a catch block leaves it as it was inside.
-struct ExceptionState {
+struct CatchState {
   void* caught;
   unsigned int uncaughtCount;
 
-  static ExceptionState& OfThread() noexcept {
-    return *reinterpret_cast<ExceptionState*>(abi::__cxa_get_globals());
+  static CatchState& OfThread() noexcept {
+    return *reinterpret_cast<CatchState*>(abi::__cxa_get_globals());
   }
 };
 
@@ -42,13 +42,13 @@ struct Trap {
 
   sigjmp_buf target;
   volatile std::uint32_t code = 0;
-  ExceptionState exceptions;
+  CatchState exceptions;
   Trap* outer;
 };
 
 constinit thread_local Trap* innermostTrap = nullptr;
 
-Trap::Trap() noexcept : exceptions(ExceptionState::OfThread()), outer(innermostTrap) {}
+Trap::Trap() noexcept : exceptions(CatchState::OfThread()), outer(innermostTrap) {}
 Trap::~Trap() { innermostTrap = outer; }
 
 constexpr std::array faultSignals{SIGSEGV, SIGBUS, SIGFPE, SIGILL};
@@ -112,7 +112,7 @@ std::uint32_t RunTrapping(void (*run)(void*), void* context) {
     innermostTrap = &trap;
     run(context);
   } else {
-    ExceptionState::OfThread() = trap.exceptions;
+    CatchState::OfThread() = trap.exceptions;
   }
   return trap.code;
 }

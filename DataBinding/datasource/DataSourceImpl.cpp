@@ -46,9 +46,9 @@ void DataSourceImpl::UpdateListeners(const VtrString& names) {
 
 void DataSourceImpl::UpdateAllBut(const std::set<VtrString>& excluded,
                                   const details::WeakReference& self) {
-  for (auto item = begin(); item != end(); ++item) {
-    if (item->second.type.get().IsFunction() || excluded.contains(item->first)) continue;
-    broadcaster.UpdateListeners(item->first);
+  for (const auto& [name, item] : *this) {
+    if (item.type.get().IsFunction() || excluded.contains(name)) continue;
+    broadcaster.UpdateListeners(name);
     if (!self.IsValid()) return;
   }
 }

@@ -61,7 +61,8 @@ IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
 
 IDataSource& DataSourceProvider::GetDataSourceReference(const wchar_t* name) {
   if (IDataSource* source = GetDataSource(name)) return *source;
-  throw VtrString().Format(L"No constructor found for data source %s.", VtrStringView(name));
+  throw VtrString(
+      VtrString().Format(L"No constructor found for data source %s.", VtrStringView(name)));
 }
 
 IVantorGenericDetail::FindInterfaceProxy DataSourceProvider::GetDataSourceInterface(
@@ -149,6 +150,7 @@ void DataSourceProvider::Shutdown() {
   additions.clear();
   sourcesByName.clear();
   for (auto last = ending.rbegin(); last != ending.rend(); ++last) {
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor means this class
     failure.Try([&] { DisconnectDataListeners(last->second); });
     failure.Try([&] { IDataSource::Destroy(last->second); });
   }

@@ -10,6 +10,7 @@ void IDataSourceProvider::Destroy(IDataSourceProvider* provider) {
 
 // What is attached to a provider is no part of its state: a proxy may set it on a const one.
 CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
   return CustomDataProxy(const_cast<IDataSourceProvider*>(this));
 }
 

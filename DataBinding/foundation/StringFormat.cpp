@@ -53,7 +53,7 @@ class Formatter {
     } else if (conversion.type == L's') {
       Pad(conversion, Take<std::wstring_view>().substr(0, Limit(conversion)));
     } else if (conversion.type == L'c') {
-      const auto character = static_cast<wchar_t>(TakeInteger());
+      const auto character = static_cast<wchar_t>(Take<FormatArgument::Integer>().asSigned);
       Pad(conversion, std::wstring_view(&character, 1));
     } else {
       Number(conversion);
@@ -84,7 +84,7 @@ class Formatter {
     long long value = 0;
     if (!rest.empty() && rest.front() == L'*') {
       Next();
-      value = TakeInteger();
+      value = Take<FormatArgument::Integer>().asSigned;
     }
     while (!rest.empty() && rest.front() >= L'0' && rest.front() <= L'9' && value <= largestField) {
       value = value * 10 + (Next() - L'0');
@@ -112,15 +112,6 @@ class Formatter {
     if (value == nullptr) Refuse("conversion does not fit its argument");
     return *value;
   }
-  long long TakeInteger() {
-    const auto& value = TakeValue();
-    if (const auto* number = std::get_if<long long>(&value)) return *number;
-    if (const auto* number = std::get_if<unsigned long long>(&value)) {
-      return static_cast<long long>(*number);
-    }
-    Refuse("conversion needs a whole number");
-  }
-
   static std::size_t Limit(const Conversion& conversion) {
     return conversion.precision < 0 ? std::wstring_view::npos
                                     : static_cast<std::size_t>(conversion.precision);
@@ -137,10 +128,10 @@ class Formatter {
   void Number(const Conversion& conversion) {
     const wchar_t type = conversion.type;
     if (type == L'd' || type == L'i') {
-      Print(conversion, "lld", TakeInteger());
+      Print(conversion, "lld", Take<FormatArgument::Integer>().asSigned);
     } else if (std::wstring_view(L"uoxX").find(type) != std::wstring_view::npos) {
       const char spelled[] = {'l', 'l', static_cast<char>(type), '\0'};
-      Print(conversion, spelled, static_cast<unsigned long long>(TakeInteger()));
+      Print(conversion, spelled, Take<FormatArgument::Integer>().asUnsigned);
     } else if (std::wstring_view(L"eEfFgGaA").find(type) != std::wstring_view::npos) {
       const char spelled[] = {static_cast<char>(type), '\0'};
       Print(conversion, spelled, Take<double>());

@@ -72,6 +72,8 @@ const runtime_type_base& IReflectable::GetDelegatesType(std::initializer_list<Vt
   return _GetType(names).second;
 }
 
+// By value, as callers hand names over.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void IReflectable::MakeEventSource(VtrString name) { _AddType(name, runtime_type<void()>::Get()); }
 
 }  // namespace DataBinding

@@ -26,7 +26,7 @@ std::string Readable(const char* mangled) {
 runtime_type_base::~runtime_type_base() = default;
 
 std::string runtime_type_base::GetTypeName() const {
-  const std::string text = Readable(typeid(*this).name());
+  std::string text = Readable(typeid(*this).name());
   const auto first = text.find('<');
   const auto last = text.rfind('>');
   if (first == std::string::npos || last == std::string::npos) return text;

@@ -50,7 +50,7 @@ struct DATABINDING_API IDataSource : public IVantorGeneric,
   virtual IDataSourceBase* GetDataSourceBaseImpl() = 0;
 
  protected:
-  virtual ~IDataSource();
+  ~IDataSource() override;
 };
 
 }  // namespace DataBinding

@@ -33,10 +33,10 @@ class DATABINDING_API IDataSourceProvider {
   [[nodiscard]] CustomDataProxy GetCustomData() const noexcept;
 
   /// A new child scope with its own comma-separated categories. The caller owns it.
-  virtual IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categories,
-                                                        IDataContext* context) = 0;
+  [[nodiscard]] virtual IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categories,
+                                                                      IDataContext* context) = 0;
   /// The enclosing scope, or null for a root.
-  virtual IDataSourceProvider* GetParent() const = 0;
+  [[nodiscard]] virtual IDataSourceProvider* GetParent() const = 0;
   /// The source of that name: held here, built here, or the parent's answer; else null.
   virtual IDataSource* GetDataSource(const wchar_t* name) = 0;
   /// As GetDataSource. Throws a VtrString, "No constructor found for data source %s.", for none.
@@ -44,12 +44,12 @@ class DATABINDING_API IDataSourceProvider {
   /// As GetDataSource, to be asked for an interface.
   virtual IVantorGenericDetail::FindInterfaceProxy GetDataSourceInterface(const wchar_t* name) = 0;
   /// The source that is held here under that name, or null. Neither builds nor climbs.
-  virtual IDataSource* GetLocalDataSourceInstance(const wchar_t* name) const = 0;
+  [[nodiscard]] virtual IDataSource* GetLocalDataSourceInstance(const wchar_t* name) const = 0;
   /// Disconnects and ends the source that is held here under that name. Always answers false,
   /// deliberately: callers must not read anything into the answer.
   virtual bool DeleteLocalDataSourceInstance(const wchar_t* name) = 0;
   /// The opaque context that the provider was made with.
-  virtual IDataContext* GetDataContext() = 0;
+  [[nodiscard]] virtual IDataContext* GetDataContext() = 0;
   /// Takes a source over and connects the listeners that wait here for its name. The first source
   /// of a name keeps it; a later one is owned, and connected, but not found by name. Ignores null.
   virtual void AddDataSource(IDataSource* source) = 0;
@@ -72,11 +72,11 @@ class DATABINDING_API IDataSourceProvider {
   virtual void* SetCustomData(const Guid& id, void* value) = 0;
   /// The value stored here or in the nearest enclosing scope that has the identifier, else null.
   /// A null that is stored here hides outer values.
-  virtual void* GetCustomData(const Guid& id) const = 0;
+  [[nodiscard]] virtual void* GetCustomData(const Guid& id) const = 0;
   /// The names of all sources that could be built here or in an enclosing scope, in order.
-  virtual std::vector<VtrString> GetRegisteredDataSources() const = 0;
+  [[nodiscard]] virtual std::vector<VtrString> GetRegisteredDataSources() const = 0;
   /// True when the comma-separated list shares a category with this provider's own.
-  virtual bool MatchCategory(const wchar_t* categoryList) const = 0;
+  [[nodiscard]] virtual bool MatchCategory(const wchar_t* categoryList) const = 0;
   /// Ends the sources, leaves the tree and tells the listeners. The provider may be used again.
   virtual void Shutdown() = 0;
 
@@ -87,7 +87,7 @@ class DATABINDING_API IDataSourceProvider {
 
  public:
   /// This provider's own categories, in the order in which they were given.
-  virtual const std::vector<VtrString>& GetCategories() const = 0;
+  [[nodiscard]] virtual const std::vector<VtrString>& GetCategories() const = 0;
 
  protected:
   virtual ~IDataSourceProvider();

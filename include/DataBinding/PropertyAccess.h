@@ -27,9 +27,9 @@ namespace details {
 class DATABINDING_API ReflectionAccess {
  public:
   struct Found {
-    PropertyError error;
+    PropertyError error = PropertyError::None;
     RepeatingCallbackMemento accessor;
-    bool isReadOnly;
+    bool isReadOnly = false;
   };
   /// Finds the accessor of a property whose type is `plain`, or `readOnly` for a read-only one.
   [[nodiscard]] static Found Find(IDataSource* source, const VtrString& name,

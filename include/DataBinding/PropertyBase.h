@@ -18,9 +18,7 @@
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
-namespace DataBinding {
-
-namespace details {
+namespace DataBinding::details {
 
 /// How a property of a value type is reached by name: its accessor gives this, or null when the
 /// property is gone.
@@ -90,5 +88,4 @@ class TypedProperty : public PropertyBase, protected PropertyAccess<T> {
   }
 };
 
-}  // namespace details
-}  // namespace DataBinding
+}  // namespace DataBinding::details

@@ -14,6 +14,9 @@ namespace VtrUtils {
 template <class T, class Traits>
 class RefCounted {
  public:
+  RefCounted(const RefCounted&) = delete;
+  RefCounted& operator=(const RefCounted&) = delete;
+
   void AddRef() const noexcept { references.fetch_add(1, std::memory_order_relaxed); }
   void Release() const {
     if (references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
@@ -24,8 +27,6 @@ class RefCounted {
  protected:
   RefCounted() noexcept = default;
   ~RefCounted() = default;
-  RefCounted(const RefCounted&) = delete;
-  RefCounted& operator=(const RefCounted&) = delete;
 
  private:
   mutable std::atomic<std::uint32_t> references{1};

@@ -17,7 +17,12 @@ namespace VtrPlatform::details {
 
 class FormatArgument {
  public:
-  using Value = std::variant<long long, unsigned long long, double, const void*, std::wstring_view>;
+  /// A whole number, for conversions with and without a sign: an int of -1 prints as 32 set bits.
+  struct Integer {
+    long long asSigned;
+    unsigned long long asUnsigned;
+  };
+  using Value = std::variant<Integer, double, const void*, std::wstring_view>;
 
   template <class T>
   requires std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T> ||
@@ -33,10 +38,11 @@ class FormatArgument {
       return Wrap(static_cast<std::underlying_type_t<T>>(argument));
     } else if constexpr (std::is_floating_point_v<T>) {
       return static_cast<double>(argument);
-    } else if constexpr (std::unsigned_integral<T>) {
-      return static_cast<unsigned long long>(argument);
+    } else if constexpr (std::same_as<T, bool>) {
+      return Integer{argument, argument};
     } else if constexpr (std::integral<T>) {
-      return static_cast<long long>(argument);
+      return Integer{static_cast<long long>(argument),
+                     static_cast<std::make_unsigned_t<T>>(argument)};
     } else if constexpr (std::convertible_to<const T&, VtrStringView>) {
       return std::wstring_view(VtrStringView(argument));
     } else {

@@ -60,14 +60,17 @@ class basic_safe_function<Result(Args...), Words> {
   explicit operator bool() const noexcept { return actions != nullptr; }
 
  private:
+  static constexpr std::size_t alignment = alignof(void*);
+
   struct Actions {
     Result (*run)(void* storage, details::CallbackArgument<Args>... args);
     void (*move)(void* from, void* to) noexcept;
     void (*destroy)(void* storage) noexcept;
   };
   template <class Target>
-  using Inline = std::bool_constant<sizeof(Target) <= Words * sizeof(void*) &&
-                                    alignof(Target) <= alignof(void*) &&
+  static constexpr bool fits = sizeof(Target) <= Words * sizeof(void*);
+  template <class Target>
+  using Inline = std::bool_constant<fits<Target> && alignment % alignof(Target) == 0 &&
                                     std::is_nothrow_move_constructible_v<Target>>;
 
   template <class Target>
@@ -111,7 +114,7 @@ class basic_safe_function<Result(Args...), Words> {
   }
 
   const Actions* actions = nullptr;
-  alignas(void*) std::byte storage[Words == 0 ? sizeof(void*) : Words * sizeof(void*)];
+  alignas(alignment) std::byte storage[Words == 0 ? sizeof(void*) : Words * sizeof(void*)];
 };
 
 }  // namespace VtrUtils

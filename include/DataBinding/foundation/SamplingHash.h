@@ -21,7 +21,7 @@ namespace VtrUtils {
   std::uint64_t hash = 0x42c52834b230ef45;
   const std::size_t step = text.size() / 10 + 1;
   for (std::size_t i = 0; i < text.size(); i += step) {
-    const auto unit = static_cast<std::uint16_t>(text[i]);
+    const std::uint32_t unit = static_cast<std::uint32_t>(text[i]) & 0xFFFFu;
     const std::uint64_t low = (offsetBasis ^ (unit & 0xFFu)) * prime;
     const std::uint64_t mixed = (low ^ (unit >> 8)) * prime;
     hash ^= (hash >> 2) + (hash << 6) + mixed + 0x0fd258f8f3210c68;

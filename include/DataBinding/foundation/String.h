@@ -125,16 +125,16 @@ class VtrStringT {
   // Spelled out although <=> implies them: std::less<> and its like compare the addresses of what
   // converts to a pointer, unless they find an operator of that name.
   friend bool operator<(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return (left <=> right) < 0;
+    return std::is_lt(left <=> right);
   }
   friend bool operator>(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return (left <=> right) > 0;
+    return std::is_gt(left <=> right);
   }
   friend bool operator<=(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return (left <=> right) <= 0;
+    return std::is_lteq(left <=> right);
   }
   friend bool operator>=(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return (left <=> right) >= 0;
+    return std::is_gteq(left <=> right);
   }
 
  private:

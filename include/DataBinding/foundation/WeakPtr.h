@@ -65,29 +65,37 @@ class DATABINDING_API WeakReferenceOwner {
 class WeakPtrBase {
  public:
   WeakPtrBase() noexcept = default;
-  WeakPtrBase(WeakReference toOwner, void* target) noexcept
+  WeakPtrBase(WeakReference toOwner, const void* target) noexcept
       : reference(std::move(toOwner)), object(target) {}
   [[nodiscard]] bool IsValid() const noexcept { return reference.IsValid(); }
 
  protected:
-  [[nodiscard]] void* GetRaw() const noexcept { return IsValid() ? object : nullptr; }
+  /// The address, or null once the object is gone.
+  [[nodiscard]] const void* GetRaw() const noexcept { return IsValid() ? object : nullptr; }
 
  private:
   WeakReference reference;
-  void* object = nullptr;
+  const void* object = nullptr;
 };
+
+/// Gives an address back the type that it was kept without; T may be const.
+template <class T>
+[[nodiscard]] T* Retyped(const void* address) noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+  return static_cast<T*>(const_cast<void*>(address));
+}
 
 class WeakPtrFactoryBase {
  public:
-  explicit WeakPtrFactoryBase(void* target) noexcept : object(target) {}
+  explicit WeakPtrFactoryBase(const void* target) noexcept : object(target) {}
 
  protected:
   [[nodiscard]] WeakReference GetRef() const { return owner.GetRef(); }
-  [[nodiscard]] void* GetRaw() const noexcept { return object; }
+  [[nodiscard]] const void* GetRaw() const noexcept { return object; }
 
  private:
   WeakReferenceOwner owner;
-  void* object;
+  const void* object;
 };
 
 }  // namespace details
@@ -97,10 +105,10 @@ class WeakPtr : public details::WeakPtrBase {
  public:
   WeakPtr() noexcept = default;
   WeakPtr(details::WeakReference toOwner, T* target) noexcept
-      : WeakPtrBase(std::move(toOwner), const_cast<void*>(static_cast<const void*>(target))) {}
+      : WeakPtrBase(std::move(toOwner), target) {}
 
   /// The object, or null once it is gone.
-  [[nodiscard]] T* Get() const noexcept { return static_cast<T*>(GetRaw()); }
+  [[nodiscard]] T* Get() const noexcept { return details::Retyped<T>(GetRaw()); }
   T* operator->() const noexcept { return Get(); }
   T& operator*() const noexcept { return *Get(); }
   explicit operator bool() const noexcept { return IsValid(); }
@@ -113,7 +121,7 @@ class WeakPtrFactory : private details::WeakPtrFactoryBase {
   explicit WeakPtrFactory(T* target) noexcept : WeakPtrFactoryBase(target) {}
   WeakPtrFactory(const WeakPtrFactory&) = delete;
   WeakPtrFactory& operator=(const WeakPtrFactory&) = delete;
-  [[nodiscard]] WeakPtr<T> GetWeakPtr() const { return {GetRef(), static_cast<T*>(GetRaw())}; }
+  [[nodiscard]] WeakPtr<T> GetWeakPtr() const { return {GetRef(), details::Retyped<T>(GetRaw())}; }
 };
 
 /// A base that gives a class weak pointers to itself. They end in this base's destructor, that is
