@@ -47,6 +47,7 @@ void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
 }
 
 void DataListener::ConnectToDatasource(IDataSource* source) {
+  if (source == nullptr || source->GetDataSourceName() == nullptr) return;
   const VtrString name(source->GetDataSourceName());
   for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) != 0) continue;
@@ -55,6 +56,7 @@ void DataListener::ConnectToDatasource(IDataSource* source) {
 }
 
 void DataListener::DisconnectFromDatasource(IDataSource* source) {
+  if (source == nullptr || source->GetDataSourceName() == nullptr) return;
   const VtrString name(source->GetDataSourceName());
   for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) == 0) entry.subscription.Cancel();

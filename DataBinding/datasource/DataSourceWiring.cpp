@@ -6,6 +6,7 @@
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/IDataListener.h"
 #include "DataBinding/IDataSource.h"
+#include "FirstFailure.h"
 
 namespace DataBinding {
 
@@ -63,10 +64,12 @@ void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   if (name == nullptr) return;
   const VtrString key(name);
   const Notification scope(*this);
+  details::FirstFailure failure;
   IDataListener* listener = nullptr;
   while ((listener = NextWaiting(key, listener)) != nullptr) {
-    listener->DisconnectFromDatasource(source);
+    failure.Try([&] { listener->DisconnectFromDatasource(source); });
   }
+  failure.Rethrow();
 }
 
 /// The next living listener, in order of address, that waits for a name. Looks anew each time,

@@ -37,6 +37,7 @@ Reflectable::Reflectable(DelegateResolver forDelegates, TypeResolver forTypes)
     : resolveDelegate(std::move(forDelegates)), resolveType(std::move(forTypes)) {}
 
 Reflectable::~Reflectable() {
+  isEnding = true;
   RaiseQuietly(onDestroy);
   RaiseQuietly(onDestroyed);
 }

@@ -132,7 +132,9 @@ void DataSourceRegistrar::Shutdown() {
 }
 
 void DataSourceRegistrar::EndRoot() {
-  IDataSourceProvider::Destroy(std::exchange(rootProvider, nullptr));
+  IDataSourceProvider* root = std::exchange(rootProvider, nullptr);
+  IDataSourceProvider::Destroy(root);
+  providers.erase(root);  // it detaches itself from the installed registrar, which may be another
 }
 
 }  // namespace DataBinding

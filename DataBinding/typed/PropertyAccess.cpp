@@ -24,7 +24,7 @@ VtrString ReflectionAccess::Explain(PropertyError error, IDataSource* source, co
     return text.Format(L"There is no data source to have a property \"%s\" of type %s.", name,
                        wantedType);
   }
-  const VtrString owner(source->GetDataSourceName());
+  const VtrString owner = NameOf(*source);
   const VtrString actualType = VtrString::FromUtf8(source->_GetType({name}).second.GetTypeName());
   switch (error) {
     case PropertyError::Absent:

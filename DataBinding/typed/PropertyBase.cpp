@@ -47,7 +47,7 @@ SetResult PropertyBase::ReadOnlyResult(const runtime_type_base& wanted) const {
 SetResult PropertyBase::RefusedResult(const VtrString& reason) const {
   SetResult result{false, PropertyError::Refused, {}};
   result.text.Format(L"Property \"%s\" of data source \"%s\" refuses the value: %s", Name(),
-                     VtrString(owner.GetDataSourceName()), reason);
+                     ReflectionAccess::NameOf(owner), reason);
   return result;
 }
 

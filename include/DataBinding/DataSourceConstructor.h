@@ -46,7 +46,12 @@ class DataSourceConstructor final : public IDataSourceConstructor {
   }
   DataSourceConstructor(const DataSourceConstructor&) = delete;
   DataSourceConstructor& operator=(const DataSourceConstructor&) = delete;
-  ~DataSourceConstructor() { registrar.UnregisterDataSource(this); }
+  ~DataSourceConstructor() {
+    try {
+      registrar.UnregisterDataSource(this);
+    } catch (...) {  // a source that will not end is its own concern; the name is free again
+    }
+  }
 
   void OnRegistered() override {}
   void OnUnregistered() override {}

@@ -65,6 +65,8 @@ class DATABINDING_API Reflectable {
   Subscription AddOnDestroyedHandler(const RepeatingCallback<void()>& callback);
   [[nodiscard]] bool IsProperty(const VtrString& name) const;
   [[nodiscard]] bool IsWritableProperty(const VtrString& name) const;
+  /// True while the destruction handlers run, when the classes derived from IReflectable are gone.
+  [[nodiscard]] bool IsEnding() const noexcept { return isEnding; }
   [[nodiscard]] Items::iterator begin() noexcept { return items.begin(); }
   [[nodiscard]] Items::const_iterator begin() const noexcept { return items.begin(); }
   [[nodiscard]] Items::iterator end() noexcept { return items.end(); }
@@ -76,6 +78,7 @@ class DATABINDING_API Reflectable {
   DelegateResolver resolveDelegate;
   TypeResolver resolveType;
   Items items;
+  bool isEnding = false;
 };
 
 /// Keeps the first exception of the destruction handlers that run on this thread during its scope,

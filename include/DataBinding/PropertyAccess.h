@@ -38,6 +38,10 @@ class DATABINDING_API ReflectionAccess {
   /// The text for an error of that look-up.
   [[nodiscard]] static VtrString Explain(PropertyError error, IDataSource* source,
                                          const VtrString& name, const runtime_type_base& wanted);
+  /// The source's name for a message; empty while its destruction handlers run.
+  [[nodiscard]] static VtrString NameOf(IDataSource& source) {
+    return source.reflectable.IsEnding() ? VtrString() : VtrString(source.GetDataSourceName());
+  }
   static void File(IReflectable& table, const VtrString& name,
                    const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
     table._AddDelegate(name, accessor, type);

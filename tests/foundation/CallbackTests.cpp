@@ -33,13 +33,6 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(me
 namespace DataBinding {
 namespace {
 
-template <class Action>
-int AllocationsOf(Action action) {
-  const int before = allocations;
-  action();
-  return allocations - before;
-}
-
 class Counter : public SupportsWeakPtr<Counter> {
  public:
   int Add(int first, int second) { return total += first * second; }
@@ -48,22 +41,20 @@ class Counter : public SupportsWeakPtr<Counter> {
   int total = 0;
 };
 
-TEST(Callbacks, AllocateOnceWhenMadeAndNeverWhenCopied) {
-  RepeatingCallback<int()> callback;
+TEST(Callbacks, AndStringsAllocateOnceWhenMadeAndNeverWhenCopied) {
   const VtrString text = L"A name that is too long for a small buffer";
-  EXPECT_EQ(AllocationsOf([&] { callback = [text, a = 1L, b = 2L] { return a < b ? 3 : 0; }; }), 1);
-  EXPECT_EQ(AllocationsOf([&] {
-              const RepeatingCallback<int()> copy = callback;
-              OneShotCallback<int()> once = copy;
-              EXPECT_EQ(copy() + once(), 6);
-              VtrString name = text;
-              const VtrString moved = std::move(name);
-              name = moved.Mid(0);
-              EXPECT_GT(name.CompareNoCase(L"a NAME"), 0);
-              basic_safe_function<int()> small = [&name] { return name.GetLength(); };
-              EXPECT_EQ(small(), text.GetLength());
-            }),
-            0);
+  RepeatingCallback<int()> callback;
+  int before = allocations;
+  callback = [text, a = 1L, b = 2L] { return a < b ? 3 : 0; };
+  EXPECT_EQ(allocations - before, 1);
+  before = allocations;
+  const RepeatingCallback<int()> copy = callback;
+  OneShotCallback<int()> once = copy;
+  VtrString name = text;
+  name = VtrString(name).Mid(0);
+  basic_safe_function<int()> small = [&name] { return name.CompareNoCase(L"a NAME"); };
+  EXPECT_EQ(copy() + once() + small(), 7);
+  EXPECT_EQ(allocations - before, 0);
 }
 
 TEST(Callbacks, TakeAnySignatureAndMoveOnlyCallablesAndArguments) {
@@ -79,8 +70,9 @@ TEST(Callbacks, TakeAnySignatureAndMoveOnlyCallablesAndArguments) {
   };
   EXPECT_EQ(*give(), 4);
   Counter counter;
-  const RepeatingCallback<int&(Counter&)> member = &Counter::total;
-  EXPECT_EQ(&member(counter), &counter.total);
+  EXPECT_EQ(&RepeatingCallback<int&(Counter&)>(&Counter::total)(counter), &counter.total);
+  const auto add = Delegate<int(int, int)>::To<&Counter::Add>(counter);
+  EXPECT_EQ(Delegate(add)(2, 3), 6);
 }
 
 TEST(Callbacks, NullOnesDoNothingAndGiveAnEmptyResult) {
@@ -90,9 +82,8 @@ TEST(Callbacks, NullOnesDoNothingAndGiveAnEmptyResult) {
   void (*const noFunction)() = nullptr;
   EXPECT_FALSE(RepeatingCallback<void()>(noFunction));
   const OneShotCallback<void()> none = std::function<void()>();
-  EXPECT_TRUE(none.IsCancelled());
-  EXPECT_FALSE(none || none.MaybeValid());
-  EXPECT_EQ(none.polymorphic_invoke(), nullptr);
+  EXPECT_TRUE(none.IsCancelled() && !none.MaybeValid() && !none.polymorphic_invoke());
+  EXPECT_EQ((Delegate<int(int, int)>()(2, 3)), 0);
 }
 
 TEST(Callbacks, OneThatDestroysItselfKeepsItsCapturesUntilItReturns) {
@@ -108,22 +99,15 @@ TEST(Callbacks, OneThatDestroysItselfKeepsItsCapturesUntilItReturns) {
 
 TEST(Callbacks, OneShotRunsOnceAndLetsItsCallableGoEvenWhenItThrows) {
   const auto witness = std::make_shared<int>(0);
-  OneShotCallback<void()> once;
-  for (const bool fails : {false, true}) {
-    once = [&once, witness, fails] {
-      ++*witness;
-      once();
-      if (fails) throw std::runtime_error("listener");
-    };
-    if (fails) {
-      EXPECT_THROW(once(), std::runtime_error);
-    } else {
-      once();
-    }
-    EXPECT_EQ(witness.use_count(), 1);
+  OneShotCallback<void()> once = [&once, witness] {
+    ++*witness;
     once();
-  }
-  EXPECT_EQ(*witness, 2);
+    throw std::runtime_error("listener");
+  };
+  EXPECT_THROW(once(), std::runtime_error);
+  EXPECT_EQ(witness.use_count(), 1);
+  once();
+  EXPECT_EQ(*witness, 1);
 }
 
 TEST(Callbacks, WeaklyBoundOnesAreSkippedOnceTheirObjectIsGone) {
@@ -131,8 +115,7 @@ TEST(Callbacks, WeaklyBoundOnesAreSkippedOnceTheirObjectIsGone) {
   const RepeatingCallback<int(int)> add = BindWeak(counter->AsWeakPtr(), &Counter::Add, 10);
   OneShotCallback<std::unique_ptr<int>()> take =
       BindWeak(counter->AsWeakPtr(), &Counter::Take, std::make_unique<int>(5));
-  EXPECT_EQ(add(2), 20);
-  EXPECT_EQ(add(3), 50);
+  EXPECT_EQ(add(2) + add(3), 70);
   EXPECT_EQ(*take(), 5);
   EXPECT_TRUE(!add.IsCancelled() && add.MaybeValid());
   counter.reset();
@@ -140,7 +123,7 @@ TEST(Callbacks, WeaklyBoundOnesAreSkippedOnceTheirObjectIsGone) {
   EXPECT_TRUE(add.IsCancelled() && !add.MaybeValid());
 }
 
-TEST(Callbacks, CopiesAndMementosShareOneCallable) {
+TEST(Callbacks, CopiesAndMementosShareOneCallableOfTheirSignature) {
   RepeatingCallback<int()> count = [calls = 0]() mutable { return ++calls; };
   RepeatingCallback<int()> same;
   same.SetMemento(count.GetMemento());
@@ -148,9 +131,8 @@ TEST(Callbacks, CopiesAndMementosShareOneCallable) {
   EXPECT_EQ(same(), 2);
   RepeatingCallback<long()> other = [] { return 5L; };
   other.SetMemento(count.GetMemento());
-  EXPECT_FALSE(other);
   same.SetMemento(RepeatingCallbackMemento());
-  EXPECT_FALSE(same);
+  EXPECT_FALSE(other || same);
 }
 
 template <std::size_t words>
@@ -161,27 +143,17 @@ void MoveAndCallSafeFunction() {
   Function second = std::move(first);
   EXPECT_EQ(first(std::make_unique<int>(1)), 0);
   EXPECT_EQ(second(std::make_unique<int>(1)), 2);
+  auto& self = second;
+  second = std::move(self);
   first = std::move(second);
-  auto& self = first;
-  first = std::move(self);
   EXPECT_EQ(first(std::make_unique<int>(2)), 3);
   first = nullptr;
-  EXPECT_FALSE(first);
   EXPECT_EQ(witness.use_count(), 1);
 }
 
 TEST(SafeFunctions, MoveTheirCallableAndAreSafeWhenEmpty) {
   MoveAndCallSafeFunction<1>();  // on the heap
   MoveAndCallSafeFunction<2>();  // inside
-}
-
-TEST(Delegates, CallTheirContextAndAreSafeWhenEmpty) {
-  Counter counter;
-  const auto add = Delegate<int(int, int)>::To<&Counter::Add>(counter);
-  const auto copy = add;
-  EXPECT_EQ(copy(2, 3), 6);
-  EXPECT_EQ(counter.total, 6);
-  EXPECT_EQ((Delegate<int(int, int)>()(2, 3)), 0);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "DataBinding/foundation/String.h"
 
 #include <climits>
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -21,34 +20,33 @@ TEST(Strings, CopiesKeepTheirTextWhenTheOriginalChanges) {
   const VtrString copy = original;
   original += L"Use";
   original += original;
-  EXPECT_EQ(original.ToUtf8(), "MemoryUseMemoryUse");
+  EXPECT_STREQ(original, L"MemoryUseMemoryUse");
   const VtrString moved = std::move(original);
   EXPECT_TRUE(original.IsEmpty());
   original = L"<" + copy + VtrStringView(L">>", 1);
-  EXPECT_EQ(original.ToUtf8(), "<Memory>");
+  EXPECT_STREQ(original, L"<Memory>");
   EXPECT_STREQ(copy, L"Memory");
+  for (const auto& [start, rest] :
+       {std::pair(INT_MIN, L"Memory"), {0, L"Memory"}, {5, L"y"}, {6, L""}, {INT_MAX, L""}}) {
+    EXPECT_STREQ(copy.Mid(start), rest) << start;
+  }
 }
 
 TEST(Strings, NullPointersAreEmptyTexts) {
   EXPECT_STREQ(VtrString(noText), L"");
-  EXPECT_TRUE(VtrString(noText) == noText);
-  EXPECT_TRUE(VtrStringView(noText, 5).IsEmpty());
-  EXPECT_TRUE(VtrStringView(L"abc", -1).IsEmpty());
-  EXPECT_EQ(VtrString().Format(noText).GetLength(), 0);
+  EXPECT_TRUE(VtrStringView(noText, 5).IsEmpty() && VtrStringView(L"abc", -1).IsEmpty());
+  EXPECT_STREQ(VtrString(L"text").Format(noText), L"");
   EXPECT_STREQ(VtrString().Format(L"<%s>", noText), L"<>");
   EXPECT_TRUE(String::Split(noText, L',', true, false).empty());
 }
 
-TEST(Strings, Utf8GoesThereAndBack) {
+TEST(Strings, Utf8GoesThereAndBackAndEachIllFormedSequenceBecomesOneReplacement) {
   for (const std::string text : {"", "A", "Ä", "€", "\U0001F600", "\U0010FFFF"}) {
     EXPECT_EQ(VtrString::FromUtf8(text).ToUtf8(), text);
   }
   EXPECT_EQ(VtrString::FromUtf8(std::string_view("a\0b", 3)).GetLength(), 3);
   const wchar_t noCharacters[] = {static_cast<wchar_t>(0xD800), L'x', static_cast<wchar_t>(0xDFFF)};
   EXPECT_EQ(VtrString(VtrStringView(noCharacters, 3)).ToUtf8(), "\uFFFDx\uFFFD");
-}
-
-TEST(Strings, EachIllFormedUtf8SequenceBecomesOneReplacementCharacter) {
   const std::pair<const char*, const wchar_t*> cases[] = {
       {"\x80", L"\uFFFD"},
       {"\xC0\x80", L"\uFFFD\uFFFD"},                      // overlong NUL
@@ -57,27 +55,17 @@ TEST(Strings, EachIllFormedUtf8SequenceBecomesOneReplacementCharacter) {
       {"\xED\xA0\x80", L"\uFFFD\uFFFD\uFFFD"},            // surrogate
       {"\xF4\x90\x80\x80", L"\uFFFD\uFFFD\uFFFD\uFFFD"},  // past U+10FFFF
       {"\xE2\x82", L"\uFFFD"},                            // cut off by the end
-      {"\xF0\x9F\x98z", L"\uFFFDz"},                      // cut off by another character
-      {"\xE2\xC3\x84\xFF", L"\uFFFD\u00C4\uFFFD"},
+      {"\xF0\x9F\x98\xC3\x84", L"\uFFFD\u00C4"},          // cut off by another character
   };
   for (const auto& [bytes, expected] : cases) EXPECT_STREQ(VtrString::FromUtf8(bytes), expected);
 }
 
-TEST(Strings, CompareIsOrdinal) {
-  EXPECT_LT(VtrString(L"Zebra").Compare(L"apple"), 0);
-  EXPECT_LT(VtrString(L"app").Compare(L"apple"), 0);
-  EXPECT_EQ(VtrString(L"Doc").Compare(L"dOC", CompareCase::Insensitive), 0);
-  const std::map<VtrString, int> names{{L"b", 3}, {L"a", 2}, {L"B", 1}};
-  EXPECT_EQ(names.begin()->second, 1);
-  EXPECT_EQ(std::hash<VtrString>()(L"abc"), std::hash<VtrStringView>()({L"abcd", 3}));
-}
-
-TEST(Strings, CompareNoCaseFoldsByUnicode) {
+TEST(Strings, CompareIsOrdinalAndCompareNoCaseFoldsByUnicode) {
   const std::pair<const wchar_t*, const wchar_t*> equal[] = {
       {L"ÄÖÜ", L"äöü"},  {L"ΌΣΟΣ", L"όσος"},  // both forms of the small sigma
       {L"\u212A", L"k"},                      // Kelvin sign
       {L"\u1E9E", L"ß"}, {L"ЖУК", L"жук"},   {L"\U00010400", L"\U00010428"},
-      {L"\u1C90", L"ა"}, {L"\uAB70", L"Ꭰ"},  {L"", noText},
+      {L"\uAB70", L"Ꭰ"}, {L"", noText},
   };
   for (const auto& [left, right] : equal) {
     EXPECT_EQ(VtrString(left).CompareNoCase(right), 0) << VtrString(left).ToUtf8();
@@ -90,17 +78,8 @@ TEST(Strings, CompareNoCaseFoldsByUnicode) {
     EXPECT_LT(VtrString(less).CompareNoCase(more), 0) << VtrString(less).ToUtf8();
     EXPECT_GT(VtrString(more).CompareNoCase(less), 0) << VtrString(less).ToUtf8();
   }
-}
-
-TEST(Strings, MidTakesTheRestWhateverTheStart) {
-  for (const auto& [start, expected] : {std::pair(INT_MIN, L"*Size"),
-                                        {0, L"*Size"},
-                                        {1, L"Size"},
-                                        {4, L"e"},
-                                        {5, L""},
-                                        {INT_MAX, L""}}) {
-    EXPECT_STREQ(VtrString(L"*Size").Mid(start), expected) << start;
-  }
+  EXPECT_TRUE(VtrString(L"Zebra") < L"apple" && VtrString(L"app") < VtrString(L"apple"));
+  EXPECT_EQ(std::hash<VtrString>()(L"abc"), std::hash<VtrStringView>()({L"abcd", 3}));
 }
 
 TEST(Strings, FormatPrintsAsPrintfDoes) {
@@ -108,12 +87,10 @@ TEST(Strings, FormatPrintsAsPrintfDoes) {
     return VtrString().Format(pattern, values...).ToUtf8();
   };
   EXPECT_EQ(format(L"%s|%5s|%-5s|%.2s", L"Ä", L"ab", VtrString(L"cd"), L"efg"), "Ä|   ab|cd   |ef");
-  EXPECT_EQ(format(L"%s", VtrStringView(L"abcdef", 3)), "abc");
   EXPECT_EQ(format(L"%05d|%+d|%-4i|% d|%.3d", 42, 7, -3, 5, 9), "00042|+7|-3  | 5|009");
-  EXPECT_EQ(format(L"%lld %hd %zu %hhu", LLONG_MIN, 70000, SIZE_MAX, 300),
-            "-9223372036854775808 70000 18446744073709551615 300");
-  EXPECT_EQ(format(L"%#x %X %o", 255, 255U, 8), "0xff FF 10");
-  EXPECT_EQ(format(L"%x %u", -1, -1), "ffffffff 4294967295");
+  EXPECT_EQ(format(L"%lld %hd %zu", LLONG_MIN, 70000, SIZE_MAX),
+            "-9223372036854775808 70000 18446744073709551615");
+  EXPECT_EQ(format(L"%#x %X %x %u", 255, 255U, -1, -1), "0xff FF ffffffff 4294967295");
   EXPECT_EQ(format(L"%.1f %08.3f %g", 15.55F, -3.14159, 0.5), "15.6 -003.142 0.5");
   EXPECT_EQ(format(L"%*d|%-*d|%*d|%.*f", 4, 1, 3, 2, -3, 3, 1, 2.25), "   1|2  |3  |2.2");
   EXPECT_EQ(format(L"100%% %c%3c", L'Ж', L'y'), "100% Ж  y");
@@ -128,7 +105,6 @@ TEST(Strings, FormatRefusesWhatDoesNotFitAndKeepsTheText) {
   EXPECT_THROW(text.Format(L"%d", 1.5), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%f", 1), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%d %d", 1), std::invalid_argument);
-  EXPECT_THROW(text.Format(L"%*d", 1), std::invalid_argument);
   EXPECT_THROW(text.Format(L"50%"), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%9999999999d", 1), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%*d", INT_MIN, 1), std::invalid_argument);
@@ -147,9 +123,7 @@ TEST(Strings, SplitTrimsBlanksAndDropsEmptyPieces) {
   EXPECT_EQ(split(L"\tA b\r\n,\u00A0", false, true), "[A b][\u00A0]");
   EXPECT_EQ(split(L",", false, true), "");
   EXPECT_EQ(split(L" A ,,B", true, false), "[ A ][][B]");
-  const auto views = String::SplitView(VtrStringView(L"a::b:c", 5), L"::", false, true);
-  EXPECT_EQ(views.size(), 2U);
-  EXPECT_EQ(views.back(), L"b:");
+  EXPECT_EQ(String::SplitView(VtrStringView(L"a::b:c", 5), L"::", false, true).at(1), L"b:");
   EXPECT_EQ(String::SplitView(L"a,b", L"", false, true).size(), 1U);
 }
 
@@ -161,7 +135,6 @@ TEST(Strings, SamplingHashHasTheValuesThatTablesRelyOn) {
       {L"PropertyOne", 0xaebca4ff4546e75b},                // eleven: every second one
       {L"P_o_e_t_O_e", 0xaebca4ff4546e75b},                // alike where it is read
       {L"ConnectionPoolUtilization", 0xc847c9d732ce5f16},  // every third one
-      {L"Größe", 0x4180d41b424dde39},
       {L"Имя", 0xb9afc15bee48f306},
       {L"温度", 0x877fb6b7de2da5ab},
   };

@@ -1,8 +1,10 @@
-/// Providers, sources, listeners and constructors that note what happens to them.
+/// Sources, listeners and constructors that note what happens to them, and a fixture around them.
 #pragma once
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,41 +15,43 @@
 
 namespace DataBinding::Testing {
 
-using Log = std::vector<std::string>;
-
-inline Log Utf8(const std::vector<VtrString>& texts) {
-  Log narrow;
-  for (const auto& text : texts) narrow.push_back(text.ToUtf8());
-  return narrow;
+/// The texts, one blank between them.
+inline std::string Joined(const std::vector<VtrString>& texts) {
+  std::string joined;
+  for (const auto& text : texts) joined += (joined.empty() ? "" : " ") + text.ToUtf8();
+  return joined;
 }
 
 /// Notes its end as "~Name".
 class LoggedSource : public NamedDataSource {
  public:
-  LoggedSource(const VtrString& name, Log& notes) : NamedDataSource(name), log(notes) {}
+  LoggedSource(const VtrString& name, std::string& notes) : NamedDataSource(name), log(notes) {}
   void PreDestroy() override {
     if (onPreDestroy) onPreDestroy();
   }
-  void AddMember(const VtrString& name, const runtime_type_base& type) { _AddType(name, type); }
+  using NamedDataSource::_AddType;
 
   std::function<void()> onPreDestroy;
-  VtrString announced;
 
  protected:
-  ~LoggedSource() override { log.push_back("~" + VtrString(GetDataSourceName()).ToUtf8()); }
+  ~LoggedSource() override { log += "~" + VtrString(GetDataSourceName()).ToUtf8() + " "; }
 
  private:
-  Log& log;
+  std::string& log;
 };
 
-/// Notes "+Source", "-Source" and "gone", then runs its hook with that note.
+/// Notes "+Name", "-Name" and "gone", and runs its hook with the note.
 class LoggedListener : public IDataListener {
  public:
-  explicit LoggedListener(Log& notes) : log(notes) {}
-  void ConnectToDatasource(IDataSource* source) override { Note("+", source); }
-  void DisconnectFromDatasource(IDataSource* source) override { Note("-", source); }
+  explicit LoggedListener(std::string& notes) : log(notes) {}
+  void ConnectToDatasource(IDataSource* source) override {
+    Note("+" + VtrString(source->GetDataSourceName()).ToUtf8());
+  }
+  void DisconnectFromDatasource(IDataSource* source) override {
+    Note("-" + VtrString(source->GetDataSourceName()).ToUtf8());
+  }
   void NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) override {
-    Note("gone", nullptr);
+    Note("gone");
   }
 
   std::function<void(const std::string& note)> hook;
@@ -56,52 +60,51 @@ class LoggedListener : public IDataListener {
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
 
  private:
-  void Note(std::string note, IDataSource* source) {
-    if (source != nullptr) note += VtrString(source->GetDataSourceName()).ToUtf8();
-    log.push_back(note);
+  void Note(const std::string& note) {
+    log += note + " ";
     if (const auto run = hook) run(note);
   }
 
-  Log& log;
+  std::string& log;
 };
 
-/// Notes "tag registered", "tag attached" and "tag unregistered", and builds logged sources.
+/// Notes "tag:registered", "tag:attached" and "tag:unregistered", and builds logged sources.
 class LoggedConstructor final : public IDataSourceConstructor {
  public:
-  LoggedConstructor(const wchar_t* sourceName, const wchar_t* categoryList, Log& notes,
-                    std::string noteTag, Placement place = Placement::Back)
-      : name(sourceName),
-        categories(categoryList),
-        log(notes),
+  LoggedConstructor(std::string& notes, std::string noteTag, const wchar_t* sourceName,
+                    const wchar_t* categoryList, int place = 2)
+      : log(notes),
         tag(std::move(noteTag)),
+        name(sourceName),
+        categories(categoryList),
         placement(place) {}
   ~LoggedConstructor() override = default;
-  void OnRegistered() override { log.push_back(tag + " registered"); }
+  void OnRegistered() override { log += tag + ":registered "; }
   void OnUnregistered() override {
-    log.push_back(tag + " unregistered");
+    log += tag + ":unregistered ";
     if (onUnregistered) onUnregistered();
   }
   const wchar_t* GetName() override { return name; }
   IDataSource* CreateDataSource(IDataSourceProvider* provider) override {
     return refuses ? nullptr : MakeDataSource<LoggedSource>(provider, name, log).release();
   }
-  void OnProviderAttached(IDataSourceProvider* provider) override {
-    log.push_back(tag + " attached");
-    if (onAttached) onAttached(provider);
+  void OnProviderAttached(IDataSourceProvider* /*provider*/) override {
+    log += tag + ":attached ";
+    if (onAttached) onAttached();
   }
-  int GetPlacement() override { return static_cast<int>(placement); }
+  int GetPlacement() override { return placement; }
   const wchar_t* GetCategories() override { return categories; }
 
   std::function<void()> onUnregistered;
-  std::function<void(IDataSourceProvider*)> onAttached;
+  std::function<void()> onAttached;
   bool refuses = false;
 
  private:
+  std::string& log;
+  std::string tag;
   const wchar_t* name;
   const wchar_t* categories;
-  Log& log;
-  std::string tag;
-  Placement placement;
+  int placement;
 };
 
 struct ProviderDeleter {
@@ -114,21 +117,34 @@ inline ProviderPtr MakeProvider(IDataSourceProvider* parent = nullptr,
   return ProviderPtr(new DataSourceProvider(parent, categories, nullptr));
 }
 
-/// Runs each test with a registrar of its own.
-class ScopeTest : public ::testing::Test {
+/// Gives each test a registrar of its own and two scopes, one inside the other.
+class Scopes : public ::testing::Test {
  protected:
-  ScopeTest() { IDataSourceRegistrar::SetInstanceForTests(&registrar); }
-  ~ScopeTest() override { IDataSourceRegistrar::SetInstanceForTests(nullptr); }
-
-  LoggedSource* Add(IDataSourceProvider& provider, const wchar_t* name) {
-    auto* source = MakeDataSource<LoggedSource>(&provider, name, log).release();
-    provider.AddDataSource(source);
+  Scopes() {
+    IDataSourceRegistrar::SetInstanceForTests(&registrar);
+    parent = MakeProvider(nullptr, L" A ,,B");
+    child = MakeProvider(parent.get(), L"C");
+  }
+  ~Scopes() override {
+    child.reset();
+    parent.reset();
+    IDataSourceRegistrar::SetInstanceForTests(nullptr);
+  }
+  LoggedSource* Add(const ProviderPtr& provider, const wchar_t* name) {
+    auto* source = MakeDataSource<LoggedSource>(provider.get(), name, log).release();
+    provider->AddDataSource(source);
     return source;
   }
-  [[nodiscard]] Log TakeLog() { return std::exchange(log, {}); }
+  /// What was noted since the last call.
+  std::string Notes() {
+    if (!log.empty()) log.pop_back();
+    return std::exchange(log, {});
+  }
 
-  Log log;
+  std::string log;
   DataSourceRegistrar registrar;
+  ProviderPtr parent;
+  ProviderPtr child;
 };
 
 }  // namespace DataBinding::Testing

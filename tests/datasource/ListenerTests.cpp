@@ -1,0 +1,139 @@
+#include "../support/Scopes.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+/// Notes the property of each entry that runs.
+class View : public DataListener {
+ public:
+  explicit View(std::string& notes) : log(&notes) {}
+  void Want(const VtrString& source, const VtrString& property) {
+    AddDataListener(source, property,
+                    [notes = log, note = property.ToUtf8() + " "] { *notes += note; });
+  }
+  void OnDataSourceProviderChanging(IDataSourceProvider* next) override {
+    if (onChanging) onChanging(next);
+  }
+  using DataListener::ConnectToDatasource;
+  using DataListener::DisconnectFromDatasource;
+  using DataListener::GetDataSourceProvider;
+  using DataListener::NotifyDatasourceProviderDestroyed;
+
+  std::function<void(IDataSourceProvider*)> onChanging;
+
+ private:
+  std::string* log;
+};
+
+class Listeners : public Scopes {
+ protected:
+  ~Listeners() override { view.reset(); }
+  /// What runs when the source announces its properties.
+  std::string Heard(LoggedSource* source) {
+    log.clear();
+    source->UpdateListeners(L"Size,Color");
+    return Notes();
+  }
+
+  std::optional<View> view{log};
+};
+
+TEST_F(Listeners, NamesAreMatchedWithoutCaseOnceTheProviderHasFoundThemExactly) {
+  view->Want(L"doc", L"Size");
+  view->Want(L"Doc", L"Color");
+  view->Want(L"DOC", L"size");
+  view->SetDataSourceProvider(child.get());
+  auto* first = Add(child, L"Doc");
+  auto* unwanted = Add(child, L"dOC");
+  EXPECT_EQ(Heard(first), "Size Color");
+  EXPECT_EQ(Heard(unwanted), "");
+  auto* second = Add(child, L"doc");
+  EXPECT_EQ(Heard(first), "");
+  EXPECT_EQ(Heard(second), "Size Color");
+}
+
+TEST_F(Listeners, ConnectingAgainRegistersEachEntryOnce) {
+  view->Want(L"Doc", L"Size");
+  view->Want(L"Doc", L"Size");
+  auto* source = Add(child, L"Doc");
+  view->SetDataSourceProvider(child.get());
+  view->SetDataSourceProvider(child.get());
+  EXPECT_EQ(Heard(source), "Size Size");
+  view->DisconnectFromDatasource(source);
+  EXPECT_EQ(Heard(source), "");
+  view->ConnectToDatasource(source);
+  EXPECT_EQ(Heard(source), "Size Size");
+  view.reset();
+  EXPECT_EQ(Heard(source), "");
+}
+
+TEST_F(Listeners, IgnoreANullSource) {
+  view->Want(nullptr, L"Size");
+  view->ConnectToDatasource(nullptr);
+  view->DisconnectFromDatasource(nullptr);
+  view->NotifyDatasourceProviderDestroyed(nullptr);
+}
+
+TEST_F(Listeners, HookRunsBeforeTheNewProviderIsStoredAndNullForgetsIt) {
+  std::vector<IDataSourceProvider*> seen;
+  view->onChanging = [&](IDataSourceProvider* next) {
+    seen.insert(seen.end(), {view->GetDataSourceProvider(), next});
+  };
+  view->SetDataSourceProvider(child.get());
+  view->SetDataSourceProvider(nullptr);
+  EXPECT_EQ(seen, (decltype(seen){nullptr, child.get(), child.get(), nullptr}));
+  child.reset();
+  EXPECT_EQ(view->GetDataSourceProvider(), nullptr);
+}
+
+TEST_F(Listeners, FallBackToTheParentOfAProviderThatEnds) {
+  view->Want(L"Doc", L"Size");
+  auto* source = Add(parent, L"Doc");
+  view->SetDataSourceProvider(child.get());
+  view->NotifyDatasourceProviderDestroyed(parent.get());
+  EXPECT_EQ(view->GetDataSourceProvider(), child.get());
+  child.reset();
+  EXPECT_EQ(view->GetDataSourceProvider(), parent.get());
+  EXPECT_EQ(Heard(source), "Size");
+  parent.reset();
+  EXPECT_EQ(view->GetDataSourceProvider(), nullptr);
+}
+
+TEST_F(Listeners, MayLeaveAnEntryBehindFurtherUpWhenAScopeBetweenGoes) {
+  const ProviderPtr grandchild = MakeProvider(child.get());
+  view->Want(L"Doc", L"Size");
+  auto* source = Add(parent, L"Doc");
+  view->SetDataSourceProvider(grandchild.get());
+  child.reset();
+  EXPECT_EQ(Heard(source), "Size");
+  view.reset();
+  EXPECT_EQ(Heard(source), "");
+  parent->DeleteLocalDataSourceInstance(L"Doc");
+  EXPECT_EQ(Notes(), "~Doc");
+}
+
+TEST_F(Listeners, MovesTakeEntriesWithTheirLiveSubscriptions) {
+  auto* source = Add(child, L"Doc");
+  const auto connected = [&](const wchar_t* property) {
+    View made(log);
+    made.Want(L"Doc", property);
+    made.ConnectToDatasource(source);
+    return made;
+  };
+  View first = connected(L"Size");
+  View second = std::move(first);
+  EXPECT_EQ(Heard(source), "Size");
+  second = connected(L"Color");
+  auto& self = second;
+  second = std::move(self);
+  first.ConnectToDatasource(source);
+  EXPECT_EQ(Heard(source), "Color");
+  first.SetDataSourceProvider(child.get());
+  second = std::move(first);
+  EXPECT_EQ(Heard(source), "");
+  EXPECT_EQ(second.GetDataSourceProvider(), child.get());
+  EXPECT_EQ(first.GetDataSourceProvider(), child.get());
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing

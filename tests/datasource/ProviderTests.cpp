@@ -1,0 +1,187 @@
+#include "../support/Scopes.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+class Providers : public Scopes {};
+
+TEST_F(Providers, LookHereThenBuildHereThenAskTheParent) {
+  LoggedConstructor doc(log, "doc", L"Doc", L"x, C");
+  LoggedConstructor map(log, "map", L"Map", L"B");
+  registrar.RegisterDataSource(&doc);
+  registrar.RegisterDataSource(&map);
+  IDataSource* outer = Add(parent, L"Doc");
+  EXPECT_EQ(child->GetLocalDataSourceInstance(L"Doc"), nullptr);
+  doc.refuses = true;
+  EXPECT_EQ(child->GetDataSource(L"Doc"), outer);
+  doc.refuses = false;
+  IDataSource* built = child->GetDataSource(L"Doc");
+  EXPECT_NE(built, outer);
+  EXPECT_EQ(&child->GetDataSourceReference(L"Doc"), built);
+  EXPECT_EQ(child->GetDataSourceInterface(L"Doc").As<IDataSource>(), built);
+  EXPECT_EQ(static_cast<LoggedSource*>(built)->GetDataSourceProvider(), child.get());
+  IDataSource* above = child->GetDataSource(L"Map");
+  EXPECT_NE(above, nullptr);
+  EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Map"), above);
+  EXPECT_EQ(child->GetLocalDataSourceInstance(L"Map"), nullptr);
+  EXPECT_EQ(child->GetDataSource(L"doc"), nullptr);
+}
+
+TEST_F(Providers, ReferenceToNoSourceThrowsATextWithItsName) {
+  for (const auto& [name, text] : {std::pair(L"Dö%s", "No constructor found for data source Dö%s."),
+                                   {nullptr, "No constructor found for data source ."}}) {
+    try {
+      static_cast<void>(child->GetDataSourceReference(name));
+      FAIL();
+    } catch (const VtrString& thrown) {
+      EXPECT_EQ(thrown.ToUtf8(), text);
+    }
+  }
+}
+
+TEST_F(Providers, GiveNeutralAnswersToNulls) {
+  LoggedListener listener(log);
+  IDataSource* const sources[] = {nullptr, nullptr};
+  child->AddDataSources(sources, 2);
+  child->AddDataSources(nullptr, 2);
+  child->RemoveDataSources(sources, 2);
+  child->RemoveDataSources(nullptr, 2);
+  child->AddDataListener(nullptr, {L"Doc"}, true);
+  child->AddDataListener(&listener, {nullptr}, true);
+  child->RemoveDataListener(nullptr);
+  EXPECT_EQ(child->GetDataSource(nullptr), nullptr);
+  EXPECT_EQ(child->GetLocalDataSourceInstance(nullptr), nullptr);
+  EXPECT_EQ(child->GetDataSourceInterface(nullptr).As<IDataSource>(), nullptr);
+  EXPECT_FALSE(child->DeleteLocalDataSourceInstance(nullptr) || child->MatchCategory(nullptr));
+  IDataSourceProvider::Destroy(nullptr);
+  EXPECT_TRUE(MakeProvider()->GetCategories().empty());
+}
+
+class Nameless : public LoggedSource {
+ public:
+  explicit Nameless(std::string& notes) : LoggedSource(L"", notes) {}
+  const wchar_t* GetDataSourceName() override { return nullptr; }
+};
+
+TEST_F(Providers, OwnNamelessSourcesAndTwinsButFindOnlyTheFirst) {
+  child->AddDataSource(MakeDataSource<Nameless>(nullptr, log).release());
+  LoggedListener listener(log);
+  child->AddDataListener(&listener, {L"Doc", L""}, true);
+  IDataSource* first = Add(child, L"Doc");
+  IDataSource* twin = Add(child, L"Doc");
+  EXPECT_EQ(child->GetDataSource(L""), nullptr);
+  EXPECT_EQ(child->GetDataSource(L"Doc"), first);
+  child->RemoveDataSource(twin);
+  EXPECT_EQ(child->GetDataSource(L"Doc"), nullptr);
+  child->RemoveDataSource(first);  // nothing is held under its name any more
+  EXPECT_EQ(Notes(), "+Doc +Doc -Doc");
+  child->Shutdown();
+  EXPECT_EQ(Notes(), "-Doc ~Doc ~ gone");
+  IDataSource::Destroy(twin);
+}
+
+TEST_F(Providers, DeleteWhatTheyHoldAndAlwaysAnswerFalse) {
+  LoggedListener listener(log);
+  IDataSource* outer = Add(parent, L"Doc");
+  child->AddDataSource(Add(child, L"Doc"));  // twice, and ended once
+  child->AddDataListener(&listener, {L"Doc"}, true);
+  EXPECT_FALSE(child->DeleteLocalDataSourceInstance(L"Doc"));
+  EXPECT_FALSE(child->DeleteLocalDataSourceInstance(L"Doc"));
+  EXPECT_EQ(Notes(), "+Doc -Doc ~Doc");
+  EXPECT_EQ(child->GetDataSource(L"Doc"), outer);
+}
+
+TEST_F(Providers, ShutdownCompletesEachStepAndThrowsTheFirstFailure) {
+  LoggedListener one(log);
+  LoggedListener two(log);
+  one.hook = two.hook = [](const std::string& note) { throw note; };
+  registrar.AttachProvider(child.get());
+  const ProviderPtr grandchild = MakeProvider(child.get());
+  auto* refusing = Add(child, L"Refusing");
+  refusing->onPreDestroy = [] { throw 7; };
+  const auto handler = Add(child, L"Doc")->AddOnDestroyHandler([] { throw 8.0; });
+  Add(child, L"Map");
+  child->AddDataListener(&one, {}, true);
+  child->AddDataListener(&two, {}, true);
+  EXPECT_THROW(child->Shutdown(), double);
+  EXPECT_EQ(Notes(), "~Map ~Doc gone gone");
+  EXPECT_EQ(child->GetParent(), nullptr);
+  EXPECT_EQ(grandchild->GetParent(), nullptr);
+  parent->VisitChildren([](auto&) { FAIL() << "the former parent still has a child"; });
+  LoggedConstructor late(log, "late", L"Late", L"C");
+  registrar.RegisterDataSource(&late);
+  EXPECT_NE(child->GetDataSource(L"Late"), nullptr);
+  child.reset();
+  EXPECT_EQ(Notes(), "late:registered ~Late");
+  refusing->onPreDestroy = nullptr;
+  IDataSource::Destroy(refusing);
+}
+
+TEST_F(Providers, ShutdownDisconnectsEachListenerAlthoughOneThrows) {
+  LoggedListener one(log);
+  LoggedListener two(log);
+  for (auto* listener : {&one, &two}) child->AddDataListener(listener, {L"Doc"}, true);
+  Add(child, L"Doc");
+  one.hook = two.hook = [](const std::string& note) { throw note; };
+  EXPECT_THROW(child->Shutdown(), std::string);
+  EXPECT_EQ(Notes(), "+Doc +Doc -Doc -Doc ~Doc gone gone");
+}
+
+TEST_F(Providers, DestructionSwallowsWhatSourcesThrow) {
+  const auto handler = Add(child, L"Doc")->AddOnDestroyHandler([] { throw 8; });
+  child.reset();
+  EXPECT_EQ(Notes(), "~Doc");
+}
+
+TEST_F(Providers, CopiesAreNoChildren) {
+  parent->SetCustomData(Guid{1}, &log);
+  const ProviderPtr copy(new DataSourceProvider(*child));
+  const ProviderPtr assigned = MakeProvider();
+  *assigned = *child;
+  std::vector<IDataSourceProvider*> children;
+  parent->VisitChildren([&](IDataSourceProvider& found) { children.push_back(&found); });
+  EXPECT_EQ(children, std::vector<IDataSourceProvider*>{child.get()});
+  for (const auto* made : {copy.get(), assigned.get()}) {
+    EXPECT_TRUE(made->MatchCategory(L"C"));
+    EXPECT_EQ(made->GetCustomData(Guid{1}), &log);
+  }
+}
+
+TEST_F(Providers, CustomDataIsInheritedUntilSetEvenToNull) {
+  constexpr CustomDataKey<int> key{Guid{1, 2, 3, {4}}};
+  int first = 1;
+  int second = 2;
+  EXPECT_EQ(child->GetCustomData().Get(key), nullptr);
+  EXPECT_EQ(parent->GetCustomData().Set(key, &first), nullptr);
+  EXPECT_EQ(parent->GetCustomData().Set(key, &second), &first);
+  EXPECT_EQ(child->GetCustomData().Get(key), &second);
+  EXPECT_EQ(child->SetCustomData(key.id, nullptr), nullptr);
+  EXPECT_EQ(child->GetCustomData(key.id), nullptr);
+}
+
+TEST_F(Providers, MatchTheirOwnCategoriesButListWhatTheWholeChainBuilds) {
+  EXPECT_EQ(Joined(parent->GetCategories()), "A B");
+  EXPECT_TRUE(parent->MatchCategory(L"X, B ") && child->MatchCategory(L"C"));
+  EXPECT_FALSE(parent->MatchCategory(L"C,b,AB") || child->MatchCategory(L"A"));
+  LoggedConstructor map(log, "map", L"Map", L"B");
+  LoggedConstructor doc(log, "doc", L"Doc", L"C");
+  LoggedConstructor odd(log, "odd", L"Odd", nullptr);
+  for (auto* constructor : {&map, &doc, &odd}) registrar.RegisterDataSource(constructor);
+  EXPECT_EQ(Joined(child->GetRegisteredDataSources()), "Doc Map");
+  EXPECT_EQ(Joined(parent->GetRegisteredDataSources()), "Map");
+  EXPECT_EQ(Joined(MakeProvider()->GetRegisteredDataSources()), "Doc Map Odd");
+}
+
+TEST_F(Providers, VisitTheirSourcesInOrderWhileTheseComeAndGo) {
+  for (const auto* name : {L"Doc", L"Map", L"Art"}) Add(child, name);
+  std::vector<VtrString> visited;
+  child->VisitDataSources([&](IDataSource& source) {
+    visited.emplace_back(source.GetDataSourceName());
+    child->DeleteLocalDataSourceInstance(L"Map");
+    Add(child, L"New");
+  });
+  EXPECT_EQ(Joined(visited), "Doc Art");
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing

@@ -1,0 +1,151 @@
+#include "../support/Scopes.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+class Sources : public ::testing::Test {
+ protected:
+  void Make() {
+    source = MakeDataSource<LoggedSource>(nullptr, L"Doc", log);
+    for (const auto* name : {L"Size", L"Alpha"}) source->_AddType(name, runtime_type<int>::Get());
+    source->_AddType(L"Color", runtime_type<const int>::Get());
+    source->_AddType(L"Ring", runtime_type<void()>::Get());
+  }
+  void Listen(
+      const VtrString& property, const std::function<void()>& act = [] {}) {
+    subscriptions.push_back(source->Register(
+        [this, property, act] {
+          log += property.ToUtf8() + " ";
+          act();
+        },
+        property));
+  }
+
+  std::string log;
+  DataSourcePtr<LoggedSource> source;
+  std::vector<Subscription> subscriptions;
+};
+
+TEST_F(Sources, AnnounceOnePropertyOrAListOrAllButSome) {
+  Make();
+  for (const auto* name : {L"Size", L"Color", L"Alpha", L"Ring", L"Free", L"*"}) Listen(name);
+  const std::pair<const wchar_t*, const char*> cases[] = {
+      {L"Size", "Size "},
+      {L"size", ""},
+      {L" Free ", "Free "},
+      {L"Size,Free, ,Ring,Size", "Size Free Ring Size "},
+      {L"*", "Alpha Color Size "},
+      {L" * ,-Size,!Color", "Alpha "},
+      {L"*,Size", "Alpha Color Size "},  // leaves out "ize"
+      {L"Alpha,*", "Alpha * "},
+      {L" , ", "Alpha Color Size "},
+      {L"", ""},
+      {nullptr, ""},
+  };
+  for (const auto& [names, expected] : cases) {
+    log.clear();
+    source->UpdateListeners(names);
+    EXPECT_EQ(log, expected) << VtrString(names).ToUtf8();
+  }
+}
+
+TEST_F(Sources, MayBeEndedByAListenerWhichDropsTheRestOfTheList) {
+  for (const auto* names : {L"Alpha", L"Alpha,Size", L"*", L","}) {
+    Make();
+    Listen(L"Alpha", [this] {
+      source.reset();
+      throw std::runtime_error("listener");
+    });
+    Listen(L"Alpha");
+    Listen(L"Size");
+    SetListenerFailureHandler(
+        [this](const ListenerFailure& failure) { log += "!" + failure.property.ToUtf8() + " "; });
+    source->UpdateListeners(names);
+    SetListenerFailureHandler(nullptr);
+    EXPECT_EQ(std::exchange(log, {}), "Alpha ~Doc !Alpha Alpha ") << VtrString(names).ToUtf8();
+  }
+}
+
+/// Announces while it is built; its PostConstruct does not call the base.
+class Hasty : public NamedDataSource {
+ public:
+  explicit Hasty(int& calls) : NamedDataSource(L"Hasty") {
+    registered = Register([&calls] { ++calls; }, L"Size");
+    UpdateListeners(L"Size");
+  }
+  void PostConstruct() override { UpdateListeners(L"*"); }
+  IDataSourceBase* GetDataSourceBaseImpl() override { return nullptr; }
+
+ private:
+  Property<int> size{this, L"Size"};
+  Subscription registered;
+};
+
+TEST(DataSource, IsSilentUntilItIsPostConstructedAndAbsentInItsDestructionHandlers) {
+  int calls = 0;
+  auto source = MakeDataSource<Hasty>(nullptr, calls);
+  EXPECT_EQ(calls, 0);
+  source->UpdateListeners(L"Size");
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(source->GetDataSourceBase(), nullptr);
+  EXPECT_EQ(source->GetDataContext(), nullptr);
+  IDataSource* const ending = source.get();
+  const auto size = FindProperty<int>(ending, L"Size");
+  const auto handler = source->AddOnDestroyHandler([&, ending] {
+    ++calls;
+    EXPECT_EQ(size.Get().error, PropertyError::Absent);
+    EXPECT_EQ(GetProperty<int>(ending, L"Size").error, PropertyError::Absent);
+    EXPECT_EQ(GetProperty<int>(ending, L"Never").error, PropertyError::Absent);
+  });
+  source.reset();
+  EXPECT_EQ(calls, 2);
+}
+
+TEST_F(Sources, AreFoundByTheirOwnIdentifierOnly) {
+  Make();
+  IVantorGeneric& generic = *source;
+  void* found = &log;
+  EXPECT_FALSE(generic.FindInterfaceByIID(InterfaceId<IDataSource>::value, nullptr));
+  EXPECT_FALSE(generic.FindInterfaceByIID(GUID{}, &found));
+  EXPECT_EQ(found, &log);
+  EXPECT_EQ(IVantorGenericDetail::FindInterfaceProxy(&generic).As<IDataSource>(), source.get());
+  EXPECT_EQ(IVantorGenericDetail::FindInterfaceProxy(&generic).Find(GUID{}), nullptr);
+}
+
+TEST_F(Sources, MayRefuseToEndAndTheStdExceptionLosesItsType) {
+  Make();
+  source->onPreDestroy = [] { throw std::runtime_error("derived"); };
+  try {
+    IDataSource::Destroy(source.get());
+    FAIL();
+  } catch (const std::exception& exception) {
+    EXPECT_EQ(typeid(exception), typeid(std::exception));
+  }
+  source->onPreDestroy = [] { throw 7; };
+  EXPECT_THROW(IDataSource::Destroy(source.get()), int);
+  EXPECT_EQ(log, "");
+  source->onPreDestroy = nullptr;
+  IDataSource::Destroy(nullptr);
+}
+
+TEST_F(Sources, LetOutWhatTheirDestructionHandlersThrowOnceTheyAreGone) {
+  Make();
+  subscriptions.push_back(source->AddOnDestroyedHandler([this] {
+    log += "destroyed";
+    throw std::runtime_error("second");
+  }));
+  subscriptions.push_back(source->AddOnDestroyHandler([this] {
+    log += "destroy ";
+    throw std::runtime_error("first");
+  }));
+  try {
+    IDataSource::Destroy(source.release());
+    FAIL();
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "first");
+  }
+  EXPECT_EQ(log, "~Doc destroy destroyed");
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing

@@ -1,0 +1,126 @@
+#include "../support/Scopes.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+class Wiring : public Scopes {
+ protected:
+  ~Wiring() override { child.reset(); }
+
+  std::optional<LoggedListener> listener{log};
+};
+
+TEST_F(Wiring, ListenerIsConnectedNowOrWhenTheSourceComesHereOrFurtherUp) {
+  LoggedConstructor map(log, "map", L"Map", L"C");
+  LoggedConstructor art(log, "art", L"Art", L"A");
+  registrar.RegisterDataSource(&map);
+  registrar.RegisterDataSource(&art);
+  Add(parent, L"Doc");
+  Add(parent, L"Map");
+  log.clear();
+  child->AddDataListener(&*listener, {L"Art", L"Doc", L"Map", L"New"}, true);
+  EXPECT_EQ(Notes(), "+Doc");  // the parent's; Map waits to be built here
+  child->GetDataSource(L"Map");
+  child->GetDataSource(L"Art");
+  Add(child, L"Doc");
+  Add(parent, L"New");  // nobody up there could serve it when it was asked for
+  Add(child, L"New");
+  EXPECT_EQ(Notes(), "+Map +Art +Doc +New");
+  child->RemoveDataListener(&*listener);
+  EXPECT_EQ(Notes(), "-Art -Doc -Doc -Map -New");
+}
+
+TEST_F(Wiring, ListenerKeepsItsFirstNamesUntilItIsRemoved) {
+  child->AddDataListener(&*listener, {L"Doc"}, false);
+  child->AddDataListener(&*listener, {L"Map"}, true);
+  Add(child, L"Doc");
+  Add(child, L"Map");
+  EXPECT_EQ(Notes(), "");
+  child->RemoveDataListener(&*listener);
+  child->AddDataListener(&*listener, {L"Map"}, true);
+  EXPECT_EQ(Notes(), "+Map");
+  parent->RemoveDataListener(&*listener);
+  parent->AddDataListener(&*listener, {L"Art"}, true);
+  MakeProvider(child.get())->RemoveDataListener(&*listener);  // never added there
+  Add(parent, L"Art");
+  EXPECT_EQ(Notes(), "-Map");
+}
+
+TEST_F(Wiring, ListenerThatEndsInsideAnothersNotificationIsSkipped) {
+  for (const std::string when : {"+Doc", "-Doc", "gone"}) {
+    std::optional<LoggedListener> other(log);
+    listener.emplace(log);
+    const auto ending = [&when](auto& ended) {
+      return [&](const std::string& note) {
+        if (note == when) ended.reset();
+      };
+    };
+    listener->hook = ending(other);
+    other->hook = ending(listener);
+    child = MakeProvider();
+    for (auto* added : {&listener, &other}) child->AddDataListener(&**added, {L"Doc"}, true);
+    Add(child, L"Doc");
+    child.reset();
+    const std::string notes = Notes();
+    EXPECT_EQ(notes.find(when), notes.rfind(when)) << notes;
+  }
+}
+
+TEST_F(Wiring, ListenerMayEndItselfWhileItIsConnected) {
+  const auto brief = [this] {
+    auto* made = new LoggedListener(log);
+    made->hook = [made](const std::string&) { delete made; };
+    return made;
+  };
+  Add(parent, L"Doc");
+  Add(child, L"Map");
+  for (const auto* name : {L"Doc", L"Map", L"New"}) child->AddDataListener(brief(), {name}, true);
+  Add(child, L"New");
+  Add(child, L"Doc");
+  EXPECT_EQ(Notes(), "+Doc +Map +New");
+}
+
+TEST_F(Wiring, EntryOfADeadListenerIsDroppedAndItsAddressMayBeUsedAgain) {
+  child->AddDataListener(&*listener, {L"Doc", L"Map"}, true);
+  listener.emplace(log);
+  Add(child, L"Doc");
+  child->AddDataListener(&*listener, {L"Art"}, true);
+  Add(child, L"Map");
+  EXPECT_EQ(Notes(), "");
+  Add(child, L"Art");
+  EXPECT_EQ(Notes(), "+Art");
+  listener.reset();
+  child->Shutdown();
+  EXPECT_EQ(Notes(), "~Art ~Map ~Doc");
+}
+
+TEST_F(Wiring, ExceptionOfAListenerLeavesTheProviderUsable) {
+  listener->hook = [](const std::string& note) { throw note; };
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  const auto source = MakeDataSource<LoggedSource>(nullptr, L"Doc", log);
+  EXPECT_THROW(child->AddDataSource(source.get()), std::string);
+  EXPECT_EQ(child->GetDataSource(L"Doc"), nullptr);
+  listener->hook = nullptr;
+  child->AddDataSource(source.get());
+  child->RemoveDataSource(source.get());
+  EXPECT_EQ(Notes(), "+Doc +Doc -Doc");
+}
+
+#if !defined(NDEBUG)
+TEST_F(Wiring, ChangingTheProviderWhileItNotifiesAsserts) {
+  LoggedListener other(log);
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  listener->hook = [&](const std::string&) { child->AddDataListener(&other, {L"Map"}, true); };
+  EXPECT_DEATH(Add(child, L"Doc"), "a listener is added");
+  listener->hook = [&](const std::string&) { Add(child, L"Map"); };
+  EXPECT_DEATH(Add(child, L"Doc"), "a listener adds a source");
+  listener->hook = nullptr;
+  IDataSource* source = Add(child, L"Doc");
+  listener->hook = [&](const std::string&) { child->RemoveDataSource(source); };
+  EXPECT_DEATH(child->RemoveDataListener(&*listener), "a listener removes a source");
+  listener->hook = nullptr;
+}
+#endif
+
+}  // namespace
+}  // namespace DataBinding::Testing

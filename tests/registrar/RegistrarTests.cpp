@@ -1,0 +1,171 @@
+#include "../support/Scopes.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+class Registrar : public Scopes {
+ protected:
+  LoggedConstructor doc{log, "doc", L"Doc", L"A,B"};
+};
+
+TEST_F(Registrar, OffersConstructorsByCategoryAndPlacementEachTimeAProviderIsAttached) {
+  LoggedConstructor front(log, "front", L"Front", L"A", 1);
+  LoggedConstructor nowhere(log, "nowhere", L"Nowhere", L"A", 3);
+  LoggedConstructor other(log, "other", L"Other", L"a");
+  for (auto* constructor : {&doc, &front, &nowhere, &other}) {
+    registrar.RegisterDataSource(constructor);
+  }
+  log.clear();
+  registrar.AttachProvider(parent.get());
+  registrar.AttachProvider(parent.get());
+  EXPECT_EQ(Notes(),
+            "front:attached doc:attached doc:attached "
+            "front:attached doc:attached doc:attached");
+  registrar.UnregisterDataSource(&doc);
+  registrar.AttachProvider(parent.get());
+  EXPECT_EQ(Notes(), "doc:unregistered front:attached");
+  LoggedConstructor late(log, "late", L"Late", L"x,B", 0);
+  registrar.RegisterDataSource(&late);
+  EXPECT_EQ(Notes(), "late:registered late:attached");
+}
+
+TEST_F(Registrar, SecondConstructorOfANameIsOfferedButNotFiled) {
+  LoggedConstructor twin(log, "twin", L"Doc", L"B");
+  registrar.AttachProvider(parent.get());
+  registrar.RegisterDataSource(&doc);
+  registrar.RegisterDataSource(&twin);
+  EXPECT_EQ(Notes(), "doc:registered doc:attached twin:attached");
+  registrar.AttachProvider(parent.get());
+  EXPECT_EQ(Notes(), "doc:attached doc:attached twin:attached");
+  EXPECT_EQ(registrar.FindConstructor(L"Doc"), &doc);
+  EXPECT_EQ(registrar.FindConstructor(L"doc"), nullptr);
+  registrar.UnregisterDataSource(&twin);
+  registrar.UnregisterDataSource(&twin);
+  EXPECT_EQ(Notes(), "doc:unregistered");
+  EXPECT_EQ(registrar.FindConstructor(L"Doc"), nullptr);
+}
+
+TEST_F(Registrar, ListsNamesInOrderAllOrByCategory) {
+  LoggedConstructor map(log, "map", L"Map", L"C,D");
+  LoggedConstructor art(log, "art", L"Art", nullptr);
+  for (auto* constructor : {&map, &doc, &art}) registrar.RegisterDataSource(constructor);
+  EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({})), "Art Doc Map");
+  EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({L"D", L"B"})), "Doc Map");
+  EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({L"", L"a"})), "");
+}
+
+TEST_F(Registrar, UnregisteringDeletesTheSourcesOfProvidersThatAreStillAttached) {
+  ProviderPtr other = MakeProvider(nullptr, L"A");
+  const ProviderPtr unattached = MakeProvider(nullptr, L"A");
+  registrar.RegisterDataSource(&doc);
+  registrar.AttachProvider(parent.get());
+  registrar.AttachProvider(other.get());
+  const auto build = [](const ProviderPtr& provider, const std::function<void()>& atItsEnd) {
+    static_cast<LoggedSource*>(provider->GetDataSource(L"Doc"))->onPreDestroy = atItsEnd;
+  };
+  bool first = true;  // whichever comes first ends the other provider
+  build(parent, [&] {
+    if (std::exchange(first, false)) other.reset();
+  });
+  build(other, [&] {
+    if (std::exchange(first, false)) parent.reset();
+  });
+  build(unattached, nullptr);
+  log.clear();
+  registrar.UnregisterDataSource(&doc);
+  EXPECT_EQ(Notes(), "doc:unregistered ~Doc ~Doc");
+  EXPECT_NE(parent == nullptr, other == nullptr);
+  EXPECT_NE(unattached->GetLocalDataSourceInstance(L"Doc"), nullptr);
+}
+
+TEST_F(Registrar, ConstructorsMayRegisterUnregisterAndEndDuringTheWalks) {
+  LoggedConstructor map(log, "map", L"Map", L"A");
+  doc.onAttached = [&] { registrar.RegisterDataSource(&map); };
+  registrar.RegisterDataSource(&doc);
+  registrar.AttachProvider(parent.get());
+  EXPECT_EQ(registrar.FindConstructor(L"Map"), &map);
+  auto* brief = new LoggedConstructor(log, "brief", L"Brief", L"A");
+  brief->onUnregistered = [brief] { delete brief; };
+  registrar.RegisterDataSource(brief);
+  auto* late = new LoggedConstructor(log, "late", L"Late", L"A");
+  late->onUnregistered = [late] { delete late; };
+  registrar.RegisterDataSource(late);
+  for (const auto* name : {L"Brief", L"Late"}) parent->GetDataSource(name);
+  static_cast<LoggedSource*>(parent->GetDataSource(L"Doc"))->onPreDestroy = [&] {
+    for (auto* ended : {brief, late, &doc}) registrar.UnregisterDataSource(ended);
+  };
+  log.clear();
+  registrar.DetachProvider(parent.get());
+  EXPECT_EQ(Notes(), "~Brief brief:unregistered late:unregistered ~Late doc:unregistered ~Doc");
+  EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({})), "Map");
+}
+
+TEST_F(Registrar, MakesAndEndsTheRootProvider) {
+  LoggedConstructor root(log, "root", L"Root", L"root");
+  registrar.RegisterDataSource(&root);
+  registrar.Initialize();
+  EXPECT_NE(registrar.GetRootProvider()->GetDataSource(L"Root"), nullptr);
+  registrar.Shutdown();
+  registrar.Shutdown();
+  EXPECT_EQ(registrar.GetRootProvider(), nullptr);
+  EXPECT_EQ(Notes(), "root:registered root:attached ~Root");
+  registrar.Initialize();
+  IDataSourceRegistrar::SetInstanceForTests(nullptr);
+  EXPECT_NE(&IDataSourceRegistrar::GetInstance(), &registrar);
+  registrar.Shutdown();  // forgets the root all the same
+  registrar.UnregisterDataSource(&root);
+  registrar.RegisterDataSource(&root);
+  EXPECT_EQ(Notes(), "root:attached root:unregistered root:registered");
+}
+
+TEST_F(Registrar, IgnoresNulls) {
+  LoggedConstructor nameless(log, "nameless", nullptr, L"A");
+  for (auto* constructor : {static_cast<LoggedConstructor*>(nullptr), &nameless}) {
+    registrar.RegisterDataSource(constructor);
+    registrar.UnregisterDataSource(constructor);
+  }
+  registrar.AttachProvider(nullptr);
+  registrar.DetachProvider(nullptr);
+  EXPECT_EQ(registrar.FindConstructor(nullptr), nullptr);
+  EXPECT_EQ(Notes(), "");
+}
+
+class Host : public NamedDataSource {
+ public:
+  explicit Host(IDataSourceProvider* given) : NamedDataSource(L"Host"), seen(given) {}
+  void PreDestroy() override {
+    if (refuses) throw std::runtime_error("host");
+  }
+  IDataSourceProvider* seen;
+  bool refuses = false;
+};
+using HostConstructor = DataSourceConstructor<Host>;
+
+TEST_F(Registrar, TypedConstructorRefusesATakenNameAndLeavesTheFirstInPlace) {
+  registrar.AttachProvider(parent.get());
+  {
+    const HostConstructor host(L"Host", L"A");
+    EXPECT_THROW(HostConstructor(L"Host", L"B"), std::invalid_argument);
+    EXPECT_THROW(HostConstructor(nullptr, L"B"), std::invalid_argument);
+    EXPECT_EQ(registrar.FindConstructor(L"Host"), &host);
+    auto* built = static_cast<Host*>(parent->GetDataSource(L"Host"));
+    EXPECT_EQ(built->seen, parent.get());
+    EXPECT_EQ(built->GetDataSourceProvider(), parent.get());
+    IDataSourceRegistrar::SetInstanceForTests(nullptr);  // it unregisters where it registered
+  }
+  EXPECT_EQ(registrar.FindConstructor(L"Host"), nullptr);
+  EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Host"), nullptr);
+}
+
+TEST_F(Registrar, TypedConstructorEndsQuietlyAlthoughASourceRefusesToEnd) {
+  registrar.AttachProvider(parent.get());
+  std::optional<HostConstructor> host(std::in_place, L"Host", L"A");
+  const DataSourcePtr<Host> survivor(static_cast<Host*>(parent->GetDataSource(L"Host")));
+  survivor->refuses = true;
+  host.reset();
+  EXPECT_EQ(registrar.FindConstructor(L"Host"), nullptr);
+  survivor->refuses = false;
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing
