@@ -1,0 +1,161 @@
+/// What is measured side by side: the library and others that do the same, under one interface.
+///
+/// A peer has a Name, a Handle that cancels when it is dropped, Register(name, listener) and
+/// Emit(name). Every listener does the same trivial work everywhere, see Increment.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+#include <boost/signals2/signal.hpp>
+
+#include "DataBinding/IBroadcaster.h"
+#include "FarFloor.h"
+
+namespace Benchmarks {
+
+using Counter = std::uint64_t;
+
+struct Increment {
+  Counter* counter;
+  void operator()() const { ++*counter; }
+};
+
+/// Fails a benchmark whose listeners did not run as often as they should have.
+inline void ExpectCalls(benchmark::State& state, Counter actual, std::size_t listeners) {
+  const auto expected = listeners * static_cast<Counter>(state.iterations());
+  if (actual != expected) state.SkipWithError("listeners did not run");
+}
+
+/// The least broadcaster that can be made.
+class Announcer : public DataBinding::IBroadcaster {};
+
+/// The library.
+class Ours {
+ public:
+  using Name = DataBinding::VtrString;
+  using Handle = DataBinding::Subscription;
+
+  template <class Listener>
+  [[nodiscard]] Handle Register(const Name& name, Listener listener) {
+    return announcer.Register(listener, name);
+  }
+  void Emit(const Name& name) { announcer.UpdateListeners(name); }
+
+ private:
+  Announcer announcer;
+};
+
+/// The least that a broadcast can cost: a loop over an array. No names, no threads, no cancelling.
+class Floor {
+ public:
+  using Name = std::wstring;
+  struct Handle {};
+
+  [[nodiscard]] Handle Register(const Name& /*name*/, Increment listener) {
+    entries.push_back({&Run, listener.counter});
+    return {};
+  }
+  void Emit(const Name& /*name*/) const {
+    for (const FloorEntry& entry : entries) entry.run(entry.context);
+  }
+
+ protected:
+  std::vector<FloorEntry> entries;
+
+ private:
+  static void Run(void* context) { ++*static_cast<Counter*>(context); }
+};
+
+/// The same with the loop in one module and the listeners in another.
+class FarFloor : public Floor {
+ public:
+  void Emit(const Name& /*name*/) const { RunFromAfar(entries.data(), entries.size()); }
+};
+
+/// What one would write in an hour: the callbacks of a name are copied for each broadcast.
+class Naive {
+ public:
+  using Name = std::wstring;
+
+  struct End {
+    Name name;
+    std::uint64_t id = 0;
+    void operator()(Naive* registry) const { registry->Remove(name, id); }
+  };
+  using Handle = std::unique_ptr<Naive, End>;
+
+  template <class Listener>
+  [[nodiscard]] Handle Register(const Name& name, Listener listener) {
+    const std::unique_lock guard(lock);
+    listeners[name].emplace(++lastId, listener);
+    return Handle(this, {name, lastId});
+  }
+  void Emit(const Name& name) {
+    for (const auto& [id, listener] : Copy(name)) listener();
+  }
+
+ private:
+  using Callbacks = std::unordered_map<std::uint64_t, std::function<void()>>;
+
+  [[nodiscard]] Callbacks Copy(const Name& name) {
+    const std::shared_lock guard(lock);
+    const auto found = listeners.find(name);
+    return found == listeners.end() ? Callbacks() : found->second;
+  }
+  void Remove(const Name& name, std::uint64_t id) {
+    const std::unique_lock guard(lock);
+    const auto found = listeners.find(name);
+    found->second.erase(id);
+    if (found->second.empty()) listeners.erase(found);
+  }
+
+  std::shared_mutex lock;
+  std::unordered_map<Name, Callbacks> listeners;
+  std::uint64_t lastId = 0;
+};
+
+/// One Boost.Signals2 signal, held directly.
+class BoostSignal {
+ public:
+  using Name = std::wstring;
+  using Handle = boost::signals2::scoped_connection;
+
+  template <class Listener>
+  [[nodiscard]] Handle Register(const Name& /*name*/, Listener listener) {
+    return signal.connect(listener);
+  }
+  void Emit(const Name& /*name*/) { signal(); }
+
+ private:
+  boost::signals2::signal<void()> signal;
+};
+
+/// One Boost.Signals2 signal per name, looked up for each operation.
+class BoostMap {
+ public:
+  using Name = std::wstring;
+  using Handle = boost::signals2::scoped_connection;
+
+  template <class Listener>
+  [[nodiscard]] Handle Register(const Name& name, Listener listener) {
+    return signals[name].connect(listener);
+  }
+  void Emit(const Name& name) {
+    const auto found = signals.find(name);
+    if (found != signals.end()) found->second();
+  }
+
+ private:
+  std::unordered_map<Name, boost::signals2::signal<void()>> signals;
+};
+
+}  // namespace Benchmarks
