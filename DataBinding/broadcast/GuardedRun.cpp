@@ -3,11 +3,8 @@
 #include <atomic>
 #include <exception>
 
-#if defined(__GLIBCXX__)
-#include <cxxabi.h>
-#endif
-
 #include "DataBinding/ListenerGuard.h"
+#include "DataBinding/foundation/Cancellation.h"
 #include "DataBinding/foundation/ThreadLock.h"
 
 namespace DataBinding {
@@ -18,37 +15,26 @@ using FailureHandler = RepeatingCallback<void(const ListenerFailure&)>;
 
 constinit std::atomic<bool> faultGuardOn{true};
 
+/// False while nobody is to be told: then a failure costs nothing but itself.
+constinit std::atomic<bool> handlerIsSet{false};
+
 /// Who is told of failures. Never destroyed, since listeners may still run while the process ends.
 struct HandlerSlot {
   ThreadLock lock;
   FailureHandler handler DATABINDING_GUARDED_BY(lock);
-  std::atomic<bool> isSet{false};
 };
 HandlerSlot& Handler() {
   static auto* slot = new HandlerSlot;
   return *slot;
 }
 
-#if defined(__GLIBCXX__)
-/// A thread's cancellation is caught as a reference to nothing, which is as the runtime means it.
-#define DATABINDING_CATCHES_CANCELLATION __attribute__((no_sanitize("null")))
-#else
-#define DATABINDING_CATCHES_CANCELLATION
-#endif
-
-/// Calls `run` and then `failed`, within the catch block, if it throws. Lets a thread's
-/// cancellation pass.
+/// Calls `run` and then `failed`, within the catch block, if it throws.
 template <class Run, class Failed>
 DATABINDING_CATCHES_CANCELLATION void CatchAll(Run run, Failed failed) {
   try {
     run();
-#if defined(__GLIBCXX__)
-  } catch (const abi::__forced_unwind&) {
-    throw;
-#endif
-  } catch (...) {
-    failed();
   }
+  DATABINDING_PASS_CANCELLATION catch (...) { failed(); }
 }
 
 struct Report {
@@ -61,9 +47,8 @@ struct Report {
   }
 };
 
-void ReportFailure(const VtrString& property, std::exception_ptr exception, std::uint32_t code) {
+void Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t code) {
   HandlerSlot& slot = Handler();
-  if (!slot.isSet.load(std::memory_order_acquire)) return;
   const auto current = [&] {
     const ReadLock guard(slot.lock);
     return slot.handler;
@@ -76,16 +61,22 @@ void ReportFailure(const VtrString& property, std::exception_ptr exception, std:
   }
 }
 
-struct GuardedSteps {
-  bool (*step)(void* context);
+/// Called within the catch block, or with the code of a fault.
+void ReportFailure(const VtrString& property, std::uint32_t code) {
+  if (!handlerIsSet.load(std::memory_order_acquire)) return;
+  CatchAll([&] { Tell(property, std::current_exception(), code); }, [] {});
+}
+
+struct GuardedStep {
+  void (*step)(void* context);
   void* context;
   const VtrString& property;
 
   static void Run(void* self) {
-    auto& steps = *static_cast<GuardedSteps*>(self);
-    for (bool more = true; more;) {
-      CatchAll([&] { more = steps.step(steps.context); },
-               [&] { ReportFailure(steps.property, std::current_exception(), 0); });
+    const auto& guarded = *static_cast<GuardedStep*>(self);
+    for (bool done = false; !done;) {
+      CatchAll([&] { guarded.step(guarded.context), done = true; },
+               [&] { ReportFailure(guarded.property, 0); });
     }
   }
 };
@@ -97,7 +88,7 @@ void SetListenerFailureHandler(const FailureHandler& handler) {
   FailureHandler former = handler;
   const WriteLock guard(slot.lock);
   std::swap(slot.handler, former);
-  slot.isSet.store(static_cast<bool>(slot.handler), std::memory_order_release);
+  handlerIsSet.store(static_cast<bool>(slot.handler), std::memory_order_release);
 }
 
 void SetHardwareFaultGuard(bool on) noexcept { faultGuardOn.store(on, std::memory_order_relaxed); }
@@ -112,12 +103,10 @@ bool IsHardwareFaultGuardOn() noexcept {
 
 namespace details {
 
-void RunGuarded(bool (*step)(void*), void* context, const VtrString& property) {
-  GuardedSteps steps{step, context, property};
-  if (!IsHardwareFaultGuardOn()) return GuardedSteps::Run(&steps);
-  while (const auto code = RunTrapping(&GuardedSteps::Run, &steps)) {
-    ReportFailure(property, nullptr, code);
-  }
+void RunGuarded(void (*step)(void*), void* context, const VtrString& property) {
+  GuardedStep guarded{step, context, property};
+  if (!IsHardwareFaultGuardOn()) return RunUntrapped(&GuardedStep::Run, &guarded);
+  while (const auto code = RunTrapping(&GuardedStep::Run, &guarded)) ReportFailure(property, code);
 }
 
 }  // namespace details

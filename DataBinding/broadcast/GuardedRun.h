@@ -11,12 +11,15 @@
 
 namespace DataBinding::details {
 
-/// Calls the step again and again until it answers false. Failures are reported under the
+/// Calls the step again and again until it comes to its end. Failures are reported under the
 /// property's name. Lets nothing out but a thread's cancellation.
-void RunGuarded(bool (*step)(void* context), void* context, const VtrString& property);
+void RunGuarded(void (*step)(void* context), void* context, const VtrString& property);
 
 /// Runs a function and answers 0, or the code of the hardware fault that ended it. The platform's
 /// part of the guard: catches no exceptions.
 std::uint32_t RunTrapping(void (*run)(void* context), void* context);
+
+/// Runs a function whose faults no guarded run around it may catch.
+void RunUntrapped(void (*run)(void* context), void* context);
 
 }  // namespace DataBinding::details

@@ -18,6 +18,8 @@ std::uint32_t RunTrapping(void (*run)(void*), void* context) {
   return 0;
 }
 
+void RunUntrapped(void (*run)(void*), void* context) { run(context); }
+
 #else
 
 namespace {
@@ -29,7 +31,9 @@ struct CatchState {
   unsigned int uncaughtCount;
 
   static CatchState& OfThread() noexcept {
-    return *reinterpret_cast<CatchState*>(abi::__cxa_get_globals());
+    static constinit thread_local CatchState* ofThread = nullptr;
+    if (ofThread == nullptr) ofThread = reinterpret_cast<CatchState*>(abi::__cxa_get_globals());
+    return *ofThread;
   }
 };
 
@@ -65,11 +69,12 @@ void PassOn(int signal, siginfo_t* info, void* context) {
   const struct sigaction& former = FormerAction(signal);
   if ((former.sa_flags & SA_SIGINFO) != 0) {
     former.sa_sigaction(signal, info, context);
-  } else if (former.sa_handler == SIG_DFL) {
-    sigaction(signal, &former, nullptr);  // the instruction faults again when this returns
-    if (info->si_code <= 0) raise(signal);
-  } else if (former.sa_handler != SIG_IGN) {
+  } else if (former.sa_handler != SIG_DFL && former.sa_handler != SIG_IGN) {
     former.sa_handler(signal);
+  } else if (former.sa_handler == SIG_DFL || info->si_code > 0) {
+    // The kernel ignores no fault. The instruction faults again when this returns.
+    ::signal(signal, SIG_DFL);
+    if (info->si_code <= 0) raise(signal);
   }
 }
 
@@ -115,6 +120,12 @@ std::uint32_t RunTrapping(void (*run)(void*), void* context) {
     CatchState::OfThread() = trap.exceptions;
   }
   return trap.code;
+}
+
+void RunUntrapped(void (*run)(void*), void* context) {
+  Trap suspended;  // puts the outer trap back in force at its end
+  innermostTrap = nullptr;
+  run(context);
 }
 
 #endif

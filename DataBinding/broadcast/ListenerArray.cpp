@@ -38,8 +38,11 @@ void ListenerArray::Destroy(ListenerArray* array) {
 
 void ListenerArray::Append(std::uint64_t id, const RepeatingCallback<void()>& callback) noexcept {
   const BindStateBase* state = callback.GetBindState();
-  const auto run = reinterpret_cast<Listener::Run>(callback.polymorphic_invoke());
+  const auto run = reinterpret_cast<decltype(Listener::run)>(callback.polymorphic_invoke());
   if (state != nullptr) state->AddRef();
+  const auto ownLoop = state != nullptr ? state->Loop() : nullptr;
+  loop = ownLoop != nullptr && (live == 0 || loop == ownLoop) ? ownLoop
+                                                              : &VtrUtils::details::MakeCalls;
   ::new (&listeners[count]) Listener{run != nullptr ? run : &RunNothing, state};
   ::new (&marks[count]) ListenerMark{id, ListenerMark::never};
   ++count;
@@ -68,6 +71,7 @@ ListenerArray* ListenerArray::Grown(bool pinned) {
     ++grown->count;
   }
   grown->live = live;
+  grown->loop = loop;
   if (!pinned) count = 0;
   return grown;
 }

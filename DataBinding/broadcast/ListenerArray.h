@@ -21,12 +21,7 @@
 namespace DataBinding::details {
 
 /// What a broadcast reads: one call.
-struct Listener {
-  using Run = void (*)(const BindStateBase*);
-
-  Run run;
-  const BindStateBase* state;
-};
+using Listener = VtrUtils::details::DirectCall;
 
 /// What writers know of the listener at the same position.
 struct ListenerMark {
@@ -50,6 +45,9 @@ class ListenerArray {
   [[nodiscard]] const VtrString& Property() const noexcept { return property; }
   [[nodiscard]] const Listener* Listeners() const noexcept { return listeners; }
   [[nodiscard]] const ListenerMark* Marks() const noexcept { return marks; }
+  /// Runs the listeners from `*next` to `end`, counting on before each: by the loop of the module
+  /// that all of them come from, else by the library's own.
+  void Run(std::uint32_t* next, std::uint32_t end) const { loop(listeners, next, end); }
   /// How many positions are in use, holes included.
   [[nodiscard]] std::uint32_t Count() const noexcept { return count; }
   /// How many listeners are registered.
@@ -76,8 +74,8 @@ class ListenerArray {
   /// when the last place stays empty.
   void Sweep(std::span<comlike_ptr<const BindStateBase>> out) noexcept;
 
-  /// How many running broadcasts will report their end, see ListenerPin. Rises under the registry's
-  /// write lock only.
+  /// How many running broadcasts will report their end, see ListenerPin. Rises under the
+  /// registry's lock only.
   std::atomic<std::uint32_t> reports{0};
   /// Set, under the write lock, when the registry lets go of an array that is still running: the
   /// last broadcast to report destroys it.
@@ -94,6 +92,7 @@ class ListenerArray {
   VtrString property;
   Listener* listeners;
   ListenerMark* marks;
+  BindStateBase::CallLoop loop = nullptr;
   std::uint32_t capacity;
   std::uint32_t count = 0;
   std::uint32_t live = 0;

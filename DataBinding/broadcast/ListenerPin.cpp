@@ -8,14 +8,16 @@ void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& owner,
                        ReaderRecord* ofThread) noexcept {
   array = &pinned;
   registry = &owner;
-  if (ofThread != nullptr && ofThread->depth < ReaderRecord::mostPins) {
-    record = ofThread;
-    const auto address = reinterpret_cast<std::uintptr_t>(array);
-    record->pins[record->depth++].store(address, std::memory_order_release);
-  } else {
-    array->reports.fetch_add(1, std::memory_order_relaxed);
-    registry->AddKeeper();
+  if (ofThread != nullptr) {
+    for (auto& each : ofThread->pins) {
+      if (each.load(std::memory_order_relaxed) != 0) continue;
+      pin = &each;
+      pin->store(reinterpret_cast<std::uintptr_t>(array), std::memory_order_release);
+      return;
+    }
   }
+  array->reports.fetch_add(1, std::memory_order_relaxed);
+  registry->AddKeeper();
 }
 
 std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& owner) noexcept {
@@ -38,11 +40,8 @@ std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& owner)
 
 void ListenerPin::Release() noexcept {
   if (array == nullptr) return;
-  bool reports = true;
-  if (record != nullptr) {
-    auto& pin = record->pins[--record->depth];
-    reports = (pin.exchange(0, std::memory_order_acq_rel) & ReaderRecord::handedOver) != 0;
-  }
+  const bool reports = pin == nullptr || (pin->exchange(0, std::memory_order_acq_rel) &
+                                          ReaderRecord::handedOver) != 0;
   if (reports) registry->Report(*array);
 }
 

@@ -35,8 +35,8 @@ class ListenerPin {
 
   ListenerArray* array = nullptr;
   WListenersImpl* registry = nullptr;
-  /// Null for a pin that was counted as a report from the start.
-  ReaderRecord* record = nullptr;
+  /// Its place in the thread's record; null for one that was counted as a report from the start.
+  ReaderRecord::Pin* pin = nullptr;
 };
 
 }  // namespace DataBinding::details

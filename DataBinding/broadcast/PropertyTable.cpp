@@ -1,10 +1,14 @@
 #include "PropertyTable.h"
 
+#include <algorithm>
+#include <functional>
 #include <utility>
 
-#include "DataBinding/foundation/SamplingHash.h"
-
 namespace DataBinding::details {
+
+namespace {
+std::size_t FullHash(const VtrString& name) noexcept { return std::hash<VtrString>()(name); }
+}  // namespace
 
 PropertyTable::PropertyTable(PropertyTable&& other) noexcept
     : slots(std::move(other.slots)),
@@ -24,26 +28,29 @@ PropertyTable::Slot& PropertyTable::Probe(std::uint64_t hash) const noexcept {
 
 PropertyEntry* PropertyTable::Find(const VtrString& name) const noexcept {
   if (size == 0) return nullptr;
-  const Slot& slot = Probe(SamplingHash(name));
+  const Slot& slot = Probe(name.GetSamplingHash());
   if (slot.first == nullptr || slot.first->Name() == name) return slot.first;
   if (slot.alike == nullptr) return nullptr;
-  const auto found = slot.alike->find(name);
-  return found == slot.alike->end() ? nullptr : found->second;
+  const auto [first, last] = slot.alike->equal_range(FullHash(name));
+  const auto found =
+      std::find_if(first, last, [&name](const auto& node) { return node.second->Name() == name; });
+  return found == last ? nullptr : found->second;
 }
 
 PropertyEntry& PropertyTable::Insert(const VtrString& name) {
   Reserve();
-  const auto hash = SamplingHash(name);
+  const auto hash = name.GetSamplingHash();
   std::unique_ptr<PropertyEntry> entry(
-      new PropertyEntry{hash, ListenerArrayPtr(ListenerArray::Make(name, 1))});
+      new PropertyEntry{ListenerArrayPtr(ListenerArray::Make(name, 1))});
   Slot& slot = Probe(hash);
   if (slot.first == nullptr) {
     slot.hash = hash;
     slot.first = entry.get();
     ++usedSlots;
   } else {
-    if (slot.alike == nullptr) slot.alike = std::make_unique<Alike>();
-    slot.alike->emplace(entry->Name(), entry.get());
+    auto first = slot.alike == nullptr ? std::make_unique<Alike>() : nullptr;
+    (first != nullptr ? *first : *slot.alike).emplace(FullHash(name), entry.get());
+    if (first != nullptr) slot.alike = std::move(first);
   }
   ++size;
   return *entry.release();
@@ -62,7 +69,7 @@ void PropertyTable::Reserve() {
 }
 
 std::unique_ptr<PropertyEntry> PropertyTable::Extract(PropertyEntry& entry) noexcept {
-  RemoveFromSlot(Probe(entry.hash), entry);
+  RemoveFromSlot(Probe(entry.Name().GetSamplingHash()), entry);
   --size;
   return std::unique_ptr<PropertyEntry>(&entry);
 }
@@ -74,7 +81,9 @@ void PropertyTable::RemoveFromSlot(Slot& slot, PropertyEntry& entry) noexcept {
     slot.first = next->second;
     slot.alike->erase(next);
   } else {
-    slot.alike->erase(entry.Name());
+    const auto [first, last] = slot.alike->equal_range(FullHash(entry.Name()));
+    slot.alike->erase(
+        std::find_if(first, last, [&entry](const auto& node) { return node.second == &entry; }));
   }
   if (slot.alike->empty()) slot.alike.reset();
 }

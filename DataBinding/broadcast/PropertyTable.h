@@ -25,7 +25,6 @@ using ListenerArrayPtr = std::unique_ptr<ListenerArray, ListenerArrayDeleter>;
 
 /// One property that somebody is registered for.
 struct PropertyEntry {
-  std::uint64_t hash;
   ListenerArrayPtr array;
 
   [[nodiscard]] const VtrString& Name() const noexcept { return array->Property(); }
@@ -51,12 +50,13 @@ class PropertyTable {
       if (slots[i].first == nullptr) continue;
       visit(*slots[i].first);
       if (slots[i].alike == nullptr) continue;
-      for (const auto& [name, entry] : *slots[i].alike) visit(*entry);
+      for (const auto& [hash, entry] : *slots[i].alike) visit(*entry);
     }
   }
 
  private:
-  using Alike = std::unordered_map<VtrStringView, PropertyEntry*>;
+  /// By the full-length hash, which the nodes keep: no neighbour is hashed again.
+  using Alike = std::unordered_multimap<std::size_t, PropertyEntry*>;
   struct Slot {
     std::uint64_t hash = 0;
     PropertyEntry* first = nullptr;

@@ -26,8 +26,14 @@ class alignas(64) ReaderRecord {
   static constexpr std::uintptr_t handedOver = 1;
   using Pin = std::atomic<std::uintptr_t>;
 
-  /// The calling thread's record, or null when there is no memory or the thread is ending.
-  [[nodiscard]] static ReaderRecord* Current() noexcept;
+  /// The calling thread's record, made at its first broadcast, or null when there is no memory or
+  /// the thread is ending.
+  [[nodiscard]] static ReaderRecord* Current() noexcept {
+    return ofThread != nullptr ? ofThread : MakeCurrent();
+  }
+
+  /// The calling thread's record if it has one: for what must not allocate.
+  [[nodiscard]] static ReaderRecord* Existing() noexcept { return ofThread; }
 
   /// The first of all records; Next leads to the others.
   [[nodiscard]] static ReaderRecord* First() noexcept;
@@ -35,14 +41,15 @@ class alignas(64) ReaderRecord {
 
   /// The registry lock under which this thread looks something up, or null.
   std::atomic<const void*> reading{nullptr};
-  /// The arrays that this thread runs, as addresses; 0 for none.
+  /// The arrays that this thread runs, as addresses; 0 for none. Only the thread itself sets one.
   std::array<Pin, mostPins> pins{};
-  /// How many pins are in use. For the record's own thread only.
-  std::size_t depth = 0;
 
  private:
   friend class ReaderRecordOwner;
+  [[nodiscard]] static ReaderRecord* MakeCurrent() noexcept;
   [[nodiscard]] static ReaderRecord* Acquire() noexcept;
+
+  static constinit thread_local ReaderRecord* ofThread;
 
   std::atomic<bool> taken{true};
   ReaderRecord* next = nullptr;

@@ -65,26 +65,18 @@ class Broadcast {
 
  private:
   /// Both steps move on before they call out: a listener that throws or faults counts as done.
-  static bool Step(void* context) {
+  static void Step(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
-    const Listener* listeners = self.pin.Get()->Listeners();
-    while (self.next < self.count) {
-      const Listener& listener = listeners[self.next++];
-      listener.run(listener.state);
-    }
-    return false;
+    self.pin.Get()->Run(&self.next, self.count);
   }
-  static bool StepOverRemoved(void* context) {
+  static void StepOverRemoved(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
     const ListenerArray& array = *self.pin.Get();
-    while (self.next < self.count) {
-      const auto position = self.next++;
-      const auto removal = array.Marks()[position].removal.load(std::memory_order_relaxed);
-      if (removal <= self.lastRemoval) continue;
-      const Listener& listener = array.Listeners()[position];
-      listener.run(listener.state);
+    for (std::uint32_t i = self.next; i < self.count; ++i) {
+      self.next = i + 1;
+      const auto removal = array.Marks()[i].removal.load(std::memory_order_relaxed);
+      if (removal > self.lastRemoval) array.Listeners()[i].run(array.Listeners()[i].state);
     }
-    return false;
   }
 
   ListenerPin pin;
@@ -170,19 +162,19 @@ void WListenersImpl::UpdateListeners(const VtrString& property) {
 }
 
 bool WListenersImpl::AreListenersAvailable(const VtrString& property) {
-  const RegistryReadLock guard(lock, ReaderRecord::Current());
+  const RegistryReadLock guard(lock, ReaderRecord::Existing());
   return properties.Find(property) != nullptr;
 }
 
 std::uint64_t WListenersImpl::GetNumRegistered(const VtrString& property) {
-  const RegistryReadLock guard(lock, ReaderRecord::Current());
+  const RegistryReadLock guard(lock, ReaderRecord::Existing());
   const PropertyEntry* entry = properties.Find(property);
   return entry == nullptr ? 0 : entry->array->Live();
 }
 
 std::vector<VtrString> WListenersImpl::GetRegisteredProperties() {
   std::vector<VtrString> names;
-  const RegistryReadLock guard(lock, ReaderRecord::Current());
+  const RegistryReadLock guard(lock, ReaderRecord::Existing());
   names.reserve(properties.Size());
   properties.ForEach([&](const PropertyEntry& entry) { names.push_back(entry.Name()); });
   return names;

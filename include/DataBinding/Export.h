@@ -18,6 +18,20 @@
 #define DATABINDING_API __attribute__((visibility("default")))
 #endif
 
+/// Marks an inline function of which every module keeps a copy of its own.
+#if defined(_WIN32)
+#define DATABINDING_MODULE_LOCAL
+#else
+#define DATABINDING_MODULE_LOCAL __attribute__((visibility("hidden")))
+#endif
+
+/// Starts a function at a cache line, so that its short loop does not straddle two.
+#if defined(__GNUC__)
+#define DATABINDING_HOT_LOOP __attribute__((aligned(64)))
+#else
+#define DATABINDING_HOT_LOOP
+#endif
+
 /// Expands to Clang's thread-safety attributes; other compilers see nothing.
 #if defined(__clang__)
 #define DATABINDING_THREAD_ANNOTATION(...) __attribute__((__VA_ARGS__))

@@ -155,13 +155,21 @@ using FaultDeath = FaultGuard;
 
 TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
   const auto listener = notifier.Register(&RunAnIllegalInstruction, L"A");
-  EXPECT_DEATH(
-      {
-        signal(SIGILL, SIG_DFL);
+  const auto switchesOff = notifier.Register(
+      [this] {
         SetHardwareFaultGuard(false);
         notifier.UpdateListeners(L"A");
       },
-      "");
+      L"Outer");
+  for (const auto* property : {L"A", L"Outer"}) {
+    EXPECT_DEATH(
+        {
+          signal(SIGILL, SIG_DFL);
+          SetHardwareFaultGuard(*property == L'O');
+          notifier.UpdateListeners(property);
+        },
+        "");
+  }
 }
 
 TEST_F(FaultDeath, FaultOutsideAListenerReachesTheEarlierHandler) {

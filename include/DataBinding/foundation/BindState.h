@@ -6,9 +6,11 @@
 /// atomically; the last reference runs the destroy function on whatever thread drops it.
 #pragma once
 
+#include <cstdint>
 #include <typeinfo>
 #include <utility>
 
+#include "DataBinding/Export.h"
 #include "DataBinding/foundation/ComlikePtr.h"
 
 namespace VtrUtils {
@@ -16,6 +18,7 @@ namespace VtrUtils {
 namespace details {
 
 class BindStateBase;
+struct DirectCall;
 
 struct BindStateBaseRefCountTraits {
   static void Destroy(const BindStateBase* state);
@@ -28,6 +31,7 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
 
   using InvokeFunction = void (*)();
   using DestroyFunction = void (*)(const BindStateBase*);
+  using CallLoop = void (*)(const DirectCall* calls, std::uint32_t* next, std::uint32_t end);
   using CancellationQuery = bool (*)(const BindStateBase*, CancellationQueryMode);
 
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy) noexcept
@@ -44,6 +48,8 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   [[nodiscard]] bool MaybeValid() const {
     return query == nullptr || query(this, CancellationQueryMode::MaybeValid);
   }
+  /// MakeCalls of the module that the state comes from; null for a state with another signature.
+  [[nodiscard]] CallLoop Loop() const noexcept { return loop; }
   /// False only when both signatures are known and differ.
   [[nodiscard]] bool FitsSignature(const std::type_info& wanted) const noexcept {
     return signature == nullptr || *signature == wanted;
@@ -52,6 +58,7 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
  protected:
   /// Lets a typed callback recognise a state of its own signature.
   void SetSignature(const std::type_info& type) noexcept { signature = &type; }
+  void SetLoop(CallLoop ofModule) noexcept { loop = ofModule; }
 
  private:
   friend BindStateBaseRefCountTraits;
@@ -60,10 +67,30 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   DestroyFunction destroy;
   CancellationQuery query;
   const std::type_info* signature = nullptr;
+  CallLoop loop = nullptr;
 };
 
 inline void BindStateBaseRefCountTraits::Destroy(const BindStateBase* state) {
   state->destroy(state);
+}
+
+/// One call of a callback without arguments, taken apart: what a list of listeners is made of.
+struct DirectCall {
+  void (*run)(const BindStateBase* state);
+  const BindStateBase* state;
+};
+
+/// Makes the calls from `*next` to `end`, counting on before each, so that one which throws counts
+/// as made. Processors reach a function in the same module faster than one in another: a state
+/// therefore names the copy of its own module.
+DATABINDING_MODULE_LOCAL DATABINDING_HOT_LOOP inline void MakeCalls(const DirectCall* calls,
+                                                                    std::uint32_t* next,
+                                                                    std::uint32_t end) {
+  for (std::uint32_t i = *next; i < end;) {
+    const DirectCall& call = calls[i];
+    *next = ++i;
+    call.run(call.state);
+  }
 }
 
 /// A callback without its signature: owns one reference to a state, or none.

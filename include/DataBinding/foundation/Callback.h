@@ -58,9 +58,11 @@ template <class Functor>
 class BoundFunctor final : public BindStateBase {
  public:
   template <class Source>
-  BoundFunctor(InvokeFunction onInvoke, const std::type_info& type, Source&& source)
+  BoundFunctor(InvokeFunction onInvoke, const std::type_info& type, CallLoop callLoop,
+               Source&& source)
       : BindStateBase(onInvoke, &Destroy, Query()), functor(std::forward<Source>(source)) {
     SetSignature(type);
+    SetLoop(callLoop);
   }
 
   static Functor& Of(const BindStateBase* state) noexcept {
@@ -115,8 +117,10 @@ struct Invoker<Result(Args...)> {
       if (source == nullptr) return {};
     }
     const auto invoke = reinterpret_cast<BindStateBase::InvokeFunction>(&Run<Target>);
-    return comlike_ptr<BindStateBase>(
-        new BoundFunctor<Functor>(invoke, typeid(Result(Args...)), std::forward<Source>(source)));
+    BindStateBase::CallLoop loop = nullptr;
+    if constexpr (std::same_as<Result(Args...), void()>) loop = &MakeCalls;
+    return comlike_ptr<BindStateBase>(new BoundFunctor<Functor>(
+        invoke, typeid(Result(Args...)), loop, std::forward<Source>(source)));
   }
 
   static Result Call(const comlike_ptr<BindStateBase>& state, CallbackArgument<Args>... args) {

@@ -24,6 +24,7 @@
 
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/FormatArgument.h"
+#include "DataBinding/foundation/SamplingHash.h"
 #include "DataBinding/foundation/StringBuffer.h"
 #include "DataBinding/foundation/StringView.h"
 
@@ -53,8 +54,6 @@ class VtrStringT {
     details::StringBuffer::AddRef(buffer);
   }
   VtrStringT(VtrStringT&& other) noexcept : buffer(std::exchange(other.buffer, nullptr)) {}
-  /// Takes over a buffer with one count, or none for an empty string.
-  explicit VtrStringT(details::StringBuffer* owned) noexcept : buffer(owned) {}
   ~VtrStringT() { details::StringBuffer::Release(buffer); }
 
   VtrStringT& operator=(VtrStringT other) noexcept {
@@ -62,12 +61,18 @@ class VtrStringT {
     return *this;
   }
   VtrStringT& operator+=(const VtrStringT& other) {
-    return *this = VtrStringT(details::StringBuffer::Join(*this, other));
+    return *this = Adopt(details::StringBuffer::Join(*this, other));
   }
 
+  /// Makes a string of a buffer with one count, which it takes over, or of none.
+  [[nodiscard]] static VtrStringT Adopt(details::StringBuffer* owned) noexcept {
+    VtrStringT made;
+    made.buffer = owned;
+    return made;
+  }
   /// Decodes UTF-8. Each ill-formed sequence becomes one U+FFFD.
   [[nodiscard]] static VtrStringT FromUtf8(std::string_view text) {
-    return VtrStringT(details::BufferFromUtf8(text));
+    return Adopt(details::BufferFromUtf8(text));
   }
   /// Encodes as UTF-8. What is no character (a lone surrogate) becomes U+FFFD.
   [[nodiscard]] std::string ToUtf8() const { return details::ToUtf8(*this); }
@@ -102,6 +107,15 @@ class VtrStringT {
   [[nodiscard]] bool IsEmpty() const noexcept { return buffer == nullptr; }
   [[nodiscard]] std::int32_t GetLength() const noexcept {
     return buffer == nullptr ? 0 : buffer->length;
+  }
+  /// SamplingHash of the characters, kept for the next time: for tables keyed by names.
+  [[nodiscard]] std::uint64_t GetSamplingHash() const noexcept {
+    if (buffer == nullptr) return VtrUtils::SamplingHash({});
+    const auto known = buffer->hash.load(std::memory_order_relaxed);
+    if (known != 0) return known;
+    const auto computed = VtrUtils::SamplingHash(*this);
+    buffer->hash.store(computed, std::memory_order_relaxed);
+    return computed;
   }
   /// NUL-terminated; lives as long as this string is neither changed nor destroyed.
   operator const CharT*() const noexcept { return Text(); }
@@ -139,7 +153,7 @@ class VtrStringT {
 
  private:
   static VtrStringT FormatInternal(View format, std::span<const details::FormatArgument> args) {
-    return VtrStringT(details::FormatBuffer(format, args));
+    return Adopt(details::FormatBuffer(format, args));
   }
   [[nodiscard]] const CharT* Text() const noexcept {
     return buffer == nullptr ? L"" : buffer->Text();
@@ -152,7 +166,7 @@ using VtrString = VtrStringT<wchar_t>;
 
 /// Joins two texts; strings, views and literals all fit.
 [[nodiscard]] inline VtrString operator+(VtrStringView left, VtrStringView right) {
-  return VtrString(details::StringBuffer::Join(left, right));
+  return VtrString::Adopt(details::StringBuffer::Join(left, right));
 }
 
 }  // namespace VtrPlatform

@@ -1,8 +1,9 @@
-/// The shared storage of a wide string: a count of owners and a length, then the characters.
+/// The shared storage of a wide string: a count of owners, a length and a hash, then the
+/// characters.
 ///
-/// One allocation holds both. The count is atomic, so owners may live on different threads; the
-/// characters never change once a second owner exists. A null pointer stands for the empty string
-/// in every operation here.
+/// One allocation holds them all. The count is atomic, so owners may live on different threads; the
+/// characters never change once a second owner exists. The hash is computed when it is first asked
+/// for. A null pointer stands for the empty string in every operation here.
 #pragma once
 
 #include <atomic>
@@ -20,6 +21,8 @@ struct StringBuffer {
 
   std::atomic<std::uint32_t> references;
   std::int32_t length;
+  /// The sampling hash, or 0 until it is known.
+  std::atomic<std::uint64_t> hash{0};
 
   [[nodiscard]] wchar_t* Text() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
 
