@@ -18,18 +18,20 @@ DataListener::DataListener() noexcept = default;
 DataListener::DataListener(DataListener&& other) noexcept
     : IDataListener(other),
       listenerEntries(std::move(other.listenerEntries)),
-      dataSourceProvider(other.dataSourceProvider) {
+      dataSourceProvider(other.dataSourceProvider),
+      providerLiveness(other.providerLiveness) {
   other.listenerEntries.clear();
 }
 
 DataListener& DataListener::operator=(DataListener&& other) noexcept {
   if (this != &other) listenerEntries = std::exchange(other.listenerEntries, {});
   dataSourceProvider = other.dataSourceProvider;
+  providerLiveness = other.providerLiveness;
   return *this;
 }
 
 DataListener::~DataListener() {
-  if (dataSourceProvider != nullptr) dataSourceProvider->RemoveDataListener(this);
+  if (IDataSourceProvider* provider = GetDataSourceProvider()) provider->RemoveDataListener(this);
 }
 
 void DataListener::AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,
@@ -39,11 +41,11 @@ void DataListener::AddDataListener(const VtrString& dataSourceName, const VtrStr
 
 void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
   OnDataSourceProviderChanging(newProvider);
-  dataSourceProvider = newProvider;
-  if (dataSourceProvider == nullptr) return;
+  SetProvider(newProvider);
+  if (newProvider == nullptr) return;
   std::set<VtrString> names;
   for (const auto& entry : listenerEntries) names.insert(entry.dataSourceName);
-  dataSourceProvider->AddDataListener(this, names, true);
+  newProvider->AddDataListener(this, names, true);
 }
 
 void DataListener::ConnectToDatasource(IDataSource* source) {
@@ -64,7 +66,12 @@ void DataListener::DisconnectFromDatasource(IDataSource* source) {
 }
 
 void DataListener::NotifyDatasourceProviderDestroyed(IDataSourceProvider* gone) {
-  if (gone == dataSourceProvider && gone != nullptr) dataSourceProvider = gone->GetParent();
+  if (gone == dataSourceProvider && gone != nullptr) SetProvider(gone->GetParent());
+}
+
+void DataListener::SetProvider(IDataSourceProvider* newProvider) {
+  providerLiveness = newProvider == nullptr ? details::WeakReference() : newProvider->GetLiveness();
+  dataSourceProvider = newProvider;
 }
 
 }  // namespace DataBinding

@@ -1,13 +1,14 @@
 #include "DataBinding/DataSourceProvider.h"
 
+#include <cassert>
 #include <utility>
 
 #include "DataBinding/IDataListener.h"
 #include "DataBinding/IDataSource.h"
 #include "DataBinding/IDataSourceConstructor.h"
 #include "DataBinding/IDataSourceRegistrar.h"
+#include "DataBinding/foundation/FirstFailure.h"
 #include "DataBinding/foundation/StringSplit.h"
-#include "FirstFailure.h"
 
 namespace DataBinding {
 
@@ -25,10 +26,10 @@ DataSourceProvider::DataSourceProvider(const DataSourceProvider&) = default;
 DataSourceProvider& DataSourceProvider::operator=(const DataSourceProvider&) = default;
 
 DataSourceProvider::~DataSourceProvider() {
-  try {
-    DataSourceProvider::Shutdown();
-  } catch (...) {  // Shutdown has completed all its steps; a destructor lets nothing out
-  }
+  FirstFailure dropped;  // Shutdown completes all its steps; a destructor lets nothing out
+  dropped.Try([this] { DataSourceProvider::Shutdown(); });
+  // What sources built here while they ended.
+  if (!addedSources.empty()) dropped.Try([this] { DataSourceProvider::Shutdown(); });
 }
 
 void DataSourceProvider::Destroy() { delete this; }
@@ -54,7 +55,7 @@ void DataSourceProvider::RemoveChild(IDataSourceProvider* child) { children.eras
 
 IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
   if (name == nullptr) return nullptr;
-  if (IDataSource* held = GetLocalDataSourceInstance(name)) return held;
+  if (IDataSource* held = FindLocal(name)) return held;
   if (IDataSource* built = BuildDataSource(name)) return built;
   return parent == nullptr ? nullptr : parent->GetDataSource(name);
 }
@@ -71,32 +72,43 @@ IVantorGenericDetail::FindInterfaceProxy DataSourceProvider::GetDataSourceInterf
 }
 
 IDataSource* DataSourceProvider::GetLocalDataSourceInstance(const wchar_t* name) const {
+  return FindLocal(name);
+}
+
+IDataSource* DataSourceProvider::FindLocal(const wchar_t* name) const {
   if (name == nullptr) return nullptr;
   const auto found = sourcesByName.find(VtrStringView(name));
   return found == sourcesByName.end() ? nullptr : found->second;
 }
 
 IDataSource* DataSourceProvider::BuildDataSource(const wchar_t* name) {
-  if (!CanBuild(name)) return nullptr;
-  IDataSource* built =
-      IDataSourceRegistrar::GetInstance().FindConstructor(name)->CreateDataSource(this);
-  AddDataSource(built);
+  IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
+  if (!CanBuild(constructor)) return nullptr;
+  IDataSource* built = constructor->CreateDataSource(this);
+  try {
+    AddDataSource(built);
+  } catch (...) {
+    if (!additions.contains(built)) IDataSource::Destroy(built);
+    throw;
+  }
   return built;
 }
 
-bool DataSourceProvider::CanBuild(const wchar_t* name) const {
-  IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
+bool DataSourceProvider::CanBuild(IDataSourceConstructor* constructor) const {
   return constructor != nullptr && MatchCategory(constructor->GetCategories(), categories);
 }
 
 bool DataSourceProvider::DeleteLocalDataSourceInstance(const wchar_t* name) {
-  IDataSource* source = GetLocalDataSourceInstance(name);
+  IDataSource* source = FindLocal(name);
   if (source == nullptr) return false;
-  DisconnectDataListeners(source);
-  const auto filed = sourcesByName.find(VtrStringView(name));
-  if (filed != sourcesByName.end()) sourcesByName.erase(filed);
+  assert(notifications == 0 && "a listener deletes a source while this provider connects it");
+  const VtrString key(name);  // the name may be the source's own
+  FirstFailure failure;
+  failure.Try([&] { DisconnectDataListeners(source); });
+  sourcesByName.erase(key);
   ForgetSource(source);
-  IDataSource::Destroy(source);
+  failure.Try([&] { IDataSource::Destroy(source); });
+  failure.Rethrow();
   return false;
 }
 
@@ -145,7 +157,8 @@ bool DataSourceProvider::MatchCategory(const wchar_t* categoryList,
 }
 
 void DataSourceProvider::Shutdown() {
-  details::FirstFailure failure;
+  assert(notifications == 0 && "a listener shuts this provider down while it is connected");
+  FirstFailure failure;
   const auto ending = std::exchange(addedSources, {});
   additions.clear();
   sourcesByName.clear();
@@ -157,7 +170,8 @@ void DataSourceProvider::Shutdown() {
   if (!shutDown) {
     failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
   }
-  for (const auto& [listener, entry] : std::map(listeners)) {
+  waiting.clear();
+  for (const auto& [listener, entry] : std::exchange(listeners, {})) {
     if (!entry.liveness.IsValid()) continue;
     failure.Try([&, ended = listener] { ended->NotifyDatasourceProviderDestroyed(this); });
   }
@@ -165,7 +179,7 @@ void DataSourceProvider::Shutdown() {
   waiting.clear();
   if (parent != nullptr) parent->RemoveChild(this);
   parent = nullptr;
-  for (IDataSourceProvider* child : std::set(children)) child->SetParent(parent);
+  for (IDataSourceProvider* child : std::exchange(children, {})) child->SetParent(parent);
   children.clear();
   shutDown = true;
   failure.Rethrow();

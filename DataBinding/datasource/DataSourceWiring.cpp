@@ -6,7 +6,8 @@
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/IDataListener.h"
 #include "DataBinding/IDataSource.h"
-#include "FirstFailure.h"
+#include "DataBinding/IDataSourceRegistrar.h"
+#include "DataBinding/foundation/FirstFailure.h"
 
 namespace DataBinding {
 
@@ -27,17 +28,24 @@ class DataSourceProvider::Notification {
 void DataSourceProvider::AddDataSource(IDataSource* source) {
   if (source == nullptr) return;
   assert(notifications == 0 && "a listener adds a source while this provider connects it");
-  const wchar_t* name = source->GetDataSourceName();
-  if (name != nullptr) {
-    const VtrString key(name);
+  // All that filing needs is made first, so that the source is either taken over or left alone.
+  std::map<std::uint64_t, IDataSource*> addition{{lastAddition + 1, source}};
+  std::multimap<IDataSource*, std::uint64_t> number{{source, lastAddition + 1}};
+  std::map<VtrString, IDataSource*, std::less<>> filing;
+  FirstFailure failure;
+  if (const wchar_t* name = source->GetDataSourceName()) {
+    const VtrString& key = filing.try_emplace(name, source).first->first;
     const Notification scope(*this);
     IDataListener* listener = nullptr;
-    while ((listener = NextWaiting(key, listener)) != nullptr)
-      listener->ConnectToDatasource(source);
-    sourcesByName.try_emplace(key, source);
+    while ((listener = NextWaiting(key, listener)) != nullptr) {
+      failure.Try([&] { listener->ConnectToDatasource(source); });
+    }
   }
-  addedSources.emplace(++lastAddition, source);
-  additions.emplace(source, lastAddition);
+  sourcesByName.merge(filing);
+  addedSources.merge(addition);
+  additions.merge(number);
+  ++lastAddition;
+  failure.Rethrow();
 }
 
 void DataSourceProvider::AddDataSources(IDataSource* const* sources, std::size_t count) {
@@ -48,11 +56,13 @@ void DataSourceProvider::RemoveDataSource(IDataSource* source) {
   if (source == nullptr) return;
   assert(notifications == 0 && "a listener removes a source while this provider connects it");
   const wchar_t* name = source->GetDataSourceName();
-  if (GetLocalDataSourceInstance(name) == nullptr) return;
+  if (FindLocal(name) == nullptr) return;
   const VtrString key(name);
-  DisconnectDataListeners(source);
+  FirstFailure failure;
+  failure.Try([&] { DisconnectDataListeners(source); });
   sourcesByName.erase(key);
   ForgetSource(source);
+  failure.Rethrow();
 }
 
 void DataSourceProvider::RemoveDataSources(IDataSource* const* sources, std::size_t count) {
@@ -64,7 +74,7 @@ void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   if (name == nullptr) return;
   const VtrString key(name);
   const Notification scope(*this);
-  details::FirstFailure failure;
+  FirstFailure failure;
   IDataListener* listener = nullptr;
   while ((listener = NextWaiting(key, listener)) != nullptr) {
     failure.Try([&] { listener->DisconnectFromDatasource(source); });
@@ -89,24 +99,24 @@ void DataSourceProvider::AddDataListener(IDataListener* listener, const std::set
                                          bool keepUnresolved) {
   if (listener == nullptr) return;
   assert(notifications == 0 && "a listener is added while this provider connects one");
-  const auto liveness = listener->liveness.GetRef();
+  const auto alive = listener->liveness.GetRef();
   std::set<VtrString> kept;
   std::set<VtrString> forwarded;
   for (const auto& name : names) {
-    const bool buildable = CanBuild(name);
     IDataSource* local = GetLocalDataSourceInstance(name);
+    IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
     if (local != nullptr) {
       const Notification scope(*this);
       listener->ConnectToDatasource(local);
-      if (!liveness.IsValid()) return;
+      if (!alive.IsValid()) return;
     }
-    const bool servedHere = local != nullptr || buildable;
+    const bool servedHere = local != nullptr || CanBuild(constructor);
     if (servedHere || keepUnresolved) kept.insert(kept.end(), name);
     if (!servedHere) forwarded.insert(forwarded.end(), name);
   }
   if (!forwarded.empty() && parent != nullptr) {
     parent->AddDataListener(listener, forwarded, false);
-    if (!liveness.IsValid()) return;
+    if (!alive.IsValid()) return;
   }
   FileListener(listener, std::move(kept));
 }
@@ -117,8 +127,14 @@ void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrStrin
     if (filed->second.liveness.IsValid()) return;
     ForgetListener(listener);  // a former listener at the same address
   }
-  for (const auto& name : kept) waiting[name].insert(listener);
-  listeners.emplace(listener, ListenerEntry{std::move(kept), listener->liveness.GetRef()});
+  ListenerEntry entry{std::move(kept), listener->liveness.GetRef()};
+  const auto& names = listeners.emplace(listener, std::move(entry)).first->second.names;
+  try {
+    for (const auto& name : names) waiting[name].insert(listener);
+  } catch (...) {
+    ForgetListener(listener);
+    throw;
+  }
 }
 
 void DataSourceProvider::ForgetListener(IDataListener* listener) {
@@ -126,6 +142,7 @@ void DataSourceProvider::ForgetListener(IDataListener* listener) {
   if (entry.empty()) return;
   for (const auto& name : entry.mapped().names) {
     const auto found = waiting.find(name);
+    if (found == waiting.end()) continue;
     found->second.erase(listener);
     if (found->second.empty()) waiting.erase(found);
   }
@@ -138,11 +155,11 @@ void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
   if (!filed->second.liveness.IsValid()) return ForgetListener(listener);
   // The entry's names must outlast the calls, in which the listener may end.
   const auto names = filed->second.names;
-  const auto liveness = filed->second.liveness;
+  const auto alive = filed->second.liveness;
   const Notification scope(*this);
   for (const auto& name : names) {
     IDataSource* source = GetLocalDataSourceInstance(name);
-    if (source != nullptr && liveness.IsValid()) listener->DisconnectFromDatasource(source);
+    if (source != nullptr && alive.IsValid()) listener->DisconnectFromDatasource(source);
   }
   ForgetListener(listener);
 }

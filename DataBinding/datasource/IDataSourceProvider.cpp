@@ -14,10 +14,12 @@ CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {
   return CustomDataProxy(const_cast<IDataSourceProvider*>(this));
 }
 
-void* CustomDataProxy::GetRaw(const Guid& id) const { return provider->GetCustomData(id); }
+void* CustomDataProxy::GetRaw(const Guid& id) const {
+  return provider == nullptr ? nullptr : provider->GetCustomData(id);
+}
 
 void* CustomDataProxy::SetRaw(const Guid& id, void* value) const {
-  return provider->SetCustomData(id, value);
+  return provider == nullptr ? nullptr : provider->SetCustomData(id, value);
 }
 
 }  // namespace DataBinding

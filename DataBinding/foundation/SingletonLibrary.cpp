@@ -24,7 +24,7 @@ class SingletonEntries {
 
   SingletonLibrary& Find(std::type_index type, SingletonLibrary::Reset* reset) {
     const WriteLock guard(lock);
-    Record& record = records[type.name()];
+    Record& record = records[Key(type)];
     if (reset != nullptr && std::ranges::count(record.resets, reset) == 0) {
       record.resets.push_back(reset);
     }
@@ -33,7 +33,7 @@ class SingletonEntries {
 
   void RemoveReset(std::type_index type, SingletonLibrary::Token token) {
     const WriteLock guard(lock);
-    const auto found = records.find(type.name());
+    const auto found = records.find(Key(type));
     if (found == records.end()) return;
     std::erase_if(found->second.resets, [token](const auto* reset) {
       return reinterpret_cast<std::uintptr_t>(reset) == token;
@@ -55,6 +55,14 @@ class SingletonEntries {
   }
 
  private:
+  /// The type's name. A name in an anonymous namespace is told apart from the same in another file
+  /// by where it stands.
+  static std::string Key(std::type_index type) {
+    std::string key = type.name();
+    if (key.find("_GLOBAL__N_") == std::string::npos) return key;
+    return key + '@' + std::to_string(reinterpret_cast<std::uintptr_t>(type.name()));
+  }
+
   ThreadLock lock;
   std::map<std::string, Record> records DATABINDING_GUARDED_BY(lock);
 };

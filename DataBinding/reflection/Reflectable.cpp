@@ -75,7 +75,7 @@ std::pair<std::size_t, const runtime_type_base&> Reflectable::_GetType(
   for (const auto& name : names) {
     const auto found = items.find(name);
     if (found != items.end()) return {index, found->second.type.get()};
-    const runtime_type_base& resolved = resolveType(name);
+    const runtime_type_base& resolved = resolveType ? resolveType(name) : none;
     if (!resolved.IsSameType(&none)) return {index, resolved};
     ++index;
   }

@@ -30,25 +30,24 @@ std::string runtime_type_base::GetTypeName() const {
   const auto first = text.find('<');
   const auto last = text.rfind('>');
   if (first == std::string::npos || last == std::string::npos) return text;
-  return text.substr(first + 1, last - first - 1);
+  const auto end =
+      text.find_last_not_of(' ', last - 1);  // "A<B<C> >" is how nested types are spelled
+  return text.substr(first + 1, end - first);
 }
 
 template <>
 const runtime_type<void>& runtime_type<void>::Get() {
-  static const runtime_type instance;
-  return instance;
+  return Everlasting();
 }
 
 template <>
 const runtime_type<void()>& runtime_type<void()>::Get() {
-  static const runtime_type instance;
-  return instance;
+  return Everlasting();
 }
 
 template <>
 const runtime_type<IDataContext*>& runtime_type<IDataContext*>::Get() {
-  static const runtime_type instance;
-  return instance;
+  return Everlasting();
 }
 
 }  // namespace DataBinding

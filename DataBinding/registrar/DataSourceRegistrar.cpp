@@ -5,6 +5,7 @@
 
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/IDataSourceConstructor.h"
+#include "DataBinding/foundation/FirstFailure.h"
 #include "DataBinding/foundation/StringSplit.h"
 
 namespace DataBinding {
@@ -35,8 +36,8 @@ void DataSourceRegistrar::RegisterDataSource(IDataSourceConstructor* constructor
   if (constructors.try_emplace(constructor->GetName(), constructor).second) {
     constructor->OnRegistered();
   }
-  for (IDataSourceProvider* provider : std::set(providers)) {
-    if (provider->MatchCategory(constructor->GetCategories())) {
+  for (const auto& [provider, liveness] : std::map(providers)) {
+    if (liveness.IsValid() && provider->MatchCategory(constructor->GetCategories())) {
       constructor->OnProviderAttached(provider);
     }
   }
@@ -72,22 +73,28 @@ void DataSourceRegistrar::UnregisterDataSource(IDataSourceConstructor* construct
   const VtrString name(constructor->GetName());
   const auto filed = constructors.find(name);
   if (filed == constructors.end()) return;
+  FirstFailure failure;
   Unlist(constructor);
-  filed->second->OnUnregistered();  // the constructor may be gone after this
+  // The constructor may be gone after this.
+  failure.Try([&] { filed->second->OnUnregistered(); });
   constructors.erase(name);
-  for (IDataSourceProvider* provider : std::set(providers)) {
-    if (providers.contains(provider)) provider->DeleteLocalDataSourceInstance(name);
+  for (const auto& [provider, liveness] : std::map(providers)) {
+    if (!liveness.IsValid() || !providers.contains(provider)) continue;
+    failure.Try([&, holder = provider] { holder->DeleteLocalDataSourceInstance(name); });
   }
+  failure.Rethrow();
 }
 
 IDataSourceProvider* DataSourceRegistrar::GetRootProvider() { return rootProvider; }
 
 void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
   if (provider == nullptr) return;
-  providers.insert(provider);
+  providers.insert_or_assign(provider, provider->GetLiveness());
   for (const auto& category : provider->GetCategories()) {
-    for (IDataSourceConstructor* constructor : ConstructorList(categoryConstructors[category])) {
-      constructor->OnProviderAttached(provider);
+    const ConstructorList& live = categoryConstructors[category];
+    for (IDataSourceConstructor* constructor : ConstructorList(live)) {
+      // An earlier one may have ended it.
+      if (std::ranges::count(live, constructor) != 0) constructor->OnProviderAttached(provider);
     }
   }
 }
@@ -97,8 +104,12 @@ void DataSourceRegistrar::DetachProvider(IDataSourceProvider* provider) {
   std::vector<VtrString> names;
   names.reserve(constructors.size());
   for (const auto& [name, constructor] : constructors) names.push_back(name);
-  for (const auto& name : names) provider->DeleteLocalDataSourceInstance(name);
+  FirstFailure failure;
+  for (const auto& name : names) {
+    failure.Try([&] { provider->DeleteLocalDataSourceInstance(name); });
+  }
   providers.erase(provider);
+  failure.Rethrow();
 }
 
 IDataSourceConstructor* DataSourceRegistrar::FindConstructor(const wchar_t* name) {
@@ -132,9 +143,10 @@ void DataSourceRegistrar::Shutdown() {
 }
 
 void DataSourceRegistrar::EndRoot() {
-  IDataSourceProvider* root = std::exchange(rootProvider, nullptr);
-  IDataSourceProvider::Destroy(root);
-  providers.erase(root);  // it detaches itself from the installed registrar, which may be another
+  IDataSourceProvider::Destroy(rootProvider);
+  // It has detached itself from the installed registrar, which may be another.
+  providers.erase(rootProvider);
+  rootProvider = nullptr;
 }
 
 }  // namespace DataBinding

@@ -45,4 +45,9 @@ VtrString ReflectionAccess::Explain(PropertyError error, IDataSource* source, co
   }
 }
 
+VtrString ReflectionAccess::ExplainGone(const VtrString& name, const runtime_type_base& wanted) {
+  return VtrString().Format(L"Property \"%s\" (wanted type %s) is gone with its data source.", name,
+                            VtrString::FromUtf8(wanted.GetTypeName()));
+}
+
 }  // namespace DataBinding::details

@@ -8,12 +8,17 @@
 namespace DataBinding::details {
 
 PropertyBase::PropertyBase(DataSourceImpl& ownerSource, PropertyName propertyName)
-    : owner(ownerSource), link(VtrString(propertyName.Get())) {}
+    : owner(ownerSource), link(VtrString(propertyName.Get())) {
+  // Made now, so that nothing has to be allocated between a change and its notification.
+  static_cast<void>(DataSourceAccess::Liveness(owner));
+}
 
 PropertyBase::~PropertyBase() {
   DataSourceAccess::Changes(owner).Remove(link);
-  for (PropertyBase* other : dependents) std::erase(other->dependencies, this);
-  for (PropertyBase* other : dependencies) std::erase(other->dependents, this);
+  for (PropertyBase* other : dependents) {
+    if (other != nullptr) std::erase(other->dependencies, this);
+  }
+  for (PropertyBase* other : dependencies) other->ForgetDependent(this);
 }
 
 void PropertyBase::File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
@@ -29,14 +34,43 @@ void PropertyBase::DependOn(std::initializer_list<PropertyBase*> others) {
   }
 }
 
+/// The scope in which a property calls its dependents, which may end each other and the property:
+/// places are emptied meanwhile and closed at the end.
+class PropertyBase::DependentsCalled {
+ public:
+  explicit DependentsCalled(PropertyBase& caller) : property(caller), self(caller.AsWeakPtr()) {
+    ++property.callsToDependents;
+  }
+  DependentsCalled(const DependentsCalled&) = delete;
+  DependentsCalled& operator=(const DependentsCalled&) = delete;
+  ~DependentsCalled() {
+    if (self && --property.callsToDependents == 0) std::erase(property.dependents, nullptr);
+  }
+  [[nodiscard]] PropertyBase* At(std::size_t i) const { return property.dependents[i]; }
+  [[nodiscard]] bool Has(std::size_t i) const { return self && i < property.dependents.size(); }
+
+ private:
+  PropertyBase& property;
+  WeakPtr<PropertyBase> self;
+};
+
+void PropertyBase::ForgetDependent(const PropertyBase* ending) noexcept {
+  if (callsToDependents == 0) {
+    std::erase(dependents, ending);
+  } else {
+    std::ranges::replace(dependents, ending, nullptr);
+  }
+}
+
 void PropertyBase::NotifyChanged() {
   PropertyChanges& changes = DataSourceAccess::Changes(owner);
   if (dependents.empty() && !changes.IsOpen()) return owner.UpdateListeners(Name());
-  const auto self = AsWeakPtr();
   const PropertyBatch batch(owner);
   changes.Add(link);
-  // Those of another source notify at once, and may end this property.
-  for (std::size_t i = 0; self && i < dependents.size(); ++i) dependents[i]->NotifyChanged();
+  const DependentsCalled called(*this);
+  for (std::size_t i = 0; called.Has(i); ++i) {
+    if (PropertyBase* dependent = called.At(i)) dependent->NotifyChanged();
+  }
 }
 
 SetResult PropertyBase::ReadOnlyResult(const runtime_type_base& wanted) const {

@@ -1,9 +1,10 @@
 /// A listener that runs callbacks when named properties of named data sources change, without
 /// holding the sources.
 ///
-/// Add all entries first, then give it a provider: the provider connects it to each wanted source
-/// now or when it appears, and disconnects it when the source goes. One thread, that of the
-/// provider tree; callbacks run on the thread that announces the change.
+/// Add all entries first, then give it a provider: that connects it to each wanted source which it
+/// or an enclosing scope holds, later to those that are added to it (see
+/// IDataSourceProvider::AddDataListener), and disconnects it when a source goes. One thread, that
+/// of the provider tree; callbacks run on the thread that announces the change.
 ///
 ///   CpuView::CpuView() { AddDataListener(L"Cpu", L"Load", [this] { Redraw(); }); }
 ///   ...
@@ -51,8 +52,9 @@ class DATABINDING_API DataListener : public IDataListener {
   /// Adds an entry. It takes effect with the next SetDataSourceProvider. Equal entries each run.
   void AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,
                        const RepeatingCallback<void()>& callback);
+  /// The provider, or null where there is none or it is gone.
   [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept {
-    return dataSourceProvider;
+    return providerLiveness.IsValid() ? dataSourceProvider : nullptr;
   }
 
   void ConnectToDatasource(IDataSource* source) override;
@@ -62,7 +64,10 @@ class DATABINDING_API DataListener : public IDataListener {
 
  private:
   std::vector<DataListenerEntry> listenerEntries;
+  void SetProvider(IDataSourceProvider* newProvider);
+
   IDataSourceProvider* dataSourceProvider = nullptr;
+  details::WeakReference providerLiveness;
 };
 
 }  // namespace DataBinding

@@ -2,7 +2,7 @@
 ///
 /// The name must be that of the sources it builds. A T is constructed from the provider where it
 /// can be, else without arguments, or by a factory. It unregisters at the registrar at which it
-/// registered, which deletes the sources of that name in attached providers.
+/// registered, which must outlive it and deletes the sources of that name in attached providers.
 ///
 ///   const DataSourceConstructor<CpuSource> cpu(L"Cpu", L"root");
 #pragma once
@@ -17,6 +17,7 @@
 #include "DataBinding/IDataSourceRegistrar.h"
 #include "DataBinding/MakeDataSource.h"
 #include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/FirstFailure.h"
 #include "DataBinding/foundation/String.h"
 
 namespace DataBinding {
@@ -42,16 +43,16 @@ class DataSourceConstructor final : public IDataSourceConstructor {
       throw std::invalid_argument("the data source name \"" + name.ToUtf8() +
                                   "\" is empty or already registered");
     }
-    registrar.RegisterDataSource(this);
+    try {
+      registrar.RegisterDataSource(this);
+    } catch (...) {
+      Unregister();
+      throw;
+    }
   }
   DataSourceConstructor(const DataSourceConstructor&) = delete;
   DataSourceConstructor& operator=(const DataSourceConstructor&) = delete;
-  ~DataSourceConstructor() {
-    try {
-      registrar.UnregisterDataSource(this);
-    } catch (...) {  // a source that will not end is its own concern; the name is free again
-    }
-  }
+  ~DataSourceConstructor() { Unregister(); }
 
   void OnRegistered() override {}
   void OnUnregistered() override {}
@@ -64,6 +65,11 @@ class DataSourceConstructor final : public IDataSourceConstructor {
   const wchar_t* GetCategories() override { return categories; }
 
  private:
+  /// A source that will not end is its own concern; the name is free again.
+  void Unregister() noexcept {
+    FirstFailure dropped;
+    dropped.Try([this] { registrar.UnregisterDataSource(this); });
+  }
   static DataSourcePtr<T> Build(IDataSourceProvider* provider) {
     if constexpr (std::constructible_from<T, IDataSourceProvider*>) {
       return MakeDataSource<T>(provider, provider);

@@ -93,7 +93,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   void DisconnectDataListeners(IDataSource* source) override;
 
   IDataSource* BuildDataSource(const wchar_t* name);
-  [[nodiscard]] bool CanBuild(const wchar_t* name) const;
+  [[nodiscard]] bool CanBuild(IDataSourceConstructor* constructor) const;
+  [[nodiscard]] IDataSource* FindLocal(const wchar_t* name) const;
   void ForgetSource(IDataSource* source);
   void FileListener(IDataListener* listener, std::set<VtrString>&& kept);
   void ForgetListener(IDataListener* listener);

@@ -6,10 +6,10 @@
 #pragma once
 
 #include <map>
-#include <set>
 #include <vector>
 
 #include "DataBinding/IDataSourceRegistrar.h"
+#include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {
 
@@ -41,7 +41,8 @@ class DATABINDING_API DataSourceRegistrar final : public IDataSourceRegistrar {
 
   std::map<VtrString, IDataSourceConstructor*, std::less<>> constructors;
   std::map<VtrString, ConstructorList> categoryConstructors;
-  std::set<IDataSourceProvider*> providers;
+  /// The attached providers. One that ended without being detached is passed over.
+  std::map<IDataSourceProvider*, details::WeakReference> providers;
   bool initialized = false;
   IDataSourceProvider* rootProvider = nullptr;
 };

@@ -20,9 +20,9 @@ class DATABINDING_API IDataListener {
   /// The provider is shutting down. Its parent is still set.
   virtual void NotifyDatasourceProviderDestroyed(IDataSourceProvider* provider) = 0;
 
+ protected:
   virtual ~IDataListener();
 
- protected:
   IDataListener() noexcept;
   IDataListener(const IDataListener&) noexcept;
   IDataListener& operator=(const IDataListener&) noexcept;

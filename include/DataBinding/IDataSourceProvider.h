@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -16,6 +17,7 @@
 #include "DataBinding/foundation/Guid.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/VantorGeneric.h"
+#include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {
 
@@ -31,6 +33,8 @@ class DATABINDING_API IDataSourceProvider {
   static void Destroy(IDataSourceProvider* provider);
   /// Typed access to this provider's custom data.
   [[nodiscard]] CustomDataProxy GetCustomData() const noexcept;
+  /// Tells whether the provider is still there, for those that keep a pointer to it.
+  [[nodiscard]] details::WeakReference GetLiveness() const { return liveness.GetRef(); }
 
   /// A new child scope with its own comma-separated categories. The caller owns it.
   [[nodiscard]] virtual IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categories,
@@ -52,6 +56,7 @@ class DATABINDING_API IDataSourceProvider {
   [[nodiscard]] virtual IDataContext* GetDataContext() = 0;
   /// Takes a source over and connects the listeners that wait here for its name. The first source
   /// of a name keeps it; a later one is owned, and connected, but not found by name. Ignores null.
+  /// When a listener throws, the source is taken over all the same; without memory it is not.
   virtual void AddDataSource(IDataSource* source) = 0;
   /// Adds each in order.
   virtual void AddDataSources(IDataSource* const* sources, std::size_t count) = 0;
@@ -60,10 +65,13 @@ class DATABINDING_API IDataSourceProvider {
   virtual void RemoveDataSource(IDataSource* source) = 0;
   /// Removes each in order.
   virtual void RemoveDataSources(IDataSource* const* sources, std::size_t count) = 0;
-  /// Connects a listener to the sources of those names, now or when they appear, here or further
-  /// up. Names that nobody here holds or can build go to the parent, and are kept here too when
-  /// keepUnresolved is true. A listener that is registered already keeps its first names: call
-  /// RemoveDataListener before registering it with others.
+  /// Connects a listener to the sources of those names: now to those that are held here, later to
+  /// those that are added here. Names that are neither held nor can be built here go to the parent,
+  /// which connects those that it holds, keeps those that it can build and drops the rest; they are
+  /// kept here too when keepUnresolved is true. So a source that appears later is heard of in the
+  /// scope asked, or where an outer scope could build it when the listener was added. A listener
+  /// that is registered already keeps its first names: call RemoveDataListener before registering
+  /// it with others.
   virtual void AddDataListener(IDataListener* listener, const std::set<VtrString>& names,
                                bool keepUnresolved) = 0;
   /// Disconnects a listener here and in all enclosing scopes.
@@ -77,7 +85,9 @@ class DATABINDING_API IDataSourceProvider {
   [[nodiscard]] virtual std::vector<VtrString> GetRegisteredDataSources() const = 0;
   /// True when the comma-separated list shares a category with this provider's own.
   [[nodiscard]] virtual bool MatchCategory(const wchar_t* categoryList) const = 0;
-  /// Ends the sources, leaves the tree and tells the listeners. The provider may be used again.
+  /// Disconnects and ends the sources, last one first, tells the listeners, leaves the tree and
+  /// makes the children roots. Completes although one of them throws, then throws the first
+  /// exception. The provider may be used again.
   virtual void Shutdown() = 0;
 
  private:
@@ -98,6 +108,15 @@ class DATABINDING_API IDataSourceProvider {
   virtual void RemoveChild(IDataSourceProvider* child) = 0;
   virtual void GetCombinedCategoryList(std::vector<VtrString>& out) const = 0;
   virtual void DisconnectDataListeners(IDataSource* source) = 0;
+
+  details::WeakReferenceOwner liveness;
 };
+
+/// Ends a provider by IDataSourceProvider::Destroy.
+struct DATABINDING_API DataSourceProviderDeleter {
+  void operator()(IDataSourceProvider* provider) const { IDataSourceProvider::Destroy(provider); }
+};
+/// Owns a scope that somebody has created.
+using DataSourceProviderPtr = std::unique_ptr<IDataSourceProvider, DataSourceProviderDeleter>;
 
 }  // namespace DataBinding

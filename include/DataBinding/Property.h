@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "DataBinding/PropertyBase.h"
+#include "DataBinding/foundation/Cancellation.h"
 
 namespace DataBinding {
 
@@ -74,14 +75,13 @@ class StoredProperty : public TypedProperty<T, Filed> {
     return Store(std::move(wanted));
   }
   /// Notifies also when the hook throws, and not when it ends the property.
-  void RunHookAndNotify(const T& before) {
+  DATABINDING_CATCHES_CANCELLATION void RunHookAndNotify(const T& before) {
     const auto self = this->AsWeakPtr();
     std::exception_ptr failure;
     try {
       options.changed(before, value);
-    } catch (...) {
-      failure = std::current_exception();
     }
+    DATABINDING_PASS_CANCELLATION catch (...) { failure = std::current_exception(); }
     if (self) this->NotifyChanged();
     if (failure != nullptr) std::rethrow_exception(failure);
   }

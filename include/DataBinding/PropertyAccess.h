@@ -5,9 +5,9 @@
 /// read-only properties of the same value type; there are no conversions between types. Nothing is
 /// allocated where nothing fails, beyond what copying the value takes.
 ///
-///   if (const auto load = GetProperty<double>(provider.GetDataSource(L"Cpu"), L"Load"))
-///   Show(*load); const SetResult set = SetProperty(source, L"Target", 22.0); if
-///   (!set.IsAccepted()) Complain(set.text);
+///   if (const auto load = GetProperty<double>(source, L"Load")) Show(*load);
+///   SetResult set = SetProperty(source, L"Target", 22.0);
+///   if (!set.IsAccepted()) Complain(set.text);
 #pragma once
 
 #include <exception>
@@ -38,6 +38,9 @@ class DATABINDING_API ReflectionAccess {
   /// The text for an error of that look-up.
   [[nodiscard]] static VtrString Explain(PropertyError error, IDataSource* source,
                                          const VtrString& name, const runtime_type_base& wanted);
+  /// The text for a property whose source is gone, or going.
+  [[nodiscard]] static VtrString ExplainGone(const VtrString& name,
+                                             const runtime_type_base& wanted);
   /// The source's name for a message; empty while its destruction handlers run.
   [[nodiscard]] static VtrString NameOf(IDataSource& source) {
     return source.reflectable.IsEnding() ? VtrString() : VtrString(source.GetDataSourceName());
@@ -54,7 +57,7 @@ class DATABINDING_API ReflectionAccess {
 template <class T>
 class PropertyRef {
  public:
-  PropertyRef(IDataSource* source, const VtrString& name) {
+  PropertyRef(IDataSource* source, const VtrString& propertyName) : name(propertyName) {
     const auto& wanted = runtime_type<T>::Get();
     auto found =
         details::ReflectionAccess::Find(source, name, wanted, runtime_type<const T>::Get());
@@ -76,17 +79,22 @@ class PropertyRef {
   [[nodiscard]] PropertyValue<T> Get() const {
     if (error != PropertyError::None) return {{}, error, text};
     const auto* access = accessor();
-    if (access == nullptr) return {{}, PropertyError::Absent, L"The property is gone."};
+    if (access == nullptr) return {{}, PropertyError::Absent, GoneText()};
     return {access->GetValue(), PropertyError::None, {}};
   }
   SetResult Set(T value) const {
     if (error != PropertyError::None) return {false, error, text};
     auto* access = accessor();
-    if (access == nullptr) return {false, PropertyError::Absent, L"The property is gone."};
+    if (access == nullptr) return {false, PropertyError::Absent, GoneText()};
     return access->SetValue(std::move(value));
   }
 
  private:
+  [[nodiscard]] VtrString GoneText() const {
+    return details::ReflectionAccess::ExplainGone(name, runtime_type<T>::Get());
+  }
+
+  VtrString name;
   details::PropertyAccessor<T> accessor;
   PropertyError error = PropertyError::None;
   bool isReadOnly = false;
@@ -106,6 +114,11 @@ template <class T>
 template <class T>
 SetResult SetProperty(IDataSource* source, const VtrString& name, T value) {
   return FindProperty<T>(source, name).Set(std::move(value));
+}
+
+/// A literal sets a property of type VtrString.
+inline SetResult SetProperty(IDataSource* source, const VtrString& name, const wchar_t* text) {
+  return SetProperty<VtrString>(source, name, text);
 }
 
 /// Calls visit(value) with the property's value if its type is one of those listed, and tells

@@ -64,11 +64,16 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase> {
 
  private:
   friend DataSourceAccess;
+  class DependentsCalled;
+
+  void ForgetDependent(const PropertyBase* ending) noexcept;
 
   DataSourceImpl& owner;
   PropertyLink link;
+  /// Those that are computed from this one; null where one ended while they are called.
   std::vector<PropertyBase*> dependents;
   std::vector<PropertyBase*> dependencies;
+  int callsToDependents = 0;
 };
 
 /// Files a property under its name. Filed is `const T` for one that only its source may set.

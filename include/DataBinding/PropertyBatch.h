@@ -21,12 +21,16 @@ class DATABINDING_API PropertyBatch {
   [[nodiscard]] explicit PropertyBatch(DataSourceImpl& changingSource);
   PropertyBatch(const PropertyBatch&) = delete;
   PropertyBatch& operator=(const PropertyBatch&) = delete;
-  /// Notifies. Should there be no memory for a first notification, the rest is dropped.
-  ~PropertyBatch();
+  /// Notifies. What an overridden UpdateListeners throws, or a thread's cancellation, goes through,
+  /// unless an exception ends the scope; what was not notified then is, by the next batch.
+  ~PropertyBatch() noexcept(false);
 
  private:
+  void Notify();
+
   DataSourceImpl& source;
   details::WeakReference liveness;
+  int uncaughtBefore;
 };
 
 }  // namespace DataBinding

@@ -24,6 +24,9 @@ class PropertyName {
   consteval PropertyName(const wchar_t (&literal)[Size]) : text(literal, Size - 1) {
     Check(text);
   }
+  template <class Pointer>
+  requires std::same_as<Pointer, const wchar_t*> || std::same_as<Pointer, wchar_t*>
+  explicit PropertyName(Pointer name) : text(VtrStringView(name)) { Check(text); }
   explicit PropertyName(const VtrString& name) : text(name) { Check(text); }
   explicit PropertyName(std::wstring_view name) : text(name) { Check(text); }
 

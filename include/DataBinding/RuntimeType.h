@@ -6,6 +6,8 @@
 /// module is unloaded; hold no descriptor of a plug-in longer than the plug-in.
 #pragma once
 
+#include <cstddef>
+#include <new>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
@@ -48,8 +50,13 @@ class runtime_type : public runtime_type_base {
   [[nodiscard]] bool IsFunction() const override { return std::is_function_v<T>; }
   [[nodiscard]] const runtime_type_base& Instance() const override { return Get(); }
 
-  [[nodiscard]] static const runtime_type& Get() {
-    static const runtime_type instance;
+  [[nodiscard]] static const runtime_type& Get() { return Everlasting(); }
+
+ private:
+  /// The instance is never destroyed: sources that end while the process does still ask for it.
+  static const runtime_type& Everlasting() {
+    alignas(runtime_type) static std::byte place[sizeof(runtime_type)];
+    static const runtime_type& instance = *::new (static_cast<void*>(place)) runtime_type;
     return instance;
   }
 };

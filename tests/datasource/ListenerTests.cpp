@@ -67,6 +67,17 @@ TEST_F(Listeners, ConnectingAgainRegistersEachEntryOnce) {
   EXPECT_EQ(Heard(source), "");
 }
 
+TEST_F(Listeners, MayOutliveTheProvidersThatTheyFallBackTo) {
+  view->Want(L"Doc", L"Size");
+  Add(child, L"Doc");
+  view->SetDataSourceProvider(child.get());
+  child.reset();
+  EXPECT_EQ(view->GetDataSourceProvider(), parent.get());
+  parent.reset();
+  EXPECT_EQ(view->GetDataSourceProvider(), nullptr);
+  view.reset();
+}
+
 TEST_F(Listeners, IgnoreANullSource) {
   view->Want(nullptr, L"Size");
   view->ConnectToDatasource(nullptr);

@@ -58,8 +58,9 @@ TEST_F(Sources, MayBeEndedByAListenerWhichDropsTheRestOfTheList) {
     });
     Listen(L"Alpha");
     Listen(L"Size");
-    SetListenerFailureHandler(
-        [this](const ListenerFailure& failure) { log += "!" + failure.property.ToUtf8() + " "; });
+    SetListenerFailureHandler([this](const ListenerFailure& failure) {
+      log.append("!").append(failure.property.ToUtf8()).append(" ");
+    });
     source->UpdateListeners(names);
     SetListenerFailureHandler(nullptr);
     EXPECT_EQ(std::exchange(log, {}), "Alpha ~Doc !Alpha Alpha ") << VtrString(names).ToUtf8();

@@ -22,6 +22,7 @@ std::atomic<int> allocations{0};
 }  // namespace
 
 // Every allocation of this executable and of the library is counted.
+// NOLINTBEGIN(cppcoreguidelines-no-malloc)
 void* operator new(std::size_t size) {
   ++allocations;
   if (void* memory = std::malloc(size)) return memory;
@@ -29,6 +30,7 @@ void* operator new(std::size_t size) {
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+// NOLINTEND(cppcoreguidelines-no-malloc)
 
 namespace DataBinding {
 namespace {
@@ -135,10 +137,10 @@ TEST(Callbacks, CopiesAndMementosShareOneCallableOfTheirSignature) {
   EXPECT_FALSE(other || same);
 }
 
-template <std::size_t words>
+template <std::size_t Words>
 void MoveAndCallSafeFunction() {
   const auto witness = std::make_shared<int>(1);
-  using Function = basic_safe_function<int(std::unique_ptr<int>), words>;
+  using Function = basic_safe_function<int(std::unique_ptr<int>), Words>;
   Function first = [witness](std::unique_ptr<int> value) { return *value + *witness; };
   Function second = std::move(first);
   EXPECT_EQ(first(std::make_unique<int>(1)), 0);

@@ -65,7 +65,7 @@ class Events : public ::testing::Test {
   void Listen(
       char letter, const std::function<void()>& act = [] {}) {
     subscriptions.push_back(event->Subscribe([this, letter, act](const int& value) {
-      log += letter + std::to_string(value);
+      (log += letter) += std::to_string(value);
       act();
     }));
   }
@@ -133,9 +133,9 @@ struct SharedTraits {
   static void Destroy(const Shared* object);
 };
 struct Shared : RefCounted<Shared, SharedTraits> {
-  bool ended = false;
+  mutable bool ended = false;
 };
-void SharedTraits::Destroy(const Shared* object) { const_cast<Shared*>(object)->ended = true; }
+void SharedTraits::Destroy(const Shared* object) { object->ended = true; }
 
 TEST(ComlikePointers, DestroyTheObjectWithTheLastReference) {
   Shared object;
@@ -192,6 +192,7 @@ TEST(ThreadLocks, WritersExcludeEverybodyAndReadersHoldTogether) {
   };
   {
     std::vector<std::jthread> threads;
+    threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread) threads.emplace_back(work);
   }
   EXPECT_EQ(counts, (std::array<int, 2>{8000, 8000}));

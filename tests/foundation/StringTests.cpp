@@ -115,7 +115,7 @@ TEST(Strings, SplitTrimsBlanksAndDropsEmptyPieces) {
   const auto split = [](const wchar_t* text, bool keepEmpty, bool trimBlanks) {
     std::string joined;
     for (const auto& piece : String::Split(text, L',', keepEmpty, trimBlanks)) {
-      joined += "[" + piece.ToUtf8() + "]";
+      joined.append("[").append(piece.ToUtf8()).append("]");
     }
     return joined;
   };

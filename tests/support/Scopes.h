@@ -18,7 +18,7 @@ namespace DataBinding::Testing {
 /// The texts, one blank between them.
 inline std::string Joined(const std::vector<VtrString>& texts) {
   std::string joined;
-  for (const auto& text : texts) joined += (joined.empty() ? "" : " ") + text.ToUtf8();
+  for (const auto& text : texts) joined.append(joined.empty() ? "" : " ").append(text.ToUtf8());
   return joined;
 }
 
@@ -34,7 +34,9 @@ class LoggedSource : public NamedDataSource {
   std::function<void()> onPreDestroy;
 
  protected:
-  ~LoggedSource() override { log += "~" + VtrString(GetDataSourceName()).ToUtf8() + " "; }
+  ~LoggedSource() override {
+    log.append("~").append(VtrString(GetDataSourceName()).ToUtf8()).append(" ");
+  }
 
  private:
   std::string& log;
@@ -44,14 +46,12 @@ class LoggedSource : public NamedDataSource {
 class LoggedListener : public IDataListener {
  public:
   explicit LoggedListener(std::string& notes) : log(notes) {}
-  void ConnectToDatasource(IDataSource* source) override {
-    Note("+" + VtrString(source->GetDataSourceName()).ToUtf8());
-  }
+  void ConnectToDatasource(IDataSource* source) override { Note("+", source->GetDataSourceName()); }
   void DisconnectFromDatasource(IDataSource* source) override {
-    Note("-" + VtrString(source->GetDataSourceName()).ToUtf8());
+    Note("-", source->GetDataSourceName());
   }
   void NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) override {
-    Note("gone");
+    Note("gone", L"");
   }
 
   std::function<void(const std::string& note)> hook;
@@ -60,7 +60,8 @@ class LoggedListener : public IDataListener {
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
 
  private:
-  void Note(const std::string& note) {
+  void Note(std::string note, const VtrString& name) {
+    note += name.ToUtf8();
     log += note + " ";
     if (const auto run = hook) run(note);
   }

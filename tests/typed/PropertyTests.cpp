@@ -164,6 +164,29 @@ TEST_F(PropertyTest, ComputedPropertyFollowsThoseOfOtherSources) {
   box.reset();
 }
 
+TEST_F(PropertyTest, DependentThatEndsAnotherLeavesTheRestToBeNotified) {
+  class Copy : public NamedDataSource {
+   public:
+    explicit Copy(Box& box)
+        : NamedDataSource(L"Copy"),
+          Value(
+              this, L"Value", [&box] { return *box.Height; }, box.Height) {}
+    ComputedProperty<int> Value;
+  };
+  std::vector<DataSourcePtr<Copy>> copies;
+  for (int i = 0; i < 4; ++i) {
+    copies.push_back(MakeDataSource<Copy>(nullptr, *box));
+    subscriptions.push_back(copies.back()->Register(
+        [&, i] {
+          log += static_cast<char>('0' + i);
+          if (i == 1) copies[0].reset(), copies[1].reset();
+        },
+        L"Value"));
+  }
+  box->Height.Set(4);
+  EXPECT_EQ(log, "0123");
+}
+
 TEST_F(PropertyTest, HookHearsOldAndNewValueAndItsExceptionArrivesAfterTheListeners) {
   std::string heard;
   class Dial : public NamedDataSource {

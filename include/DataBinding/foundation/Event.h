@@ -12,6 +12,7 @@
 
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/Cancellation.h"
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
@@ -32,6 +33,7 @@ class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
   [[nodiscard]] std::set<unsigned long long> GetListenerTokensCopy() const;
   /// The memento of a token that is still subscribed, else an empty one.
   [[nodiscard]] RepeatingCallbackMemento GetListener(unsigned long long token) const;
+  [[nodiscard]] bool HasListeners() const noexcept { return !listeners.empty(); }
   [[nodiscard]] WeakPtr<EventBase> GetWeakPtr() { return AsWeakPtr(); }
 
  private:
@@ -64,7 +66,8 @@ class Event<void(Args...)> : public EventBase {
   /// Raises the event; what a callback throws goes to `failed`, called within the catch block, and
   /// the next one runs.
   template <class Failed>
-  void RaiseEach(Failed failed, const Args&... args) {
+  DATABINDING_CATCHES_CANCELLATION void RaiseEach(Failed failed, const Args&... args) {
+    if (!HasListeners()) return;
     const auto self = GetWeakPtr();
     for (const auto token : GetListenerTokensCopy()) {
       if (!self) return;
@@ -72,9 +75,8 @@ class Event<void(Args...)> : public EventBase {
       callback.SetMemento(GetListener(token));
       try {
         callback(args...);
-      } catch (...) {
-        failed();
       }
+      DATABINDING_PASS_CANCELLATION catch (...) { failed(); }
     }
   }
 };

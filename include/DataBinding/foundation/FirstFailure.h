@@ -1,20 +1,31 @@
 /// Runs the steps of a tear-down to the end, whatever they throw, and keeps the first exception.
+///
+/// Allocates nothing of its own. Owns the exception that it keeps. For one thread.
+///
+///   FirstFailure failure;
+///   for (auto& part : parts) failure.Try([&] { part.End(); });
+///   failure.Rethrow();
 #pragma once
 
 #include <exception>
 
-namespace DataBinding::details {
+#include "DataBinding/foundation/Cancellation.h"
+
+namespace VtrUtils {
 
 class FirstFailure {
  public:
+  /// Runs a step. A thread's cancellation goes through.
   template <class Step>
-  void Try(Step step) {
+  DATABINDING_CATCHES_CANCELLATION void Try(Step step) {
     try {
       step();
-    } catch (...) {
+    }
+    DATABINDING_PASS_CANCELLATION catch (...) {
       if (first == nullptr) first = std::current_exception();
     }
   }
+  /// Throws what the first step that failed threw; does nothing when none failed.
   void Rethrow() const {
     if (first != nullptr) std::rethrow_exception(first);
   }
@@ -23,4 +34,8 @@ class FirstFailure {
   std::exception_ptr first;
 };
 
-}  // namespace DataBinding::details
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::FirstFailure;
+}  // namespace DataBinding

@@ -35,7 +35,7 @@ class Singleton {
     if (instance == nullptr) throw std::bad_alloc();
     return *instance;
   }
-  /// True when there is an instance. Never creates one and takes no lock.
+  /// True when there is an instance. Never creates one, and waits for no creation or release.
   [[nodiscard]] static bool HasInstance() {
     const SingletonData* data = GetSingletonData(false);
     return data != nullptr && data->instance.load(std::memory_order_acquire) != nullptr;
