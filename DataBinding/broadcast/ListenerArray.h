@@ -45,9 +45,9 @@ class ListenerArray {
   [[nodiscard]] const VtrString& Property() const noexcept { return property; }
   [[nodiscard]] const Listener* Listeners() const noexcept { return listeners; }
   [[nodiscard]] const ListenerMark* Marks() const noexcept { return marks; }
-  /// Runs the listeners from `*next` to `end`, counting on before each: by the loop of the module
-  /// that all of them come from, else by the library's own.
-  void Run(std::uint32_t* next, std::uint32_t end) const { loop(listeners, next, end); }
+  /// What runs the listeners: the loop of the module that all of them come from, else the
+  /// library's.
+  [[nodiscard]] BindStateBase::CallLoop Loop() const noexcept { return loop; }
   /// How many positions are in use, holes included.
   [[nodiscard]] std::uint32_t Count() const noexcept { return count; }
   /// How many listeners are registered.

@@ -52,6 +52,7 @@ class Broadcast {
  public:
   /// The caller holds the registry's lock.
   void Begin(ListenerArray& array, WListenersImpl& registry, ReaderRecord* record) noexcept {
+    loop = array.Loop();
     count = array.Count();
     lastRemoval = array.LastRemoval();
     skipsRemoved = array.HasRemoved();
@@ -67,7 +68,7 @@ class Broadcast {
   /// Both steps move on before they call out: a listener that throws or faults counts as done.
   static void Step(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
-    self.pin.Get()->Run(&self.next, self.count);
+    self.loop(self.pin.Get()->Listeners(), &self.next, self.count);
   }
   static void StepOverRemoved(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
@@ -80,6 +81,7 @@ class Broadcast {
   }
 
   ListenerPin pin;
+  BindStateBase::CallLoop loop = nullptr;
   std::uint32_t count = 0;
   std::uint32_t next = 0;
   std::uint64_t lastRemoval = 0;

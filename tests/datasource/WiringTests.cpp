@@ -85,13 +85,13 @@ TEST_F(Wiring, EntryOfADeadListenerIsDroppedAndItsAddressMayBeUsedAgain) {
   listener.emplace(log);
   Add(child, L"Doc");
   child->AddDataListener(&*listener, {L"Art"}, true);
-  Add(child, L"Map");
-  EXPECT_EQ(Notes(), "");
-  Add(child, L"Art");
-  EXPECT_EQ(Notes(), "+Art");
+  listener.emplace(log);
+  child->AddDataListener(&*listener, {L"New"}, true);
+  for (const auto* name : {L"Map", L"Art", L"New"}) Add(child, name);
+  EXPECT_EQ(Notes(), "+New");
   listener.reset();
   child->Shutdown();
-  EXPECT_EQ(Notes(), "~Art ~Map ~Doc");
+  EXPECT_EQ(Notes(), "~New ~Art ~Map ~Doc");
 }
 
 TEST_F(Wiring, SourceIsTakenOverAlthoughAListenerThrows) {

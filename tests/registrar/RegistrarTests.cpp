@@ -79,24 +79,27 @@ TEST_F(Registrar, UnregisteringDeletesTheSourcesOfProvidersThatAreStillAttached)
 }
 
 TEST_F(Registrar, ConstructorsMayRegisterUnregisterAndEndDuringTheWalks) {
+  std::vector<LoggedConstructor*> brief;
   LoggedConstructor map(log, "map", L"Map", L"A");
   doc.onAttached = [&] { registrar.RegisterDataSource(&map); };
   registrar.RegisterDataSource(&doc);
+  for (const auto* name : {L"Brief", L"Late"}) {
+    auto* made = brief.emplace_back(new LoggedConstructor(log, "brief", name, L"A"));
+    made->onUnregistered = [made] { delete made; };
+    registrar.RegisterDataSource(made);
+  }
   registrar.AttachProvider(parent.get());
   EXPECT_EQ(registrar.FindConstructor(L"Map"), &map);
-  auto* brief = new LoggedConstructor(log, "brief", L"Brief", L"A");
-  brief->onUnregistered = [brief] { delete brief; };
-  registrar.RegisterDataSource(brief);
-  auto* late = new LoggedConstructor(log, "late", L"Late", L"A");
-  late->onUnregistered = [late] { delete late; };
-  registrar.RegisterDataSource(late);
   for (const auto* name : {L"Brief", L"Late"}) parent->GetDataSource(name);
   static_cast<LoggedSource*>(parent->GetDataSource(L"Doc"))->onPreDestroy = [&] {
-    for (auto* ended : {brief, late, &doc}) registrar.UnregisterDataSource(ended);
+    for (auto* ended : {brief[0], brief[1], &doc}) registrar.UnregisterDataSource(ended);
   };
+  map.onAttached = [&] { registrar.DetachProvider(parent.get()); };
   log.clear();
-  registrar.DetachProvider(parent.get());
-  EXPECT_EQ(Notes(), "~Brief brief:unregistered late:unregistered ~Late doc:unregistered ~Doc");
+  registrar.RegisterDataSource(&map);
+  EXPECT_EQ(
+      Notes(),
+      "map:attached ~Brief brief:unregistered brief:unregistered ~Late doc:unregistered ~Doc");
   EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({})), "Map");
 }
 
