@@ -3,9 +3,9 @@
 /// A key pairs an identifier with the type of its value. Values are not owned and are looked up
 /// through the enclosing scopes; see IDataSourceProvider::SetCustomData and GetCustomData.
 ///
-///   constexpr CustomDataKey<Theme> themeKey{{0x2f3c1a90, 0x11d2, 0x4b7e, {1, 2, 3, 4, 5, 6, 7,
-///   8}}}; provider.GetCustomData().Set(themeKey, &theme); Theme* inherited =
-///   child.GetCustomData().Get(themeKey);
+///   constexpr CustomDataKey<Theme> themeKey{Guid{0x2f3c1a90, 0x11d2, 0x4b7e, {1, 2}}};
+///   provider.GetCustomData().Set(themeKey, &theme);
+///   Theme* inherited = child.GetCustomData().Get(themeKey);
 #pragma once
 
 #include "DataBinding/Export.h"

@@ -1,15 +1,11 @@
 /// The provider that the library itself builds: see IDataSourceProvider for what it does.
 ///
-/// Re-entrancy: a listener must not add or remove listeners or sources of a provider from inside
-/// that provider's call to its ConnectToDatasource or DisconnectFromDatasource; debug builds assert
-/// it. A listener may end there, itself or another one: it is then not called any more.
-///
-/// Entries of listeners know whether their listener lives, so one that was left behind (the
-/// listener moved to another provider, or a scope between them was shut down) is dropped silently.
-///
-/// Copies are plain member-wise copies, deliberately: they tell nobody, are no child of their
-/// parent, and name the same sources, which both would end. Copy only a provider without sources,
-/// children and listeners, as a template for another.
+/// Re-entrancy: from inside its ConnectToDatasource or DisconnectFromDatasource a listener must not
+/// add or remove listeners or sources of the provider that calls it, nor look up a name that this
+/// provider would have to build; debug builds assert it. A listener may end there, itself or
+/// another one: it is then not called any more. Entries of listeners know whether their listener
+/// lives, so one that was left behind (the listener moved to another provider, or a scope between
+/// them was shut down) is dropped silently. One thread.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +18,9 @@
 
 namespace DataBinding {
 
+/// Copies are plain member-wise copies, deliberately: they tell nobody, are no child of their
+/// parent, and name the same sources, which both would end. Copy only a root without sources,
+/// children and listeners, as a template for another.
 class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
  public:
   /// A scope below the parent, or a root for null. Null categories are none. The registrar is not
@@ -65,12 +64,15 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// that are removed meanwhile are skipped, those that are added meanwhile are not visited.
   template <class Visitor>
   void VisitDataSources(Visitor&& visit) const {
-    for (const auto& [number, source] : std::map(addedSources)) {
-      if (addedSources.contains(number)) visit(*source);
+    const std::uint64_t last = lastAddition;
+    for (auto next = addedSources.begin(); next != addedSources.end() && next->first <= last;) {
+      const std::uint64_t number = next->first;
+      visit(*next->second);
+      next = addedSources.upper_bound(number);
     }
   }
   /// Calls visit(IDataSourceProvider&) for the child scopes, in no meaningful order. Those that
-  /// leave meanwhile are skipped.
+  /// leave meanwhile are skipped. To go deeper, dynamic_cast a child to DataSourceProvider.
   template <class Visitor>
   void VisitChildren(Visitor&& visit) const {
     for (IDataSourceProvider* child : std::set(children)) {

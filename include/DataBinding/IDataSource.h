@@ -23,10 +23,10 @@ struct DATABINDING_API IDataSource : public IVantorGeneric,
 
   /// Runs PreDestroy, then destroys the source. Does nothing for null.
   ///
-  /// When PreDestroy throws, the source stays alive and its owner keeps it. An exception derived
-  /// from std::exception then arrives as a plain std::exception, deliberately: its type may belong
-  /// to a module that is going away. What a destruction handler throws arrives once the source is
-  /// gone.
+  /// When PreDestroy throws, the source stays alive, and its provider has let go of it already. An
+  /// exception derived from std::exception then arrives as a plain std::exception, deliberately:
+  /// its type may belong to a module that is going away. What a destruction handler throws arrives
+  /// once the source is gone.
   static void Destroy(IDataSource* source);
 
  protected:

@@ -19,9 +19,10 @@ class DATABINDING_API IDataSourceConstructor {
   virtual ~IDataSourceConstructor();
 
  public:
-  /// Called once when the constructor is filed under its name.
+  /// Called once when the constructor is filed under its name. It must not end here.
   virtual void OnRegistered() = 0;
-  /// Called once when the constructor is taken off its name. It may delete itself here.
+  /// Called once when the constructor is taken off its name. It may delete itself here,
+  /// if its destructor does not unregister it once more.
   virtual void OnUnregistered() = 0;
   /// The name of the sources that it builds.
   virtual const wchar_t* GetName() = 0;

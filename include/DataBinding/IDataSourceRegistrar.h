@@ -24,6 +24,8 @@ class DATABINDING_API IDataSourceRegistrar {
   /// constructor of a taken name is not filed, but deliberately offered and listed all the same.
   virtual void RegisterDataSource(IDataSourceConstructor* constructor) = 0;
   /// Takes the constructor's name off, and deletes the sources of that name in attached providers.
+  /// What is filed under the name is unregistered, even if it is another constructor; a second
+  /// constructor of one name is therefore to end after the first.
   virtual void UnregisterDataSource(IDataSourceConstructor* constructor) = 0;
   /// The root provider between Initialize and Shutdown, else null.
   virtual IDataSourceProvider* GetRootProvider() = 0;

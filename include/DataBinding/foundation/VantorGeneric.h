@@ -3,7 +3,7 @@
 ///
 /// FindInterfaceByIID answers false and leaves the pointer alone unless the object has the
 /// interface; nothing is counted, nothing is owned. A class gets an identifier by specialising
-/// interfaceId.
+/// InterfaceId.
 ///
 ///   IDataSource* source = provider.GetDataSourceInterface(L"Cpu").As<IDataSource>();
 #pragma once
