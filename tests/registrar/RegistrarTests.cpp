@@ -78,29 +78,41 @@ TEST_F(Registrar, UnregisteringDeletesTheSourcesOfProvidersThatAreStillAttached)
   EXPECT_NE(unattached->GetLocalDataSourceInstance(L"Doc"), nullptr);
 }
 
-TEST_F(Registrar, ConstructorsMayRegisterUnregisterAndEndDuringTheWalks) {
-  std::vector<LoggedConstructor*> brief;
-  LoggedConstructor map(log, "map", L"Map", L"A");
-  doc.onAttached = [&] { registrar.RegisterDataSource(&map); };
-  registrar.RegisterDataSource(&doc);
-  for (const auto* name : {L"Brief", L"Late"}) {
-    auto* made = brief.emplace_back(new LoggedConstructor(log, "brief", name, L"A"));
-    made->onUnregistered = [made] { delete made; };
-    registrar.RegisterDataSource(made);
-  }
-  registrar.AttachProvider(parent.get());
-  EXPECT_EQ(registrar.FindConstructor(L"Map"), &map);
-  for (const auto* name : {L"Brief", L"Late"}) parent->GetDataSource(name);
-  static_cast<LoggedSource*>(parent->GetDataSource(L"Doc"))->onPreDestroy = [&] {
-    for (auto* ended : {brief[0], brief[1], &doc}) registrar.UnregisterDataSource(ended);
+TEST_F(Registrar, ConstructorsMayRegisterAndEndWhileAProviderIsAttached) {
+  LoggedConstructor map(log, "map", L"Map", L"A", 1);
+  auto* brief = new LoggedConstructor(log, "brief", L"Brief", L"A");
+  brief->onUnregistered = [brief] { delete brief; };
+  doc.onAttached = [&] {
+    registrar.RegisterDataSource(&map);
+    if (brief != nullptr) registrar.UnregisterDataSource(std::exchange(brief, nullptr));
   };
-  map.onAttached = [&] { registrar.DetachProvider(parent.get()); };
+  registrar.RegisterDataSource(&doc);
+  registrar.RegisterDataSource(brief);
   log.clear();
-  registrar.RegisterDataSource(&map);
+  registrar.AttachProvider(parent.get());
   EXPECT_EQ(
       Notes(),
-      "map:attached ~Brief brief:unregistered brief:unregistered ~Late doc:unregistered ~Doc");
-  EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({})), "Map");
+      "doc:attached map:registered map:attached brief:unregistered doc:attached map:attached");
+  EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({})), "Doc Map");
+}
+
+TEST_F(Registrar, ProvidersMayBeDetachedAndNamesUnregisteredWhileAConstructorIsOffered) {
+  LoggedConstructor map(log, "map", L"Map", L"A,C");
+  LoggedConstructor art(log, "art", L"Art", L"A");
+  for (auto* constructor : {&doc, &art}) registrar.RegisterDataSource(constructor);
+  for (auto* provider : {parent.get(), child.get()}) registrar.AttachProvider(provider);
+  for (const auto* name : {L"Doc", L"Map"}) Add(parent, name);
+  static_cast<LoggedSource*>(parent->GetDataSource(L"Art"))->onPreDestroy = [&] {
+    for (auto* ended : {&map, &doc, &art}) registrar.UnregisterDataSource(ended);
+  };
+  map.onAttached = [&] {
+    for (auto* provider : {parent.get(), child.get()}) registrar.DetachProvider(provider);
+  };
+  log.clear();
+  registrar.RegisterDataSource(&map);
+  EXPECT_EQ(Notes(),
+            "map:registered map:attached map:unregistered ~Map doc:unregistered ~Doc "
+            "art:unregistered ~Art map:attached");
 }
 
 TEST_F(Registrar, MakesAndEndsTheRootProvider) {

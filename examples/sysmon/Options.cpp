@@ -1,0 +1,74 @@
+#include "Options.h"
+
+#include <getopt.h>
+
+#include <charconv>
+#include <string>
+#include <string_view>
+
+namespace Sysmon {
+
+const char usageText[] =
+    R"(usage: sysmon [options]
+
+Shows what this machine is doing. On a terminal it is a live table; elsewhere it
+prints frames of plain text.
+
+  --interval MS   time between two samples, 50 to 3600000 milliseconds (1000)
+  --frames N      end after N frames
+  --json          take two samples, one interval apart, print them as JSON, and end
+  --help          print this text
+
+keys: arrows, PgUp, PgDn, Home, End  move       c m p n  sort by cpu, memory, pid, name
+      Enter  open a process                     r        reverse the order
+      Esc    close it                           q        quit
+)";
+
+namespace {
+
+std::uint64_t ParseNumber(std::string_view option, std::string_view text, std::uint64_t least,
+                          std::uint64_t most) {
+  std::uint64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && stop == end && number >= least && number <= most) return number;
+  throw UsageError(std::string(option) + " needs a whole number from " + std::to_string(least) +
+                   " to " + std::to_string(most));
+}
+
+constexpr option known[] = {{"interval", required_argument, nullptr, 'i'},
+                            {"frames", required_argument, nullptr, 'f'},
+                            {"json", no_argument, nullptr, 'j'},
+                            {"help", no_argument, nullptr, 'h'},
+                            {nullptr, 0, nullptr, 0}};
+
+}  // namespace
+
+Options ParseOptions(int count, char** arguments) {
+  Options options;
+  opterr = 0;  // what is wrong is told by the exception
+  for (int letter = 0; (letter = getopt_long(count, arguments, "+:h", known, nullptr)) != -1;) {
+    switch (letter) {
+      case 'i':
+        options.interval =
+            std::chrono::milliseconds(ParseNumber("--interval", optarg, 50, 3'600'000));
+        break;
+      case 'f':
+        options.frames = ParseNumber("--frames", optarg, 1, 1'000'000'000);
+        break;
+      case 'j':
+        options.isJson = true;
+        break;
+      case 'h':
+        options.isHelp = true;
+        break;
+      default:
+        throw UsageError(std::string("unknown or incomplete option '") + arguments[optind - 1] +
+                         "'");
+    }
+  }
+  if (optind < count) throw UsageError(std::string("unknown argument '") + arguments[optind] + "'");
+  return options;
+}
+
+}  // namespace Sysmon

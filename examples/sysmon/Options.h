@@ -1,0 +1,28 @@
+/// The command line.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <stdexcept>
+
+namespace Sysmon {
+
+struct Options {
+  std::chrono::milliseconds interval{1000};
+  std::uint64_t frames = 0;  ///< 0 for no end
+  bool isJson = false;
+  bool isHelp = false;
+};
+
+/// What is wrong with a command line.
+class UsageError : public std::runtime_error {
+ public:
+  using runtime_error::runtime_error;
+};
+
+extern const char usageText[];
+
+/// Throws UsageError.
+[[nodiscard]] Options ParseOptions(int count, char** arguments);
+
+}  // namespace Sysmon

@@ -1,0 +1,28 @@
+#include "Scopes.h"
+
+#include <type_traits>
+
+#include <DataBinding/IDataSource.h>
+#include <DataBinding/IDataSourceRegistrar.h>
+#include <DataBinding/PropertyAccess.h>
+
+namespace Sysmon {
+
+std::optional<Value> ReadValue(IDataSource* source, const VtrString& property) {
+  std::optional<Value> result;
+  const auto readAnyOf = [&]<class... Types>(std::type_identity<std::variant<Types...>>) {
+    DataBinding::VisitProperty<Types...>(source, property,
+                                         [&](const auto& value) { result = Value(value); });
+  };
+  readAnyOf(std::type_identity<Value>());
+  return result;
+}
+
+std::vector<VtrString> SourceNames(const IDataSourceProvider& scope) {
+  // Without categories a scope has no sources of its own, while the registrar would list all.
+  if (scope.GetCategories().empty()) return {};
+  return DataBinding::IDataSourceRegistrar::GetInstance().GetRegisteredDataSources(
+      scope.GetCategories());
+}
+
+}  // namespace Sysmon

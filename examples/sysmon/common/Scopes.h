@@ -1,0 +1,30 @@
+/// How a view finds its way: values by name, sources by scope, scopes by category.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include <DataBinding/DataSourceProvider.h>
+
+#include "Quantities.h"
+
+namespace Sysmon {
+
+using DataBinding::DataSourceProvider;
+using DataBinding::IDataSource;
+using DataBinding::IDataSourceProvider;
+
+/// The value of a property. Nothing for a null source, an unknown name, or an event.
+[[nodiscard]] std::optional<Value> ReadValue(IDataSource* source, const VtrString& property);
+
+/// The names of the sources that belong to this very scope, built or not.
+[[nodiscard]] std::vector<VtrString> SourceNames(const IDataSourceProvider& scope);
+
+/// Calls visit(IDataSourceProvider&) for each child scope.
+template <class Visitor>
+void VisitScopes(const IDataSourceProvider& parent, Visitor&& visit) {
+  const auto* const tree = dynamic_cast<const DataSourceProvider*>(&parent);
+  if (tree != nullptr) tree->VisitChildren(visit);
+}
+
+}  // namespace Sysmon

@@ -1,0 +1,57 @@
+#include "MachineSources.h"
+
+namespace Sysmon {
+
+HostSource::HostSource(const SystemRecord& shownRecord) : MachineSource(L"Host", shownRecord) {
+  MakeEventSource(L"ProcessesChanged");
+  MakeEventSource(L"InterfacesChanged");
+}
+
+void HostSource::TakeOver() {
+  const HostReading& host = Now().host;
+  Assign(name, VtrString::FromUtf8(host.name));
+  Assign(system, VtrString::FromUtf8(host.system));
+  Assign(architecture, VtrString::FromUtf8(host.architecture));
+  Assign(uptime, host.uptime);
+  Assign(processes, Now().processes.size());
+  Assign(interfaces, Now().interfaces.size());
+}
+
+void CpuSource::TakeOver() {
+  Assign(cores, Now().cpu.cores);
+  Assign(user, record.CpuShare(&CpuReading::user));
+  Assign(kernel, record.CpuShare(&CpuReading::system));
+  Assign(waiting, record.CpuShare(&CpuReading::waiting));
+  Assign(stolen, record.CpuShare(&CpuReading::stolen));
+}
+
+void MemorySource::TakeOver() {
+  const MemoryReading& memory = Now().memory;
+  Assign(total, Bytes{memory.total});
+  Assign(free, Bytes{memory.free});
+  Assign(available, Bytes{memory.available});
+  Assign(buffers, Bytes{memory.buffers});
+  Assign(cached, Bytes{memory.cached});
+  Assign(swapTotal, Bytes{memory.swapTotal});
+  Assign(swapFree, Bytes{memory.swapFree});
+}
+
+Bytes MemorySource::Used() const {
+  return {total->value > available->value ? total->value - available->value : 0};
+}
+
+Share MemorySource::Usage() const {
+  if (total->value == 0) return {};
+  return {static_cast<double>(Used().value) / static_cast<double>(total->value)};
+}
+
+void LoadSource::TakeOver() {
+  const LoadReading& load = Now().load;
+  Assign(one, load.one);
+  Assign(five, load.five);
+  Assign(fifteen, load.fifteen);
+  Assign(running, load.running);
+  Assign(threads, load.threads);
+}
+
+}  // namespace Sysmon

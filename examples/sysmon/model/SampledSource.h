@@ -1,0 +1,44 @@
+/// A data source whose properties follow a record that the sampler writes.
+///
+/// It is built on demand, reads its record at once, and again whenever it is refreshed. The sampler
+/// meets it as its application part, IDataSourceBase, and needs to know no more of it than this.
+#pragma once
+
+#include <DataBinding/DataSourceProvider.h>
+#include <DataBinding/NamedDataSource.h>
+#include <DataBinding/Property.h>
+#include <DataBinding/PropertyBatch.h>
+
+namespace Sysmon {
+
+class SampledSource : public DataBinding::NamedDataSource {
+ public:
+  /// Takes the record's figures over. Each property that has changed is announced once.
+  void Refresh() {
+    const DataBinding::PropertyBatch batch(*this);
+    TakeOver();
+  }
+
+ protected:
+  using NamedDataSource::NamedDataSource;
+
+  void PostConstruct() override {
+    NamedDataSource::PostConstruct();
+    Refresh();
+  }
+
+ private:
+  virtual void TakeOver() = 0;
+};
+
+/// Refreshes the sources that have been built in a scope.
+inline void RefreshSources(const DataBinding::IDataSourceProvider& scope) {
+  const auto refresh = [](DataBinding::IDataSource& source) {
+    auto* const sampled = dynamic_cast<SampledSource*>(source.GetDataSourceBase());
+    if (sampled != nullptr) sampled->Refresh();
+  };
+  const auto* const tree = dynamic_cast<const DataBinding::DataSourceProvider*>(&scope);
+  if (tree != nullptr) tree->VisitDataSources(refresh);
+}
+
+}  // namespace Sysmon

@@ -1,0 +1,91 @@
+#include "JsonReport.h"
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include <DataBinding/IDataSource.h>
+#include <nlohmann/json.hpp>
+
+namespace Sysmon {
+
+namespace {
+
+using nlohmann::json;
+
+struct Writer {
+  json operator()(const VtrString& text) const { return text.ToUtf8(); }
+  json operator()(Count count) const { return count; }
+  json operator()(double number) const { return number; }
+  json operator()(Bytes bytes) const { return bytes.value; }
+  json operator()(BytesPerSecond speed) const { return speed.value; }
+  json operator()(Share share) const { return share.value; }
+  json operator()(Seconds time) const { return time.count(); }
+};
+
+json ReportSource(IDataSource& source) {
+  json members = json::object();
+  for (const auto& item : source) {
+    const auto value = ReadValue(&source, item.first);
+    if (value) members[item.first.ToUtf8()] = std::visit(Writer(), *value);
+  }
+  return members;
+}
+
+/// "process" gives "Processes".
+std::string ArrayName(const VtrString& category) {
+  std::string name = category.ToUtf8();
+  if (name.empty()) return "Scopes";
+  name.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(name.front())));
+  return name + (name.back() == 's' ? "es" : "s");
+}
+
+json ReportScope(IDataSourceProvider& scope);
+
+/// What orders things of one kind: their number, else their name.
+json SortKey(const json& thing) {
+  return thing.contains("Id") ? thing["Id"] : thing.value("Name", json());
+}
+
+/// Adds the child scopes, in order, since a provider keeps them in none.
+void AddChildren(IDataSourceProvider& scope, json& members) {
+  std::map<std::string, std::vector<json>> lists;
+  VisitScopes(scope, [&](IDataSourceProvider& child) {
+    const auto& categories = child.GetCategories();
+    lists[ArrayName(categories.empty() ? VtrString() : categories.front())].push_back(
+        ReportScope(child));
+  });
+  for (auto& [name, things] : lists) {
+    std::sort(things.begin(), things.end(),
+              [](const json& left, const json& right) { return SortKey(left) < SortKey(right); });
+    members[name] = std::move(things);
+  }
+}
+
+json ReportScope(IDataSourceProvider& scope) {
+  json members = json::object();
+  for (const VtrString& name : SourceNames(scope)) {
+    IDataSource* const source = scope.GetDataSource(name);
+    if (source != nullptr) members.update(ReportSource(*source));
+  }
+  AddChildren(scope, members);
+  return members;
+}
+
+}  // namespace
+
+json ReportTree(IDataSourceProvider& root) {
+  json members = json::object();
+  for (const VtrString& name : root.GetRegisteredDataSources()) {
+    IDataSource* const source = root.GetDataSource(name);
+    if (source != nullptr) members[name.ToUtf8()] = ReportSource(*source);
+  }
+  AddChildren(root, members);
+  return members;
+}
+
+}  // namespace Sysmon

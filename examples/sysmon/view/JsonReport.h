@@ -1,0 +1,17 @@
+/// The whole tree of scopes as JSON, found by walking it: no name of a source or property is known
+/// here.
+///
+/// The root scope is an object with one object per source. Child scopes are in arrays named after
+/// their category, each as one object with the members of all its sources.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "../common/Scopes.h"
+
+namespace Sysmon {
+
+/// Builds every source that can be built. Bytes are counts, shares parts of 1, times seconds.
+[[nodiscard]] nlohmann::json ReportTree(IDataSourceProvider& root);
+
+}  // namespace Sysmon

@@ -1,0 +1,69 @@
+#include "Summary.h"
+
+#include <cwchar>
+#include <utility>
+#include <vector>
+
+namespace Sysmon {
+
+namespace {
+
+struct Field {
+  int line = 0;
+  int column = 0;
+  const wchar_t* label = L"";
+  const wchar_t* source = L"";
+  const wchar_t* property = L"";
+  int width = 0;
+  bool isBar = false;
+};
+
+constexpr Field fields[] = {
+    {0, 0, L"Host    ", L"Host", L"Name", 20},
+    {0, 30, L"System ", L"Host", L"System", 24},
+    {0, 63, L"Up ", L"Host", L"Uptime", 12},
+    {1, 0, L"Cpu     ", L"Cpu", L"Usage", 20, true},
+    {1, 30, L"Usage  ", L"Cpu", L"Usage", 8},
+    {1, 47, L"User ", L"Cpu", L"User", 8},
+    {1, 63, L"System ", L"Cpu", L"System", 8},
+    {2, 0, L"Memory  ", L"Memory", L"Usage", 20, true},
+    {2, 30, L"Usage  ", L"Memory", L"Usage", 8},
+    {2, 47, L"Used ", L"Memory", L"Used", 10},
+    {2, 63, L"Total ", L"Memory", L"Total", 10},
+    {3, 0, L"Load    ", L"Load", L"One", 6},
+    {3, 15, L"", L"Load", L"Five", 6},
+    {3, 22, L"", L"Load", L"Fifteen", 6},
+    {3, 30, L"Processes ", L"Host", L"Processes", 6},
+    {3, 47, L"Threads ", L"Load", L"Threads", 7},
+    {3, 63, L"Running ", L"Load", L"Running", 5},
+};
+
+std::vector<Watch::Name> FieldNames() {
+  std::vector<Watch::Name> names;
+  for (const Field& field : fields) names.push_back({field.source, field.property});
+  return names;
+}
+
+}  // namespace
+
+Summary::Summary(IDataSourceProvider& root) : watch(root, FieldNames()) {}
+
+void Summary::Draw(Surface& surface, const Area& area) {
+  const bool isWhole = !std::exchange(isShown, true);
+  std::size_t index = 0;
+  for (const Field& field : fields) {
+    const int labelWidth = static_cast<int>(std::wcslen(field.label));
+    const Place label = area.At(field.line, field.column, labelWidth);
+    const Place value = area.At(field.line, field.column + labelWidth, field.width);
+    if (isWhole) surface.Write(label, field.label, Style::Label);
+    if (isWhole || watch.IsChanged(index)) {
+      const auto& share = watch.At(index);
+      surface.Write(value, field.isBar && share ? Bar(*share, value.width)
+                                                : std::wstring(watch.TextAt(index)));
+    }
+    ++index;
+  }
+  watch.Settle();
+}
+
+}  // namespace Sysmon

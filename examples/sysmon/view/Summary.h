@@ -1,0 +1,24 @@
+/// The machine as a whole, in four lines: a watch on the sources of the root scope.
+#pragma once
+
+#include "Surface.h"
+#include "Watch.h"
+
+namespace Sysmon {
+
+class Summary {
+ public:
+  static constexpr int height = 4;
+
+  explicit Summary(IDataSourceProvider& root);
+
+  void Draw(Surface& surface, const Area& area);
+  /// Draws everything the next time.
+  void Invalidate() { isShown = false; }
+
+ private:
+  Watch watch;
+  bool isShown = false;
+};
+
+}  // namespace Sysmon

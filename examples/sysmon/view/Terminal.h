@@ -1,0 +1,35 @@
+/// The terminal as a surface and a source of keys. It is put back as it was when this ends.
+///
+/// There is one at a time. Signals are left to their owner, who calls Suspend and Resume around a
+/// stop, and Resume, too, when the terminal's size has changed.
+#pragma once
+
+#include "MonitorView.h"
+#include "Surface.h"
+
+namespace Sysmon {
+
+class Terminal final : public Surface {
+ public:
+  /// Throws std::runtime_error for a terminal that cannot be used.
+  Terminal();
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+  ~Terminal() override;
+
+  [[nodiscard]] Area Whole() const override;
+  void Show() override;
+
+  /// The next known key that was pressed; Key::None when there is none.
+  [[nodiscard]] Key ReadKey();
+  /// Gives the terminal back for a while.
+  void Suspend();
+  /// Takes it again, as large as it is now, and forgets what it shows.
+  void Resume();
+
+ private:
+  void Draw(const Place& place, const std::wstring& text, Style style) override;
+  void Blank() override;
+};
+
+}  // namespace Sysmon
