@@ -37,7 +37,7 @@ COMMON = {"Export.h", "Fwd.h"}
 # The header of everything, which only users of the library include.
 UMBRELLA = "DataBinding.h"
 # What public headers include of the platform, each inside a guard of that platform.
-PLATFORM = {"guiddef.h"}
+PLATFORM = {"cxxabi.h", "guiddef.h"}
 # The subsystem of every other header right in include/DataBinding; foundation/ speaks for itself.
 HEADERS = {
     "broadcast": {"IBroadcaster.h", "ListenerGuard.h"},

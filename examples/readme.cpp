@@ -7,10 +7,10 @@ using namespace DataBinding;
 class Thermostat : public NamedDataSource {  // the model
  public:
   Thermostat() : NamedDataSource(L"Thermostat") {}
-  Property<double> Target{this, L"Target", 21.0};
-  Property<double> Actual{this, L"Actual", 19.5};
-  ComputedProperty<bool> Heats{this, L"Heats", [this] { return *Actual < *Target; }, Actual,
-                               Target};
+  Property<double> target{this, L"Target", 21.0};
+  Property<double> actual{this, L"Actual", 19.5};
+  ComputedProperty<bool> heats{this, L"Heats", [this] { return *actual < *target; }, actual,
+                               target};
 };
 
 int main() {
@@ -19,7 +19,7 @@ int main() {
 
   IDataSource* source = room.GetDataSource(L"Thermostat");  // the view: names and types only
   const auto show = [&] { std::cout << "heats: " << *GetProperty<bool>(source, L"Heats") << '\n'; };
-  const Subscription heats = source->Register(show, L"Heats");
+  const Subscription shown = source->Register(show, L"Heats");
 
   SetProperty(source, L"Actual", 22.5);  // prints "heats: 0"
   const SetResult wrong = SetProperty(source, L"Actual", 22);

@@ -52,7 +52,7 @@ class DataSourceConstructor final : public IDataSourceConstructor {
   }
   DataSourceConstructor(const DataSourceConstructor&) = delete;
   DataSourceConstructor& operator=(const DataSourceConstructor&) = delete;
-  ~DataSourceConstructor() { Unregister(); }
+  ~DataSourceConstructor() override { Unregister(); }
 
   void OnRegistered() override {}
   void OnUnregistered() override {}
@@ -81,7 +81,7 @@ class DataSourceConstructor final : public IDataSourceConstructor {
   IDataSourceRegistrar& registrar;
   VtrString name;
   VtrString categories;
-  Placement placement;
+  Placement placement = Placement::Nowhere;
   Factory factory;
 };
 

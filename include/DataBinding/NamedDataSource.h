@@ -3,10 +3,10 @@
 ///   class Thermostat : public NamedDataSource {
 ///    public:
 ///     Thermostat() : NamedDataSource(L"Thermostat") {}
-///     Property<double> Target{this, L"Target", 21.0};
-///     Property<double> Actual{this, L"Actual", 19.5};
-///     ComputedProperty<bool> Heating{this, L"Heating", [this] { return *Actual < *Target; },
-///                                    Actual, Target};
+///     Property<double> target{this, L"Target", 21.0};
+///     Property<double> actual{this, L"Actual", 19.5};
+///     ComputedProperty<bool> heating{this, L"Heating", [this] { return *actual < *target; },
+///                                    actual, target};
 ///   };
 #pragma once
 

@@ -6,9 +6,9 @@
 /// and notifies once; values without == count as changed each time. A hook that throws lets its
 /// exception out after listeners were notified.
 ///
-///   Property<int> Size{this, L"Size", 10, {.validate = InRange(1, 100)}};
-///   ReadOnlyProperty<double> Load{this, L"Load"};
-///   ComputedProperty<bool> Busy{this, L"Busy", [this] { return *Load > 0.9; }, Load};
+///   Property<int> size{this, L"Size", 10, {.validate = InRange(1, 100)}};
+///   ReadOnlyProperty<double> load{this, L"Load"};
+///   ComputedProperty<bool> busy{this, L"Busy", [this] { return *load > 0.9; }, load};
 #pragma once
 
 #include <concepts>

@@ -82,6 +82,7 @@ class PropertyRef {
     if (access == nullptr) return {{}, PropertyError::Absent, GoneText()};
     return {access->GetValue(), PropertyError::None, {}};
   }
+  // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
   SetResult Set(T value) const {
     if (error != PropertyError::None) return {false, error, text};
     auto* access = accessor();

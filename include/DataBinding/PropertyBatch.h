@@ -6,8 +6,8 @@
 /// source may end within the scope: nobody is notified then.
 ///
 ///   PropertyBatch batch(source);
-///   source.Width.Set(4);
-///   source.Height.Set(3);
+///   source.width.Set(4);
+///   source.height.Set(3);
 #pragma once
 
 #include "DataBinding/DataSourceImpl.h"

@@ -4,8 +4,8 @@
 /// A literal is checked when it is compiled; any other text is checked when the name is made, which
 /// throws std::invalid_argument. It refers to the text that it was made from.
 ///
-///   Property<int> Size{this, L"Size"};                       // checked by the compiler
-///   Property<int> Extra{this, PropertyName(column.name)};    // checked at run time
+///   Property<int> size{this, L"Size"};                       // checked by the compiler
+///   Property<int> extra{this, PropertyName(column.name)};    // checked at run time
 #pragma once
 
 #include <concepts>

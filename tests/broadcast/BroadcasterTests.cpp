@@ -78,7 +78,8 @@ TEST(Broadcaster, CopiesShareTheirListenersUntilTheLastOneGoes) {
 class CancelWithin : public testing::TestWithParam<std::pair<int, int>> {};
 
 TEST_P(CancelWithin, CancelledListenerStillRunsOnceInThatBroadcast) {
-  const auto [canceller, cancelled] = GetParam();
+  const int canceller = GetParam().first;
+  const int cancelled = GetParam().second;
   Notifier notifier;
   std::vector<Subscription> subscriptions(3);
   std::vector<std::shared_ptr<int>> held;
@@ -164,12 +165,11 @@ TEST(Broadcaster, ListenerThatEndsTheBroadcasterLeavesTheRestOfTheListToRun) {
 TEST(Broadcaster, StateIsReleasedWithoutALockAndMayUseTheBroadcaster) {
   Notifier notifier;
   Subscription inner;
-  struct RegistersWhenReleased {
-    Notifier& notifier;
-    Subscription& inner;
-    ~RegistersWhenReleased() { inner = notifier.Log('r'); }
+  const auto registers = [&](const int* released) {
+    delete released;
+    inner = notifier.Log('r');
   };
-  auto state = std::make_shared<RegistersWhenReleased>(notifier, inner);
+  std::shared_ptr<int> state(new int(0), registers);
   auto outer = notifier.Register([state] {}, L"A");
   state.reset();
   outer.Cancel();

@@ -143,7 +143,7 @@ TEST_F(FaultGuard, ListenerThatEndsItsThreadIsNotSwallowed) {
     cameBack = true;
     return nullptr;
   };
-  pthread_t thread;
+  pthread_t thread{};
   ASSERT_EQ(pthread_create(&thread, nullptr, run, &notifier), 0);
   pthread_join(thread, nullptr);
   EXPECT_FALSE(cameBack);

@@ -8,7 +8,7 @@ namespace {
 class Lamp : public NamedDataSource {
  public:
   Lamp() : NamedDataSource(L"Lamp") {}
-  Property<bool> On{this, L"On", false};
+  Property<bool> on{this, L"On", false};
 };
 
 }  // namespace

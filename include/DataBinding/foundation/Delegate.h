@@ -27,11 +27,13 @@ class Delegate<Result(Args...)> {
       : context(boundContext), function(target) {}
 
   /// Calls a method of an object, or a function that takes a reference to it.
-  template <auto target, class T>
+  template <auto Target, class T>
   [[nodiscard]] static Delegate To(T& object) noexcept {
+    // The function gives the object its constness back.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
     return {const_cast<void*>(static_cast<const void*>(&object)),
             [](void* self, Args... args) -> Result {
-              return std::invoke(target, *static_cast<T*>(self), std::forward<Args>(args)...);
+              return std::invoke(Target, *static_cast<T*>(self), std::forward<Args>(args)...);
             }};
   }
 

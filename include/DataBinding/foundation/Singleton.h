@@ -90,12 +90,12 @@ class Singleton {
   }
 
   /// Runs a function when this module is unloaded, at the latest at exit.
-  template <void (*run)()>
+  template <void (*Run)()>
   struct AtUnload {
     AtUnload() noexcept = default;
     AtUnload(const AtUnload&) = delete;
     AtUnload& operator=(const AtUnload&) = delete;
-    ~AtUnload() { run(); }
+    ~AtUnload() { Run(); }
   };
 
   /// Lets the library clear this module's cache, until this module goes.
