@@ -62,8 +62,7 @@ IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
 
 IDataSource& DataSourceProvider::GetDataSourceReference(const wchar_t* name) {
   if (IDataSource* source = GetDataSource(name)) return *source;
-  throw VtrString(
-      VtrString().Format(L"No constructor found for data source %s.", VtrStringView(name)));
+  throw VtrString().Format(L"No constructor found for data source %s.", VtrStringView(name));
 }
 
 IVantorGenericDetail::FindInterfaceProxy DataSourceProvider::GetDataSourceInterface(

@@ -127,9 +127,13 @@ inline SetResult SetProperty(IDataSource* source, const VtrString& name, const w
 template <class... Types, class Visitor>
 bool VisitProperty(IDataSource* source, const VtrString& name, Visitor&& visit) {
   const auto attempt = [&]<class T>(std::type_identity<T>) {
-    const auto found = GetProperty<T>(source, name);
-    if (found) visit(*found);
-    return static_cast<bool>(found);
+    const auto& type = runtime_type<T>::Get();
+    const auto sought =
+        details::ReflectionAccess::Find(source, name, type, runtime_type<const T>::Get());
+    if (sought.error != PropertyError::None) return false;
+    const auto value = GetProperty<T>(source, name);
+    if (value) visit(*value);
+    return static_cast<bool>(value);
   };
   return (attempt(std::type_identity<Types>()) || ...);
 }

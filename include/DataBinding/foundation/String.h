@@ -84,10 +84,15 @@ class VtrStringT {
   /// argument's own type is known; `%s` takes a wide string. A conversion that does not fit its
   /// argument, a missing argument or an unknown conversion throws std::invalid_argument.
   template <class... Args>
-  VtrStringT& Format(View format, const Args&... args) {
+  VtrStringT& Format(View format, const Args&... args) & {
     const std::array<details::FormatArgument, sizeof...(Args)> list{
         details::FormatArgument(args)...};
     return *this = FormatInternal(format, list);
+  }
+  /// The same of a temporary, by value: `const VtrString text = VtrString().Format(...)`.
+  template <class... Args>
+  [[nodiscard]] VtrStringT Format(View format, const Args&... args) && {
+    return std::move(this->Format(format, args...));
   }
 
   /// Negative, 0 or positive, as this string stands before, with or after the other.
