@@ -29,8 +29,9 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
   if (source == nullptr) return;
   assert(notifications == 0 && "a listener adds a source while this provider connects it");
   // All that filing needs is made first, so that the source is either taken over or left alone.
-  std::map<std::uint64_t, IDataSource*> addition{{lastAddition + 1, source}};
-  std::multimap<IDataSource*, std::uint64_t> number{{source, lastAddition + 1}};
+  const std::uint64_t number = ++lastAddition;
+  std::map<std::uint64_t, IDataSource*> addition{{number, source}};
+  std::multimap<IDataSource*, std::uint64_t> wayBack{{source, number}};
   std::map<VtrString, IDataSource*, std::less<>> filing;
   FirstFailure failure;
   if (const wchar_t* name = source->GetDataSourceName()) {
@@ -43,8 +44,7 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
   }
   sourcesByName.merge(filing);
   addedSources.merge(addition);
-  additions.merge(number);
-  ++lastAddition;
+  additions.merge(wayBack);
   failure.Rethrow();
 }
 
