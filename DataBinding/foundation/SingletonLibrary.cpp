@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "DataBinding/foundation/TypeName.h"
+
 namespace VtrUtils {
 
 /// All entries. Never destroyed: modules ask for singletons while the process ends.
@@ -24,7 +26,7 @@ class SingletonEntries {
 
   SingletonLibrary& Find(std::type_index type, SingletonLibrary::Reset* reset) {
     const WriteLock guard(lock);
-    Record& record = records[Key(type)];
+    Record& record = records[TypeKey(type)];
     if (reset != nullptr && std::ranges::count(record.resets, reset) == 0) {
       record.resets.push_back(reset);
     }
@@ -33,7 +35,7 @@ class SingletonEntries {
 
   void RemoveReset(std::type_index type, SingletonLibrary::Token token) {
     const WriteLock guard(lock);
-    const auto found = records.find(Key(type));
+    const auto found = records.find(TypeKey(type));
     if (found == records.end()) return;
     std::erase_if(found->second.resets, [token](const auto* reset) {
       return reinterpret_cast<std::uintptr_t>(reset) == token;

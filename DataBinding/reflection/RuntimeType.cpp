@@ -1,32 +1,13 @@
 #include "DataBinding/RuntimeType.h"
 
-#include <cstdlib>
-#include <memory>
-
-#if defined(__GNUC__)
-#include <cxxabi.h>
-#endif
+#include "DataBinding/foundation/TypeName.h"
 
 namespace DataBinding {
-
-namespace {
-
-std::string Readable(const char* mangled) {
-#if defined(__GNUC__)
-  int status = 0;
-  const std::unique_ptr<char, void (*)(void*)> text(
-      abi::__cxa_demangle(mangled, nullptr, nullptr, &status), &std::free);
-  if (text != nullptr) return text.get();
-#endif
-  return mangled;
-}
-
-}  // namespace
 
 runtime_type_base::~runtime_type_base() = default;
 
 std::string runtime_type_base::GetTypeName() const {
-  std::string text = Readable(typeid(*this).name());
+  std::string text = VtrUtils::ReadableTypeName(typeid(*this));
   const auto first = text.find('<');
   const auto last = text.rfind('>');
   if (first == std::string::npos || last == std::string::npos) return text;

@@ -29,28 +29,11 @@ class Singleton {
   Singleton& operator=(const Singleton&) = delete;
 
   /// The instance, created if need be. Throws std::bad_alloc when there is no memory for it.
-  [[nodiscard]] static T& GetInstance() {
-    SingletonData* data = GetSingletonData(true);
-    T* instance = CreateSingletonData(*data);
-    if (instance == nullptr) throw std::bad_alloc();
-    return *instance;
-  }
+  [[nodiscard]] static T& GetInstance() { return ObtainInstance(); }
   /// True when there is an instance. Never creates one, and waits for no creation or release.
-  [[nodiscard]] static bool HasInstance() {
-    const SingletonData* data = GetSingletonData(false);
-    return data != nullptr && data->instance.load(std::memory_order_acquire) != nullptr;
-  }
+  [[nodiscard]] static bool HasInstance() { return IsInstanceThere(); }
   /// Deletes the instance, if there is one. Whether it was meant for good is noted.
-  static void ReleaseInstance(bool markReleased) {
-    SingletonData* data = GetSingletonData(false);
-    if (data == nullptr) return;
-    const auto takeOut = [&] {
-      const WriteLock guard(data->lock);
-      if (markReleased) data->released = true;
-      return data->instance.exchange(nullptr, std::memory_order_acq_rel);
-    };
-    DeleteInstance(takeOut());
-  }
+  static void ReleaseInstance(bool markReleased) { EndInstance(markReleased); }
 
  protected:
   Singleton() noexcept = default;
@@ -65,6 +48,30 @@ class Singleton {
     bool released = false;
     ThreadLock lock;
   };
+
+  // What the public operations do. A library that owns a singleton specialises those, exported, and
+  // answers with these, so that the instance is its own whichever module asks first.
+
+  static T& ObtainInstance() {
+    SingletonData* data = GetSingletonData(true);
+    T* instance = CreateSingletonData(*data);
+    if (instance == nullptr) throw std::bad_alloc();
+    return *instance;
+  }
+  static bool IsInstanceThere() {
+    const SingletonData* data = GetSingletonData(false);
+    return data != nullptr && data->instance.load(std::memory_order_acquire) != nullptr;
+  }
+  static void EndInstance(bool markReleased) {
+    SingletonData* data = GetSingletonData(false);
+    if (data == nullptr) return;
+    const auto takeOut = [&] {
+      const WriteLock guard(data->lock);
+      if (markReleased) data->released = true;
+      return data->instance.exchange(nullptr, std::memory_order_acq_rel);
+    };
+    DeleteInstance(takeOut());
+  }
 
   /// This module's way to the process-wide entry.
   struct Cache {

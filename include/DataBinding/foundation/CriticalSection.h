@@ -1,0 +1,62 @@
+/// A recursive lock for short sections: tries, spins for a while, and only then blocks.
+///
+/// The thread that holds it may enter again and leaves as often. The system's own critical section
+/// on Windows, with its spin count; elsewhere a recursive mutex that is tried up to that often.
+/// Entered through its scope guard.
+///
+///   const CriticalSectionLock guard(section);
+#pragma once
+
+#include "DataBinding/Export.h"
+
+#if defined(_WIN32)
+#include <cstddef>
+#else
+#include <mutex>
+#endif
+
+namespace VtrUtils {
+
+class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) CriticalSection {
+ public:
+  static constexpr unsigned spinCount = 4000;
+
+  CriticalSection();
+  CriticalSection(const CriticalSection&) = delete;
+  CriticalSection& operator=(const CriticalSection&) = delete;
+  ~CriticalSection();
+
+  void Enter() DATABINDING_THREAD_ANNOTATION(acquire_capability());
+  /// Enters if that takes no waiting, and says whether it did.
+  [[nodiscard]] bool TryEnter() DATABINDING_THREAD_ANNOTATION(try_acquire_capability(true));
+  void Leave() DATABINDING_THREAD_ANNOTATION(release_capability());
+
+ private:
+#if defined(_WIN32)
+  alignas(void*) std::byte section[sizeof(void*) == 8 ? 40 : 24];
+#else
+  std::recursive_mutex mutex;
+#endif
+};
+
+class DATABINDING_THREAD_ANNOTATION(scoped_lockable) CriticalSectionLock {
+ public:
+  [[nodiscard]] explicit CriticalSectionLock(CriticalSection& section)
+      DATABINDING_THREAD_ANNOTATION(acquire_capability(section))
+      : held(section) {
+    held.Enter();
+  }
+  CriticalSectionLock(const CriticalSectionLock&) = delete;
+  CriticalSectionLock& operator=(const CriticalSectionLock&) = delete;
+  ~CriticalSectionLock() DATABINDING_THREAD_ANNOTATION(release_capability()) { held.Leave(); }
+
+ private:
+  CriticalSection& held;
+};
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::CriticalSection;
+using VtrUtils::CriticalSectionLock;
+}  // namespace DataBinding

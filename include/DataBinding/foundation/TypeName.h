@@ -1,0 +1,27 @@
+/// Names of types, for messages and for telling types apart across modules.
+///
+/// Both own their text, so that they outlive the module that a type belongs to. Any thread.
+#pragma once
+
+#include <string>
+#include <typeindex>
+#include <typeinfo>
+
+#include "DataBinding/Export.h"
+
+namespace VtrUtils {
+
+/// The type as a reader would write it: "void (int)". How a compiler spells a type differs; show
+/// it, do not compare it.
+[[nodiscard]] DATABINDING_API std::string ReadableTypeName(const std::type_info& type);
+
+/// A text that is the same for one type in all modules, and differs for any two types. A name in an
+/// anonymous namespace is told apart from the same in another file by where it stands.
+[[nodiscard]] DATABINDING_API std::string TypeKey(std::type_index type);
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::ReadableTypeName;
+using VtrUtils::TypeKey;
+}  // namespace DataBinding
