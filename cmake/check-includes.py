@@ -22,11 +22,13 @@ ALLOWED = {
     "foundation": set(),
     "broadcast": {"foundation"},
     "reflection": {"foundation"},
-    "framework": {"foundation"},
+    "framework": {"foundation", "reflection"},
     "appevents": {"foundation"},
     "datasource": {"foundation", "broadcast", "reflection"},
     "registrar": {"foundation", "broadcast", "reflection"},
     "typed": {"foundation", "broadcast", "reflection", "datasource", "registrar"},
+    "binds": {"foundation", "broadcast", "reflection", "datasource", "registrar", "typed",
+              "framework", "appevents"},
 }
 # Datasource and registrar call each other: their sources may include the other's public headers,
 # their public headers may not.
@@ -41,11 +43,15 @@ PLATFORM = {"cxxabi.h", "guiddef.h"}
 # The subsystem of every other header right in include/DataBinding; foundation/ speaks for itself.
 HEADERS = {
     "broadcast": {"IBroadcaster.h", "ListenerGuard.h"},
-    "reflection": {"IReflectable.h", "RuntimeType.h"},
-    "framework": {"BindTypes.h", "IBaseBind.h", "IBaseDataBind.h", "IDataBind.h", "IEventBind.h"},
+    "reflection": {"IReflectable.h", "PropertyResult.h", "RuntimeType.h"},
+    "framework": {
+        "BindStatus.h", "BindTypes.h", "IBaseBind.h", "IBaseDataBind.h", "IDataBind.h",
+        "IEventBind.h",
+    },
     "appevents": {
-        "AppEventListener.h", "EventBroadcaster.h", "IAppEventBroadcaster.h",
-        "IAppEventListener.h", "PendingEvent.h", "Singleton.h", "ThreadingPolicy.h",
+        "AppEvent.h", "AppEventListener.h", "AppEventMapEntry.h", "EventBroadcaster.h",
+        "EventHold.h", "EventName.h", "IAppEventBroadcaster.h",
+        "IAppEventListener.h", "IdlePass.h", "NamedEvent.h", "ThreadingPolicy.h",
         "UpdatePolicy.h", "WAppEventRegistrar.h",
     },
     "datasource": {
@@ -56,8 +62,9 @@ HEADERS = {
     "registrar": {"DataSourceRegistrar.h", "IDataSourceConstructor.h", "IDataSourceRegistrar.h"},
     "typed": {
         "DataSourceConstructor.h", "Property.h", "PropertyAccess.h", "PropertyBase.h",
-        "PropertyBatch.h", "PropertyName.h", "PropertyResult.h",
+        "PropertyBatch.h", "PropertyName.h",
     },
+    "binds": {"DataBind.h", "Diagnose.h", "EventBind.h", "TextConverter.h", "TwoWay.h"},
 }
 SUBSYSTEM_OF = {header: name for name, headers in HEADERS.items() for header in headers}
 

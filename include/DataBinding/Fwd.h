@@ -3,10 +3,15 @@
 
 namespace DataBinding {
 
+template <class... Args>
+class AppEvent;
+class AppEventListener;
 class DataListener;
 class DataSourceImpl;
 class DataSourceProvider;
 class DataSourceRegistrar;
+class IAppEventBroadcaster;
+class IAppEventListener;
 class IBroadcaster;
 class IDataContext;  // the application's own; declared here, never defined
 class IDataListener;
@@ -15,6 +20,20 @@ class IDataSourceConstructor;
 class IDataSourceProvider;
 class IDataSourceRegistrar;
 class IReflectable;
+class WAppEventRegistrar;
 struct IDataSource;
+
+namespace AEB {
+struct ThreadingPolicy;
+struct UpdatePolicy;
+}  // namespace AEB
+
+namespace Framework {
+class IBaseBind;
+class IBaseDataBind;
+class IEventBind;
+template <class T>
+class IDataBind;
+}  // namespace Framework
 
 }  // namespace DataBinding

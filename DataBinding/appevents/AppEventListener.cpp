@@ -1,0 +1,64 @@
+#include "DataBinding/AppEventListener.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "DataBinding/IAppEventBroadcaster.h"
+#include "DataBinding/WAppEventRegistrar.h"
+#include "DataBinding/foundation/BindWeak.h"
+
+namespace DataBinding {
+
+IAppEventListener::~IAppEventListener() = default;
+AppEventMapEntry::~AppEventMapEntry() = default;
+
+AppEventListener::AppEventListener(bool activate) : activationCount(activate ? 1 : 0) {
+  if (activate) WAppEventRegistrar::GetInstance().AddEventListener(this);
+}
+
+AppEventListener::~AppEventListener() {
+  InvalidateWeakPtrs();
+  if (activationCount > 0 && WAppEventRegistrar::HasInstance()) {
+    WAppEventRegistrar::GetInstance().RemoveEventListener(this);
+  }
+  // Another object may come to this address and register anew.
+  if (IAppEventBroadcaster::HasInstance()) {
+    IAppEventBroadcaster::GetInstance().RemoveCleanupCallback(this);
+  }
+}
+
+void AppEventListener::InitEventMap() { eventMapInitialised = true; }
+
+void AppEventListener::RegisterAppEventListeners() {
+  auto& broadcaster = IAppEventBroadcaster::GetInstance();
+  broadcaster.AddCleanupCallback(this,
+                                 BindWeak(AsWeakPtr(), &AppEventListener::ClearSubscriptions));
+  for (std::size_t i = 0; i < eventMap.size(); ++i) {
+    if (eventMap[i] != nullptr) subscriptions.push_back(eventMap[i]->Subscribe(broadcaster));
+  }
+}
+
+void AppEventListener::UnregisterAppEventListeners() {
+  ClearSubscriptions();
+  if (IAppEventBroadcaster::HasInstance()) {
+    IAppEventBroadcaster::GetInstance().RemoveCleanupCallback(this);
+  }
+}
+
+void AppEventListener::ActivateAppEventListeners() {
+  if (++activationCount == 1) WAppEventRegistrar::GetInstance().AddEventListener(this);
+}
+
+void AppEventListener::DeactivateAppEventListeners() {
+  if (activationCount-- == 1) WAppEventRegistrar::GetInstance().RemoveEventListener(this);
+}
+
+bool AppEventListener::HasListener(VtrStringView name) const {
+  return std::ranges::any_of(
+      eventMap, [name](const auto& entry) { return entry != nullptr && entry->Name() == name; });
+}
+
+/// What is destroyed with a callback may look at this listener: the list is empty by then.
+void AppEventListener::ClearSubscriptions() { const auto ended = std::exchange(subscriptions, {}); }
+
+}  // namespace DataBinding

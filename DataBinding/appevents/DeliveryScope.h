@@ -1,0 +1,35 @@
+/// A delivery under way: knows whether its broadcaster was released meanwhile.
+///
+/// Stands on the stack of the delivering thread; scopes of one broadcaster nest.
+#pragma once
+
+#include <utility>
+
+#include "DataBinding/EventBroadcaster.h"
+
+namespace DataBinding::details {
+
+class DeliveryScope {
+ public:
+  explicit DeliveryScope(PolicyEventBroadcaster& delivering) noexcept
+      : broadcaster(&delivering), outer(std::exchange(delivering.delivery, this)) {}
+  DeliveryScope(const DeliveryScope&) = delete;
+  DeliveryScope& operator=(const DeliveryScope&) = delete;
+  ~DeliveryScope() {
+    if (broadcaster != nullptr) broadcaster->delivery = outer;
+  }
+
+  [[nodiscard]] bool IsBroadcasterGone() const noexcept { return broadcaster == nullptr; }
+  /// Tells a broadcaster's scopes, from the innermost one outward, that it ends.
+  static void End(DeliveryScope* innermost) noexcept {
+    for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
+      scope->broadcaster = nullptr;
+    }
+  }
+
+ private:
+  PolicyEventBroadcaster* broadcaster;
+  DeliveryScope* outer;
+};
+
+}  // namespace DataBinding::details

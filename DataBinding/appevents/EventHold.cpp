@@ -1,0 +1,39 @@
+#include "DataBinding/EventHold.h"
+
+#include <utility>
+
+namespace DataBinding {
+
+EventHold::EventHold(const VtrString& eventName)
+    : name(eventName), broadcaster(IAppEventBroadcaster::GetInstance().GetWeakPtr()) {
+  broadcaster->DisableEvent(name);
+}
+
+EventHold::EventHold(EventHold&& other) noexcept
+    : name(std::move(other.name)),
+      broadcaster(std::exchange(other.broadcaster, {})),
+      firesAtEnd(other.firesAtEnd) {}
+
+EventHold& EventHold::operator=(EventHold&& other) noexcept {
+  if (this != &other) {
+    EventHold ended(std::move(*this));
+    name = std::move(other.name);
+    broadcaster = std::exchange(other.broadcaster, {});
+    firesAtEnd = other.firesAtEnd;
+  }
+  return *this;
+}
+
+EventHold::~EventHold() { End(); }
+
+/// Lets nothing out: this runs in a destructor.
+void EventHold::End() noexcept {
+  if (!broadcaster) return;
+  try {
+    broadcaster->EnableEvent(name, firesAtEnd);
+  } catch (...) {
+    if (broadcaster) broadcaster->ReportFailure(name);
+  }
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,58 @@
+#include "DataBinding/EventName.h"
+
+#include <memory>
+#include <stdexcept>
+#include <unordered_map>
+#include <utility>
+
+#include "DataBinding/foundation/ThreadLock.h"
+#include "DataBinding/foundation/TypeName.h"
+
+namespace DataBinding::details {
+
+/// All names. Never destroyed: events are named while the process ends.
+class EventNames {
+ public:
+  static EventNames& Get() {
+    static auto* names = new EventNames;
+    return *names;
+  }
+
+  const EventName& Find(VtrStringView name, const std::type_info& signature) {
+    std::string key = TypeKey(signature);
+    const WriteLock guard(lock);
+    EventName& found = Obtain(name);
+    if (found.signatureKey.empty()) {
+      found.signatureText = ReadableTypeName(signature);
+      found.signatureKey = std::move(key);
+    } else if (found.signatureKey != key) {
+      throw std::logic_error("the application event \"" + found.text.ToUtf8() +
+                             "\" is used with the signature " + ReadableTypeName(signature) +
+                             ", but was first used with " + found.signatureText);
+    }
+    return found;
+  }
+
+  const wchar_t* Keep(VtrStringView name) {
+    const WriteLock guard(lock);
+    return Obtain(name).text;
+  }
+
+ private:
+  EventName& Obtain(VtrStringView name) DATABINDING_REQUIRES(lock) {
+    auto& entry = names[VtrString(name)];
+    if (entry == nullptr) entry.reset(new EventName(name, names.size() - 1));
+    return *entry;
+  }
+
+  ThreadLock lock;
+  std::unordered_map<VtrString, std::unique_ptr<EventName>> names DATABINDING_GUARDED_BY(lock);
+};
+
+const EventName& EventName::Find(VtrStringView name, const std::type_info& signature) {
+  return EventNames::Get().Find(name, signature);
+}
+
+const wchar_t* EventName::Keep(VtrStringView name) { return EventNames::Get().Keep(name); }
+
+}  // namespace DataBinding::details

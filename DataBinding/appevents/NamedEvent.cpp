@@ -1,0 +1,58 @@
+#include "DataBinding/NamedEvent.h"
+
+#include "DataBinding/IAppEventBroadcaster.h"
+#include "DataBinding/foundation/Cancellation.h"
+#include "DeliveryScope.h"
+
+namespace DataBinding::details {
+
+NamedEvent::~NamedEvent() = default;
+
+void NamedEvent::Queue(std::shared_ptr<NamedEvent> event, bool replaceLast) {
+  PolicyEventBroadcaster& broadcaster = IAppEventBroadcaster::GetInstance();
+  const VtrString& name = event->name.Text();
+  broadcaster.NotifyListenersOnIdleImpl(name, replaceLast, std::move(event));
+}
+
+void NamedEvent::Send(const std::shared_ptr<NamedEvent>& event) {
+  event->Dispatch(IAppEventBroadcaster::GetInstance());
+}
+
+Subscription NamedEvent::Subscribe(IAppEventBroadcaster& broadcaster, const EventName& name,
+                                   const RepeatingCallbackMemento& callback) {
+  PolicyEventBroadcaster& events = broadcaster;
+  return events.Channel(name).listeners.Add(callback);
+}
+
+void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
+  const DeliveryScope scope(broadcaster);
+  Guarded(scope, broadcaster, [&] { broadcaster.updatePolicy.PreNotify(); });
+  if (scope.IsBroadcasterGone()) return;
+  const EventChannel& channel = broadcaster.Channel(name);
+  if (broadcaster.IsDisable(name.Text())) {
+    static_cast<void>(HoldIfDisabled(broadcaster, name.Text(), shared_from_this()));
+    return;
+  }
+  CallbackWalk walk(channel.listeners.Core());
+  while (!Guarded(scope, broadcaster, [&] { CallListeners(walk); }) && !walk.IsListGone()) {
+  }
+  if (scope.IsBroadcasterGone() || !HasHooks(broadcaster)) return;
+  Guarded(scope, broadcaster, [&] { NotifyHooks(broadcaster, name.Text(), BoxArguments()); });
+}
+
+/// Runs a step of the delivery and says whether it came to its end without an exception.
+template <class Step>
+DATABINDING_CATCHES_CANCELLATION bool NamedEvent::Guarded(const DeliveryScope& scope,
+                                                          PolicyEventBroadcaster& broadcaster,
+                                                          Step step) {
+  try {
+    step();
+    return true;
+  }
+  DATABINDING_PASS_CANCELLATION catch (...) {
+    if (!scope.IsBroadcasterGone()) broadcaster.ReportFailure(name.Text());
+    return false;
+  }
+}
+
+}  // namespace DataBinding::details

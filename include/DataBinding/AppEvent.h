@@ -1,0 +1,96 @@
+/// A named application event with its signature: a value, declared once in a header and used by
+/// every module that includes it.
+///
+/// Making one costs nothing and cannot fail, so it may stand at namespace scope. The name fixes the
+/// signature for the whole process: its first use with another one, on whatever operation, throws
+/// std::logic_error naming both. Raise and RaiseLatest work on any thread; Send and Subscribe
+/// belong to the delivering thread. Listeners take the arguments as constant references, which live
+/// until the delivery is over; they may raise, send, subscribe and cancel (see CallbackList.h).
+///
+///   inline constinit const AppEvent<VtrString, int> processStarted{L"ProcessStarted"};
+///   Subscription log = processStarted.Subscribe([](const VtrString& name, int id) { ... });
+///   processStarted.Raise(L"make", 4711);
+#pragma once
+
+#include <atomic>
+#include <concepts>
+#include <memory>
+#include <utility>
+
+#include "DataBinding/EventName.h"
+#include "DataBinding/Export.h"
+#include "DataBinding/IAppEventBroadcaster.h"
+#include "DataBinding/NamedEvent.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/Subscription.h"
+
+namespace DataBinding {
+
+/// Stands for the module (executable, library, plug-in) whose code calls it: the owner of the
+/// events that this module raises. See PolicyEventBroadcaster::DropOwner.
+[[nodiscard]] DATABINDING_MODULE_LOCAL inline const void* ThisModule() noexcept {
+  static constexpr char here = 0;
+  return &here;
+}
+
+template <class... Args>
+class AppEvent {
+  static_assert((std::copyable<Args> && ...), "arguments are copied into the queue and for hooks");
+
+ public:
+  using Callback = RepeatingCallback<void(const Args&...)>;
+
+  /// The text, most often a literal, must stay as long as the event and its copies.
+  explicit constexpr AppEvent(const wchar_t* eventName) noexcept : text(eventName) {}
+  /// For a name that is made up at run time. Its text is kept until the process ends.
+  explicit AppEvent(const VtrString& eventName) : text(details::EventName::Keep(eventName)) {}
+  constexpr AppEvent(const AppEvent& other) noexcept : text(other.text) {}
+  AppEvent& operator=(const AppEvent& other) noexcept {
+    text = other.text;
+    known.store(nullptr, std::memory_order_relaxed);
+    return *this;
+  }
+  ~AppEvent() = default;
+
+  /// Queues an event for the next idle pass. Any thread.
+  DATABINDING_MODULE_LOCAL void Raise(Args... args) const {
+    details::NamedEvent::Queue(Make(std::move(args)...), false);
+  }
+  /// The same, in place of the newest queued event of this name: only the latest one counts.
+  DATABINDING_MODULE_LOCAL void RaiseLatest(Args... args) const {
+    details::NamedEvent::Queue(Make(std::move(args)...), true);
+  }
+  /// Delivers an event now, on this thread, by the rules of a queued one: it is held while the name
+  /// is disabled, hooks see it, and what listeners throw goes to the error handler.
+  DATABINDING_MODULE_LOCAL void Send(Args... args) const {
+    details::NamedEvent::Send(Make(std::move(args)...));
+  }
+  /// Calls the callback for each event of this name until the subscription is cancelled, which any
+  /// thread may do, or the broadcaster ends. A null callback gives an inert subscription.
+  Subscription Subscribe(const Callback& callback) const {
+    return Subscribe(IAppEventBroadcaster::GetInstance(), callback);
+  }
+  Subscription Subscribe(IAppEventBroadcaster& broadcaster, const Callback& callback) const {
+    return details::NamedEvent::Subscribe(broadcaster, Known(), callback.GetMemento());
+  }
+  [[nodiscard]] const VtrString& Name() const { return Known().Text(); }
+
+ private:
+  DATABINDING_MODULE_LOCAL std::shared_ptr<details::NamedEvent> Make(Args&&... args) const {
+    return std::make_shared<details::TypedEvent<Args...>>(Known(), ThisModule(),
+                                                          std::move(args)...);
+  }
+  [[nodiscard]] const details::EventName& Known() const {
+    const auto* found = known.load(std::memory_order_acquire);
+    if (found == nullptr) {
+      found = &details::EventName::Find(text, typeid(void(Args...)));
+      known.store(found, std::memory_order_release);
+    }
+    return *found;
+  }
+
+  const wchar_t* text;
+  mutable std::atomic<const details::EventName*> known{nullptr};
+};
+
+}  // namespace DataBinding

@@ -1,0 +1,176 @@
+/// The engine behind application-wide named events: a queue that any thread fills and one thread,
+/// the delivering thread, empties on the application's idle pass.
+///
+/// Events of a disabled name are held, the newest one a name, until it is enabled again. Raising
+/// (QueueEvent, AppEvent) works on any thread; all else belongs to the delivering thread, and runs
+/// there with no lock held. A listener may raise, disable and enable events, subscribe, cancel,
+/// dispatch again (a modal loop) and even release the broadcaster. Events still queued or held when
+/// the broadcaster ends are dropped.
+///
+/// Applications use IAppEventBroadcaster, the one of the process, and AppEvent to raise.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/ThreadingPolicy.h"
+#include "DataBinding/UpdatePolicy.h"
+#include "DataBinding/foundation/Any.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/WeakPtr.h"
+
+namespace DataBinding {
+
+namespace details {
+class DeliveryScope;
+class EventName;
+class NamedEvent;
+class PendingEvents;
+struct EventChannel;
+}  // namespace details
+
+/// What listeners and hooks have thrown since somebody asked.
+struct EventFailure {
+  /// The event that the first one listened to.
+  VtrString eventName;
+  /// The first exception; null for none.
+  std::exception_ptr exception;
+  /// How many were thrown after it, which are dropped.
+  std::size_t others = 0;
+
+  explicit operator bool() const noexcept { return exception != nullptr; }
+};
+
+class EventHold;
+
+/// The library holds one instantiation, that with the policies of namespace AEB; it can be derived
+/// from, and deleted only as what it is.
+template <class UpdatePolicyType, class ThreadingPolicyType>
+class DATABINDING_API EventBroadcaster {
+ public:
+  /// An event in the queue, owned through std::shared_ptr. AppEvent makes them; an application may
+  /// queue kinds of its own with QueueEvent. What their Dispatch lets out abandons the batch.
+  class PendingEventBase {
+   public:
+    PendingEventBase(const PendingEventBase&) = delete;
+    PendingEventBase& operator=(const PendingEventBase&) = delete;
+    virtual ~PendingEventBase() = default;
+    /// Delivers the event to its listeners. Runs on the delivering thread.
+    virtual void Dispatch(EventBroadcaster& broadcaster) = 0;
+    /// What DropOwner knows the event by; see ThisModule.
+    [[nodiscard]] const void* Owner() const noexcept { return owner; }
+
+   protected:
+    explicit PendingEventBase(const void* ownerKey = nullptr) noexcept : owner(ownerKey) {}
+    /// For Dispatch: keeps the event, in place of an older one, if its name is disabled, and says
+    /// whether it did. A name becomes known by this.
+    [[nodiscard]] static bool HoldIfDisabled(EventBroadcaster& broadcaster, const VtrString& name,
+                                             std::shared_ptr<PendingEventBase> event);
+    /// For Dispatch, after the listeners: lets the hooks see the event. The arguments are boxed
+    /// only when there are hooks: `if (HasHooks(b)) NotifyHooks(b, name, {...});`
+    [[nodiscard]] static bool HasHooks(const EventBroadcaster& broadcaster);
+    static void NotifyHooks(EventBroadcaster& broadcaster, const VtrString& name,
+                            const std::vector<Any>& args);
+
+   private:
+    const void* owner;
+  };
+  using EventPtr = std::shared_ptr<PendingEventBase>;
+  using ErrorHandler = RepeatingCallback<void(const VtrString&, const std::exception_ptr&)>;
+
+  EventBroadcaster();
+  EventBroadcaster(const EventBroadcaster&) = delete;
+  EventBroadcaster& operator=(const EventBroadcaster&) = delete;
+
+ protected:
+  /// True when somebody wants to see every event.
+  [[nodiscard]] virtual bool AnyEventHooksRegistered() const;
+  /// An event was delivered with these arguments.
+  virtual void OnEventDispatched(VtrString name, const std::vector<Any>& args);
+
+ public:
+  /// Runs the cleanup callbacks, then drops everything. Deliberately not virtual: whoever owns a
+  /// derived broadcaster deletes it as that.
+  ~EventBroadcaster();
+
+  /// Undoes one DisableEvent. When that was the last one, the event held meanwhile is delivered at
+  /// once or dropped. Does nothing for a name that is not disabled.
+  void EnableEvent(const VtrString& name, bool fireHeldEvent);
+  /// Holds the name's events back from now on, also those that are queued already. Counts.
+  void DisableEvent(const VtrString& name);
+  /// EnableEvent and DisableEvent of each known name, in ascending order. A name is known once it
+  /// was subscribed to or an event of it was dispatched.
+  void EnableAllEvents(bool fireHeldEvent);
+  void DisableAllEvents();
+  [[nodiscard]] bool IsDisable(const VtrString& name);
+  /// True when the name is disabled and an event is held for it.
+  [[nodiscard]] bool AnyPendingDisableEvents(const VtrString& name) const;
+  /// Runs the callback when the broadcaster ends. A second one of the same owner is dropped.
+  void AddCleanupCallback(void* owner, OneShotCallback<void()> callback);
+  /// Drops the owner's callback without running it.
+  void RemoveCleanupCallback(void* owner);
+  /// Delivers what is queued so far. What is raised meanwhile waits for the next call, and so does
+  /// nothing of the batch: a call from inside a delivery takes only what came since.
+  void DispatchPendingEvents();
+
+  /// Queues an event of the caller's own kind. Any thread. With `replaceLast` it takes the place of
+  /// the newest queued event of its name, at the end of the queue. Ignores null.
+  void QueueEvent(const VtrString& name, EventPtr event, bool replaceLast = false);
+  /// Any thread.
+  [[nodiscard]] bool HasPendingEvents() const noexcept;
+  /// Drops the name's events, or the owner's, that are queued or held, for example those of a
+  /// plug-in which is about to be unloaded. Does not reach the rest of a batch under delivery.
+  void DropEvents(const VtrString& name);
+  void DropOwner(const void* owner);
+  /// Takes what listeners and hooks throw. Without one (null) the first exception is kept for
+  /// TakeFailure and an idle pass is asked for, so that it comes to light.
+  void SetErrorHandler(ErrorHandler handler);
+  [[nodiscard]] bool HasFailure() const noexcept { return failure.exception != nullptr; }
+  /// What was thrown since the last call.
+  [[nodiscard]] EventFailure TakeFailure();
+  [[nodiscard]] WeakPtr<EventBroadcaster> GetWeakPtr() const { return weakFactory.GetWeakPtr(); }
+
+ protected:
+  /// Passes the exception that is being handled to the error handler, or keeps it.
+  void ReportFailure(const VtrString& name);
+
+ private:
+  friend class details::DeliveryScope;
+  friend class details::NamedEvent;
+  friend class EventHold;
+
+  void NotifyListenersOnIdleImpl(const VtrString& name, bool replaceLast, EventPtr event);
+  bool RemoveLastEvent(const VtrString& name);
+  [[nodiscard]] details::EventChannel& Channel(const details::EventName& name);
+  template <class Matches>
+  void DropQueued(Matches matches);
+
+  std::map<VtrString, details::EventChannel*> knownEvents;
+  std::unique_ptr<details::PendingEvents> pendingEvents;
+  std::map<VtrString, std::int32_t> disabledEvents;
+  std::map<VtrString, EventPtr> heldEvents;
+  std::map<void*, OneShotCallback<void()>> cleanupCallbacks;
+  ThreadingPolicyType threadingPolicy;
+  UpdatePolicyType updatePolicy;
+  std::atomic<bool> anyPending{false};
+  /// The listeners of typed events, by the number of their names.
+  std::vector<std::unique_ptr<details::EventChannel>> channels;
+  ErrorHandler errorHandler;
+  EventFailure failure;
+  details::DeliveryScope* delivery = nullptr;
+  WeakPtrFactory<EventBroadcaster> weakFactory;
+};
+
+using PolicyEventBroadcaster = EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
+using PendingEventBase = PolicyEventBroadcaster::PendingEventBase;
+
+extern template class EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
+
+}  // namespace DataBinding

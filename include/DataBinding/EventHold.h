@@ -1,0 +1,42 @@
+/// Holds an event back for a scope: while it lives the name is disabled, and the newest event of it
+/// is kept.
+///
+/// At its end, if nobody else disables the name, the held event is delivered at once, unless Drop
+/// was called. Holds nest and count. One that outlives its broadcaster does nothing to the next
+/// one. For the delivering thread.
+///
+///   const EventHold pause(loadChanged);
+#pragma once
+
+#include "DataBinding/AppEvent.h"
+#include "DataBinding/EventBroadcaster.h"
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/WeakPtr.h"
+
+namespace DataBinding {
+
+class DATABINDING_API EventHold {
+ public:
+  explicit EventHold(const VtrString& eventName);
+  template <class... Args>
+  explicit EventHold(const AppEvent<Args...>& event) : EventHold(event.Name()) {}
+  EventHold(EventHold&& other) noexcept;
+  EventHold& operator=(EventHold&& other) noexcept;
+  EventHold(const EventHold&) = delete;
+  EventHold& operator=(const EventHold&) = delete;
+  /// What a held event of the application's own kind throws goes to the error handler.
+  ~EventHold();
+
+  /// Lets the name go at the end without delivering what was held.
+  void Drop() noexcept { firesAtEnd = false; }
+
+ private:
+  void End() noexcept;
+
+  VtrString name;
+  WeakPtr<PolicyEventBroadcaster> broadcaster;
+  bool firesAtEnd = true;
+};
+
+}  // namespace DataBinding

@@ -1,0 +1,43 @@
+/// What a process knows of an application event: its name, its signature, and a number that finds
+/// it in a table.
+///
+/// There is one for each name, whichever modules use it. It is never destroyed and owns its texts,
+/// so it outlives the module that named it first. Any thread. AppEvent is its user.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <typeinfo>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding::details {
+
+class DATABINDING_API EventName {
+ public:
+  EventName(const EventName&) = delete;
+  EventName& operator=(const EventName&) = delete;
+  ~EventName() = default;
+
+  /// The event of that name. Throws std::logic_error, naming the event and both signatures, when
+  /// the name was first used with another signature.
+  [[nodiscard]] static const EventName& Find(VtrStringView name, const std::type_info& signature);
+  /// The text of a name, to be kept forever. Fixes no signature.
+  [[nodiscard]] static const wchar_t* Keep(VtrStringView name);
+
+  [[nodiscard]] const VtrString& Text() const noexcept { return text; }
+  /// Counts from 0 in order of first use.
+  [[nodiscard]] std::size_t Number() const noexcept { return number; }
+
+ private:
+  friend class EventNames;
+  EventName(VtrStringView name, std::size_t count) : text(name), number(count) {}
+
+  VtrString text;
+  std::size_t number;
+  std::string signatureKey;
+  std::string signatureText;
+};
+
+}  // namespace DataBinding::details

@@ -1,0 +1,66 @@
+/// The event broadcaster of the application: one in the process, whichever modules use it.
+///
+/// Beside what every broadcaster does it has hooks, which see all events with their arguments, for
+/// logs and test tools. It is made on first use and ends when it is released or the library is
+/// unloaded; a later use makes another one, without the subscriptions of the first. Hooks belong to
+/// the delivering thread.
+///
+///   auto& events = IAppEventBroadcaster::GetInstance();
+///   const int id = events.RegisterEventHook(EventHook::To<&Log::OnEvent>(log));
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "DataBinding/EventBroadcaster.h"
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/Any.h"
+#include "DataBinding/foundation/Delegate.h"
+#include "DataBinding/foundation/Singleton.h"
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding {
+
+/// Sees each event: its name, and its arguments in their order and exact types. Owns nothing.
+using EventHook = Delegate<void(VtrString, const std::vector<Any>&)>;
+
+class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster,
+                                                   public Singleton<IAppEventBroadcaster, 0> {
+ public:
+  /// Adds a hook and gives its id: 1, 2, ..., never used again. Hooks run after the listeners, in
+  /// order of their ids; what one throws is treated as a listener's exception.
+  int RegisterEventHook(EventHook hook, const void* owner = nullptr);
+  /// Removes a hook, and says whether there was one of that id.
+  bool UnregisterEventHook(int id);
+  /// Removes all hooks that were registered for an owner, and says how many. None for null.
+  int UnregisterEventHooks(const void* owner);
+
+ protected:
+  [[nodiscard]] bool AnyEventHooksRegistered() const override;
+  void OnEventDispatched(VtrString name, const std::vector<Any>& args) override;
+
+ private:
+  friend class VtrUtils::Singleton<IAppEventBroadcaster, 0>;
+  struct Hook {
+    EventHook call;
+    const void* owner;
+  };
+
+  IAppEventBroadcaster();
+  ~IAppEventBroadcaster();
+
+  int nextHookId = 1;
+  std::map<int, Hook> eventHooks;
+};
+
+}  // namespace DataBinding
+
+// The library itself makes and owns the instance, whichever module asks for it first.
+template <>
+DATABINDING_API DataBinding::IAppEventBroadcaster&
+VtrUtils::Singleton<DataBinding::IAppEventBroadcaster, 0>::GetInstance();
+template <>
+DATABINDING_API bool VtrUtils::Singleton<DataBinding::IAppEventBroadcaster, 0>::HasInstance();
+template <>
+DATABINDING_API void VtrUtils::Singleton<DataBinding::IAppEventBroadcaster, 0>::ReleaseInstance(
+    bool markReleased);

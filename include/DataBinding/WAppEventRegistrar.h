@@ -1,0 +1,76 @@
+/// Knows every activated listener to application events, and subscribes each as late as it may.
+///
+/// A listener that is added waits until the next flush, which comes before the next event is
+/// delivered, or until the application calls RegisterAppEvents. Listeners are not owned. One lock,
+/// recursive, guards everything and is held while listeners are called: they may add and remove
+/// listeners, other threads wait.
+///
+/// One that is removed during a flush before it was reached is not touched any more; one that is
+/// removed in its own InitEventMap is not subscribed. When a listener throws out of a flush, those
+/// that it had not reached are no longer waiting, deliberately: they stay known, and the next
+/// UnregisterAppEvents makes them wait again.
+#pragma once
+
+#include <atomic>
+#include <list>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/Fwd.h"
+#include "DataBinding/foundation/CriticalSection.h"
+#include "DataBinding/foundation/Singleton.h"
+
+namespace DataBinding {
+
+class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 1> {
+ public:
+  /// Adds a listener, once more if it is known already. Ignores null.
+  void AddEventListener(IAppEventListener* listener);
+  /// Takes one occurrence of a listener off, and unsubscribes it if it was subscribed. Does nothing
+  /// for a listener that is not known.
+  void RemoveEventListener(IAppEventListener* listener);
+  /// Initialises and subscribes those that wait, and those that they add. Costs an atomic load
+  /// where nobody waits.
+  void FlushDelayInitList();
+  /// The application is ready: flushes.
+  void RegisterAppEvents();
+  /// Unsubscribes the listeners and makes all wait again. When one throws, those behind it stay
+  /// subscribed, deliberately, and nothing is let out.
+  void UnregisterAppEvents();
+
+ protected:
+  friend class VtrUtils::Singleton<WAppEventRegistrar, 1>;
+  WAppEventRegistrar();
+  ~WAppEventRegistrar();
+
+ private:
+  using ListenerList = std::list<IAppEventListener*>;
+  class Flush;
+  class Walk;
+
+  void FlushOnce() DATABINDING_REQUIRES(lock);
+  bool ForgetWaiting(IAppEventListener* listener) DATABINDING_REQUIRES(lock);
+  void Forget(ListenerList::iterator listener) DATABINDING_REQUIRES(lock);
+  void UnsubscribeAll() DATABINDING_REQUIRES(lock);
+
+  ListenerList listeners DATABINDING_GUARDED_BY(lock);
+  ListenerList delayInitList DATABINDING_GUARDED_BY(lock);
+  bool registered DATABINDING_GUARDED_BY(lock) = false;
+  CriticalSection lock;
+  /// The innermost flush and the innermost walk over `listeners` that are under way.
+  Flush* flush DATABINDING_GUARDED_BY(lock) = nullptr;
+  Walk* walk DATABINDING_GUARDED_BY(lock) = nullptr;
+  /// Whether anybody waits, to be asked without the lock.
+  std::atomic<bool> anyWaiting{false};
+};
+
+}  // namespace DataBinding
+
+// The library itself makes and owns the instance, whichever module asks for it first.
+template <>
+DATABINDING_API DataBinding::WAppEventRegistrar&
+VtrUtils::Singleton<DataBinding::WAppEventRegistrar, 1>::GetInstance();
+template <>
+DATABINDING_API bool VtrUtils::Singleton<DataBinding::WAppEventRegistrar, 1>::HasInstance();
+template <>
+DATABINDING_API void VtrUtils::Singleton<DataBinding::WAppEventRegistrar, 1>::ReleaseInstance(
+    bool markReleased);
