@@ -19,7 +19,19 @@ class DeliveryScope {
     if (broadcaster != nullptr) broadcaster->delivery = outer;
   }
 
+  /// The innermost scope of a broadcaster that is delivering.
+  [[nodiscard]] static DeliveryScope& Of(PolicyEventBroadcaster& delivering) noexcept {
+    return *delivering.delivery;
+  }
+
+  /// Dispatches an event, which finds its owner here if it is to be held.
+  void Dispatch(const PolicyEventBroadcaster::EventPtr& owned) {
+    event = &owned;
+    owned->Dispatch(*broadcaster);
+  }
   [[nodiscard]] bool IsBroadcasterGone() const noexcept { return broadcaster == nullptr; }
+  /// The owner of the event that is being dispatched.
+  [[nodiscard]] const PolicyEventBroadcaster::EventPtr& Owner() const noexcept { return *event; }
   /// Tells a broadcaster's scopes, from the innermost one outward, that it ends.
   static void End(DeliveryScope* innermost) noexcept {
     for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
@@ -30,6 +42,7 @@ class DeliveryScope {
  private:
   PolicyEventBroadcaster* broadcaster;
   DeliveryScope* outer;
+  const PolicyEventBroadcaster::EventPtr* event = nullptr;
 };
 
 }  // namespace DataBinding::details

@@ -55,7 +55,7 @@ void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, boo
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);
   const auto held = heldEvents.extract(name);
-  if (fireHeldEvent && !held.empty()) held.mapped()->Dispatch(*this);
+  if (fireHeldEvent && !held.empty()) Deliver(held.mapped());
 }
 
 template <class Update, class Threading>
@@ -81,7 +81,7 @@ void EventBroadcaster<Update, Threading>::DisableAllEvents() {
 
 template <class Update, class Threading>
 bool EventBroadcaster<Update, Threading>::IsDisable(const VtrString& name) {
-  return disabledEvents.contains(name);
+  return !disabledEvents.empty() && disabledEvents.contains(name);
 }
 
 template <class Update, class Threading>
@@ -102,38 +102,54 @@ void EventBroadcaster<Update, Threading>::RemoveCleanupCallback(void* owner) {
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DispatchPendingEvents() {
-  const details::DeliveryScope scope(*this);
-  details::PendingEvents::Batch batch;
+  if (!HasPendingEvents()) return;
+  details::DeliveryScope scope(*this);
+  auto batch = std::exchange(pendingEvents->spare, {});
   {
     const QueueLock guard(threadingPolicy);
-    batch = pendingEvents->Take();
-    anyPending = false;
+    pendingEvents->Take(batch);
+    anyPending.store(false, std::memory_order_relaxed);
   }
   for (const auto& entry : batch) {
     if (entry.event == nullptr) continue;
-    entry.event->Dispatch(*this);
+    scope.Dispatch(entry.event);
     if (scope.IsBroadcasterGone()) return;
   }
   batch.clear();
-  if (scope.IsBroadcasterGone()) return;
-  const QueueLock guard(threadingPolicy);
-  pendingEvents->Recycle(std::move(batch));
+  if (!scope.IsBroadcasterGone()) pendingEvents->spare = std::move(batch);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Deliver(const EventPtr& event) {
+  details::DeliveryScope(*this).Dispatch(event);
 }
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::NotifyListenersOnIdleImpl(const VtrString& name,
                                                                     bool replaceLast,
                                                                     EventPtr event) {
-  if (event == nullptr) return;
-  using details::PendingEvents;
-  PendingEvents::Entry entry{name, std::move(event)};
-  if (replaceLast) entry.hash = PendingEvents::Hash(name);
+  if (event != nullptr) Append(name, replaceLast, std::move(event));
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::QueueNamed(const details::EventName& name,
+                                                     bool replaceLast, EventPtr&& event) {
+  Append(name, replaceLast, std::move(event));
+}
+
+template <class Update, class Threading>
+template <class Name>
+void EventBroadcaster<Update, Threading>::Append(const Name& name, bool replaceLast,
+                                                 EventPtr&& event) {
+  const std::uint64_t hash = replaceLast ? details::PendingEvents::Hash(name) : 0;
   EventPtr replaced;
   {
     const QueueLock guard(threadingPolicy);
-    pendingEvents->Reserve();
-    if (replaceLast) replaced = pendingEvents->RemoveLast(entry.name, entry.hash);
-    pendingEvents->Append(std::move(entry));
+    if (replaceLast) {
+      pendingEvents->Reserve();
+      replaced = pendingEvents->RemoveLast(name, hash);
+    }
+    pendingEvents->Append(name, std::move(event));
     anyPending.store(true, std::memory_order_release);
   }
   if (replaced == nullptr) updatePolicy.PostUpdate();
@@ -169,7 +185,7 @@ void EventBroadcaster<Update, Threading>::DropQueued(Matches matches) {
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DropEvents(const VtrString& name) {
-  DropQueued([&](const auto& entry) { return entry.name == name; });
+  DropQueued([&](const auto& entry) { return entry.Name() == name; });
   static_cast<void>(heldEvents.extract(name));
 }
 
@@ -234,7 +250,7 @@ template <class Update, class Threading>
 bool EventBroadcaster<Update, Threading>::PendingEventBase::HoldIfDisabled(
     EventBroadcaster& broadcaster, const VtrString& name, EventPtr event) {
   broadcaster.knownEvents.try_emplace(name, nullptr);
-  if (!broadcaster.disabledEvents.contains(name)) return false;
+  if (!broadcaster.IsDisable(name)) return false;
   std::swap(broadcaster.heldEvents[name], event);
   return true;
 }

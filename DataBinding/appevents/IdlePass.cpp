@@ -85,6 +85,7 @@ void IdlePass::Run() {
   keep->Begin();
   if (!IAppEventBroadcaster::HasInstance()) return;
   auto& events = IAppEventBroadcaster::GetInstance();
+  if (!events.HasPendingEvents() && !events.HasFailure()) return;
   const auto alive = events.GetWeakPtr();
   if (events.HasPendingEvents()) {
     try {

@@ -1,6 +1,7 @@
 #include "DataBinding/NamedEvent.h"
 
 #include "DataBinding/IAppEventBroadcaster.h"
+#include "DataBinding/WAppEventRegistrar.h"
 #include "DataBinding/foundation/Cancellation.h"
 #include "DeliveryScope.h"
 
@@ -8,14 +9,14 @@ namespace DataBinding::details {
 
 NamedEvent::~NamedEvent() = default;
 
-void NamedEvent::Queue(std::shared_ptr<NamedEvent> event, bool replaceLast) {
+void NamedEvent::Queue(const EventName& name, Ptr&& event, bool replaceLast) {
   PolicyEventBroadcaster& broadcaster = IAppEventBroadcaster::GetInstance();
-  const VtrString& name = event->name.Text();
-  broadcaster.NotifyListenersOnIdleImpl(name, replaceLast, std::move(event));
+  broadcaster.QueueNamed(name, replaceLast, std::move(event));
 }
 
-void NamedEvent::Send(const std::shared_ptr<NamedEvent>& event) {
-  event->Dispatch(IAppEventBroadcaster::GetInstance());
+void NamedEvent::Send(const Ptr& event) {
+  PolicyEventBroadcaster& broadcaster = IAppEventBroadcaster::GetInstance();
+  broadcaster.Deliver(event);
 }
 
 Subscription NamedEvent::Subscribe(IAppEventBroadcaster& broadcaster, const EventName& name,
@@ -25,12 +26,14 @@ Subscription NamedEvent::Subscribe(IAppEventBroadcaster& broadcaster, const Even
 }
 
 void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
-  const DeliveryScope scope(broadcaster);
-  Guarded(scope, broadcaster, [&] { broadcaster.updatePolicy.PreNotify(); });
-  if (scope.IsBroadcasterGone()) return;
+  const DeliveryScope& scope = DeliveryScope::Of(broadcaster);
+  if (WAppEventRegistrar::IsAnyWaiting()) {
+    Guarded(scope, broadcaster, [&] { broadcaster.updatePolicy.PreNotify(); });
+    if (scope.IsBroadcasterGone()) return;
+  }
   const EventChannel& channel = broadcaster.Channel(name);
   if (broadcaster.IsDisable(name.Text())) {
-    static_cast<void>(HoldIfDisabled(broadcaster, name.Text(), shared_from_this()));
+    static_cast<void>(HoldIfDisabled(broadcaster, name.Text(), scope.Owner()));
     return;
   }
   CallbackWalk walk(channel.listeners.Core());

@@ -29,14 +29,10 @@ PendingEvents::EventPtr PendingEvents::RemoveLast(const VtrString& name, std::ui
   return removed;
 }
 
-PendingEvents::Batch PendingEvents::Take() noexcept {
+void PendingEvents::Take(Batch& batch) noexcept {
   holes = 0;
   ClearIndex();
-  return std::exchange(entries, std::exchange(spare, {}));
-}
-
-void PendingEvents::Recycle(Batch&& emptied) noexcept {
-  if (spare.capacity() < emptied.capacity()) spare = std::move(emptied);
+  entries.swap(batch);
 }
 
 /// Enters what was appended since the index was last used.
@@ -44,8 +40,8 @@ void PendingEvents::IndexRest() {
   for (; indexed < entries.size(); ++indexed) {
     if ((names + 1) * 2 > newest.size()) GrowIndex();
     Entry& entry = entries[indexed];
-    if (entry.hash == 0) entry.hash = Hash(entry.name);
-    std::uint32_t& place = Slot(entry.name, entry.hash);
+    if (entry.hash == 0) entry.hash = Hash(entry.Name());
+    std::uint32_t& place = Slot(entry.Name(), entry.hash);
     if (place == none) ++names;
     entry.older = std::exchange(place, static_cast<std::uint32_t>(indexed));
   }
@@ -56,7 +52,7 @@ std::uint32_t& PendingEvents::Slot(const VtrString& name, std::uint64_t hash) {
   for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
     if (newest[at] == none) return newest[at];
     const Entry& entry = entries[newest[at]];
-    if (entry.hash == hash && entry.name == name) return newest[at];
+    if (entry.hash == hash && entry.Name() == name) return newest[at];
   }
 }
 
@@ -64,7 +60,7 @@ void PendingEvents::GrowIndex() {
   std::vector<std::uint32_t> grown(std::max(fewest * 2, newest.size() * 2), none);
   newest.swap(grown);
   for (const std::uint32_t entry : grown) {
-    if (entry != none) Slot(entries[entry].name, entries[entry].hash) = entry;
+    if (entry != none) Slot(entries[entry].Name(), entries[entry].hash) = entry;
   }
 }
 

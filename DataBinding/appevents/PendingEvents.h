@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "DataBinding/EventBroadcaster.h"
+#include "DataBinding/EventName.h"
 
 namespace DataBinding::details {
 
@@ -20,27 +21,45 @@ class PendingEvents {
  public:
   using EventPtr = std::shared_ptr<PendingEventBase>;
   struct Entry {
-    VtrString name;
-    EventPtr event;  // null for a hole
+    Entry(VtrString name, EventPtr&& queued) noexcept
+        : ownName(std::move(name)), event(std::move(queued)) {}
+    Entry(const EventName& name, EventPtr&& queued) noexcept
+        : permanentName(&name.Text()), event(std::move(queued)), hash(name.Hash()) {}
+
+    VtrString ownName;
+    const VtrString* permanentName = nullptr;  // one that is never destroyed needs no counting
+    EventPtr event;                            // null for a hole
     std::uint64_t hash = 0;
     std::uint32_t older = none;  // the entry of the same name before this one
+
+    [[nodiscard]] const VtrString& Name() const noexcept {
+      return permanentName == nullptr ? ownName : *permanentName;
+    }
   };
   using Batch = std::vector<Entry>;
 
   [[nodiscard]] static std::uint64_t Hash(const VtrString& name) noexcept {
     return std::hash<VtrString>()(name);
   }
+  [[nodiscard]] static std::uint64_t Hash(const EventName& name) noexcept { return name.Hash(); }
 
   /// Makes room, so that the next Append cannot fail.
   void Reserve();
-  void Append(Entry&& entry) noexcept { entries.push_back(std::move(entry)); }
+  template <class Name>
+  void Append(const Name& name, EventPtr&& event) {
+    entries.emplace_back(name, std::move(event));
+  }
   /// Takes out the newest event of a name, or null.
   [[nodiscard]] EventPtr RemoveLast(const VtrString& name, std::uint64_t hash);
+  [[nodiscard]] EventPtr RemoveLast(const EventName& name, std::uint64_t hash) {
+    return RemoveLast(name.Text(), hash);
+  }
   [[nodiscard]] bool IsEmpty() const noexcept { return entries.size() == holes; }
-  /// Hands over all entries and goes on with the memory of an earlier batch.
-  [[nodiscard]] Batch Take() noexcept;
-  /// Takes the memory of an emptied batch back.
-  void Recycle(Batch&& emptied) noexcept;
+  /// An emptied batch, kept for its memory. The delivering thread's, not guarded by the lock.
+  Batch spare;
+
+  /// Exchanges all entries for an empty batch, whose memory is used on.
+  void Take(Batch& batch) noexcept;
   /// Moves the events that match to `dropped`.
   template <class Matches>
   void Drop(Matches matches, std::vector<EventPtr>& dropped) {
@@ -62,7 +81,6 @@ class PendingEvents {
   [[nodiscard]] std::uint32_t& Slot(const VtrString& name, std::uint64_t hash);
 
   Batch entries;
-  Batch spare;
   std::size_t holes = 0;
   /// Open addressing: the newest entry of each name indexed so far, found by the name's hash.
   std::vector<std::uint32_t> newest;

@@ -1,12 +1,18 @@
 #include "DataBinding/WAppEventRegistrar.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "DataBinding/IAppEventListener.h"
 #include "DataBinding/foundation/Cancellation.h"
 
 namespace DataBinding {
+
+namespace {
+/// Whether the waiting list is not empty, to be asked without the lock.
+constinit std::atomic<bool> anyWaiting{false};
+}  // namespace
 
 /// Listeners taken off the waiting list, to be initialised one by one. On the stack; flushes nest.
 class WAppEventRegistrar::Flush {
@@ -78,7 +84,7 @@ class WAppEventRegistrar::Walk {
 };
 
 WAppEventRegistrar::WAppEventRegistrar() = default;
-WAppEventRegistrar::~WAppEventRegistrar() = default;
+WAppEventRegistrar::~WAppEventRegistrar() { anyWaiting = false; }
 
 void WAppEventRegistrar::AddEventListener(IAppEventListener* listener) {
   if (listener == nullptr) return;
@@ -113,8 +119,12 @@ void WAppEventRegistrar::Forget(ListenerList::iterator listener) {
   listeners.erase(listener);
 }
 
+bool WAppEventRegistrar::IsAnyWaiting() noexcept {
+  return anyWaiting.load(std::memory_order_acquire);
+}
+
 void WAppEventRegistrar::FlushDelayInitList() {
-  while (anyWaiting.load(std::memory_order_acquire)) {
+  while (IsAnyWaiting()) {
     const CriticalSectionLock guard(lock);
     FlushOnce();
   }

@@ -23,19 +23,40 @@ CriticalSection::CriticalSection() = default;
 CriticalSection::~CriticalSection() = default;
 
 bool CriticalSection::TryEnter() DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
-  return mutex.try_lock();
+  const auto self = std::this_thread::get_id();
+  if (owner.load(std::memory_order_relaxed) == self) {
+    ++depth;
+    return true;
+  }
+  auto expected = State::Free;
+  if (!state.compare_exchange_strong(expected, State::Held, std::memory_order_acquire,
+                                     std::memory_order_relaxed)) {
+    return false;
+  }
+  owner.store(self, std::memory_order_relaxed);
+  return true;
 }
 
 void CriticalSection::Enter() DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
-  for (unsigned attempts = 0; attempts <= spinCount; ++attempts) {
-    if (mutex.try_lock()) return;
+  if (TryEnter()) return;
+  for (unsigned spins = 0; spins < spinCount; ++spins) {
     Relax();
+    if (state.load(std::memory_order_relaxed) == State::Free && TryEnter()) return;
   }
-  mutex.lock();
+  // Whoever waits leaves word of it, so that the thread which leaves wakes somebody.
+  while (state.exchange(State::Awaited, std::memory_order_acquire) != State::Free) {
+    state.wait(State::Awaited, std::memory_order_relaxed);
+  }
+  owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
 }
 
 void CriticalSection::Leave() DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
-  mutex.unlock();
+  if (depth > 0) {
+    --depth;
+    return;
+  }
+  owner.store(std::thread::id(), std::memory_order_relaxed);
+  if (state.exchange(State::Free, std::memory_order_release) == State::Awaited) state.notify_one();
 }
 
 }  // namespace VtrUtils

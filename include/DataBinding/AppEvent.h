@@ -54,11 +54,11 @@ class AppEvent {
 
   /// Queues an event for the next idle pass. Any thread.
   DATABINDING_MODULE_LOCAL void Raise(Args... args) const {
-    details::NamedEvent::Queue(Make(std::move(args)...), false);
+    details::NamedEvent::Queue(Known(), Make(std::move(args)...), false);
   }
   /// The same, in place of the newest queued event of this name: only the latest one counts.
   DATABINDING_MODULE_LOCAL void RaiseLatest(Args... args) const {
-    details::NamedEvent::Queue(Make(std::move(args)...), true);
+    details::NamedEvent::Queue(Known(), Make(std::move(args)...), true);
   }
   /// Delivers an event now, on this thread, by the rules of a queued one: it is held while the name
   /// is disabled, hooks see it, and what listeners throw goes to the error handler.
@@ -76,7 +76,7 @@ class AppEvent {
   [[nodiscard]] const VtrString& Name() const { return Known().Text(); }
 
  private:
-  DATABINDING_MODULE_LOCAL std::shared_ptr<details::NamedEvent> Make(Args&&... args) const {
+  DATABINDING_MODULE_LOCAL details::NamedEvent::Ptr Make(Args&&... args) const {
     return std::make_shared<details::TypedEvent<Args...>>(Known(), ThisModule(),
                                                           std::move(args)...);
   }

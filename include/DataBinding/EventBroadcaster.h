@@ -148,6 +148,10 @@ class DATABINDING_API EventBroadcaster {
 
   void NotifyListenersOnIdleImpl(const VtrString& name, bool replaceLast, EventPtr event);
   bool RemoveLastEvent(const VtrString& name);
+  void QueueNamed(const details::EventName& name, bool replaceLast, EventPtr&& event);
+  template <class Name>
+  void Append(const Name& name, bool replaceLast, EventPtr&& event);
+  void Deliver(const EventPtr& event);
   [[nodiscard]] details::EventChannel& Channel(const details::EventName& name);
   template <class Matches>
   void DropQueued(Matches matches);

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <typeinfo>
 
@@ -27,14 +28,18 @@ class DATABINDING_API EventName {
   [[nodiscard]] static const wchar_t* Keep(VtrStringView name);
 
   [[nodiscard]] const VtrString& Text() const noexcept { return text; }
+  /// std::hash of the text.
+  [[nodiscard]] std::uint64_t Hash() const noexcept { return hash; }
   /// Counts from 0 in order of first use.
   [[nodiscard]] std::size_t Number() const noexcept { return number; }
 
  private:
   friend class EventNames;
-  EventName(VtrStringView name, std::size_t count) : text(name), number(count) {}
+  EventName(VtrStringView name, std::size_t count)
+      : text(name), hash(std::hash<VtrString>()(text)), number(count) {}
 
   VtrString text;
+  std::uint64_t hash;
   std::size_t number;
   std::string signatureKey;
   std::string signatureText;

@@ -26,16 +26,17 @@ struct EventChannel {
   CallbackListBase listeners;
 };
 
-class DATABINDING_API NamedEvent : public PendingEventBase,
-                                   public std::enable_shared_from_this<NamedEvent> {
+class DATABINDING_API NamedEvent : public PendingEventBase {
  public:
+  using Ptr = PolicyEventBroadcaster::EventPtr;
+
   ~NamedEvent() override;
 
   void Dispatch(PolicyEventBroadcaster& broadcaster) final;
   /// Queues the event at the process's broadcaster. Any thread.
-  static void Queue(std::shared_ptr<NamedEvent> event, bool replaceLast);
+  static void Queue(const EventName& name, Ptr&& event, bool replaceLast);
   /// Delivers the event at once, by the same rules.
-  static void Send(const std::shared_ptr<NamedEvent>& event);
+  static void Send(const Ptr& event);
   /// Adds a listener of the name's signature.
   static Subscription Subscribe(IAppEventBroadcaster& broadcaster, const EventName& name,
                                 const RepeatingCallbackMemento& callback);

@@ -11,7 +11,6 @@
 /// UnregisterAppEvents makes them wait again.
 #pragma once
 
-#include <atomic>
 #include <list>
 
 #include "DataBinding/Export.h"
@@ -28,9 +27,11 @@ class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 
   /// Takes one occurrence of a listener off, and unsubscribes it if it was subscribed. Does nothing
   /// for a listener that is not known.
   void RemoveEventListener(IAppEventListener* listener);
-  /// Initialises and subscribes those that wait, and those that they add. Costs an atomic load
-  /// where nobody waits.
+  /// Initialises and subscribes those that wait, and those that they add. Takes no lock where
+  /// nobody waits.
   void FlushDelayInitList();
+  /// Whether a flush would find anybody. Any thread; makes no registrar.
+  [[nodiscard]] static bool IsAnyWaiting() noexcept;
   /// The application is ready: flushes.
   void RegisterAppEvents();
   /// Unsubscribes the listeners and makes all wait again. When one throws, those behind it stay
@@ -59,8 +60,6 @@ class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 
   /// The innermost flush and the innermost walk over `listeners` that are under way.
   Flush* flush DATABINDING_GUARDED_BY(lock) = nullptr;
   Walk* walk DATABINDING_GUARDED_BY(lock) = nullptr;
-  /// Whether anybody waits, to be asked without the lock.
-  std::atomic<bool> anyWaiting{false};
 };
 
 }  // namespace DataBinding

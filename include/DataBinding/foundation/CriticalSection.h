@@ -1,7 +1,8 @@
 /// A recursive lock for short sections: tries, spins for a while, and only then blocks.
 ///
 /// The thread that holds it may enter again and leaves as often. The system's own critical section
-/// on Windows, with its spin count; elsewhere a recursive mutex that is tried up to that often.
+/// on Windows, with its spin count; elsewhere a word that is tried, watched up to that often, and
+/// then waited for.
 /// Entered through its scope guard.
 ///
 ///   const CriticalSectionLock guard(section);
@@ -12,7 +13,9 @@
 #if defined(_WIN32)
 #include <cstddef>
 #else
-#include <mutex>
+#include <atomic>
+#include <cstdint>
+#include <thread>
 #endif
 
 namespace VtrUtils {
@@ -35,7 +38,11 @@ class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Critica
 #if defined(_WIN32)
   alignas(void*) std::byte section[sizeof(void*) == 8 ? 40 : 24];
 #else
-  std::recursive_mutex mutex;
+  enum class State : std::uint32_t { Free, Held, Awaited };
+
+  std::atomic<State> state{State::Free};
+  std::atomic<std::thread::id> owner{};
+  std::uint32_t depth = 0;  // entries beyond the first, counted by the owner
 #endif
 };
 
