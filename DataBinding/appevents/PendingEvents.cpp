@@ -52,7 +52,7 @@ std::uint32_t& PendingEvents::Slot(const VtrString& name, std::uint64_t hash) {
   for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
     if (newest[at] == none) return newest[at];
     const Entry& entry = entries[newest[at]];
-    if (entry.hash == hash && entry.Name() == name) return newest[at];
+    if (entry.hash == hash && entry.IsNamed(name)) return newest[at];
   }
 }
 

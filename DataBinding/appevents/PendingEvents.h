@@ -35,6 +35,10 @@ class PendingEvents {
     [[nodiscard]] const VtrString& Name() const noexcept {
       return permanentName == nullptr ? ownName : *permanentName;
     }
+    /// Looks at the texts only where it must: they lie elsewhere.
+    [[nodiscard]] bool IsNamed(const VtrString& name) const noexcept {
+      return permanentName == &name || Name() == name;
+    }
   };
   using Batch = std::vector<Entry>;
 
