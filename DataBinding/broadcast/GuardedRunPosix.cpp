@@ -1,4 +1,3 @@
-#include <cxxabi.h>
 #include <dlfcn.h>
 #include <pthread.h>
 #include <setjmp.h>
@@ -7,6 +6,7 @@
 #include <array>
 #include <mutex>
 
+#include "CatchState.h"
 #include "GuardedRun.h"
 
 namespace DataBinding::details {
@@ -23,19 +23,6 @@ void RunUntrapped(void (*run)(void*), void* context) { run(context); }
 #else
 
 namespace {
-
-/// The runtime's record of the exceptions that this thread is handling, laid out by the Itanium C++
-/// ABI (2.2.2). A jump out of a catch block leaves it as it was inside.
-struct CatchState {
-  void* caught;
-  unsigned int uncaughtCount;
-
-  static CatchState& OfThread() noexcept {
-    static constinit thread_local CatchState* ofThread = nullptr;
-    if (ofThread == nullptr) ofThread = reinterpret_cast<CatchState*>(abi::__cxa_get_globals());
-    return *ofThread;
-  }
-};
 
 /// Where a fault on this thread goes: one for each guarded run that it is in.
 struct Trap {

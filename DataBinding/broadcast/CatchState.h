@@ -1,0 +1,21 @@
+/// The runtime's record of the exceptions that a thread is handling. A jump out of a catch block
+/// leaves it as it was inside: whoever jumps keeps a copy and puts it back.
+#pragma once
+
+#include <cxxabi.h>
+
+namespace DataBinding::details {
+
+/// Laid out by the Itanium C++ ABI (2.2.2).
+struct CatchState {
+  void* caught;
+  unsigned int uncaughtCount;
+
+  static CatchState& OfThread() noexcept {
+    static constinit thread_local CatchState* ofThread = nullptr;
+    if (ofThread == nullptr) ofThread = reinterpret_cast<CatchState*>(abi::__cxa_get_globals());
+    return *ofThread;
+  }
+};
+
+}  // namespace DataBinding::details

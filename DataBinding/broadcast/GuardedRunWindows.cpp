@@ -1,0 +1,133 @@
+#include <windows.h>
+
+#include <cstdint>
+#include <utility>
+
+#include "GuardedRun.h"
+#if !defined(_MSC_VER)
+#include "CatchState.h"
+#endif
+
+// Structured exceptions end at a table-based frame. C++ exceptions travel as structured ones too
+// and pass: they were caught further in, or are not the guard's business.
+
+namespace DataBinding::details {
+
+#if defined(DATABINDING_NO_FAULT_GUARD)
+
+std::uint32_t RunTrapping(void (*run)(void*), void* context) {
+  run(context);
+  return 0;
+}
+
+void RunUntrapped(void (*run)(void*), void* context) { run(context); }
+
+#else
+
+namespace {
+
+/// Guarded frames above this address, further out, do not catch: see RunUntrapped.
+constinit thread_local std::uintptr_t barrier = UINTPTR_MAX;
+
+bool IsCppException(DWORD code) noexcept {
+  constexpr DWORD microsoft = 0xE06D7363;
+  constexpr DWORD gcc = 0x00474343;  // 0x20, 0x21 or 0x22, then "GCC"
+  return code == microsoft || (code & 0x00FFFFFF) == gcc;
+}
+
+/// What the debugger is to see first, and what only a debugger knows.
+bool IsForDebugger(DWORD code) noexcept {
+  return code == EXCEPTION_BREAKPOINT || code == EXCEPTION_SINGLE_STEP;
+}
+
+std::uintptr_t FrameAddress() noexcept {
+#if defined(_MSC_VER)
+  return reinterpret_cast<std::uintptr_t>(_AddressOfReturnAddress());
+#else
+  return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+#endif
+}
+
+bool IsToBeCaught(DWORD code, const void* frame) noexcept {
+  return reinterpret_cast<std::uintptr_t>(frame) < barrier && !IsCppException(code) &&
+         !IsForDebugger(code);
+}
+
+}  // namespace
+
+#if defined(_MSC_VER)
+
+std::uint32_t RunTrapping(void (*run)(void*), void* context) {
+  const void* const frame = _AddressOfReturnAddress();
+  std::uint32_t code = 0;
+  __try {
+    run(context);
+  } __except (IsToBeCaught(code = GetExceptionCode(), frame) ? EXCEPTION_EXECUTE_HANDLER
+                                                             : EXCEPTION_CONTINUE_SEARCH) {
+    return code;
+  }
+  return 0;
+}
+
+#else
+
+// A frame that calls run(context) and answers 0, or what its handler unwound it with.
+extern "C" std::uint32_t DataBindingRunInFrame(void (*run)(void*), void* context);
+extern "C" const char DataBindingFrameEnd[];
+
+asm(R"(
+  .text
+  .p2align 4
+  .def DataBindingRunInFrame; .scl 2; .type 32; .endef
+  .seh_proc DataBindingRunInFrame
+DataBindingRunInFrame:
+  subq $40, %rsp
+  .seh_stackalloc 40
+  .seh_endprologue
+  .seh_handler DataBindingFrameHandler, @except
+  movq %rcx, %rax
+  movq %rdx, %rcx
+  call *%rax
+  xorl %eax, %eax
+DataBindingFrameEnd:
+  nop
+  addq $40, %rsp
+  ret
+  .seh_endproc
+)");
+
+extern "C" __attribute__((used)) EXCEPTION_DISPOSITION DataBindingFrameHandler(
+    EXCEPTION_RECORD* record, void* frame, CONTEXT* context, DISPATCHER_CONTEXT* dispatcher) {
+  constexpr DWORD unwinding = 0x2 | 0x4;  // this frame is being left, or the thread ends
+  if ((record->ExceptionFlags & unwinding) != 0) return ExceptionContinueSearch;
+  if (!IsToBeCaught(record->ExceptionCode, frame)) return ExceptionContinueSearch;
+  RtlUnwindEx(frame, const_cast<char*>(DataBindingFrameEnd), record,
+              reinterpret_cast<void*>(static_cast<std::uintptr_t>(record->ExceptionCode)), context,
+              dispatcher->HistoryTable);
+  return ExceptionContinueSearch;
+}
+
+std::uint32_t RunTrapping(void (*run)(void*), void* context) {
+  const CatchState exceptions = CatchState::OfThread();
+  const std::uintptr_t outerBarrier = barrier;
+  const std::uint32_t code = DataBindingRunInFrame(run, context);
+  if (code != 0) {
+    CatchState::OfThread() = exceptions;
+    barrier = outerBarrier;
+  }
+  return code;
+}
+
+#endif
+
+void RunUntrapped(void (*run)(void*), void* context) {
+  struct Raised {
+    std::uintptr_t outer = std::exchange(barrier, FrameAddress());
+    ~Raised() { barrier = outer; }
+  } raised;
+  run(context);
+}
+
+#endif
+
+}  // namespace DataBinding::details
