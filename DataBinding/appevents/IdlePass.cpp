@@ -57,7 +57,7 @@ IdlePass*& NewestPass() noexcept {
 IdlePass::IdlePass(RepeatingCallback<void()> wake)
     : state(std::make_shared<State>(std::move(wake))),
       installed([shared = state] { shared->Request(); }),
-      former(AEB::UpdatePolicy::updateUICallback()),
+      former(AEB::UpdatePolicy::UpdateUICallback()),
       nextPass(std::exchange(NewestPass(), this)) {
   AEB::UpdatePolicy::SetUpdateUICallback(installed);
   if (IsAnythingQueued()) state->Request();
@@ -74,7 +74,7 @@ IdlePass::~IdlePass() {
     if (isMine((*link)->former)) (*link)->former = former;
   }
   *link = nextPass;
-  if (!isMine(AEB::UpdatePolicy::updateUICallback())) return;
+  if (!isMine(AEB::UpdatePolicy::UpdateUICallback())) return;
   AEB::UpdatePolicy::SetUpdateUICallback(former);
   FirstFailure dropped;
   if (IsAnythingQueued()) dropped.Try([this] { former(); });

@@ -5,7 +5,7 @@
 namespace DataBinding::AEB {
 
 /// Never destroyed: threads may raise events while the process ends.
-RepeatingCallback<void()>& UpdatePolicy::updateUICallback() {
+RepeatingCallback<void()>& UpdatePolicy::UpdateUICallback() {
   static auto* callback = new RepeatingCallback<void()>;
   return *callback;
 }
@@ -13,12 +13,12 @@ RepeatingCallback<void()>& UpdatePolicy::updateUICallback() {
 void UpdatePolicy::PreNotify() { WAppEventRegistrar::GetInstance().FlushDelayInitList(); }
 
 bool UpdatePolicy::PostUpdate() {
-  updateUICallback()();
+  UpdateUICallback()();
   return true;
 }
 
 void UpdatePolicy::SetUpdateUICallback(const RepeatingCallback<void()>& callback) {
-  updateUICallback() = callback;
+  UpdateUICallback() = callback;
 }
 
 }  // namespace DataBinding::AEB

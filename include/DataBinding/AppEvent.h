@@ -46,6 +46,7 @@ class AppEvent {
   explicit AppEvent(const VtrString& eventName) : text(details::EventName::Keep(eventName)) {}
   constexpr AppEvent(const AppEvent& other) noexcept : text(other.text) {}
   AppEvent& operator=(const AppEvent& other) noexcept {
+    if (this == &other) return *this;
     text = other.text;
     known.store(nullptr, std::memory_order_relaxed);
     return *this;

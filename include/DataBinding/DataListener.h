@@ -21,6 +21,10 @@
 
 namespace DataBinding {
 
+namespace details {
+class ListenerDiagnosis;
+}  // namespace details
+
 /// One wanted property, and the registration while its source is connected.
 struct DataListenerEntry {
   VtrString dataSourceName;
@@ -63,6 +67,8 @@ class DATABINDING_API DataListener : public IDataListener {
   void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) override = 0;
 
  private:
+  friend class details::ListenerDiagnosis;
+
   std::vector<DataListenerEntry> listenerEntries;
   void SetProvider(IDataSourceProvider* newProvider);
 

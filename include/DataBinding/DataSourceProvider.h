@@ -79,6 +79,16 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
       if (children.contains(child)) visit(*child);
     }
   }
+  /// Calls visit(IDataListener&) for the living listeners that are registered here, in no
+  /// meaningful order. Those that leave meanwhile are skipped, those that come may be.
+  template <class Visitor>
+  void VisitDataListeners(Visitor&& visit) const {
+    for (auto next = listeners.begin(); next != listeners.end();) {
+      IDataListener* const listener = next->first;
+      if (next->second.liveness.IsValid()) visit(*listener);
+      next = listeners.upper_bound(listener);
+    }
+  }
 
  private:
   struct ListenerEntry {

@@ -43,7 +43,7 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
   friend class VtrUtils::Singleton<IAppEventBroadcaster, 0>;
   struct Hook {
     EventHook call;
-    const void* owner;
+    const void* owner = nullptr;
   };
 
   IAppEventBroadcaster();

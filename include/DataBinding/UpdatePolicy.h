@@ -30,7 +30,7 @@ struct DATABINDING_API UpdatePolicy {
 
  private:
   friend class DataBinding::IdlePass;
-  static RepeatingCallback<void()>& updateUICallback();
+  static RepeatingCallback<void()>& UpdateUICallback();
 };
 
 }  // namespace DataBinding::AEB

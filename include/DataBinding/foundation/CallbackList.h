@@ -72,7 +72,7 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
   void Cancel(std::uint64_t token) noexcept;
   /// Ends all entries. Those of a walk under way are released when it is over.
   void Close() noexcept;
-  void EndOutermostWalk() noexcept;
+  DATABINDING_API void EndOutermostWalk() noexcept;
 
  private:
   friend class CallbackWalk;

@@ -1,0 +1,66 @@
+#include "BindLink.h"
+
+#include <algorithm>
+#include <set>
+
+#include "DataBinding/DataBind.h"
+#include "DataBinding/IDataSourceProvider.h"
+#include "DataBinding/foundation/BindWeak.h"
+
+namespace DataBinding::details {
+
+BindLink::BindLink(BindConnection& listeningConnection, IDataSourceProvider& listenedScope)
+    : connection(listeningConnection),
+      scope(&listenedScope),
+      scopeLiveness(listenedScope.GetLiveness()) {}
+
+BindLink::~BindLink() {
+  isListening = false;
+  if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
+}
+
+void BindLink::Listen(bool isSourceWanted) {
+  std::set<VtrString> names;
+  if (isSourceWanted) names.insert(connection.SourceName());
+  scope->AddDataListener(this, names, true);
+  // Names that cannot be had here are passed on to the outer scopes, which have links of their own.
+  if (IDataSourceProvider* outer = scope->GetParent()) outer->RemoveDataListener(this);
+  if (isSourceWanted) Know(scope->GetLocalDataSourceInstance(connection.SourceName()));
+  isListening = true;
+}
+
+bool BindLink::HasCategory(const VtrString& category) const {
+  if (!scopeLiveness.IsValid()) return false;
+  return std::ranges::count(scope->GetCategories(), category) != 0;
+}
+
+void BindLink::ConnectToDatasource(IDataSource* added) {
+  if (!isListening || added == nullptr) return;
+  // The first source of a name keeps it; a new one cannot be found by its name yet.
+  const VtrString& name = connection.SourceName();
+  if (source != nullptr && scope->GetLocalDataSourceInstance(name) == source) return;
+  Know(added);
+  connection.Update();
+}
+
+void BindLink::DisconnectFromDatasource(IDataSource* going) {
+  if (isListening && going != nullptr && going == source) Lose();
+}
+
+void BindLink::NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) {
+  if (isListening) connection.CutAt(*this);
+}
+
+void BindLink::Know(IDataSource* newSource) {
+  sourceEnding.Cancel();
+  source = newSource;
+  if (source == nullptr) return;
+  sourceEnding = source->AddOnDestroyHandler(BindWeak(AsWeakPtr(), &BindLink::Lose));
+}
+
+void BindLink::Lose() {
+  Know(nullptr);
+  connection.Update();
+}
+
+}  // namespace DataBinding::details

@@ -1,0 +1,38 @@
+/// Whether a bind shows what it names, and if not, why.
+///
+/// A plain value, taken when it is asked for: it does not follow the bind. The text is for people;
+/// it names the data source, the property and the types, and is empty where all is well.
+///
+///   if (const BindStatus status = bind.Status(); !status.IsConnected()) Complain(status.text);
+#pragma once
+
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding::Framework {
+
+enum class BindState {
+  Connected,    ///< shows the value and may set it
+  ReadOnly,     ///< shows the value; only the data source itself may set it
+  Unbound,      ///< names no data source or no property, perhaps on purpose
+  NoProvider,   ///< is connected to no scope, or its scope is gone
+  NoContext,    ///< no scope here or further out has the data context's name as a category
+  NoSource,     ///< there is no such data source, or not yet
+  NotBuilt,     ///< the data source could be built, but nobody has asked for it
+  CaseDiffers,  ///< a data source or a property has that name in other case
+  Shadowed,     ///< a data source was added under a name that an earlier one had
+  NoProperty,   ///< the data source has no such property
+  WrongType     ///< the property has another type, or none that can be reached
+};
+
+struct BindStatus {
+  BindState state = BindState::Unbound;
+  /// Why the value is not shown, or cannot be set.
+  VtrString text;
+
+  /// True when the value is shown.
+  [[nodiscard]] bool IsConnected() const noexcept {
+    return state == BindState::Connected || state == BindState::ReadOnly;
+  }
+};
+
+}  // namespace DataBinding::Framework

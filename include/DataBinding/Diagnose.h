@@ -1,0 +1,37 @@
+/// Diagnose: what every bind and listener of a scope tree shows, or why it shows nothing.
+///
+/// For a debug window or a log, when a label stays empty. Takes a snapshot of plain values; builds
+/// no data source and changes nothing. One thread, that of the provider tree.
+///
+///   for (const BindDiagnosis& each : Diagnose(*registrar.GetRootProvider())) {
+///     if (!each.status.IsConnected()) Log(each.scopeName, each.status.text);
+///   }
+#pragma once
+
+#include <vector>
+
+#include "DataBinding/BindStatus.h"
+#include "DataBinding/Export.h"
+#include "DataBinding/Fwd.h"
+#include "DataBinding/foundation/String.h"
+
+namespace DataBinding {
+
+/// One bind, or one entry of a listener.
+struct BindDiagnosis {
+  /// The scope that it was given. To be compared; it may be gone later.
+  const IDataSourceProvider* scope = nullptr;
+  /// That scope's categories, separated by commas.
+  VtrString scopeName;
+  VtrString source;
+  VtrString property;
+  Framework::BindStatus status;
+};
+
+/// Looks at the binds and DataListeners of a scope and those within it, outer scopes first, in each
+/// in order of source and property. Each stands with the scope that it was given, and is left out
+/// where that scope is not in the tree. Listeners of other kinds do not tell what they want and are
+/// left out, as are event binds, which want nothing of a scope.
+[[nodiscard]] DATABINDING_API std::vector<BindDiagnosis> Diagnose(IDataSourceProvider& provider);
+
+}  // namespace DataBinding

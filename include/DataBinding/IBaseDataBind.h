@@ -1,0 +1,34 @@
+/// A bind that carries a value, whatever its type: what lists and editors of binds need of it.
+///
+/// Copying and moving take the names only, so a bind that was moved from stays as it was. Concrete
+/// binds decide on their connections. One thread, that of the provider tree.
+#pragma once
+
+#include "DataBinding/Export.h"
+#include "DataBinding/IBaseBind.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/Subscription.h"
+
+namespace DataBinding::Framework {
+
+class DATABINDING_API IBaseDataBind : public IBaseBind {
+ public:
+  IBaseDataBind();
+  IBaseDataBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
+                const VtrStringT<wchar_t>& pathInSource);
+  IBaseDataBind(const IBaseDataBind& other);
+  IBaseDataBind(IBaseDataBind&& other) noexcept;
+  IBaseDataBind& operator=(const IBaseDataBind& other);
+  IBaseDataBind& operator=(IBaseDataBind&& other) noexcept;
+  ~IBaseDataBind() override;
+
+  /// True when there is a value that only its data source may set.
+  [[nodiscard]] virtual bool IsReadOnly() const = 0;
+  /// True while there is a value to read.
+  [[nodiscard]] virtual bool HasValue() const = 0;
+  /// Runs the callback whenever the value changes, comes or goes, until the subscription ends. The
+  /// callback is not run by subscribing; it may end the bind.
+  virtual Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) = 0;
+};
+
+}  // namespace DataBinding::Framework

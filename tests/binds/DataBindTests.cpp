@@ -1,0 +1,195 @@
+#include <algorithm>
+#include <array>
+
+#include "Gauge.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+using Framework::BindState;
+using Framework::DataBind;
+
+class DataBinds : public BindTest {};
+
+TEST_F(DataBinds, ConnectWhenTheSourceAppearsAndFollowItUntilItGoes) {
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  const auto watch = Watch(bind);
+  EXPECT_EQ(bind.Get().error, PropertyError::NoSource);
+  EXPECT_EQ(bind.Get().text, L"There is no data source to have a property \"Level\" of type int.");
+  auto* gauge = AddGauge(child);
+  gauge->Level.Set(5);
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+  EXPECT_FALSE(bind.HasValue());
+  AddGauge(child, 7);
+  EXPECT_EQ(Notes(), "1 5 - 7");
+  bind.Connect(nullptr);
+  EXPECT_EQ(Notes(), "-");
+  bind.Connect(nullptr);
+  EXPECT_EQ(Notes(), "");
+}
+
+TEST_F(DataBinds, PreferTheNearerSourceAndFallBackToTheOuterOne) {
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  const auto watch = Watch(bind);
+  AddGauge(parent, 1);
+  auto* nearer = AddGauge(child, 2);
+  parent->GetLocalDataSourceInstance(L"Gauge")->UpdateListeners(L"Level");
+  EXPECT_EQ(Notes(), "1 2");
+  parent->DeleteLocalDataSourceInstance(L"Gauge");
+  AddGauge(parent, 3);
+  nearer->Level.Set(4);
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+  AddGauge(child, 5);
+  EXPECT_EQ(Notes(), "4 3 5");
+}
+
+TEST_F(DataBinds, FallBackToASourceThatIsJustBeingAdded) {
+  std::array<std::optional<LoggedListener>, 2> droppers;
+  DataBind<int> bind;
+  droppers[0].emplace(log);
+  bind = DataBind<int>(child.get(), L"Gauge", L"Level");
+  droppers[1].emplace(log);
+  for (auto& dropper : droppers) {
+    parent->AddDataListener(&*dropper, {L"Gauge"}, true);
+    dropper->hook = [this](const std::string& /*note*/) {
+      child->DeleteLocalDataSourceInstance(L"Gauge");
+    };
+  }
+  AddGauge(child, 1);
+  AddGauge(parent, 2);
+  EXPECT_EQ(*bind.Get(), 2);
+}
+
+TEST_F(DataBinds, StayWithTheFirstSourceOfANameAndTakeTheNextOneThatIsFound) {
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  const auto watch = Watch(bind);
+  AddGauge(child, 1);
+  auto* second = AddGauge(child, 2);
+  second->Level.Set(3);
+  EXPECT_EQ(Notes(), "1");
+  child->RemoveDataSource(second);  // which takes the name off the first one
+  AddGauge(child, 4);
+  EXPECT_EQ(Notes(), "4");
+  IDataSource::Destroy(second);
+}
+
+TEST_F(DataBinds, BeginWithTheNearestScopeOfTheContextsCategory) {
+  const auto inner = MakeProvider(child.get(), L"Row,C");
+  AddGauge(inner, 1);
+  AddGauge(child, 2);
+  AddGauge(parent, 3);
+  const auto shown = [&](const wchar_t* context) {
+    return DataBind<int>(inner.get(), context, L"Gauge", L"Level").Get().value.value_or(0);
+  };
+  EXPECT_EQ(shown(L""), 1);
+  EXPECT_EQ(shown(Framework::nullDataMarker), 1);
+  EXPECT_EQ(shown(L"C"), 1);
+  EXPECT_EQ(shown(L"B"), 3);
+  EXPECT_EQ(shown(L"b"), 0);
+  EXPECT_EQ(shown(L"A,B"), 0);
+}
+
+TEST_F(DataBinds, LoseWhatIsBehindAScopeThatShutsDown) {
+  const auto inner = MakeProvider(child.get(), L"Row");
+  AddGauge(parent, 3);
+  DataBind<int> byContext(inner.get(), L"A", L"Gauge", L"Level");
+  DataBind<int> byName(inner.get(), L"Gauge", L"Level");
+  const auto watches = std::array{Watch(byContext), Watch(byName)};
+  child.reset();
+  EXPECT_EQ(Notes(), "- -");
+  EXPECT_EQ(byContext.Status().state, BindState::NoContext);
+  EXPECT_EQ(byName.Status().state, BindState::NoSource);
+  inner->Shutdown();
+  EXPECT_EQ(byName.Status().state, BindState::NoProvider);
+  AddGauge(inner);
+  EXPECT_FALSE(byName.HasValue());
+}
+
+/// Ends a bind, its subscription, the scopes and the source in every order.
+TEST_F(DataBinds, BindSubscriptionScopesAndSourceMayEndInAnyOrder) {
+  std::array order{0, 1, 2, 3, 4};
+  do {
+    ProviderPtr outer = MakeProvider();
+    ProviderPtr inner = MakeProvider(outer.get());
+    std::optional<DataBind<int>> bind(std::in_place, inner.get(), L"Gauge", L"Level");
+    auto watch = Watch(*bind);
+    auto* gauge = AddGauge(outer);
+    DataSourcePtr<Gauge> taken;
+    const std::array<std::function<void()>, 5> ends{
+        [&] { bind.reset(); }, [&] { watch = Subscription(); }, [&] { outer.reset(); },
+        [&] { inner.reset(); },
+        [&] {
+          if (outer) outer->RemoveDataSource(gauge), IDataSource::Destroy(gauge);
+          gauge = nullptr;
+        }};
+    for (const int step : order) {
+      ends[static_cast<std::size_t>(step)]();
+      if (outer && gauge) gauge->Level.Set(*gauge->Level + 1);
+      const bool isShown = bind && inner && outer && gauge;
+      EXPECT_EQ(bind && bind->HasValue(), isShown);
+    }
+  } while (std::ranges::next_permutation(order).found);
+}
+
+TEST_F(DataBinds, SubscriberMayEndItsBindAndOthersWhateverItHearsOf) {
+  const std::array<std::function<void()>, 5> causes{
+      [&] { AddGauge(child, 2); },
+      [&] { static_cast<Gauge*>(parent->GetDataSource(L"Gauge"))->Level.Set(3); },
+      [&] { parent->DeleteLocalDataSourceInstance(L"Gauge"); }, [&] { child.reset(); },
+      [&] { parent.reset(); }};
+  for (const auto& cause : causes) {
+    parent = MakeProvider();
+    child = MakeProvider(parent.get());
+    AddGauge(parent);
+    auto bind = std::make_unique<DataBind<int>>(child.get(), L"Gauge", L"Level");
+    const auto watch = Watch(*bind);
+    std::optional<DataBind<int>> other(*bind);
+    const auto end = bind->SubscribeToChanges([&] { bind.reset(), other.reset(); });
+    const auto unheard = Watch(*bind);
+    cause();
+    EXPECT_EQ(bind, nullptr);
+    child.reset();
+  }
+  EXPECT_EQ(Notes(), "2 3 - - -");
+}
+
+TEST_F(DataBinds, ThrowingSubscriberKeepsNobodyFromHearing) {
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  const auto thrower = bind.SubscribeToChanges([] { throw std::runtime_error("refused"); });
+  const auto watch = Watch(bind);
+  EXPECT_THROW(AddGauge(child), std::runtime_error);
+  static_cast<Gauge*>(child->GetDataSource(L"Gauge"))->Level.Set(2);
+  EXPECT_EQ(Notes(), "1 2");
+}
+
+TEST_F(DataBinds, CopiesConnectThemselvesAndSubscribersStay) {
+  auto* gauge = AddGauge(child);
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  DataBind<int> copy(bind);
+  const auto watches = std::array{Watch(bind), Watch(copy)};
+  gauge->Level.Set(2);
+  EXPECT_EQ(Notes(), "2 2");
+  copy = DataBind<int>(child.get(), L"Gauge", L"Limit");
+  EXPECT_EQ(copy.Path(), L"Limit");
+  gauge->Level.Set(3);
+  EXPECT_EQ(Notes(), "100 3");
+}
+
+TEST_F(DataBinds, ForgetASourceThatEndsUnderAnotherName) {
+  class Chameleon : public Gauge {
+   public:
+    const wchar_t* GetDataSourceName() override { return name; }
+    const wchar_t* name = L"Gauge";
+  };
+  auto* source = MakeDataSource<Chameleon>(child.get()).release();
+  child->AddDataSource(source);
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  const auto watch = Watch(bind);
+  source->name = L"Other";
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+  EXPECT_EQ(Notes(), "-");
+  EXPECT_EQ(bind.Get().error, PropertyError::NoSource);
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing

@@ -1,0 +1,45 @@
+/// A data source for binds, and a note of what a bind's subscriber sees.
+#pragma once
+
+#include <string>
+
+#include "../support/Scopes.h"
+
+namespace DataBinding::Testing {
+
+/// Values above 100 become 100.
+class Gauge : public NamedDataSource {
+ public:
+  explicit Gauge(const VtrString& name = L"Gauge", int level = 1)
+      : NamedDataSource(name),
+        Level(this, L"Level", level,
+              {.validate = [](const int& wanted) { return wanted < 0 ? L"is negative" : L""; },
+               .changed =
+                   [this](int, int now) {
+                     if (now > 100) Level.Set(100);
+                   }}) {}
+
+  Property<int> Level;
+  ReadOnlyProperty<int> Limit{this, L"Limit", 100};
+  Property<double> Ratio{this, L"Ratio"};
+  Property<VtrString> Unit{this, L"Unit", L"kg"};
+};
+
+class BindTest : public Scopes {
+ protected:
+  static Gauge* AddGauge(const ProviderPtr& provider, int level = 1,
+                         const VtrString& name = L"Gauge") {
+    auto* gauge = MakeDataSource<Gauge>(provider.get(), name, level).release();
+    provider->AddDataSource(gauge);
+    return gauge;
+  }
+  /// Notes the value, or "-", at each notification.
+  Subscription Watch(Framework::IDataBind<int>& bind) {
+    return bind.SubscribeToChanges([this, watched = &bind] {
+      const auto value = watched->Get();
+      log += (value ? std::to_string(*value) : "-") + " ";
+    });
+  }
+};
+
+}  // namespace DataBinding::Testing

@@ -1,0 +1,137 @@
+#include <array>
+#include <vector>
+
+#include "Gauge.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+using Framework::BindState;
+using Framework::DataBind;
+
+/// A child scope with a gauge, in a parent with a "Shared" one and two that can be built.
+class BindStates : public BindTest {
+ protected:
+  BindStates() {
+    registrar.RegisterDataSource(&late);
+    registrar.RegisterDataSource(&foreign);
+    AddGauge(child);
+    AddGauge(parent, 2, L"Shared");
+  }
+
+  LoggedConstructor late{log, "late", L"Late", L"A"};
+  LoggedConstructor foreign{log, "foreign", L"Foreign", L"Elsewhere"};
+};
+
+TEST_F(BindStates, TellWhyABindShowsNothing) {
+  struct Case {
+    const wchar_t *context, *source, *property;
+    BindState state;
+    const wchar_t* text;
+  };
+  for (const Case& each : std::vector<Case>{
+           {L"", L"Gauge", L"Level", BindState::Connected, L""},
+           {L"", L"Gauge", L"Limit", BindState::ReadOnly,
+            L"Property \"Limit\" of data source \"Gauge\" is read-only: its type is int const, "
+            L"wanted int."},
+           {L"", L"", L"Level", BindState::Unbound, L"The bind names no data source."},
+           {L"", L"Gauge", L"VtrFrmWk::NullPath", BindState::Unbound,
+            L"The bind to data source \"Gauge\" names no property."},
+           {L"D", L"Gauge", L"Level", BindState::NoContext,
+            L"No scope here or further out has the category \"D\", where data source \"Gauge\" "
+            L"with "
+            L"its property \"Level\" is looked for."},
+           {L"A", L"Gauge", L"Level", BindState::NoSource,
+            L"There is no data source \"Gauge\" to have a property \"Level\"."},
+           {L"", L"Foreign", L"Level", BindState::NoSource,
+            L"There is no data source \"Foreign\" to have a property \"Level\"."},
+           {L"", L"Late", L"Level", BindState::NotBuilt,
+            L"Data source \"Late\" could be built, but nobody has asked for it."},
+           {L"", L"shared", L"Level", BindState::CaseDiffers,
+            L"There is no data source \"shared\", but one named \"Shared\"."},
+           {L"", L"LATE", L"Level", BindState::CaseDiffers,
+            L"There is no data source \"LATE\", but one named \"Late\"."},
+           {L"", L"Gauge", L"level", BindState::CaseDiffers,
+            L"Data source \"Gauge\" has no property \"level\", but one named \"Level\"."},
+           {L"", L"Gauge", L"Ratio", BindState::WrongType,
+            L"Property \"Ratio\" of data source \"Gauge\" has type double, not int."},
+           {L"", L"Gauge", L"Depth", BindState::NoProperty,
+            L"Data source \"Gauge\" has no property \"Depth\" (wanted type int, actual none)."}}) {
+    const DataBind<int> bind(child.get(), each.context, each.source, each.property);
+    const auto status = bind.Status();
+    EXPECT_EQ(status.state, each.state) << each.text;
+    EXPECT_EQ(status.text, each.text);
+    EXPECT_EQ(status.IsConnected(), bind.HasValue());
+    EXPECT_EQ(status.state == BindState::ReadOnly, bind.IsReadOnly());
+  }
+  EXPECT_EQ(Notes(), "late:registered foreign:registered");
+}
+
+TEST_F(BindStates, TellAShadowedSource) {
+  const auto* hidden =
+      L"A data source \"Gauge\" cannot be found: another one had its name when it "
+      L"was added.";
+  child->AddDataSource(MakeDataSource<LoggedSource>(child.get(), L"Shared", log).release());
+  AddGauge(child, 2, L"Shared");
+  EXPECT_EQ(DataBind<int>(child.get(), L"Shared", L"Level").Status().state, BindState::Shadowed);
+  AddGauge(child);
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  EXPECT_EQ(bind.Status().state, BindState::Connected);
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+  EXPECT_EQ(bind.Status().state, BindState::Shadowed);
+  EXPECT_EQ(bind.Status().text, hidden);
+}
+
+TEST_F(BindStates, TellThatThereIsNoScopeOrNoneAnyMore) {
+  DataBind<int> bind(L"Ctx", L"Gauge", L"Level");
+  for (const bool isScopeGone : {false, true}) {
+    if (isScopeGone) {
+      bind.Connect(child.get());
+      EXPECT_EQ(bind.Status().state, BindState::NoContext);
+      child.reset();
+    }
+    EXPECT_EQ(bind.Status().state, BindState::NoProvider);
+    EXPECT_EQ(bind.Status().text,
+              L"There is no scope to look for data source \"Gauge\" with its property \"Level\".");
+  }
+  EXPECT_EQ(DataBind<int>().Status().state, BindState::Unbound);
+}
+
+class Label : public DataListener {
+ public:
+  Label(const VtrString& source, const VtrString& property) {
+    AddDataListener(source, property, [] {});
+  }
+  void OnDataSourceProviderChanging(IDataSourceProvider* /*next*/) override {}
+};
+
+TEST_F(BindStates, AreListedForTheBindsAndListenersOfATree) {
+  DataBind<int> inner(child.get(), L"Gauge", L"Level");
+  DataBind<int> byContext(child.get(), L"B", L"Shared", L"Depth");
+  DataBind<int> outer(parent.get(), L"Late", L"Level");
+  DataBind<int> nowhere(L"Gauge", L"Level", L"");
+  LoggedListener ofAnotherKind(log);
+  parent->AddDataListener(&ofAnotherKind, {L"Shared"}, true);
+  std::array<Label, 3> labels{Label(L"Gauge", L"Limit"), Label(L"Gauge", L"Length"),
+                              Label(L"Tardy", L"Level")};
+  for (Label& label : labels) label.SetDataSourceProvider(child.get());
+  AddGauge(parent, 1, L"Tardy");
+  std::string rows;
+  for (const BindDiagnosis& each : Diagnose(*parent)) {
+    EXPECT_EQ(each.scope == child.get(), each.scopeName == L"C");
+    rows += each.scopeName.ToUtf8() + ":" + each.source.ToUtf8() + "." + each.property.ToUtf8() +
+            "=" + std::to_string(static_cast<int>(each.status.state)) + " ";
+  }
+  EXPECT_EQ(rows,
+            "A,B:Late.Level=6 C:Gauge.Length=9 C:Gauge.Level=0 C:Gauge.Limit=0 "
+            "C:Shared.Depth=9 C:Tardy.Level=5 ");
+  child.reset();
+  const auto left = Diagnose(*parent);
+  ASSERT_EQ(left.size(), 2U);
+  EXPECT_EQ(left[1].status.text,
+            L"Data source \"Tardy\" is there, but came unheard: in an outer scope, after the "
+            L"listener had been given its provider.");
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing
