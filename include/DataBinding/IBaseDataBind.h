@@ -1,7 +1,9 @@
 /// A bind that carries a value, whatever its type: what lists and editors of binds need of it.
 ///
 /// Copying and moving take the names only, so a bind that was moved from stays as it was. Concrete
-/// binds decide on their connections. One thread, that of the provider tree.
+/// binds decide on their connections.
+///
+/// One thread, that of the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"

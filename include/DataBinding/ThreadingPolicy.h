@@ -1,7 +1,9 @@
 /// The lock of an event broadcaster's queue.
 ///
-/// A critical section: recursive, tried first, then spun upon, then waited for. Held for a few
-/// instructions at a time and never while a callback runs. Neither copied nor moved.
+/// A critical section: recursive, tried first, then spun upon, then waited for. The broadcaster
+/// holds it for a few instructions at a time and never while a callback runs.
+///
+/// Held by value in its broadcaster; neither copied nor moved.
 #pragma once
 
 #include "DataBinding/Export.h"

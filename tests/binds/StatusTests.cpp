@@ -23,40 +23,45 @@ class BindStates : public BindTest {
   LoggedConstructor foreign{log, "foreign", L"Foreign", L"Elsewhere"};
 };
 
+struct Case {
+  const wchar_t *context, *source, *property;
+  BindState state;
+  const wchar_t* text;
+};
+
+const std::vector<Case>& Cases() {
+  static const std::vector<Case> cases{
+      {L"", L"Gauge", L"Level", BindState::Connected, L""},
+      {L"", L"Gauge", L"Limit", BindState::ReadOnly,
+       L"Property \"Limit\" of data source \"Gauge\" is read-only: its type is int const, "
+       L"wanted int."},
+      {L"", L"", L"Level", BindState::Unbound, L"The bind names no data source."},
+      {L"", L"Gauge", L"VtrFrmWk::NullPath", BindState::Unbound,
+       L"The bind to data source \"Gauge\" names no property."},
+      {L"D", L"Gauge", L"Level", BindState::NoContext,
+       L"No scope here or further out has the category \"D\", where data source \"Gauge\" "
+       L"with its property \"Level\" is looked for."},
+      {L"A", L"Gauge", L"Level", BindState::NoSource,
+       L"There is no data source \"Gauge\" to have a property \"Level\"."},
+      {L"", L"Foreign", L"Level", BindState::NoSource,
+       L"There is no data source \"Foreign\" to have a property \"Level\"."},
+      {L"", L"Late", L"Level", BindState::NotBuilt,
+       L"Data source \"Late\" could be built, but nobody has asked for it."},
+      {L"", L"shared", L"Level", BindState::CaseDiffers,
+       L"There is no data source \"shared\", but one named \"Shared\"."},
+      {L"", L"LATE", L"Level", BindState::CaseDiffers,
+       L"There is no data source \"LATE\", but one named \"Late\"."},
+      {L"", L"Gauge", L"level", BindState::CaseDiffers,
+       L"Data source \"Gauge\" has no property \"level\", but one named \"Level\"."},
+      {L"", L"Gauge", L"Ratio", BindState::WrongType,
+       L"Property \"Ratio\" of data source \"Gauge\" has type double, not int."},
+      {L"", L"Gauge", L"Depth", BindState::NoProperty,
+       L"Data source \"Gauge\" has no property \"Depth\" (wanted type int, actual none)."}};
+  return cases;
+}
+
 TEST_F(BindStates, TellWhyABindShowsNothing) {
-  struct Case {
-    const wchar_t *context, *source, *property;
-    BindState state;
-    const wchar_t* text;
-  };
-  for (const Case& each : std::vector<Case>{
-           {L"", L"Gauge", L"Level", BindState::Connected, L""},
-           {L"", L"Gauge", L"Limit", BindState::ReadOnly,
-            L"Property \"Limit\" of data source \"Gauge\" is read-only: its type is int const, "
-            L"wanted int."},
-           {L"", L"", L"Level", BindState::Unbound, L"The bind names no data source."},
-           {L"", L"Gauge", L"VtrFrmWk::NullPath", BindState::Unbound,
-            L"The bind to data source \"Gauge\" names no property."},
-           {L"D", L"Gauge", L"Level", BindState::NoContext,
-            L"No scope here or further out has the category \"D\", where data source \"Gauge\" "
-            L"with "
-            L"its property \"Level\" is looked for."},
-           {L"A", L"Gauge", L"Level", BindState::NoSource,
-            L"There is no data source \"Gauge\" to have a property \"Level\"."},
-           {L"", L"Foreign", L"Level", BindState::NoSource,
-            L"There is no data source \"Foreign\" to have a property \"Level\"."},
-           {L"", L"Late", L"Level", BindState::NotBuilt,
-            L"Data source \"Late\" could be built, but nobody has asked for it."},
-           {L"", L"shared", L"Level", BindState::CaseDiffers,
-            L"There is no data source \"shared\", but one named \"Shared\"."},
-           {L"", L"LATE", L"Level", BindState::CaseDiffers,
-            L"There is no data source \"LATE\", but one named \"Late\"."},
-           {L"", L"Gauge", L"level", BindState::CaseDiffers,
-            L"Data source \"Gauge\" has no property \"level\", but one named \"Level\"."},
-           {L"", L"Gauge", L"Ratio", BindState::WrongType,
-            L"Property \"Ratio\" of data source \"Gauge\" has type double, not int."},
-           {L"", L"Gauge", L"Depth", BindState::NoProperty,
-            L"Data source \"Gauge\" has no property \"Depth\" (wanted type int, actual none)."}}) {
+  for (const Case& each : Cases()) {
     const DataBind<int> bind(child.get(), each.context, each.source, each.property);
     const auto status = bind.Status();
     EXPECT_EQ(status.state, each.state) << each.text;

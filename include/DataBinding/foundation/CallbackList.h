@@ -4,10 +4,9 @@
 /// One thread adds to it, walks it and ends it; its subscriptions may be cancelled on any thread. A
 /// walk calls, in order of addition, those that were there when it began and are not cancelled when
 /// reached. A callback may add, cancel, walk the list again or end it: it stays alive until the
-/// outermost walk is over. A callback that is cancelled outside a walk is released at once; one
-/// that another thread cancels while it runs may go on running. Walking allocates nothing and takes
-/// no lock. The list itself is one pointer, null until something is added.
-///
+/// outermost walk is over. One that is cancelled outside a walk is released at once; one that
+/// another thread cancels while it runs may go on running. Walking allocates nothing and takes no
+/// lock. The list itself is one pointer, null until something is added.
 ///   CallbackList<int> moved;                                  // callbacks take const int&
 ///   Subscription redraw = moved.Add([this](int x) { Redraw(x); });
 ///   moved.Call(3);

@@ -1,6 +1,9 @@
 /// Names of types, for messages and for telling types apart across modules.
 ///
-/// Both own their text, so that they outlive the module that a type belongs to. Any thread.
+/// The texts are owned by whoever asks, so that they outlive the module that a type belongs to.
+/// Nothing is kept: each call allocates. Any thread.
+///
+///   throw std::logic_error("not a " + ReadableTypeName(typeid(T)));
 #pragma once
 
 #include <string>
