@@ -104,18 +104,18 @@ template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DispatchPendingEvents() {
   if (!HasPendingEvents()) return;
   details::DeliveryScope scope(*this);
-  auto batch = std::exchange(pendingEvents->spare, {});
+  auto batch = std::move(pendingEvents->spare);
+  if (batch == nullptr) batch = std::make_unique<details::PendingEvents::Batch>();
   {
     const QueueLock guard(threadingPolicy);
-    pendingEvents->Take(batch);
+    pendingEvents->Take(*batch);
     anyPending.store(false, std::memory_order_relaxed);
   }
-  for (const auto& entry : batch) {
-    if (entry.event == nullptr) continue;
-    scope.Dispatch(entry.event);
-    if (scope.IsBroadcasterGone()) return;
-  }
-  batch.clear();
+  batch->Visit([&](const EventPtr& event) {
+    scope.Dispatch(event);
+    return !scope.IsBroadcasterGone();
+  });
+  batch->Clear();
   if (!scope.IsBroadcasterGone()) pendingEvents->spare = std::move(batch);
 }
 
@@ -146,10 +146,10 @@ void EventBroadcaster<Update, Threading>::Append(const Name& name, bool replaceL
   {
     const QueueLock guard(threadingPolicy);
     if (replaceLast) {
-      pendingEvents->Reserve();
-      replaced = pendingEvents->RemoveLast(name, hash);
+      replaced = pendingEvents->Replace(name, hash, std::move(event));
+    } else {
+      pendingEvents->Append(name, std::move(event));
     }
-    pendingEvents->Append(name, std::move(event));
     anyPending.store(true, std::memory_order_release);
   }
   if (replaced == nullptr) updatePolicy.PostUpdate();
