@@ -97,7 +97,7 @@ void EventBroadcaster<Update, Threading>::AddCleanupCallback(void* owner,
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::RemoveCleanupCallback(void* owner) {
-  cleanupCallbacks.erase(owner);
+  const auto removed = cleanupCallbacks.extract(owner);  // what it owns may take others off
 }
 
 template <class Update, class Threading>

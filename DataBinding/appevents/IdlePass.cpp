@@ -57,10 +57,10 @@ IdlePass*& NewestPass() noexcept {
 IdlePass::IdlePass(RepeatingCallback<void()> wake)
     : state(std::make_shared<State>(std::move(wake))),
       installed([shared = state] { shared->Request(); }),
-      former(AEB::UpdatePolicy::UpdateUICallback()),
-      nextPass(std::exchange(NewestPass(), this)) {
+      former(AEB::UpdatePolicy::UpdateUICallback()) {
+  if (IsAnythingQueued()) state->Request();  // may throw: nothing is installed yet
+  nextPass = std::exchange(NewestPass(), this);
   AEB::UpdatePolicy::SetUpdateUICallback(installed);
-  if (IsAnythingQueued()) state->Request();
 }
 
 /// Takes this pass out of the chain of callbacks, wherever in it it stands.

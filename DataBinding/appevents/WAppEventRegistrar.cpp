@@ -49,6 +49,13 @@ class WAppEventRegistrar::Flush {
       if (flush->current == listener) flush->current = nullptr;
     }
   }
+  /// None goes any further: all are waiting again.
+  static void StopAll(Flush* innermost) noexcept {
+    for (Flush* flush = innermost; flush != nullptr; flush = flush->outer) {
+      flush->current = nullptr;
+      flush->taken.clear();
+    }
+  }
 
  private:
   Flush*& innermost;
@@ -148,6 +155,7 @@ void WAppEventRegistrar::UnregisterAppEvents() {
   UnsubscribeAll();
   registered = false;
   delayInitList = listeners;
+  Flush::StopAll(flush);
   anyWaiting.store(!delayInitList.empty(), std::memory_order_release);
 }
 

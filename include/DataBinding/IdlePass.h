@@ -43,7 +43,7 @@ class DATABINDING_API IdlePass {
   std::shared_ptr<State> state;
   RepeatingCallback<void()> installed;
   RepeatingCallback<void()> former;
-  IdlePass* nextPass;
+  IdlePass* nextPass = nullptr;
 };
 
 }  // namespace DataBinding
