@@ -11,17 +11,22 @@ namespace Sysmon {
 const char usageText[] =
     R"(usage: sysmon [options]
 
-Shows what this machine is doing. On a terminal it is a live table; elsewhere it
-prints frames of plain text.
+Shows what this machine is doing and what happens on it. On a terminal it is a live
+table with a log of events; elsewhere it prints frames of plain text.
 
   --interval MS   time between two samples, 50 to 3600000 milliseconds (1000)
   --frames N      end after N frames
-  --json          take two samples, one interval apart, print them as JSON, and end
+  --json          take two samples, one interval apart, print them as JSON, and end;
+                  with --frames take N samples, and list the events, too
+  --alarm NAME=X  raise an alarm at X: Cpu and Memory in percent (90), Load (50)
   --help          print this text
 
 keys: arrows, PgUp, PgDn, Home, End  move       c m p n  sort by cpu, memory, pid, name
       Enter  open a process                     r        reverse the order
-      Esc    close it                           q        quit
+      Esc    close it                           l        log: happenings, all events, none
+      a      edit when alarms are raised: Tab goes to the next one, Enter sets it,
+             Esc leaves it
+      Space  pause and go on                    q        quit
 )";
 
 namespace {
@@ -36,11 +41,16 @@ std::uint64_t ParseNumber(std::string_view option, std::string_view text, std::u
                    " to " + std::to_string(most));
 }
 
-constexpr option known[] = {{"interval", required_argument, nullptr, 'i'},
-                            {"frames", required_argument, nullptr, 'f'},
-                            {"json", no_argument, nullptr, 'j'},
-                            {"help", no_argument, nullptr, 'h'},
-                            {nullptr, 0, nullptr, 0}};
+std::pair<std::string, std::string> ParseAlarm(std::string_view text) {
+  const auto sign = text.find('=');
+  if (sign == std::string_view::npos) throw UsageError("--alarm needs NAME=VALUE");
+  return {std::string(text.substr(0, sign)), std::string(text.substr(sign + 1))};
+}
+
+constexpr option known[] = {
+    {"interval", required_argument, nullptr, 'i'}, {"frames", required_argument, nullptr, 'f'},
+    {"alarm", required_argument, nullptr, 'a'},    {"json", no_argument, nullptr, 'j'},
+    {"help", no_argument, nullptr, 'h'},           {nullptr, 0, nullptr, 0}};
 
 }  // namespace
 
@@ -55,6 +65,9 @@ Options ParseOptions(int count, char** arguments) {
         break;
       case 'f':
         options.frames = ParseNumber("--frames", optarg, 1, 1'000'000'000);
+        break;
+      case 'a':
+        options.alarms.push_back(ParseAlarm(optarg));
         break;
       case 'j':
         options.isJson = true;

@@ -4,12 +4,17 @@
 #include <chrono>
 #include <cstdint>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace Sysmon {
 
 struct Options {
   std::chrono::milliseconds interval{1000};
   std::uint64_t frames = 0;  ///< 0 for no end
+  /// Limits of alarms: names and values, as they were written.
+  std::vector<std::pair<std::string, std::string>> alarms;
   bool isJson = false;
   bool isHelp = false;
 };

@@ -1,12 +1,12 @@
-/// A system monitor: the library's data sources, scopes and listeners at work on live figures.
+/// A system monitor: the library's data sources, scopes, events and binds at work on live figures.
 ///
-///   system   reads the machine                      plain structs
-///      |
+///   system   reads the machine                      plain structs, on a thread of their own
+///      |  events, through a queue                   model/Events.h
 ///   model    publishes it: sources in scopes        names, values, announcements
 ///      |
 ///   view     shows whatever is published            knows names only, redraws what has changed
 ///
-/// Start reading at model/Sampler.h, then view/Watch.h.
+/// Start reading at model/Events.h, then model/Machine.h and view/Watch.h.
 #include <unistd.h>
 
 #include <clocale>
@@ -14,14 +14,20 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
-#include <thread>
 
 #include <DataBinding/IDataSourceRegistrar.h>
 #include <nlohmann/json.hpp>
 
 #include "Options.h"
+#include "common/EventLog.h"
+#include "common/Limits.h"
+#include "loop/EventPump.h"
 #include "loop/Loop.h"
+#include "model/AlarmWatch.h"
+#include "model/EventRecorder.h"
+#include "model/Machine.h"
 #include "model/Sampler.h"
 #include "view/JsonReport.h"
 #include "view/MonitorView.h"
@@ -48,40 +54,73 @@ class RootScope {
   }
 };
 
-int PrintJson(const Options& options, Sampler& sampler, IDataSourceProvider& root) {
-  std::this_thread::sleep_for(options.interval);
-  sampler.Sample();
-  std::cout << ReportTree(root).dump(2) << '\n';
-  if (!std::cout.flush()) throw std::runtime_error("cannot write to standard output");
-  return 0;
-}
-
-int RunOnTerminal(const Options& options, Sampler& sampler, IDataSourceProvider& root,
-                  SignalPipe& signals) {
-  Terminal terminal;
-  MonitorView view(root, terminal, true);
-  return Loop(options, sampler, view, signals, &terminal).Run();
-}
-
-int RunOnPage(const Options& options, Sampler& sampler, IDataSourceProvider& root,
-              SignalPipe& signals) {
-  TextSurface page;
-  MonitorView view(root, page, false);
-  return Loop(options, sampler, view, signals, nullptr).Run();
-}
-
-/// Runs until the program is to end. The signal that ended it, or 0.
-int RunMonitor(const Options& options) {
-  const RootScope root;
-  Sampler sampler(SystemReader::Create(), root.Get());
-  sampler.Sample();
-  if (options.isJson) return PrintJson(options, sampler, root.Get());
-  if (isatty(STDOUT_FILENO) == 0) {
-    SignalPipe signals{SIGINT, SIGTERM, SIGHUP};
-    return RunOnPage(options, sampler, root.Get(), signals);
+/// What is the same wherever the figures are shown.
+class Monitor {
+ public:
+  explicit Monitor(const Options& programOptions) : options(programOptions) {
+    for (const auto& [name, value] : options.alarms) SetAlarm(name, value);
   }
-  SignalPipe signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH};
-  return RunOnTerminal(options, sampler, root.Get(), signals);
+
+  /// These run until the program is to end. The signal that ended it, or 0.
+  int PrintJson() {
+    constexpr std::uint64_t usualFrames = 2;
+    Options limited = options;
+    if (options.frames == 0) limited.frames = usualFrames;
+    SignalPipe signals{SIGINT, SIGTERM, SIGHUP};
+    Loop loop(limited, pump, signals, nullptr, nullptr);
+    const int signal = Run(loop);
+    if (signal == 0) PrintReport();
+    return signal;
+  }
+  int RunOnPage() {
+    SignalPipe signals{SIGINT, SIGTERM, SIGHUP};
+    TextSurface page;
+    MonitorView view(root.Get(), page, log, false);
+    Loop loop(options, pump, signals, &view, nullptr);
+    return Run(loop);
+  }
+  int RunOnTerminal() {
+    SignalPipe signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH};
+    Terminal terminal;
+    MonitorView view(root.Get(), terminal, log, true);
+    Loop loop(options, pump, signals, &view, &terminal);
+    return Run(loop);
+  }
+
+ private:
+  void SetAlarm(const std::string& name, const std::string& value) {
+    const VtrString wrong =
+        SetLimit(root.Get(), VtrString::FromUtf8(name), VtrString::FromUtf8(value));
+    if (!wrong.IsEmpty()) throw UsageError("--alarm " + name + ": " + wrong.ToUtf8());
+  }
+  int Run(Loop& loop) {
+    const Sampler sampler(*reader, options.interval);
+    return loop.Run();
+  }
+  void PrintReport() {
+    auto report = ReportTree(root.Get());
+    if (options.frames != 0) report["Events"] = ReportEvents(log);
+    if (options.frames != 0 && log.Dropped() != 0) report["EventsDropped"] = log.Dropped();
+    std::cout << report.dump(2) << '\n';
+    if (!std::cout.flush()) throw std::runtime_error("cannot write to standard output");
+  }
+
+  static constexpr std::size_t mostEvents = 10'000;
+
+  const Options& options;
+  EventPump pump;
+  RootScope root;
+  std::unique_ptr<SystemReader> reader = SystemReader::Create();
+  EventLog log{mostEvents};
+  EventRecorder recorder{log};
+  Machine machine{*reader, root.Get()};
+  AlarmWatch alarms{root.Get()};
+};
+
+int RunMonitor(const Options& options) {
+  Monitor monitor(options);
+  if (options.isJson) return monitor.PrintJson();
+  return isatty(STDOUT_FILENO) == 0 ? monitor.RunOnPage() : monitor.RunOnTerminal();
 }
 
 int Main(int count, char** arguments) {

@@ -33,6 +33,6 @@ using BytesPerSecond = Quantity<struct ByteRateUnit, double>;
 using Share = Quantity<struct ShareUnit, double>;
 
 /// Every type that a property of this program may have.
-using Value = std::variant<VtrString, Count, double, Bytes, BytesPerSecond, Share, Seconds>;
+using Value = std::variant<VtrString, Count, double, Bytes, BytesPerSecond, Share, Seconds, bool>;
 
 }  // namespace Sysmon

@@ -3,43 +3,46 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
+#include <stdexcept>
+#include <utility>
 
 namespace Sysmon {
 
-Loop::Loop(const Options& programOptions, Sampler& modelSampler, MonitorView& monitorView,
-           SignalPipe& signalPipe, Terminal* keyTerminal)
+Loop::Loop(const Options& programOptions, EventPump& eventPump, SignalPipe& signalPipe,
+           MonitorView* monitorView, Terminal* keyTerminal)
     : options(programOptions),
-      sampler(modelSampler),
-      view(monitorView),
+      pump(eventPump),
       signals(signalPipe),
+      view(monitorView),
       terminal(keyTerminal),
-      hasKeys(keyTerminal != nullptr && isatty(STDIN_FILENO) != 0) {}
+      hasKeys(keyTerminal != nullptr && isatty(STDIN_FILENO) != 0),
+      sampled(sampleTaken.Subscribe([this](const Count&) { isFrameDue = true; })),
+      failed(samplingFailed.Subscribe(
+          [](const VtrString& reason) { throw std::runtime_error(reason.ToUtf8()); })) {}
 
 int Loop::Run() {
-  auto tick = Clock::now();
-  for (Count frame = 1; !isEnding; ++frame) {
-    view.Draw();
-    if (frame == options.frames) break;
-    tick = std::max(tick + options.interval, Clock::now());  // late ticks are not made up for
-    WaitUntil(tick);
-    if (!isEnding) sampler.Sample();
-  }
+  while (!isEnding) Wait();
   return endingSignal;
 }
 
-void Loop::WaitUntil(Clock::time_point tick) {
-  while (!isEnding) {
-    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(tick - Clock::now());
-    pollfd inputs[] = {{signals.Descriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
-    const int ready = poll(inputs, hasKeys ? 2 : 1, std::max(0, static_cast<int>(rest.count())));
-    if (ready == 0) return;
-    if (ready < 0) continue;  // a signal came, and waits in the pipe
-    if (inputs[0].revents != 0) ObeySignals();
-    if ((inputs[1].revents & POLLIN) != 0 && !isEnding) ObeyKeys();
-    isEnding |= (inputs[1].revents & ~POLLIN) != 0;  // the terminal is gone
-  }
+void Loop::Wait() {
+  pollfd inputs[] = {
+      {signals.Descriptor(), POLLIN, 0}, {pump.Descriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
+  if (poll(inputs, hasKeys ? 3 : 2, -1) < 0) return;  // a signal came, and waits in the pipe
+  if (inputs[0].revents != 0) ObeySignals();
+  if (inputs[1].revents != 0 && !isEnding) DeliverEvents();
+  if ((inputs[2].revents & POLLIN) != 0 && !isEnding) ObeyKeys();
+  isEnding |= (inputs[2].revents & ~POLLIN) != 0;  // the terminal is gone
+}
+
+/// A frame is drawn for each sample; on a terminal, where that costs little, at once for each
+/// event.
+void Loop::DeliverEvents() {
+  pump.Deliver();
+  const bool isFrame = std::exchange(isFrameDue, false);
+  if (isFrame || terminal != nullptr) Draw();
+  if (isFrame) isEnding |= ++frames == options.frames;
 }
 
 void Loop::ObeySignals() {
@@ -51,7 +54,7 @@ void Loop::ObeySignals() {
       case SIGCONT:
       case SIGWINCH:
         terminal->Resume();
-        view.Obey(Key::Redraw);
+        view->Redraw();
         break;
       default:
         isEnding = true;
@@ -59,22 +62,34 @@ void Loop::ObeySignals() {
         return;
     }
   }
-  view.Draw();
+  Draw();
 }
 
 void Loop::Stop() {
   terminal->Suspend();
   signals.RaiseUnhandled(SIGTSTP);
   terminal->Resume();
-  view.Obey(Key::Redraw);
+  view->Redraw();
 }
 
 void Loop::ObeyKeys() {
-  for (Key key = terminal->ReadKey(); key != Key::None; key = terminal->ReadKey()) {
-    isEnding |= key == Key::Quit;
-    view.Obey(key);
+  for (auto press = terminal->ReadKey(); press.key != Key::None && !isEnding;
+       press = terminal->ReadKey()) {
+    ObeyKey(press);
   }
-  if (!isEnding) view.Draw();
+  if (!isEnding) Draw();
+}
+
+void Loop::ObeyKey(const KeyPress& press) {
+  if (view->Obey(press)) return;
+  isEnding |= press.key == Key::Quit;
+  if (press.key != Key::Pause) return;
+  pause.Toggle();
+  view->ShowPaused(pause.IsOn());
+}
+
+void Loop::Draw() {
+  if (view != nullptr) view->Draw();
 }
 
 }  // namespace Sysmon

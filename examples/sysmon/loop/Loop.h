@@ -1,41 +1,49 @@
-/// The loop of the program: samples at each tick, draws, and meanwhile obeys keys and signals.
+/// The loop of the program: delivers events, draws, and obeys keys and signals.
 #pragma once
 
-#include <chrono>
+#include <DataBinding/foundation/Subscription.h>
 
 #include "../Options.h"
-#include "../model/Sampler.h"
+#include "../model/Pause.h"
 #include "../view/MonitorView.h"
 #include "../view/Terminal.h"
+#include "EventPump.h"
 #include "SignalPipe.h"
 
 namespace Sysmon {
 
 class Loop {
  public:
-  /// The terminal is null where the view draws on something else.
-  Loop(const Options& programOptions, Sampler& modelSampler, MonitorView& monitorView,
-       SignalPipe& signalPipe, Terminal* keyTerminal);
+  /// The view is null where nothing is drawn, the terminal where it draws on something else.
+  Loop(const Options& programOptions, EventPump& eventPump, SignalPipe& signalPipe,
+       MonitorView* monitorView, Terminal* keyTerminal);
 
   /// Runs until the frames are drawn, or somebody ends it by key or signal. The signal, or 0.
+  /// Throws when sampling fails.
   [[nodiscard]] int Run();
 
  private:
-  using Clock = std::chrono::steady_clock;
-
-  void WaitUntil(Clock::time_point tick);
+  void Wait();
+  void DeliverEvents();
   void ObeySignals();
   void ObeyKeys();
+  void ObeyKey(const KeyPress& press);
+  void Draw();
   void Stop();
 
   const Options& options;
-  Sampler& sampler;
-  MonitorView& view;
+  EventPump& pump;
   SignalPipe& signals;
+  MonitorView* view;
   Terminal* terminal;
   bool hasKeys;
+  Pause pause;
+  Count frames = 0;
+  bool isFrameDue = false;
   bool isEnding = false;
   int endingSignal = 0;
+  DataBinding::Subscription sampled;
+  DataBinding::Subscription failed;
 };
 
 }  // namespace Sysmon

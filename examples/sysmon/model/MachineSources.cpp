@@ -2,31 +2,31 @@
 
 namespace Sysmon {
 
-HostSource::HostSource(const SystemRecord& shownRecord) : MachineSource(L"Host", shownRecord) {
+HostSource::HostSource(const MachineRecord& shownRecord) : MachineSource(L"Host", shownRecord) {
   MakeEventSource(L"ProcessesChanged");
   MakeEventSource(L"InterfacesChanged");
 }
 
 void HostSource::TakeOver() {
-  const HostReading& host = Now().host;
+  const HostReading& host = record.host.reading;
   Assign(name, VtrString::FromUtf8(host.name));
   Assign(system, VtrString::FromUtf8(host.system));
   Assign(architecture, VtrString::FromUtf8(host.architecture));
   Assign(uptime, host.uptime);
-  Assign(processes, Now().processes.size());
-  Assign(interfaces, Now().interfaces.size());
+  Assign(processes, record.host.processes);
+  Assign(interfaces, record.host.interfaces);
 }
 
 void CpuSource::TakeOver() {
-  Assign(cores, Now().cpu.cores);
-  Assign(user, record.CpuShare(&CpuReading::user));
-  Assign(kernel, record.CpuShare(&CpuReading::system));
-  Assign(waiting, record.CpuShare(&CpuReading::waiting));
-  Assign(stolen, record.CpuShare(&CpuReading::stolen));
+  Assign(cores, record.cpu.cores);
+  Assign(user, record.cpu.user);
+  Assign(kernel, record.cpu.kernel);
+  Assign(waiting, record.cpu.waiting);
+  Assign(stolen, record.cpu.stolen);
 }
 
 void MemorySource::TakeOver() {
-  const MemoryReading& memory = Now().memory;
+  const MemorySample& memory = record.memory;
   Assign(total, Bytes{memory.total});
   Assign(free, Bytes{memory.free});
   Assign(available, Bytes{memory.available});
@@ -46,7 +46,7 @@ Share MemorySource::Usage() const {
 }
 
 void LoadSource::TakeOver() {
-  const LoadReading& load = Now().load;
+  const LoadSample& load = record.load;
   Assign(one, load.one);
   Assign(five, load.five);
   Assign(fifteen, load.fifteen);

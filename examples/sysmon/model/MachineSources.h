@@ -2,7 +2,6 @@
 #pragma once
 
 #include "Records.h"
-#include "SampledSource.h"
 
 namespace Sysmon {
 
@@ -12,19 +11,17 @@ using DataBinding::ReadOnlyProperty;
 /// A source that shows the machine's record.
 class MachineSource : public SampledSource {
  protected:
-  MachineSource(const wchar_t* sourceName, const SystemRecord& shownRecord)
+  MachineSource(const wchar_t* sourceName, const MachineRecord& shownRecord)
       : SampledSource(sourceName), record(shownRecord) {}
 
-  [[nodiscard]] const SystemReading& Now() const { return record.Now(); }
-
-  const SystemRecord& record;
+  const MachineRecord& record;
 };
 
 /// Announces, too, when processes or interfaces have come or gone: the events ProcessesChanged and
 /// InterfacesChanged.
 class HostSource final : public MachineSource {
  public:
-  explicit HostSource(const SystemRecord& shownRecord);
+  explicit HostSource(const MachineRecord& shownRecord);
 
   ReadOnlyProperty<VtrString> name{this, L"Name"};
   ReadOnlyProperty<VtrString> system{this, L"System"};
@@ -40,7 +37,7 @@ class HostSource final : public MachineSource {
 /// Shares of the time of all processors together.
 class CpuSource final : public MachineSource {
  public:
-  explicit CpuSource(const SystemRecord& shownRecord) : MachineSource(L"Cpu", shownRecord) {}
+  explicit CpuSource(const MachineRecord& shownRecord) : MachineSource(L"Cpu", shownRecord) {}
 
   ReadOnlyProperty<Count> cores{this, L"Cores"};
   ReadOnlyProperty<Share> user{this, L"User"};
@@ -56,7 +53,7 @@ class CpuSource final : public MachineSource {
 
 class MemorySource final : public MachineSource {
  public:
-  explicit MemorySource(const SystemRecord& shownRecord) : MachineSource(L"Memory", shownRecord) {}
+  explicit MemorySource(const MachineRecord& shownRecord) : MachineSource(L"Memory", shownRecord) {}
 
   ReadOnlyProperty<Bytes> total{this, L"Total"};
   ReadOnlyProperty<Bytes> free{this, L"Free"};
@@ -76,7 +73,7 @@ class MemorySource final : public MachineSource {
 
 class LoadSource final : public MachineSource {
  public:
-  explicit LoadSource(const SystemRecord& shownRecord) : MachineSource(L"Load", shownRecord) {}
+  explicit LoadSource(const MachineRecord& shownRecord) : MachineSource(L"Load", shownRecord) {}
 
   ReadOnlyProperty<double> one{this, L"One"};
   ReadOnlyProperty<double> five{this, L"Five"};

@@ -1,15 +1,15 @@
-/// What the scopes are about: the machine, one of its processes, one of its network interfaces.
-///
-/// A record holds the latest reading and what only two readings together can tell. The sampler
-/// moves it on; the data sources of its scope show it. The record of a scope is its data context.
+/// The latest samples of what the scopes are about: the machine, one of its processes, one of its
+/// network interfaces. The data sources of a scope show its record, which is its data context.
 #pragma once
 
 #include <string>
+#include <utility>
 
+#include <DataBinding/AppEventListener.h>
 #include <DataBinding/IDataSourceProvider.h>
 
-#include "../common/Quantities.h"
-#include "../system/SystemReader.h"
+#include "Events.h"
+#include "SampledSource.h"
 
 namespace DataBinding {
 
@@ -30,76 +30,61 @@ template <class Record>
   return static_cast<const Record&>(*scope.GetDataContext());
 }
 
-class SystemRecord {
- public:
-  explicit SystemRecord(SystemReader& systemReader) : reader(systemReader) {}
-
-  void Advance();
-
-  [[nodiscard]] const SystemReading& Now() const { return now; }
-  /// The time between the last two readings; 0 after the first.
-  [[nodiscard]] Seconds Elapsed() const { return elapsed; }
-  /// The part of the processors' time that went into one kind of work since the last reading, or
-  /// since the machine started.
-  [[nodiscard]] Share CpuShare(Seconds CpuReading::*kind) const;
-  [[nodiscard]] CommandReading ReadCommand(Count processId) const {
-    return reader.ReadCommand(processId);
-  }
-
- private:
-  SystemReader& reader;
-  SystemReading now;
-  CpuReading cpuBefore;
-  Seconds elapsed{};
+struct MachineRecord {
+  HostSample host;
+  CpuSample cpu;
+  MemorySample memory;
+  LoadSample load;
 };
 
 class ProcessRecord final : public DataBinding::IDataContext {
  public:
-  using Reading = ProcessReading;
+  ProcessRecord(const ProcessSample& first, SystemReader& systemReader)
+      : now(first), reader(systemReader) {}
 
-  explicit ProcessRecord(const SystemRecord& ofSystem) : system(ofSystem) {}
-
-  /// Tells a process from another one that bears the same number later.
-  [[nodiscard]] static std::pair<Count, Seconds> Key(const ProcessReading& reading) {
-    return {reading.id, reading.started};
+  [[nodiscard]] static std::pair<Count, Seconds> Key(const ProcessSample& sample) {
+    return {sample.reading.id, sample.reading.started};
   }
-  void Advance(const ProcessReading& reading);
+  void Follow(const ProcessSample& sample, const DataBinding::IDataSourceProvider& scope) {
+    now = sample;
+    RefreshSources(scope);
+  }
 
-  [[nodiscard]] const ProcessReading& Now() const { return now; }
-  /// Of one processor's time, since the last reading or since the process started.
-  [[nodiscard]] Share CpuShare() const { return cpuShare; }
-  [[nodiscard]] Seconds Age() const { return system.Now().host.uptime - now.started; }
-  [[nodiscard]] CommandReading ReadCommand() const { return system.ReadCommand(now.id); }
+  [[nodiscard]] const ProcessSample& Now() const { return now; }
+  [[nodiscard]] CommandReading ReadCommand() const { return reader.ReadCommand(now.reading.id); }
 
  private:
-  const SystemRecord& system;
-  ProcessReading now;
-  Share cpuShare;
-  bool isKnown = false;
+  ProcessSample now;
+  SystemReader& reader;
 };
 
-class InterfaceRecord final : public DataBinding::IDataContext {
+/// Listens to its interface's own event.
+class InterfaceRecord final : public DataBinding::IDataContext,
+                              public DataBinding::AppEventListener {
  public:
-  using Reading = InterfaceReading;
+  InterfaceRecord(std::string interfaceName, SystemReader& /*systemReader*/)
+      : name(std::move(interfaceName)) {}
 
-  explicit InterfaceRecord(const SystemRecord& ofSystem) : system(ofSystem) {}
-
-  [[nodiscard]] static const std::string& Key(const InterfaceReading& reading) {
-    return reading.name;
+  [[nodiscard]] static const std::string& Key(const std::string& interface) { return interface; }
+  void Follow(const std::string& /*interface*/, const DataBinding::IDataSourceProvider& ownScope) {
+    scope = &ownScope;
   }
-  void Advance(const InterfaceReading& reading);
+  void InitEventMap() override {
+    if (!IsEventMapInitialised()) On(InterfaceMeasured(name), &InterfaceRecord::Take);
+    AppEventListener::InitEventMap();
+  }
 
-  [[nodiscard]] const InterfaceReading& Now() const { return now; }
-  /// Since the last reading; 0 after the first.
-  [[nodiscard]] BytesPerSecond ReceivedRate() const { return receivedRate; }
-  [[nodiscard]] BytesPerSecond SentRate() const { return sentRate; }
+  [[nodiscard]] const InterfaceSample& Now() const { return now; }
 
  private:
-  const SystemRecord& system;
-  InterfaceReading now;
-  BytesPerSecond receivedRate;
-  BytesPerSecond sentRate;
-  bool isKnown = false;
+  void Take(const InterfaceSample& sample) {
+    now = sample;
+    if (scope != nullptr) RefreshSources(*scope);
+  }
+
+  std::string name;
+  InterfaceSample now;
+  const DataBinding::IDataSourceProvider* scope = nullptr;
 };
 
 }  // namespace Sysmon

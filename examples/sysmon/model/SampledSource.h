@@ -1,6 +1,6 @@
-/// A data source whose properties follow a record that the sampler writes.
+/// A data source whose properties follow a record, which listeners to events write.
 ///
-/// It is built on demand, reads its record at once, and again whenever it is refreshed. The sampler
+/// It is built on demand, reads its record at once, and again whenever it is refreshed. The model
 /// meets it as its application part, IDataSourceBase, and needs to know no more of it than this.
 #pragma once
 
@@ -31,14 +31,17 @@ class SampledSource : public DataBinding::NamedDataSource {
   virtual void TakeOver() = 0;
 };
 
+/// Refreshes a source if it is there and follows a record.
+inline void RefreshSource(DataBinding::IDataSource* source) {
+  if (source == nullptr) return;
+  auto* const sampled = dynamic_cast<SampledSource*>(source->GetDataSourceBase());
+  if (sampled != nullptr) sampled->Refresh();
+}
+
 /// Refreshes the sources that have been built in a scope.
 inline void RefreshSources(const DataBinding::IDataSourceProvider& scope) {
-  const auto refresh = [](DataBinding::IDataSource& source) {
-    auto* const sampled = dynamic_cast<SampledSource*>(source.GetDataSourceBase());
-    if (sampled != nullptr) sampled->Refresh();
-  };
   const auto* const tree = dynamic_cast<const DataBinding::DataSourceProvider*>(&scope);
-  if (tree != nullptr) tree->VisitDataSources(refresh);
+  if (tree != nullptr) tree->VisitDataSources([](auto& source) { RefreshSource(&source); });
 }
 
 }  // namespace Sysmon

@@ -1,32 +1,35 @@
 #include "Sampler.h"
 
-#include <utility>
-
-#include <DataBinding/IDataSource.h>
-#include <DataBinding/MakeDataSource.h>
+#include <algorithm>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
 
 namespace Sysmon {
 
-template <class Source>
-typename Sampler::Constructor<Source>::Factory Sampler::FromRecord() {
-  return [this](DataBinding::IDataSourceProvider* scope) {
-    return DataBinding::MakeDataSource<Source>(scope, record);
-  };
+Sampler::Sampler(SystemReader& systemReader, std::chrono::milliseconds sampleInterval)
+    : reader(systemReader),
+      interval(sampleInterval),
+      thread([this](const std::stop_token& stop) { Run(stop); }) {}
+
+void Sampler::Run(const std::stop_token& stop) {
+  try {
+    SampleUntil(stop);
+  } catch (const std::exception& error) {
+    samplingFailed.Raise(VtrString::FromUtf8(error.what()));
+  }
 }
 
-Sampler::Sampler(std::unique_ptr<SystemReader> systemReader,
-                 DataBinding::IDataSourceProvider& rootScope)
-    : root(rootScope), reader(std::move(systemReader)) {}
-
-void Sampler::Sample() {
-  record.Advance();
-  const bool processesChanged = processes.Follow(record.Now().processes, record);
-  const bool interfacesChanged = interfaces.Follow(record.Now().interfaces, record);
-  RefreshSources(root);
-  // Nobody has built the source when nobody listens to it.
-  DataBinding::IDataSource* const host = root.GetLocalDataSourceInstance(L"Host");
-  if (host != nullptr && processesChanged) host->UpdateListeners(L"ProcessesChanged");
-  if (host != nullptr && interfacesChanged) host->UpdateListeners(L"InterfacesChanged");
+void Sampler::SampleUntil(const std::stop_token& stop) {
+  using Clock = std::chrono::steady_clock;
+  std::mutex mutex;
+  std::condition_variable_any wakeUp;
+  std::unique_lock lock(mutex);
+  for (auto tick = Clock::now(); !stop.stop_requested();) {
+    announcer.Announce(reader.Read());
+    tick = std::max(tick + interval, Clock::now());  // late ticks are not made up for
+    wakeUp.wait_until(lock, stop, tick, [] { return false; });
+  }
 }
 
 }  // namespace Sysmon

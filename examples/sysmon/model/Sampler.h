@@ -1,57 +1,32 @@
-/// The model: publishes the machine below a root scope, and follows it.
+/// The thread that reads the system at each tick and has an announcer raise what it finds.
 ///
-///   root       "root"       Host, Cpu, Memory, Load
-///   ├─ one     "process"    Process, Command
-///   └─ one     "interface"  Interface
-///
-/// Sources are registered here and built when somebody first asks a scope for them. Sample reads
-/// the system once: it moves the records on, makes and ends the scopes of what has come and gone,
-/// and refreshes the sources that have been built. It outlives its views.
+/// It begins at once. Whoever delivers the events outlives it.
 #pragma once
 
-#include <memory>
+#include <chrono>
+#include <stop_token>
+#include <thread>
 
-#include <DataBinding/DataSourceConstructor.h>
-
-#include "MachineSources.h"
-#include "ScopeSet.h"
-#include "ThingSources.h"
+#include "Announcer.h"
 
 namespace Sysmon {
 
 class Sampler {
  public:
-  Sampler(std::unique_ptr<SystemReader> systemReader, DataBinding::IDataSourceProvider& rootScope);
+  Sampler(SystemReader& systemReader, std::chrono::milliseconds sampleInterval);
   Sampler(const Sampler&) = delete;
   Sampler& operator=(const Sampler&) = delete;
+  /// Returns when the thread has ended.
   ~Sampler() = default;
 
-  void Sample();
-
  private:
-  template <class Source>
-  using Constructor = DataBinding::DataSourceConstructor<Source>;
+  void Run(const std::stop_token& stop);
+  void SampleUntil(const std::stop_token& stop);
 
-  /// Builds sources of the root scope, which was made without a data context.
-  template <class Source>
-  [[nodiscard]] typename Constructor<Source>::Factory FromRecord();
-
-  DataBinding::IDataSourceProvider& root;
-  std::unique_ptr<SystemReader> reader;
-  SystemRecord record{*reader};
-  Constructor<HostSource> hostSources{L"Host", L"root", DataBinding::Placement::Back,
-                                      FromRecord<HostSource>()};
-  Constructor<CpuSource> cpuSources{L"Cpu", L"root", DataBinding::Placement::Back,
-                                    FromRecord<CpuSource>()};
-  Constructor<MemorySource> memorySources{L"Memory", L"root", DataBinding::Placement::Back,
-                                          FromRecord<MemorySource>()};
-  Constructor<LoadSource> loadSources{L"Load", L"root", DataBinding::Placement::Back,
-                                      FromRecord<LoadSource>()};
-  Constructor<ProcessSource> processSources{L"Process", L"process"};
-  Constructor<CommandSource> commandSources{L"Command", L"process"};
-  Constructor<InterfaceSource> interfaceSources{L"Interface", L"interface"};
-  ScopeSet<ProcessRecord> processes{root, L"process"};
-  ScopeSet<InterfaceRecord> interfaces{root, L"interface"};
+  SystemReader& reader;
+  std::chrono::milliseconds interval;
+  Announcer announcer;
+  std::jthread thread;  // starts after, and ends before, what it uses
 };
 
 }  // namespace Sysmon

@@ -1,7 +1,7 @@
 /// The child scopes of one category: one for each thing of a kind that the system has.
 ///
-/// A scope is made when its thing is first read, with a record of it as data context, and ended
-/// when the thing is read no more: its sources go with it and its listeners are told.
+/// A scope is made when its thing is first reported, with a record of it as data context, and ended
+/// when the thing is reported no more: its sources go with it and its listeners are told.
 #pragma once
 
 #include <map>
@@ -10,38 +10,33 @@
 #include <utility>
 #include <vector>
 
-#include <DataBinding/IDataSourceProvider.h>
-
 #include "Records.h"
-#include "SampledSource.h"
 
 namespace Sysmon {
 
-template <class Record>
+/// A Thing is what reports tell of each: a sample or a name.
+template <class Record, class Thing>
 class ScopeSet {
  public:
-  using Reading = typename Record::Reading;
+  ScopeSet(DataBinding::IDataSourceProvider& parentScope, const wchar_t* scopeCategory,
+           SystemReader& systemReader)
+      : parent(parentScope), category(scopeCategory), reader(systemReader) {}
 
-  ScopeSet(DataBinding::IDataSourceProvider& parentScope, const wchar_t* scopeCategory)
-      : parent(parentScope), category(scopeCategory) {}
-
-  /// Moves the records on and refreshes their sources. True when scopes have come or gone.
-  bool Follow(const std::vector<Reading>& readings, const SystemRecord& system) {
+  /// Has the records follow a report. True when scopes have come or gone.
+  bool Follow(const std::vector<Thing>& things) {
     bool isChanged = false;
     auto ended = std::exchange(scopes, {});
-    for (const Reading& reading : readings) {
-      scopes.insert(ended.extract(Record::Key(reading)));
-      const auto [scope, isNew] =
-          scopes.try_emplace(Record::Key(reading), parent, category, system);
+    for (const Thing& thing : things) {
+      scopes.insert(ended.extract(Record::Key(thing)));
+      const auto [scope, isNew] = scopes.try_emplace(Record::Key(thing), *this, thing);
       isChanged |= isNew;
-      scope->second.record.Advance(reading);
-      RefreshSources(*scope->second.provider);
+      scope->second.record.Follow(thing, *scope->second.provider);
     }
     return isChanged || !ended.empty();
   }
 
  private:
-  using Key = std::decay_t<decltype(Record::Key(std::declval<const Reading&>()))>;
+  using Key = std::decay_t<decltype(Record::Key(std::declval<const Thing&>()))>;
 
   struct ProviderDeleter {
     void operator()(DataBinding::IDataSourceProvider* provider) const {
@@ -49,9 +44,9 @@ class ScopeSet {
     }
   };
   struct Scope {
-    Scope(DataBinding::IDataSourceProvider& parentScope, const wchar_t* scopeCategory,
-          const SystemRecord& system)
-        : record(system), provider(parentScope.CreateDataSourceProvider(scopeCategory, &record)) {}
+    Scope(const ScopeSet& set, const Thing& thing)
+        : record(thing, set.reader),
+          provider(set.parent.CreateDataSourceProvider(set.category, &record)) {}
 
     Record record;  // ends after the sources that read it
     std::unique_ptr<DataBinding::IDataSourceProvider, ProviderDeleter> provider;
@@ -59,6 +54,7 @@ class ScopeSet {
 
   DataBinding::IDataSourceProvider& parent;
   const wchar_t* category;
+  SystemReader& reader;
   std::map<Key, Scope> scopes;
 };
 

@@ -3,15 +3,15 @@
 namespace Sysmon {
 
 void ProcessSource::TakeOver() {
-  const ProcessReading& now = record.Now();
+  const ProcessReading& now = record.Now().reading;
   Assign(id, now.id);
   Assign(parent, now.parent);
   Assign(name, VtrString::FromUtf8(now.name));
   Assign(user, VtrString::FromUtf8(now.user));
   Assign(state, VtrString::FromUtf8(now.state));
-  Assign(cpu, record.CpuShare());
+  Assign(cpu, record.Now().cpu);
   Assign(cpuTime, now.cpuTime);
-  Assign(age, record.Age());
+  Assign(age, record.Now().age);
   Assign(threads, now.threads);
   Assign(resident, Bytes{now.residentBytes});
   Assign(virtualSize, Bytes{now.virtualBytes});
@@ -26,14 +26,14 @@ void CommandSource::TakeOver() {
 }
 
 void InterfaceSource::TakeOver() {
-  const InterfaceReading& now = record.Now();
+  const InterfaceReading& now = record.Now().reading;
   Assign(name, VtrString::FromUtf8(now.name));
   Assign(state, VtrString::FromUtf8(now.state));
   Assign(address, VtrString::FromUtf8(now.address));
   Assign(received, Bytes{now.receivedBytes});
   Assign(sent, Bytes{now.sentBytes});
-  Assign(receivedRate, record.ReceivedRate());
-  Assign(sentRate, record.SentRate());
+  Assign(receivedRate, record.Now().received);
+  Assign(sentRate, record.Now().sent);
   Assign(receivedPackets, now.receivedPackets);
   Assign(sentPackets, now.sentPackets);
   Assign(errors, now.errors);

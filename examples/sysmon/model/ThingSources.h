@@ -3,7 +3,6 @@
 #pragma once
 
 #include "Records.h"
-#include "SampledSource.h"
 
 namespace Sysmon {
 

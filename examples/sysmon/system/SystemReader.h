@@ -100,7 +100,8 @@ class SystemReader {
   virtual ~SystemReader() = default;
 
   [[nodiscard]] virtual SystemReading Read() = 0;
-  /// What this user may not see, or a process that has ended, leaves its part empty.
+  /// What this user may not see, or a process that has ended, leaves its part empty. Another thread
+  /// may call Read meanwhile.
   [[nodiscard]] virtual CommandReading ReadCommand(std::uint64_t processId) = 0;
 
   /// The reader of the operating system that this program was built for.

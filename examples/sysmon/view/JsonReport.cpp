@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <map>
 #include <string>
 #include <utility>
@@ -20,6 +21,7 @@ using nlohmann::json;
 struct Writer {
   json operator()(const VtrString& text) const { return text.ToUtf8(); }
   json operator()(Count count) const { return count; }
+  json operator()(bool isSo) const { return isSo; }
   json operator()(double number) const { return number; }
   json operator()(Bytes bytes) const { return bytes.value; }
   json operator()(BytesPerSecond speed) const { return speed.value; }
@@ -76,6 +78,22 @@ json ReportScope(IDataSourceProvider& scope) {
   return members;
 }
 
+json ReportArgument(const EventArgument& argument) {
+  if (argument.size() == 1 && argument.front().name.IsEmpty()) {
+    return std::visit(Writer(), argument.front().value);
+  }
+  json members = json::object();
+  for (const auto& [name, value] : argument) members[name.ToUtf8()] = std::visit(Writer(), value);
+  return members;
+}
+
+/// Seconds since 1970, to the millisecond.
+json ReportTime(std::chrono::system_clock::time_point time) {
+  using Milliseconds = std::chrono::milliseconds;
+  const auto whole = std::chrono::floor<Milliseconds>(time.time_since_epoch());
+  return static_cast<double>(whole.count()) / 1000;
+}
+
 }  // namespace
 
 json ReportTree(IDataSourceProvider& root) {
@@ -86,6 +104,20 @@ json ReportTree(IDataSourceProvider& root) {
   }
   AddChildren(root, members);
   return members;
+}
+
+json ReportEvents(const EventLog& log) {
+  json events = json::array();
+  for (const EventLog::Entry& entry : log.Entries()) {
+    json arguments = json::array();
+    for (const EventArgument& argument : entry.arguments) {
+      arguments.push_back(ReportArgument(argument));
+    }
+    events.push_back({{"Name", entry.name.ToUtf8()},
+                      {"Time", ReportTime(entry.time)},
+                      {"Arguments", std::move(arguments)}});
+  }
+  return events;
 }
 
 }  // namespace Sysmon

@@ -1,5 +1,5 @@
-/// The whole tree of scopes as JSON, found by walking it: no name of a source or property is known
-/// here.
+/// The whole tree of scopes as JSON, found by walking it, and the log of events: no name of a
+/// source, property or event is known here.
 ///
 /// The root scope is an object with one object per source. Child scopes are in arrays named after
 /// their category, each as one object with the members of all its sources.
@@ -7,11 +7,15 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "../common/EventLog.h"
 #include "../common/Scopes.h"
 
 namespace Sysmon {
 
 /// Builds every source that can be built. Bytes are counts, shares parts of 1, times seconds.
 [[nodiscard]] nlohmann::json ReportTree(IDataSourceProvider& root);
+
+/// An array of the events, oldest first. An argument that has parts is an object.
+[[nodiscard]] nlohmann::json ReportEvents(const EventLog& log);
 
 }  // namespace Sysmon

@@ -8,6 +8,7 @@ namespace {
 
 constexpr int mostInterfaces = 4;
 constexpr int widestDetails = 60;
+constexpr int highestLog = 9;
 
 constexpr Column processColumns[] = {
     {L"PID", L"Id", 7, Align::Right},      {L"USER", L"User", 9, Align::Left},
@@ -25,16 +26,25 @@ constexpr Column interfaceColumns[] = {
 constexpr RowKind interfaceRows{L"interface", L"Interface", L"Host", L"InterfacesChanged",
                                 interfaceColumns};
 
-constexpr wchar_t help[] = L"arrows move  enter open  esc close  c m p n sort  r reverse  q quit";
+constexpr wchar_t help[] = L"enter open  cmpn sort  r reverse  a alarm  l log  space pause  q quit";
+
+/// Of a reason that is too long the end is what helps: it says what would do.
+VtrString LastPart(const VtrString& text, int width) {
+  const int surplus = text.GetLength() - std::max(0, width);
+  return surplus <= 0 ? text : L"..." + text.Mid(surplus + 3);
+}
 
 }  // namespace
 
-MonitorView::MonitorView(IDataSourceProvider& root, Surface& targetSurface, bool isInteractive)
-    : surface(targetSurface),
+MonitorView::MonitorView(IDataSourceProvider& rootScope, Surface& targetSurface,
+                         const EventLog& eventLog, bool isInteractive)
+    : root(rootScope),
+      surface(targetSurface),
       interactive(isInteractive),
-      summary(root),
-      interfaces(root, interfaceRows, false),
-      processes(root, processRows, isInteractive) {
+      summary(rootScope),
+      interfaces(rootScope, interfaceRows, false),
+      processes(rootScope, processRows, isInteractive),
+      log(eventLog) {
   interfaces.SortBy(L"Received", true);
   processes.SortBy(L"Cpu", true);
 }
@@ -42,19 +52,22 @@ MonitorView::MonitorView(IDataSourceProvider& root, Surface& targetSurface, bool
 MonitorView::Layout MonitorView::MakeLayout() {
   const Area whole = surface.Whole();
   Layout result;
+  const int footerHeight = interactive ? 1 : 0;
   int line = 0;
-  const auto take = [&](int height) {
-    const Area area{line, 0, height, whole.width};
-    line += height;
+  const auto rest = [&] { return std::max(0, whole.height - footerHeight - line); };
+  const auto take = [&](int wantedHeight) {
+    const Area area{line, 0, std::min(wantedHeight, rest()), whole.width};
+    line += area.height;
     return area;
   };
-  const int footerHeight = interactive ? 1 : 0;
   result.summary = take(Summary::height);
-  ++line;
+  take(1);
   result.interfaces = take(1 + std::min(interfaces.RowCount(), mostInterfaces));
-  ++line;
-  result.processes = take(std::max(0, whole.height - footerHeight - line));
-  result.footer = take(footerHeight);
+  take(1);
+  const int logHeight = interactive && log.IsVisible() ? std::min(rest() / 2, highestLog) : 0;
+  result.processes = take(rest() - logHeight);
+  result.log = take(logHeight);
+  result.footer = {line, 0, footerHeight, whole.width};
   if (details != nullptr) {
     result.details = result.processes;
     result.details.width = std::min(whole.width / 2, widestDetails);
@@ -70,6 +83,7 @@ void MonitorView::Invalidate() {
   interfaces.Invalidate();
   processes.Invalidate();
   if (details != nullptr) details->Invalidate();
+  log.Invalidate();
   footerShown = {};
 }
 
@@ -85,69 +99,159 @@ void MonitorView::Draw() {
   interfaces.Draw(surface, layout.interfaces);
   processes.Draw(surface, layout.processes);
   if (details != nullptr) details->Draw(surface, layout.details);
+  log.Draw(surface, layout.log);
   if (interactive) DrawFooter();
   surface.Show();
   static_cast<void>(surface.TakeCellsWritten());  // the footer's own are not counted
 }
 
-/// Help or a message, and how many cells the rest of this drawing took.
+/// Help, a message, or what is being edited; and how many cells the rest of this drawing took.
 void MonitorView::DrawFooter() {
-  constexpr int counterWidth = 12;
+  constexpr int counterWidth = 11;
   VtrString counter;
   counter.Format(L"%d cells", surface.TakeCellsWritten());
-  const VtrString text = message.IsEmpty() ? VtrString(help) : message;
   const int textWidth = layout.footer.width - counterWidth;
-  if (text != footerShown) surface.Write(layout.footer.At(0, 0, textWidth), text, Style::Label);
+  const VtrString text = FooterText(textWidth);
+  const Style style = editor != nullptr || isPaused ? Style::Chosen : Style::Label;
+  if (text != footerShown) surface.Write(layout.footer.At(0, 0, textWidth), text, style);
   surface.Write(layout.footer.At(0, textWidth, counterWidth), counter, Style::Label, Align::Right);
   footerShown = text;
+}
+
+VtrString MonitorView::FooterText(int width) const {
+  if (editor != nullptr) {
+    const VtrString field =
+        VtrString().Format(L"%s alarm at: %s_  ", editor->Limit(), editor->Text());
+    if (editor->Reason().IsEmpty()) return field + L"tab next  enter set  esc leave";
+    return field + LastPart(editor->Reason(), width - field.GetLength());
+  }
+  if (!message.IsEmpty()) return message;
+  return isPaused ? L"PAUSED: what is measured stands still.  space go on  q quit" : help;
+}
+
+void MonitorView::ShowPaused(bool isNowPaused) {
+  isPaused = isNowPaused;
+  Redraw();
 }
 
 void MonitorView::OpenDetails() {
   IDataSourceProvider* const scope = processes.Chosen();
   if (scope == nullptr) return;
   details = std::make_unique<DetailPane>(*scope);
-  layout = {};
+  Redraw();
 }
 
 void MonitorView::CloseDetails() {
   details.reset();
-  layout = {};
+  Redraw();
 }
 
-void MonitorView::Obey(Key key) {
+/// The limit after the one that is being edited, and the first one after the last.
+void MonitorView::EditNextLimit() {
+  const auto names = LimitNames(root);
+  if (names.empty()) return;
+  const auto edited = editor == nullptr ? names.end() : std::ranges::find(names, editor->Limit());
+  const bool hasNext = edited != names.end() && edited + 1 != names.end();
+  editor = std::make_unique<LimitEditor>(root, hasNext ? edited[1] : names.front());
+}
+
+void MonitorView::EditLimit(const KeyPress& press) {
+  switch (press.key) {
+    case Key::Open:
+      return CommitLimit();
+    case Key::Close:
+      editor.reset();
+      return;
+    case Key::Erase:
+      return editor->Erase();
+    case Key::Next:
+      return EditNextLimit();
+    case Key::Redraw:
+      return Redraw();
+    default:
+      editor->Insert(press.character);
+  }
+}
+
+void MonitorView::CommitLimit() {
+  if (!editor->Commit()) return;
+  message = VtrString().Format(L"%s alarm at %s.", editor->Limit(), editor->Text());
+  editor.reset();
+}
+
+bool MonitorView::Obey(const KeyPress& press) {
   message = {};
+  if (editor == nullptr) return MoveChoice(press.key) || Sort(press.key) || Change(press.key);
+  EditLimit(press);
+  return true;
+}
+
+bool MonitorView::MoveChoice(Key key) {
   switch (key) {
     case Key::Up:
-      return processes.Move(-1);
+      processes.Move(-1);
+      return true;
     case Key::Down:
-      return processes.Move(1);
+      processes.Move(1);
+      return true;
     case Key::PageUp:
-      return processes.MovePages(-1);
+      processes.MovePages(-1);
+      return true;
     case Key::PageDown:
-      return processes.MovePages(1);
+      processes.MovePages(1);
+      return true;
     case Key::First:
-      return processes.MoveToEnd(false);
     case Key::Last:
-      return processes.MoveToEnd(true);
-    case Key::Open:
-      return OpenDetails();
-    case Key::Close:
-      return CloseDetails();
-    case Key::SortByCpu:
-      return processes.SortBy(L"Cpu", true);
-    case Key::SortByMemory:
-      return processes.SortBy(L"Resident", true);
-    case Key::SortById:
-      return processes.SortBy(L"Id", false);
-    case Key::SortByName:
-      return processes.SortBy(L"Name", false);
-    case Key::Reverse:
-      return processes.Reverse();
-    case Key::Redraw:
-      layout = {};
-      return;
+      processes.MoveToEnd(key == Key::Last);
+      return true;
     default:
-      return;
+      return false;
+  }
+}
+
+bool MonitorView::Sort(Key key) {
+  switch (key) {
+    case Key::SortByCpu:
+      processes.SortBy(L"Cpu", true);
+      return true;
+    case Key::SortByMemory:
+      processes.SortBy(L"Resident", true);
+      return true;
+    case Key::SortById:
+      processes.SortBy(L"Id", false);
+      return true;
+    case Key::SortByName:
+      processes.SortBy(L"Name", false);
+      return true;
+    case Key::Reverse:
+      processes.Reverse();
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool MonitorView::Change(Key key) {
+  switch (key) {
+    case Key::Open:
+      OpenDetails();
+      return true;
+    case Key::Close:
+    case Key::Erase:
+      CloseDetails();
+      return true;
+    case Key::EditLimit:
+      EditNextLimit();
+      return true;
+    case Key::SwitchLog:
+      log.Switch();
+      Redraw();
+      return true;
+    case Key::Redraw:
+      Redraw();
+      return true;
+    default:
+      return false;
   }
 }
 

@@ -1,48 +1,37 @@
-/// The whole screen: the summary, the interfaces, the processes, and the details of one process.
+/// The whole screen: the summary, the interfaces, the processes, the details of one process, and
+/// the log of events.
 ///
 /// It is given a root scope and knows names: of categories, sources, properties and events. It sees
 /// nothing of the classes behind them.
 #pragma once
 
 #include <memory>
-#include <optional>
 
 #include <DataBinding/Fwd.h>
 
 #include "DetailPane.h"
+#include "Keys.h"
+#include "LimitEditor.h"
+#include "LogPane.h"
 #include "Summary.h"
 #include "Table.h"
 
 namespace Sysmon {
 
-enum class Key {
-  None,
-  Up,
-  Down,
-  PageUp,
-  PageDown,
-  First,
-  Last,
-  Open,
-  Close,
-  SortByCpu,
-  SortByMemory,
-  SortById,
-  SortByName,
-  Reverse,
-  Redraw,
-  Quit
-};
-
 class MonitorView {
  public:
-  /// An interactive view marks the chosen process and has a line of help.
-  MonitorView(IDataSourceProvider& root, Surface& targetSurface, bool isInteractive);
+  /// An interactive view marks the chosen process, and has the log and a line of help.
+  MonitorView(IDataSourceProvider& rootScope, Surface& targetSurface, const EventLog& log,
+              bool isInteractive);
 
   /// Brings the surface up to date.
   void Draw();
-  /// Obeys a key, Quit excepted. The next Draw shows the outcome.
-  void Obey(Key key);
+  /// Obeys a key, and says whether it was of any use here. The next Draw shows the outcome.
+  bool Obey(const KeyPress& press);
+  /// Says on the screen that it stands still, or does so no more.
+  void ShowPaused(bool isNowPaused);
+  /// The next Draw draws everything.
+  void Redraw() { layout = {}; }
 
  private:
   struct Layout {
@@ -50,6 +39,7 @@ class MonitorView {
     Area interfaces;
     Area processes;
     Area details;
+    Area log;
     Area footer;
 
     friend bool operator==(const Layout&, const Layout&) = default;
@@ -57,10 +47,18 @@ class MonitorView {
 
   [[nodiscard]] Layout MakeLayout();
   void Invalidate();
+  bool MoveChoice(Key key);
+  bool Sort(Key key);
+  bool Change(Key key);
   void OpenDetails();
   void CloseDetails();
+  void EditNextLimit();
+  void EditLimit(const KeyPress& press);
+  void CommitLimit();
+  [[nodiscard]] VtrString FooterText(int width) const;
   void DrawFooter();
 
+  IDataSourceProvider& root;
   Surface& surface;
   bool interactive;
   Layout layout;
@@ -68,6 +66,9 @@ class MonitorView {
   Table interfaces;
   Table processes;
   std::unique_ptr<DetailPane> details;
+  LogPane log;
+  std::unique_ptr<LimitEditor> editor;
+  bool isPaused = false;
   VtrString message;
   VtrString footerShown;
 };

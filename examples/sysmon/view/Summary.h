@@ -1,4 +1,4 @@
-/// The machine as a whole, in four lines: a watch on the sources of the root scope.
+/// The machine as a whole, in five lines: a watch on the sources of the root scope.
 #pragma once
 
 #include "Surface.h"
@@ -8,7 +8,7 @@ namespace Sysmon {
 
 class Summary {
  public:
-  static constexpr int height = 4;
+  static constexpr int height = 5;
 
   explicit Summary(IDataSourceProvider& root);
 
@@ -17,6 +17,7 @@ class Summary {
   void Invalidate() { isShown = false; }
 
  private:
+  /// The fields, and then the alarms of those that have one.
   Watch watch;
   bool isShown = false;
 };

@@ -13,7 +13,7 @@
 
 namespace Sysmon {
 
-enum class Style { Plain, Label, Title, Chosen };
+enum class Style { Plain, Label, Title, Chosen, Alarm };
 
 struct Place {
   int line = 0;

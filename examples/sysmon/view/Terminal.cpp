@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <iterator>
 #include <stdexcept>
 
 namespace Sysmon {
@@ -18,6 +17,7 @@ struct Binding {
 };
 
 constexpr int escape = 27;
+constexpr int backspace = 127;
 constexpr Binding bindings[] = {
     {KEY_UP, Key::Up},           {'k', Key::Up},
     {KEY_DOWN, Key::Down},       {'j', Key::Down},
@@ -25,11 +25,23 @@ constexpr Binding bindings[] = {
     {KEY_HOME, Key::First},      {KEY_END, Key::Last},
     {'\r', Key::Open},           {'\n', Key::Open},
     {KEY_ENTER, Key::Open},      {escape, Key::Close},
-    {KEY_BACKSPACE, Key::Close}, {'c', Key::SortByCpu},
-    {'m', Key::SortByMemory},    {'p', Key::SortById},
-    {'n', Key::SortByName},      {'r', Key::Reverse},
+    {KEY_BACKSPACE, Key::Erase}, {backspace, Key::Erase},
+    {'\b', Key::Erase},          {'\t', Key::Next},
+    {'c', Key::SortByCpu},       {'m', Key::SortByMemory},
+    {'p', Key::SortById},        {'n', Key::SortByName},
+    {'r', Key::Reverse},         {'a', Key::EditLimit},
+    {'l', Key::SwitchLog},       {' ', Key::Pause},
     {'L' - '@', Key::Redraw},    {'q', Key::Quit},
 };
+
+/// Codes of function keys are not those of characters, though some are alike.
+Key FindKey(wint_t code, bool isFunction) {
+  for (const Binding& binding : bindings) {
+    const bool isBoundFunction = binding.code >= KEY_MIN;
+    if (binding.code == static_cast<int>(code) && isBoundFunction == isFunction) return binding.key;
+  }
+  return Key::Other;
+}
 
 attr_t Attributes(Style style) {
   switch (style) {
@@ -39,6 +51,8 @@ attr_t Attributes(Style style) {
       return A_BOLD | A_UNDERLINE;
     case Style::Chosen:
       return A_REVERSE;
+    case Style::Alarm:
+      return A_REVERSE | A_BOLD;
     default:
       return A_NORMAL;
   }
@@ -68,13 +82,12 @@ Area Terminal::Whole() const { return {0, 0, getmaxy(stdscr), getmaxx(stdscr)}; 
 
 void Terminal::Show() { refresh(); }
 
-Key Terminal::ReadKey() {
-  for (int code = getch(); code != ERR; code = getch()) {
-    for (const Binding& binding : bindings) {
-      if (binding.code == code) return binding.key;
-    }
-  }
-  return Key::None;
+KeyPress Terminal::ReadKey() {
+  wint_t code = 0;
+  const int kind = get_wch(&code);
+  if (kind == ERR) return {};
+  const bool isFunction = kind == KEY_CODE_YES;
+  return {FindKey(code, isFunction), isFunction ? L'\0' : static_cast<wchar_t>(code)};
 }
 
 void Terminal::Suspend() { endwin(); }

@@ -4,7 +4,7 @@
 /// stop, and Resume, too, when the terminal's size has changed.
 #pragma once
 
-#include "MonitorView.h"
+#include "Keys.h"
 #include "Surface.h"
 
 namespace Sysmon {
@@ -20,8 +20,8 @@ class Terminal final : public Surface {
   [[nodiscard]] Area Whole() const override;
   void Show() override;
 
-  /// The next known key that was pressed; Key::None when there is none.
-  [[nodiscard]] Key ReadKey();
+  /// The next known or writing key that was pressed; Key::None when there is none.
+  [[nodiscard]] KeyPress ReadKey();
   /// Gives the terminal back for a while.
   void Suspend();
   /// Takes it again, as large as it is now, and forgets what it shows.

@@ -20,6 +20,7 @@ VtrString ShowSize(double size, const wchar_t* suffix) {
 struct Writer {
   VtrString operator()(const VtrString& text) const { return text; }
   VtrString operator()(Count count) const { return VtrString().Format(L"%u", count); }
+  VtrString operator()(bool isSo) const { return isSo ? L"yes" : L"no"; }
   VtrString operator()(double number) const { return VtrString().Format(L"%.2f", number); }
   VtrString operator()(Bytes bytes) const {
     return ShowSize(static_cast<double>(bytes.value), L"");

@@ -1,0 +1,18 @@
+#include "AlarmSource.h"
+
+namespace Sysmon {
+
+DataBinding::RepeatingCallback<VtrString(const double&)> AlarmSource::UpTo(double most) {
+  return [most](const double& limit) {
+    if (limit > 0 && limit <= most) return VtrString();  // so is no value that is not a number
+    return VtrString().Format(L"It must be above 0 and at most %.0f.", most);
+  };
+}
+
+void AlarmSource::Mark(const VtrString& limit, bool isRaised) {
+  for (auto* const property : {&cpuRaised, &memoryRaised, &loadRaised}) {
+    if (property->Name() == limit + L"Raised") Assign(*property, isRaised);
+  }
+}
+
+}  // namespace Sysmon

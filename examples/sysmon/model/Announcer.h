@@ -1,0 +1,42 @@
+/// Turns readings of the system into events: measurements, and what has happened between two.
+///
+/// It remembers the reading before, and is used by one thread at a time, whichever that is: events
+/// may be raised on any.
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "Events.h"
+
+namespace Sysmon {
+
+class Announcer {
+ public:
+  void Announce(const SystemReading& now);
+
+ private:
+  /// Tells a process from another one that bears the same number later.
+  using ProcessKey = std::pair<Count, Seconds>;
+  struct Interface {
+    AppEvent<InterfaceSample> measured;
+    InterfaceReading before;
+  };
+
+  void AnnounceHost(const SystemReading& now) const;
+  void AnnounceCpu(const CpuReading& cpu);
+  void AnnounceProcesses(const SystemReading& now, Seconds elapsed);
+  [[nodiscard]] ProcessSample Compare(const ProcessReading& process, Seconds uptime,
+                                      Seconds elapsed) const;
+  void AnnounceInterfaces(const SystemReading& now, Seconds elapsed);
+
+  Count samples = 0;
+  std::chrono::steady_clock::time_point taken;
+  CpuReading cpuBefore;
+  std::map<ProcessKey, ProcessReading> processes;
+  std::map<std::string, Interface> interfaces;
+};
+
+}  // namespace Sysmon

@@ -1,0 +1,45 @@
+/// The events of this program, each declared once for those that raise it and those that hear it.
+///
+/// The sampling thread raises the measurements, of which only the latest counts, and beside them
+/// what has happened, of which each counts. The names of measurements begin with "Measured.".
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <DataBinding/AppEvent.h>
+
+#include "Samples.h"
+
+namespace Sysmon {
+
+using DataBinding::AppEvent;
+
+inline constinit const AppEvent<HostSample> hostMeasured{L"Measured.Host"};
+inline constinit const AppEvent<CpuSample> cpuMeasured{L"Measured.Cpu"};
+inline constinit const AppEvent<MemorySample> memoryMeasured{L"Measured.Memory"};
+inline constinit const AppEvent<LoadSample> loadMeasured{L"Measured.Load"};
+inline constinit const AppEvent<std::vector<ProcessSample>> processesMeasured{
+    L"Measured.Processes"};
+/// The names of the interfaces that there are. Each has an event of its own besides.
+inline constinit const AppEvent<std::vector<std::string>> interfacesMeasured{
+    L"Measured.Interfaces"};
+
+[[nodiscard]] inline AppEvent<InterfaceSample> InterfaceMeasured(const std::string& interface) {
+  return AppEvent<InterfaceSample>(VtrString::FromUtf8("Measured.Interfaces." + interface));
+}
+
+/// All that was measured at one moment has been raised. Counts from 1.
+inline constinit const AppEvent<Count> sampleTaken{L"SampleTaken"};
+/// Why no more samples will come.
+inline constinit const AppEvent<VtrString> samplingFailed{L"SamplingFailed"};
+
+/// The process's name and number. A process that was there at the first sample has not started.
+inline constinit const AppEvent<VtrString, Count> processStarted{L"ProcessStarted"};
+inline constinit const AppEvent<VtrString, Count> processEnded{L"ProcessEnded"};
+
+/// The limit's name, the value that has come to reach it or to stay below it, and the limit.
+inline constinit const AppEvent<VtrString, double, double> alarmRaised{L"AlarmRaised"};
+inline constinit const AppEvent<VtrString, double, double> alarmCleared{L"AlarmCleared"};
+
+}  // namespace Sysmon

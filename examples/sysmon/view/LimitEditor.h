@@ -1,0 +1,41 @@
+/// A line in which the limit of an alarm is edited: a widget, joined to the limit by its name.
+///
+/// What is refused stays in the line, with the reason beside it.
+#pragma once
+
+#include <DataBinding/DataBind.h>
+#include <DataBinding/TwoWay.h>
+
+#include "../common/Limits.h"
+
+namespace Sysmon {
+
+class LimitEditor {
+ public:
+  LimitEditor(IDataSourceProvider& root, const VtrString& limitName);
+  LimitEditor(const LimitEditor&) = delete;
+  LimitEditor& operator=(const LimitEditor&) = delete;
+  ~LimitEditor() = default;
+
+  /// Adds a character at the end of the line, if there is room.
+  void Insert(wchar_t character);
+  /// Takes the last one off.
+  void Erase();
+  /// Sets the limit. False when the line does not hold one that may be set.
+  [[nodiscard]] bool Commit();
+
+  [[nodiscard]] const VtrString& Limit() const { return bind.Path(); }
+  [[nodiscard]] const VtrString& Text() const { return text; }
+  /// Why the line was refused. Empty before it is, and once it has been changed.
+  [[nodiscard]] const VtrString& Reason() const { return reason; }
+
+ private:
+  void Change(VtrString newText);
+
+  VtrString text;
+  VtrString reason;
+  DataBinding::Framework::DataBind<double> bind;
+  DataBinding::TwoWayJoin<double, VtrString> join;  // ends before what it writes
+};
+
+}  // namespace Sysmon

@@ -1,0 +1,192 @@
+/// What stands between a reading of the system and the figures on the screen.
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include <DataBinding/DataBinding.h>
+#include <gtest/gtest.h>
+
+#include "../../examples/sysmon/common/Limits.h"
+#include "../../examples/sysmon/model/AlarmWatch.h"
+#include "../../examples/sysmon/model/Announcer.h"
+#include "../../examples/sysmon/model/EventRecorder.h"
+#include "../../examples/sysmon/model/Machine.h"
+#include "../../examples/sysmon/model/Pause.h"
+#include "../../examples/sysmon/view/LimitEditor.h"
+
+namespace Sysmon {
+namespace {
+
+using DataBinding::GetProperty;
+using DataBinding::IAppEventBroadcaster;
+using DataBinding::IDataSourceRegistrar;
+
+ProcessReading Process(Count id, const char* name, double cpuTime = 0, double started = 0) {
+  ProcessReading process;
+  process.id = id;
+  process.name = name;
+  process.cpuTime = Seconds(cpuTime);
+  process.started = Seconds(started);
+  return process;
+}
+
+InterfaceReading Interface(const char* name, Count receivedBytes) {
+  InterfaceReading interface;
+  interface.name = name;
+  interface.receivedBytes = receivedBytes;
+  return interface;
+}
+
+class NoReader final : public SystemReader {
+ public:
+  SystemReading Read() override { return {}; }
+  CommandReading ReadCommand(std::uint64_t /*processId*/) override { return {}; }
+};
+
+struct RootScope {
+  RootScope() { IDataSourceRegistrar::GetInstance().Initialize(); }
+  RootScope(const RootScope&) = delete;
+  RootScope& operator=(const RootScope&) = delete;
+  ~RootScope() { IDataSourceRegistrar::GetInstance().Shutdown(); }
+};
+
+class MonitorTest : public testing::Test {
+ protected:
+  /// Announces what would be read so many seconds after the first time, and delivers the events
+  /// and those that their listeners raise.
+  void Take(int second, double load, std::vector<ProcessReading> processes = {},
+            std::vector<InterfaceReading> interfaces = {}) {
+    SystemReading reading;
+    reading.taken += std::chrono::seconds(second);
+    reading.host.uptime = Seconds(20 + second);
+    reading.load.one = load;
+    reading.processes = std::move(processes);
+    reading.interfaces = std::move(interfaces);
+    announcer.Announce(reading);
+    Deliver();
+  }
+  static void Deliver() {
+    auto& events = IAppEventBroadcaster::GetInstance();
+    while (events.HasPendingEvents()) events.DispatchPendingEvents();
+  }
+  /// The events of that name, such as "make 7, as 8".
+  [[nodiscard]] std::string Logged(const wchar_t* name) const {
+    std::string all;
+    for (const EventLog::Entry& entry : log.Entries()) {
+      if (entry.name != name) continue;
+      all.append(all.empty() ? "" : ", ") += std::get<VtrString>(Figure(entry, 0)).ToUtf8();
+      if (const auto* id = std::get_if<Count>(&Figure(entry, 1))) all += ' ' + std::to_string(*id);
+    }
+    return all;
+  }
+  static const Value& Figure(const EventLog::Entry& entry, std::size_t argument) {
+    return entry.arguments.at(argument).at(0).value;
+  }
+  template <class T>
+  [[nodiscard]] T Shown(const wchar_t* source, const wchar_t* property) {
+    return GetProperty<T>(root.GetDataSource(source), property).value.value_or(T());
+  }
+
+  /// Of all child scopes, in ascending order.
+  template <class T>
+  [[nodiscard]] std::vector<double> ShownOfEach(const wchar_t* source, const wchar_t* property) {
+    std::vector<double> all;
+    VisitScopes(root, [&](IDataSourceProvider& scope) {
+      all.push_back(GetProperty<T>(scope.GetDataSource(source), property)->value);
+    });
+    std::sort(all.begin(), all.end());
+    return all;
+  }
+
+  NoReader reader;
+  RootScope rootScope;
+  IDataSourceProvider& root = *IDataSourceRegistrar::GetInstance().GetRootProvider();
+  EventLog log{100};
+  EventRecorder recorder{log};
+  Machine machine{reader, root};
+  AlarmWatch alarms{root};
+  Announcer announcer;
+};
+
+TEST_F(MonitorTest, AProcessThatBearsTheNumberOfAnotherEndsThatOne) {
+  Take(0, 0, {Process(1, "sh"), Process(7, "make", 9, 5)});
+  EXPECT_EQ(Logged(L"ProcessStarted"), "") << "what was there before";
+  Take(2, 0, {Process(1, "sh"), Process(7, "as", 1, 20)});
+  EXPECT_EQ(Logged(L"ProcessStarted"), "as 7");
+  EXPECT_EQ(Logged(L"ProcessEnded"), "make 7");
+  EXPECT_EQ(ShownOfEach<Share>(L"Process", L"Cpu"), (std::vector<double>{0, 0.5}));
+}
+
+TEST_F(MonitorTest, InterfacesFollowTheirOwnEvents) {
+  const auto speeds = [this] { return ShownOfEach<BytesPerSecond>(L"Interface", L"ReceivedRate"); };
+  Take(0, 0, {}, {Interface("lo", 100)});
+  Take(2, 0, {}, {Interface("lo", 300), Interface("eth0", 0)});
+  EXPECT_EQ(speeds(), (std::vector<double>{0, 100}));
+  Take(3, 0, {}, {Interface("eth0", 50)});
+  EXPECT_EQ(speeds(), std::vector<double>{50});
+  Take(4, 0, {}, {Interface("eth0", 10)});
+  EXPECT_EQ(speeds(), std::vector<double>{0}) << "a counter that was reset";
+}
+
+TEST_F(MonitorTest, APauseHoldsMeasurementsAndEndsWithTheNewest) {
+  Pause pause;
+  Take(0, 1, {}, {Interface("lo", 0)});
+  pause.Toggle();
+  Take(1, 2, {Process(7, "make")});
+  Take(2, 3, {}, {Interface("lo", 5)});
+  EXPECT_EQ(Shown<double>(L"Load", L"One"), 1);
+  EXPECT_EQ(Logged(L"ProcessStarted") + Logged(L"ProcessEnded"), "make 7make 7");
+  const auto before = log.Added();
+  pause.Toggle();
+  EXPECT_FALSE(pause.IsOn());
+  EXPECT_EQ(Shown<double>(L"Load", L"One"), 3);
+  EXPECT_EQ(log.Added() - before, 7u) << "one of each measurement";
+}
+
+TEST_F(MonitorTest, AnAlarmComesAndGoesWithTheValueAndWithTheLimit) {
+  Take(0, 49.9);
+  EXPECT_EQ(Logged(L"AlarmRaised"), "");
+  Take(1, 50);
+  EXPECT_TRUE(Shown<bool>(L"Alarms", L"LoadRaised"));
+  Take(2, 60);
+  EXPECT_EQ(SetLimit(root, L"lOAD", L"61"), L"");
+  Deliver();
+  EXPECT_FALSE(Shown<bool>(L"Alarms", L"LoadRaised"));
+  Take(3, 62);
+  EXPECT_EQ(Logged(L"AlarmRaised"), "Load, Load");
+  EXPECT_EQ(Logged(L"AlarmCleared"), "Load");
+}
+
+TEST_F(MonitorTest, ARefusedLimitStaysInTheLineWithTheReason) {
+  LimitEditor editor(root, L"Cpu");
+  EXPECT_EQ(editor.Text(), L"90");
+  for (const wchar_t* wrong : {L"", L"9x", L"0", L"-1", L"100.5", L"nan", L"1e999"}) {
+    while (!editor.Text().IsEmpty()) editor.Erase();
+    for (const wchar_t* next = wrong; *next != 0; ++next) editor.Insert(*next);
+    EXPECT_FALSE(editor.Commit()) << editor.Text().ToUtf8();
+    EXPECT_EQ(editor.Text(), wrong);
+    EXPECT_FALSE(editor.Reason().IsEmpty()) << editor.Text().ToUtf8();
+    EXPECT_FALSE(SetLimit(root, L"Cpu", wrong).IsEmpty());
+  }
+  EXPECT_EQ(Shown<double>(L"Alarms", L"Cpu"), 90);
+  EXPECT_EQ(SetLimit(root, L"Cpu", L"12.5"), L"");
+  EXPECT_EQ(editor.Text(), L"12.5") << "whoever sets it";
+  editor.Insert(L'\t');
+  editor.Erase();
+  EXPECT_TRUE(editor.Commit());
+  EXPECT_EQ(Shown<double>(L"Alarms", L"Cpu"), 12) << "of \"12.\"";
+}
+
+TEST(EventLog, TheOldestEntriesGo) {
+  EventLog log(2);
+  for (const wchar_t* name : {L"a", L"b", L"c"}) log.Add({{}, name, {}});
+  EXPECT_EQ(log.Entries().size(), 2u);
+  EXPECT_EQ(log.Entries().front().name, L"b");
+  EXPECT_EQ(log.Dropped(), 1u);
+}
+
+}  // namespace
+}  // namespace Sysmon
