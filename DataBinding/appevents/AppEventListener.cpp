@@ -50,7 +50,12 @@ void AppEventListener::ActivateAppEventListeners() {
 }
 
 void AppEventListener::DeactivateAppEventListeners() {
-  if (activationCount-- == 1) WAppEventRegistrar::GetInstance().RemoveEventListener(this);
+  if (activationCount-- != 1) return;
+  if (WAppEventRegistrar::HasInstance()) {
+    WAppEventRegistrar::GetInstance().RemoveEventListener(this);
+  }
+  if (!subscriptions.empty())
+    UnregisterAppEventListeners();  // after a flush that somebody broke off
 }
 
 bool AppEventListener::HasListener(VtrStringView name) const {

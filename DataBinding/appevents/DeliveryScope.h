@@ -4,8 +4,10 @@
 #pragma once
 
 #include <utility>
+#include <vector>
 
 #include "DataBinding/EventBroadcaster.h"
+#include "PendingEvents.h"
 
 namespace DataBinding::details {
 
@@ -29,6 +31,22 @@ class DeliveryScope {
     event = &owned;
     owned->Dispatch(*broadcaster);
   }
+  /// Dispatches one after the other, until the broadcaster is released.
+  void Dispatch(PendingEvents::Batch& whole) {
+    batch = &whole;
+    whole.Visit([this](const PolicyEventBroadcaster::EventPtr& next) {
+      Dispatch(next);
+      return !IsBroadcasterGone();
+    });
+  }
+  /// Takes the events that match, and are still to come, out of the batches under way.
+  template <class Matches>
+  static void Drop(DeliveryScope* innermost, Matches matches) {
+    std::vector<PolicyEventBroadcaster::EventPtr> dropped;
+    for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
+      if (scope->batch != nullptr) scope->batch->Drop(*scope->event, matches, dropped);
+    }
+  }
   [[nodiscard]] bool IsBroadcasterGone() const noexcept { return broadcaster == nullptr; }
   /// The owner of the event that is being dispatched.
   [[nodiscard]] const PolicyEventBroadcaster::EventPtr& Owner() const noexcept { return *event; }
@@ -43,6 +61,7 @@ class DeliveryScope {
   PolicyEventBroadcaster* broadcaster;
   DeliveryScope* outer;
   const PolicyEventBroadcaster::EventPtr* event = nullptr;
+  PendingEvents::Batch* batch = nullptr;
 };
 
 }  // namespace DataBinding::details

@@ -52,10 +52,33 @@ void EventBroadcaster<Update, Threading>::OnEventDispatched(VtrString /*name*/,
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, bool fireHeldEvent) {
   const auto disabled = disabledEvents.find(name);
+  if (disabled == disabledEvents.end()) return;
+  const auto held = holds.find(name);
+  const bool isHeldOnly = held != holds.end() && held->second == disabled->second;
+  if (!isHeldOnly) Lower(name, fireHeldEvent);
+}
+
+/// Undoes one disable, whoever's it is.
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Lower(const VtrString& name, bool fireHeldEvent) {
+  const auto disabled = disabledEvents.find(name);
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);
   const auto held = heldEvents.extract(name);
   if (fireHeldEvent && !held.empty()) Deliver(held.mapped());
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Hold(const VtrString& name) {
+  ++holds[name];
+  DisableEvent(name);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name, bool fireHeldEvent) {
+  const auto held = holds.find(name);
+  if (--held->second == 0) holds.erase(held);
+  Lower(name, fireHeldEvent);
 }
 
 template <class Update, class Threading>
@@ -65,13 +88,15 @@ void EventBroadcaster<Update, Threading>::DisableEvent(const VtrString& name) {
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
-  const details::DeliveryScope scope(*this);
+  const auto alive = GetWeakPtr();
+  FirstFailure failed;  // of events of other kinds
   for (auto known = knownEvents.begin(); known != knownEvents.end();) {
     const VtrString name = known->first;
-    EnableEvent(name, fireHeldEvent);
-    if (scope.IsBroadcasterGone()) return;
+    failed.Try([&] { EnableEvent(name, fireHeldEvent); });
+    if (!alive) break;
     known = knownEvents.upper_bound(name);
   }
+  failed.Rethrow();
 }
 
 template <class Update, class Threading>
@@ -111,17 +136,24 @@ void EventBroadcaster<Update, Threading>::DispatchPendingEvents() {
     pendingEvents->Take(*batch);
     anyPending.store(false, std::memory_order_relaxed);
   }
-  batch->Visit([&](const EventPtr& event) {
-    scope.Dispatch(event);
-    return !scope.IsBroadcasterGone();
-  });
+  scope.Dispatch(*batch);
   batch->Clear();
   if (!scope.IsBroadcasterGone()) pendingEvents->spare = std::move(batch);
 }
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::Deliver(const EventPtr& event) {
+  const auto alive = GetWeakPtr();
+  const bool hadFailure = HasFailure();
   details::DeliveryScope(*this).Dispatch(event);
+  if (alive && !IsDelivering() && !hadFailure && HasFailure()) AskForPass();
+}
+
+/// Runs the UpdateUI callback for the sake of a failure, which is kept even if that fails.
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::AskForPass() {
+  FirstFailure dropped;
+  dropped.Try([this] { updatePolicy.PostUpdate(); });
 }
 
 template <class Update, class Threading>
@@ -152,14 +184,22 @@ void EventBroadcaster<Update, Threading>::Append(const Name& name, bool replaceL
     }
     anyPending.store(true, std::memory_order_release);
   }
-  if (replaced == nullptr) updatePolicy.PostUpdate();
+  if (replaced != nullptr && !isPassOwed.load(std::memory_order_relaxed)) return;
+  try {
+    updatePolicy.PostUpdate();
+  } catch (...) {
+    isPassOwed.store(true, std::memory_order_relaxed);
+    throw;
+  }
+  if (isPassOwed.load(std::memory_order_relaxed)) isPassOwed.store(false);
 }
 
 template <class Update, class Threading>
 bool EventBroadcaster<Update, Threading>::RemoveLastEvent(const VtrString& name) {
-  EventPtr removed;
+  EventPtr removed;  // released without the lock
   const QueueLock guard(threadingPolicy);
   removed = pendingEvents->RemoveLast(name, details::PendingEvents::Hash(name));
+  anyPending = !pendingEvents->IsEmpty();
   return removed != nullptr;
 }
 
@@ -175,30 +215,27 @@ bool EventBroadcaster<Update, Threading>::HasPendingEvents() const noexcept {
 }
 
 template <class Update, class Threading>
-template <class Matches>
-void EventBroadcaster<Update, Threading>::DropQueued(Matches matches) {
-  std::vector<EventPtr> dropped;
-  const QueueLock guard(threadingPolicy);
-  pendingEvents->Drop(matches, dropped);
-  anyPending = !pendingEvents->IsEmpty();
-}
-
-template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DropEvents(const VtrString& name) {
-  DropQueued([&](const auto& entry) { return entry.Name() == name; });
+  while (RemoveLastEvent(name)) {
+  }
   static_cast<void>(heldEvents.extract(name));
+  details::DeliveryScope::Drop(delivery, [&](const auto& entry) { return entry.Name() == name; });
 }
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DropOwner(const void* owner) {
   if (owner == nullptr) return;
-  DropQueued([&](const auto& entry) { return entry.event->Owner() == owner; });
-  std::vector<EventPtr> dropped;
+  const auto isOwned = [&](const auto& entry) { return entry.event->Owner() == owner; };
+  std::vector<EventPtr> dropped;  // released at the end: they may own what looks at the queue
   for (auto held = heldEvents.begin(); held != heldEvents.end();) {
     const bool matches = held->second->Owner() == owner;
     if (matches) dropped.push_back(held->second);
     held = matches ? heldEvents.erase(held) : std::next(held);
   }
+  details::DeliveryScope::Drop(delivery, isOwned);
+  const QueueLock guard(threadingPolicy);
+  pendingEvents->Drop(isOwned, dropped);
+  anyPending = !pendingEvents->IsEmpty();
 }
 
 template <class Update, class Threading>
@@ -221,16 +258,17 @@ DATABINDING_CATCHES_CANCELLATION void EventBroadcaster<Update, Threading>::Repor
     try {
       return handler(name, thrown.exception);
     }
-    DATABINDING_PASS_CANCELLATION catch (...) { thrown.exception = std::current_exception(); }
+    DATABINDING_PASS_CANCELLATION catch (...) {
+      thrown.exception = std::current_exception();
+      thrown.others = 1;
+    }
   }
   if (scope.IsBroadcasterGone()) return;
   if (failure) {
-    ++failure.others;
-    return;
+    failure.others += 1 + thrown.others;
+  } else {
+    failure = std::move(thrown);
   }
-  failure = std::move(thrown);
-  FirstFailure dropped;  // the failure is kept, whether or not the loop could be woken
-  dropped.Try([this] { updatePolicy.PostUpdate(); });
 }
 
 template <class Update, class Threading>
@@ -251,8 +289,20 @@ bool EventBroadcaster<Update, Threading>::PendingEventBase::HoldIfDisabled(
     EventBroadcaster& broadcaster, const VtrString& name, EventPtr event) {
   broadcaster.knownEvents.try_emplace(name, nullptr);
   if (!broadcaster.IsDisable(name)) return false;
-  std::swap(broadcaster.heldEvents[name], event);
+  if (event != nullptr) std::swap(broadcaster.heldEvents[name], event);
   return true;
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::PendingEventBase::PreNotify(
+    EventBroadcaster& broadcaster) {
+  broadcaster.updatePolicy.PreNotify();
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::PendingEventBase::ReportFailure(
+    EventBroadcaster& broadcaster, const VtrString& name) {
+  broadcaster.ReportFailure(name);
 }
 
 template <class Update, class Threading>

@@ -6,7 +6,7 @@ namespace DataBinding {
 
 EventHold::EventHold(const VtrString& eventName)
     : name(eventName), broadcaster(IAppEventBroadcaster::GetInstance().GetWeakPtr()) {
-  broadcaster->DisableEvent(name);
+  static_cast<PolicyEventBroadcaster&>(*broadcaster).Hold(name);
 }
 
 EventHold::EventHold(EventHold&& other) noexcept
@@ -30,7 +30,7 @@ EventHold::~EventHold() { End(); }
 void EventHold::End() noexcept {
   if (!broadcaster) return;
   try {
-    broadcaster->EnableEvent(name, firesAtEnd);
+    broadcaster->EndHold(name, firesAtEnd);
   } catch (...) {
     if (broadcaster) broadcaster->ReportFailure(name);
   }

@@ -40,9 +40,11 @@ class EventNames {
 
  private:
   EventName& Obtain(VtrStringView name) DATABINDING_REQUIRES(lock) {
-    auto& entry = names[VtrString(name)];
-    if (entry == nullptr) entry.reset(new EventName(name, names.size() - 1));
-    return *entry;
+    const VtrString text(name);
+    const auto known = names.find(text);
+    if (known != names.end()) return *known->second;
+    std::unique_ptr<EventName> made(new EventName(name, names.size()));
+    return *names.emplace(text, std::move(made)).first->second;
   }
 
   ThreadLock lock;

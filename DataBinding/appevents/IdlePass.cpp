@@ -47,9 +47,12 @@ IdlePass*& NewestPass() noexcept {
   return newest;
 }
 
-[[nodiscard]] bool IsAnythingQueued() {
-  return IAppEventBroadcaster::HasInstance() &&
-         IAppEventBroadcaster::GetInstance().HasPendingEvents();
+[[nodiscard]] bool IsAnythingToDo(const IAppEventBroadcaster& events) noexcept {
+  return events.HasPendingEvents() || events.HasFailure();
+}
+
+[[nodiscard]] bool IsAnythingToDo() {
+  return IAppEventBroadcaster::HasInstance() && IsAnythingToDo(IAppEventBroadcaster::GetInstance());
 }
 
 }  // namespace
@@ -58,7 +61,7 @@ IdlePass::IdlePass(RepeatingCallback<void()> wake)
     : state(std::make_shared<State>(std::move(wake))),
       installed([shared = state] { shared->Request(); }),
       former(AEB::UpdatePolicy::UpdateUICallback()) {
-  if (IsAnythingQueued()) state->Request();  // may throw: nothing is installed yet
+  if (IsAnythingToDo()) state->Request();  // may throw: nothing is installed yet
   nextPass = std::exchange(NewestPass(), this);
   AEB::UpdatePolicy::SetUpdateUICallback(installed);
 }
@@ -77,7 +80,7 @@ IdlePass::~IdlePass() {
   if (!isMine(AEB::UpdatePolicy::UpdateUICallback())) return;
   AEB::UpdatePolicy::SetUpdateUICallback(former);
   FirstFailure dropped;
-  if (IsAnythingQueued()) dropped.Try([this] { former(); });
+  if (IsAnythingToDo()) dropped.Try([this] { former(); });
 }
 
 void IdlePass::Run() {
@@ -85,19 +88,18 @@ void IdlePass::Run() {
   keep->Begin();
   if (!IAppEventBroadcaster::HasInstance()) return;
   auto& events = IAppEventBroadcaster::GetInstance();
-  if (!events.HasPendingEvents() && !events.HasFailure()) return;
+  if (!IsAnythingToDo(events)) return;
   const auto alive = events.GetWeakPtr();
-  if (events.HasPendingEvents()) {
-    try {
-      events.DispatchPendingEvents();
-    } catch (...) {
-      if (alive && (events.HasPendingEvents() || events.HasFailure())) keep->Request();
-      throw;
-    }
+  try {
+    events.DispatchPendingEvents();
+  } catch (...) {
+    if (alive && IsAnythingToDo(events)) keep->Request();
+    throw;
   }
   if (!alive) return;
   if (events.HasPendingEvents()) keep->Request();
-  if (!events.HasFailure()) return;
+  // In a modal loop: what a listener of the outer batch threw is not this loop's business.
+  if (!events.HasFailure() || events.IsDelivering()) return;
   const EventFailure failure = events.TakeFailure();
   keep->droppedFailures = failure.others;
   std::rethrow_exception(failure.exception);

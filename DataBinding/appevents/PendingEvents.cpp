@@ -12,8 +12,10 @@ constexpr std::size_t smallestIndex = 64;
 PendingEvents::EventPtr PendingEvents::RemoveLast(const VtrString& name, std::uint64_t hash) {
   const std::uint32_t found = FindLast(name, hash);
   if (found == none) return nullptr;
+  EventPtr removed = std::exchange(entries[found].event, nullptr);
   --events;
-  return std::exchange(entries[found].event, nullptr);
+  if (events < entries.size() / 2) CloseHoles();
+  return removed;
 }
 
 void PendingEvents::Take(Batch& batch) noexcept {
@@ -22,6 +24,21 @@ void PendingEvents::Take(Batch& batch) noexcept {
   batch.linked = indexed;
   last = none;
   events = 0;
+  ClearIndex();
+}
+
+/// Keeps the entries that still have their events, in their order.
+void PendingEvents::CloseHoles() {
+  std::vector<Entry> kept;
+  kept.reserve(events);
+  const auto keep = [&](std::size_t at) {
+    if (entries[at].event != nullptr) kept.push_back(std::move(entries[at]));
+  };
+  for (std::uint32_t at = first; at != none; at = entries[at].next) keep(at);
+  for (std::size_t at = indexed; at < entries.size(); ++at) keep(at);
+  entries.swap(kept);
+  first = none;
+  last = none;
   ClearIndex();
 }
 

@@ -50,6 +50,7 @@ class PendingEvents {
   void IndexRest();
   void GrowIndex();
   void ClearIndex() noexcept;
+  void CloseHoles();
   void Link(std::uint32_t entry) noexcept;
   void Unlink(std::uint32_t entry) noexcept;
   [[nodiscard]] std::uint32_t& Slot(const VtrString& name, std::uint64_t hash);
@@ -116,6 +117,15 @@ class PendingEvents::Batch {
     }
   }
   void Clear() noexcept { entries.clear(); }
+  /// Moves the events that match, but for the current one, to `dropped`.
+  template <class Matches>
+  void Drop(const EventPtr& current, Matches matches, std::vector<EventPtr>& dropped) {
+    for (Entry& entry : entries) {
+      if (entry.event == nullptr || entry.event == current || !matches(entry)) continue;
+      dropped.push_back(nullptr);
+      dropped.back().swap(entry.event);
+    }
+  }
 
  private:
   friend class PendingEvents;
@@ -152,6 +162,7 @@ void PendingEvents::Drop(Matches matches, std::vector<EventPtr>& dropped) {
     dropped.back().swap(entry.event);
     --events;
   }
+  CloseHoles();
 }
 
 }  // namespace DataBinding::details

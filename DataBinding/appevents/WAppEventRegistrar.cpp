@@ -91,7 +91,7 @@ class WAppEventRegistrar::Walk {
 };
 
 WAppEventRegistrar::WAppEventRegistrar() = default;
-WAppEventRegistrar::~WAppEventRegistrar() { anyWaiting = false; }
+WAppEventRegistrar::~WAppEventRegistrar() = default;
 
 void WAppEventRegistrar::AddEventListener(IAppEventListener* listener) {
   if (listener == nullptr) return;
@@ -154,9 +154,9 @@ void WAppEventRegistrar::UnregisterAppEvents() {
   const CriticalSectionLock guard(lock);
   UnsubscribeAll();
   registered = false;
+  anyWaiting.store(true, std::memory_order_release);
   delayInitList = listeners;
   Flush::StopAll(flush);
-  anyWaiting.store(!delayInitList.empty(), std::memory_order_release);
 }
 
 DATABINDING_CATCHES_CANCELLATION void WAppEventRegistrar::UnsubscribeAll() {

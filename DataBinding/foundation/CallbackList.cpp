@@ -91,7 +91,12 @@ Subscription CallbackListBase::Add(const RepeatingCallbackMemento& callback) {
   if (core == nullptr) core = new details::CallbackListCore;
   using Core = comlike_ptr<details::CallbackListCore>;
   const auto token = core->Add(comlike_ptr<details::BindStateBase>::Share(untyped.GetBindState()));
-  return Subscription([shared = Core::Share(core), token] { shared->Cancel(token); });
+  try {
+    return Subscription([shared = Core::Share(core), token] { shared->Cancel(token); });
+  } catch (...) {
+    core->Cancel(token);  // nobody else could
+    throw;
+  }
 }
 
 void CallbackListBase::Drop(details::CallbackListCore* core) noexcept {

@@ -57,14 +57,6 @@ class SingletonEntries {
   }
 
  private:
-  /// The type's name. A name in an anonymous namespace is told apart from the same in another file
-  /// by where it stands.
-  static std::string Key(std::type_index type) {
-    std::string key = type.name();
-    if (key.find("_GLOBAL__N_") == std::string::npos) return key;
-    return key + '@' + std::to_string(reinterpret_cast<std::uintptr_t>(type.name()));
-  }
-
   ThreadLock lock;
   std::map<std::string, Record> records DATABINDING_GUARDED_BY(lock);
 };

@@ -15,6 +15,7 @@
 #include <atomic>
 #include <concepts>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "DataBinding/EventName.h"
@@ -33,9 +34,17 @@ namespace DataBinding {
   return &here;
 }
 
+namespace details {
+template <class T>
+inline constexpr bool isTextView = std::same_as<T, VtrStringView>;
+template <class C, class Traits>
+inline constexpr bool isTextView<std::basic_string_view<C, Traits>> = true;
+}  // namespace details
+
 template <class... Args>
 class AppEvent {
   static_assert((std::copyable<Args> && ...), "arguments are copied into the queue and for hooks");
+  static_assert((!details::isTextView<Args> && ...), "a view would not outlast the queue");
 
  public:
   using Callback = RepeatingCallback<void(const Args&...)>;
@@ -44,16 +53,18 @@ class AppEvent {
   explicit constexpr AppEvent(const wchar_t* eventName) noexcept : text(eventName) {}
   /// For a name that is made up at run time. Its text is kept until the process ends.
   explicit AppEvent(const VtrString& eventName) : text(details::EventName::Keep(eventName)) {}
-  constexpr AppEvent(const AppEvent& other) noexcept : text(other.text) {}
+  AppEvent(const AppEvent& other) noexcept
+      : text(other.text), known(other.known.load(std::memory_order_acquire)) {}
   AppEvent& operator=(const AppEvent& other) noexcept {
     if (this == &other) return *this;
     text = other.text;
-    known.store(nullptr, std::memory_order_relaxed);
+    known.store(other.known.load(std::memory_order_acquire), std::memory_order_release);
     return *this;
   }
   ~AppEvent() = default;
 
-  /// Queues an event for the next idle pass. Any thread.
+  /// Queues an event for the next idle pass. Any thread. When the loop cannot be woken, what `wake`
+  /// throws comes out of here, with the event queued.
   DATABINDING_MODULE_LOCAL void Raise(Args... args) const {
     details::NamedEvent::Queue(Known(), Make(std::move(args)...), false);
   }
@@ -67,7 +78,8 @@ class AppEvent {
     details::NamedEvent::Send(Make(std::move(args)...));
   }
   /// Calls the callback for each event of this name until the subscription is cancelled, which any
-  /// thread may do, or the broadcaster ends. A null callback gives an inert subscription.
+  /// thread may do, or the broadcaster ends. Cancelling on another thread does not wait for a call
+  /// that is under way. A null callback gives an inert subscription.
   Subscription Subscribe(const Callback& callback) const {
     return Subscribe(IAppEventBroadcaster::GetInstance(), callback);
   }

@@ -2,9 +2,9 @@
 ///
 /// A subclass says in InitEventMap which events it wants, with On; the map is turned into
 /// subscriptions before the next event is delivered, and dropped when the listener is deactivated
-/// or ends. InitEventMap runs again after the registrar's UnregisterAppEvents: fill the map only
-/// while IsEventMapInitialised is false. Listeners belong to the delivering thread, and may end in
-/// a callback, their own or another's.
+/// or ends. InitEventMap runs again after UnregisterAppEvents: fill the map only while it is not
+/// initialised. Listeners belong to the delivering thread, and may end in a callback. One that sends
+/// events while it is made or ends is activated last and deactivated first.
 ///
 ///   void View::InitEventMap() {
 ///     if (!IsEventMapInitialised()) On(processStarted, &View::AddRow);
@@ -12,9 +12,9 @@
 ///   }
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -50,15 +50,18 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
   [[nodiscard]] bool HasListener(VtrStringView name) const;
 
  protected:
-  /// Adds an entry to the map: while this listener lives, the event calls the method. The method's
-  /// parameters must accept the event's arguments.
-  template <class... Args, class Listener, class... Params>
-  void On(const AppEvent<Args...>& event, void (Listener::*method)(Params...)) {
-    static_assert(std::derived_from<Listener, AppEventListener>, "the method must be a listener's");
+  /// Adds an entry to the map: while this listener lives, the event calls the method, whose
+  /// parameters must accept the event's arguments. Throws std::logic_error for a method of a class
+  /// that this object is not.
+  template <class... Args, class Function, class Listener>
+  requires std::is_function_v<Function>
+  void On(const AppEvent<Args...>& event, Function Listener::*method) {
     static_assert(std::is_invocable_v<decltype(method), Listener&, const Args&...>,
                   "the method does not take the event's arguments");
-    eventMap.push_back(std::make_unique<MethodEntry<AppEvent<Args...>, decltype(method)>>(
-        event, method, AsWeakPtr()));
+    auto* const self = dynamic_cast<Listener*>(this);
+    if (self == nullptr) throw std::logic_error("an event is mapped to another object's method");
+    eventMap.push_back(std::make_unique<MethodEntry<AppEvent<Args...>, Function, Listener>>(
+        event, method, *self, AsWeakPtr()));
   }
   [[nodiscard]] bool IsEventMapInitialised() const noexcept { return eventMapInitialised; }
 
@@ -66,7 +69,7 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
   std::vector<std::unique_ptr<AppEventMapEntry>> eventMap;
 
  private:
-  template <class Event, class Method>
+  template <class Event, class Function, class Listener>
   class MethodEntry;
 
   void ClearSubscriptions();
@@ -76,29 +79,32 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
   std::int32_t activationCount;
 };
 
-template <class... Args, class Listener, class... Params>
-class AppEventListener::MethodEntry<AppEvent<Args...>, void (Listener::*)(Params...)> final
+template <class... Args, class Function, class Listener>
+class AppEventListener::MethodEntry<AppEvent<Args...>, Function, Listener> final
     : public AppEventMapEntry {
  public:
-  using Method = void (Listener::*)(Params...);
+  using Method = Function Listener::*;
 
-  MethodEntry(const AppEvent<Args...>& mapped, Method called, WeakPtr<AppEventListener> listener)
+  MethodEntry(const AppEvent<Args...>& mapped, Method called, Listener& listener,
+              WeakPtr<AppEventListener> alive)
       : AppEventMapEntry(mapped.Name()),
         event(mapped),
         method(called),
-        target(std::move(listener)) {}
+        target(&listener),
+        liveness(std::move(alive)) {}
 
   Subscription Subscribe(IAppEventBroadcaster& broadcaster) override {
-    return event.Subscribe(broadcaster, [weak = target, call = method](const Args&... args) {
-      if (AppEventListener* listener = weak.Get())
-        (static_cast<Listener*>(listener)->*call)(args...);
-    });
+    return event.Subscribe(
+        broadcaster, [alive = liveness, listener = target, call = method](const Args&... args) {
+          if (alive) (listener->*call)(args...);
+        });
   }
 
  private:
   AppEvent<Args...> event;
   Method method;
-  WeakPtr<AppEventListener> target;
+  Listener* target;
+  WeakPtr<AppEventListener> liveness;
 };
 
 }  // namespace DataBinding

@@ -69,8 +69,10 @@ class DATABINDING_API EventBroadcaster {
 
    protected:
     explicit PendingEventBase(const void* ownerKey = nullptr) noexcept : owner(ownerKey) {}
+    /// For Dispatch, before all else: subscribes the listeners that wait for it.
+    static void PreNotify(EventBroadcaster& broadcaster);
     /// For Dispatch: keeps the event, in place of an older one, if its name is disabled, and says
-    /// whether it did. A name becomes known by this.
+    /// whether it is. A name becomes known by this. Null is not kept.
     [[nodiscard]] static bool HoldIfDisabled(EventBroadcaster& broadcaster, const VtrString& name,
                                              std::shared_ptr<PendingEventBase> event);
     /// For Dispatch, after the listeners: lets the hooks see the event. The arguments are boxed
@@ -78,6 +80,8 @@ class DATABINDING_API EventBroadcaster {
     [[nodiscard]] static bool HasHooks(const EventBroadcaster& broadcaster);
     static void NotifyHooks(EventBroadcaster& broadcaster, const VtrString& name,
                             const std::vector<Any>& args);
+    /// For a catch block of Dispatch: treats the exception as that of a listener.
+    static void ReportFailure(EventBroadcaster& broadcaster, const VtrString& name);
 
    private:
     const void* owner;
@@ -116,25 +120,31 @@ class DATABINDING_API EventBroadcaster {
   void AddCleanupCallback(void* owner, OneShotCallback<void()> callback);
   /// Drops the owner's callback without running it.
   void RemoveCleanupCallback(void* owner);
-  /// Delivers what is queued so far. What is raised meanwhile waits for the next call, and so does
-  /// nothing of the batch: a call from inside a delivery takes only what came since.
+  /// Delivers what is queued so far. What is raised meanwhile waits for the next call; a call from
+  /// inside a delivery delivers what was raised since, before the rest of the outer batch.
   void DispatchPendingEvents();
 
   /// Queues an event of the caller's own kind. Any thread. With `replaceLast` it takes the place of
-  /// the newest queued event of its name, at the end of the queue. Ignores null.
+  /// the newest queued event of its name, at the end of the queue. Ignores null. What the UpdateUI
+  /// callback throws comes out of here, with the event queued; the next event runs it again.
   void QueueEvent(const VtrString& name, EventPtr event, bool replaceLast = false);
   /// Any thread.
   [[nodiscard]] bool HasPendingEvents() const noexcept;
-  /// Drops the name's events, or the owner's, that are queued or held, for example those of a
-  /// plug-in which is about to be unloaded. Does not reach the rest of a batch under delivery.
+  /// Drops the name's events, or the owner's, that are queued, held, or still to come in a batch
+  /// under delivery, for example those of a plug-in which is about to be unloaded.
   void DropEvents(const VtrString& name);
   void DropOwner(const void* owner);
   /// Takes what listeners and hooks throw. Without one (null) the first exception is kept for
-  /// TakeFailure and an idle pass is asked for, so that it comes to light.
+  /// TakeFailure; outside a dispatch an idle pass is asked for, so that it comes to light. What the
+  /// handler itself throws is kept in the place of what it was given, which counts as another.
   void SetErrorHandler(ErrorHandler handler);
   [[nodiscard]] bool HasFailure() const noexcept { return failure.exception != nullptr; }
   /// What was thrown since the last call.
   [[nodiscard]] EventFailure TakeFailure();
+  /// True while an event is dispatched, on the delivering thread.
+  [[nodiscard]] bool IsDelivering() const noexcept { return delivery != nullptr; }
+  /// The application's message number is kept here.
+  [[nodiscard]] UpdatePolicyType& GetUpdatePolicy() noexcept { return updatePolicy; }
   [[nodiscard]] WeakPtr<EventBroadcaster> GetWeakPtr() const { return weakFactory.GetWeakPtr(); }
 
  protected:
@@ -152,9 +162,11 @@ class DATABINDING_API EventBroadcaster {
   template <class Name>
   void Append(const Name& name, bool replaceLast, EventPtr&& event);
   void Deliver(const EventPtr& event);
+  void AskForPass();
+  void Hold(const VtrString& name);
+  void EndHold(const VtrString& name, bool fireHeldEvent);
+  void Lower(const VtrString& name, bool fireHeldEvent);
   [[nodiscard]] details::EventChannel& Channel(const details::EventName& name);
-  template <class Matches>
-  void DropQueued(Matches matches);
 
   std::map<VtrString, details::EventChannel*> knownEvents;
   std::unique_ptr<details::PendingEvents> pendingEvents;
@@ -164,6 +176,10 @@ class DATABINDING_API EventBroadcaster {
   ThreadingPolicyType threadingPolicy;
   UpdatePolicyType updatePolicy;
   std::atomic<bool> anyPending{false};
+  /// Set when the UpdateUI callback could not be run to its end.
+  std::atomic<bool> isPassOwed{false};
+  /// How many of a name's disables belong to EventHolds, which EnableEvent leaves alone.
+  std::map<VtrString, std::int32_t> holds;
   /// The listeners of typed events, by the number of their names.
   std::vector<std::unique_ptr<details::EventChannel>> channels;
   ErrorHandler errorHandler;

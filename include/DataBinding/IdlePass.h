@@ -3,7 +3,8 @@
 ///
 /// Make it on the delivering thread before any producer starts, and end it after they have stopped.
 /// `wake` runs on the thread that raises, once until the next Run: it must be safe on any thread
-/// and get the loop to call Run soon (write to a pipe, post a message, schedule an idle source).
+/// and get the loop to call Run soon (write to a pipe, post a message, schedule an idle source), or
+/// throw if it cannot.
 /// Run belongs to the delivering thread and may be entered again from a modal loop that a listener
 /// runs. Several passes may end in any order: each gives the callback that it replaced back.
 ///
@@ -29,8 +30,9 @@ class DATABINDING_API IdlePass {
   ~IdlePass();
 
   /// Delivers what is queued. What comes in meanwhile wakes the loop for another pass. Afterwards
-  /// throws what the first listener or hook threw, if no error handler takes that. Costs next to
-  /// nothing when nothing is queued. The pass may end, and the broadcaster be released, meanwhile.
+  /// throws what the first listener or hook threw, if no error handler takes that; a Run inside a
+  /// delivery leaves it to the outer one. Costs next to nothing when nothing is queued. The pass
+  /// may end, and the broadcaster be released, meanwhile.
   void Run();
   /// True from the waking until the next Run.
   [[nodiscard]] bool IsRequested() const noexcept;

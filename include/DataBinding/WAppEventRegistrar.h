@@ -8,7 +8,8 @@
 /// One that is removed during a flush before it was reached is not touched any more; one that is
 /// removed in its own InitEventMap is not subscribed. When a listener throws out of a flush, those
 /// that it had not reached are no longer waiting, deliberately: they stay known, and the next
-/// UnregisterAppEvents makes them wait again.
+/// UnregisterAppEvents makes them wait again. A listener must not release the registrar itself
+/// while it is called.
 #pragma once
 
 #include <list>

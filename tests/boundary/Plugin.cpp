@@ -1,7 +1,7 @@
+#include "Plugin.h"
+
 #include <memory>
 #include <stdexcept>
-
-#include "Shared.h"
 
 namespace Boundary {
 
@@ -43,7 +43,8 @@ void Stop() { state.reset(); }
 }  // namespace
 
 extern "C" BOUNDARY_API const PluginFunctions* GetPluginFunctions() {
-  static const PluginFunctions functions{&Start, &Subscribe, &TimesHeard, &GetMeter, &Stop};
+  static const PluginFunctions functions{&Start,    &Subscribe, &TimesHeard,
+                                         &GetMeter, &Stop,      MakePluginEvents()};
   return &functions;
 }
 

@@ -5,7 +5,12 @@
 /// (Reading); nobody else sees its class.
 #pragma once
 
+#include <string>
+
+#include <DataBinding/AppEvent.h>
+#include <DataBinding/AppEventListener.h>
 #include <DataBinding/DataBinding.h>
+#include <DataBinding/WAppEventRegistrar.h>
 
 #if defined(_WIN32) && defined(BOUNDARY_BUILD)
 #define BOUNDARY_API __declspec(dllexport)
@@ -38,6 +43,27 @@ BOUNDARY_API DataBinding::SetResult SetLevelInView(DataBinding::IDataSource* gau
 BOUNDARY_API Reading ReadLastInView(DataBinding::IDataSource* gauge);
 BOUNDARY_API bool ViewCatchesUnknownSource(DataBinding::IDataSourceProvider& provider);
 
+/// Raised by the plug-in, heard on both sides.
+inline constinit const DataBinding::AppEvent<Reading> read{L"Read"};
+
+BOUNDARY_API DataBinding::IAppEventBroadcaster& BroadcasterOfView();
+BOUNDARY_API DataBinding::WAppEventRegistrar& RegistrarOfView();
+
+/// The event half of what the plug-in exports.
+struct PluginEvents {
+  DataBinding::IAppEventBroadcaster& (*broadcaster)();
+  DataBinding::WAppEventRegistrar& (*registrar)();
+  /// A subscription that the host keeps: appends what it hears to the text.
+  DataBinding::Subscription (*listen)(std::string& heard);
+  void (*raise)(int value);
+  /// Uses a name with the signature void (Reading), and gives what that throws.
+  std::string (*use)(const wchar_t* name);
+  /// Queues an event of the plug-in's own kind, leaves a hook and activates a listener.
+  void (*enter)(std::string& heard);
+  /// Takes all that back, and whatever else of the plug-in's is queued or held.
+  void (*leave)();
+};
+
 /// What the plug-in exports, by one function of C linkage.
 struct PluginFunctions {
   /// Registers a constructor "FromPlugin" and listens to the gauge.
@@ -47,6 +73,7 @@ struct PluginFunctions {
   int (*timesHeard)();
   Meter& (*meter)();
   void (*stop)();
+  PluginEvents events;
 };
 
 }  // namespace Boundary

@@ -22,4 +22,7 @@ bool ViewCatchesUnknownSource(IDataSourceProvider& provider) {
   return false;
 }
 
+IAppEventBroadcaster& BroadcasterOfView() { return IAppEventBroadcaster::GetInstance(); }
+WAppEventRegistrar& RegistrarOfView() { return WAppEventRegistrar::GetInstance(); }
+
 }  // namespace Boundary

@@ -18,8 +18,10 @@ namespace VtrUtils {
 /// it, do not compare it.
 [[nodiscard]] DATABINDING_API std::string ReadableTypeName(const std::type_info& type);
 
-/// A text that is the same for one type in all modules, and differs for any two types. A name in an
-/// anonymous namespace is told apart from the same in another file by where it stands.
+/// A text that is the same for one type in all modules, and differs for two types that have
+/// linkage. A name in an anonymous namespace is told apart from the same in another file by where
+/// it stands, and so differs after its module was loaded anew. Not told apart are equally named
+/// types that are local to equally named static functions.
 [[nodiscard]] DATABINDING_API std::string TypeKey(std::type_index type);
 
 }  // namespace VtrUtils

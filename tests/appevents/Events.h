@@ -1,0 +1,100 @@
+/// Events and listeners that note what happens to them, and a fixture that gives each test a
+/// broadcaster and a registrar of its own.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "DataBinding/AppEvent.h"
+#include "DataBinding/AppEventListener.h"
+#include "DataBinding/EventBroadcaster.h"
+#include "DataBinding/EventHold.h"
+#include "DataBinding/IAppEventBroadcaster.h"
+#include "DataBinding/IdlePass.h"
+#include "DataBinding/UpdatePolicy.h"
+#include "DataBinding/WAppEventRegistrar.h"
+
+namespace DataBinding::Testing {
+
+inline constinit const AppEvent<int> moved{L"Moved"};
+inline constinit const AppEvent<> closed{L"Closed"};
+
+/// A broadcaster beside that of the process.
+class OwnBroadcaster final : public PolicyEventBroadcaster {};
+
+/// An event of the application's own kind: notes its mark when it is dispatched, then acts.
+class NotedEvent : public PendingEventBase {
+ public:
+  using Act = std::function<void(PolicyEventBroadcaster&)>;
+  NotedEvent(std::string& notes, std::string eventMark, Act action = nullptr,
+             const void* ownerKey = nullptr)
+      : PendingEventBase(ownerKey),
+        log(notes),
+        mark(std::move(eventMark)),
+        act(std::move(action)) {}
+  void Dispatch(PolicyEventBroadcaster& broadcaster) override {
+    log += mark;
+    if (act) act(broadcaster);
+  }
+  using PendingEventBase::HasHooks;
+  using PendingEventBase::HoldIfDisabled;
+  using PendingEventBase::NotifyHooks;
+
+ private:
+  std::string& log;
+  std::string mark;
+  Act act;
+};
+
+class Events : public ::testing::Test {
+ protected:
+  ~Events() override {
+    AEB::UpdatePolicy::SetUpdateUICallback({});
+    IAppEventBroadcaster::ReleaseInstance(false);
+    WAppEventRegistrar::ReleaseInstance(false);
+  }
+  static IAppEventBroadcaster& events() { return IAppEventBroadcaster::GetInstance(); }
+
+  /// Subscribes a listener that notes its mark and the value, and then acts.
+  void Listen(char mark, std::function<void()> act = nullptr) {
+    subscriptions.push_back(moved.Subscribe([this, mark, run = std::move(act)](const int& value) {
+      (log += mark) += std::to_string(value);
+      if (run) run();
+    }));
+  }
+  void Queue(const wchar_t* name, const std::string& mark, NotedEvent::Act act = nullptr) {
+    events().QueueEvent(name, std::make_shared<NotedEvent>(log, mark, std::move(act)));
+  }
+  void CountWakes() {
+    AEB::UpdatePolicy::SetUpdateUICallback([this] { ++wakes; });
+  }
+  std::string Dispatched() {
+    events().DispatchPendingEvents();
+    return Notes();
+  }
+  /// What was noted since the last call.
+  std::string Notes() { return std::exchange(log, {}); }
+  void NoteFailures() {
+    events().SetErrorHandler([this](const VtrString& name, const std::exception_ptr& failure) {
+      log += "!" + name.ToUtf8() + ":" + What(failure);
+    });
+  }
+  static std::string What(const std::exception_ptr& failure) {
+    try {
+      std::rethrow_exception(failure);
+    } catch (const std::exception& exception) {
+      return exception.what();
+    }
+  }
+
+  std::string log;
+  std::vector<Subscription> subscriptions;
+  int wakes = 0;
+};
+
+}  // namespace DataBinding::Testing

@@ -1,0 +1,262 @@
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include "Events.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+class IdlePasses : public Events {
+ protected:
+  /// A pass that counts its wakes.
+  std::unique_ptr<IdlePass> Pass() {
+    return std::make_unique<IdlePass>([this] { ++wakes; });
+  }
+  std::string Run(IdlePass& pass) {
+    pass.Run();
+    return Notes();
+  }
+  static std::string ThrownBy(IdlePass& pass) {
+    try {
+      pass.Run();
+    } catch (const std::exception& exception) {
+      return exception.what();
+    }
+    return "";
+  }
+};
+
+TEST_F(IdlePasses, WakeOnceForAllThatIsRaisedBeforeTheRun) {
+  moved.Raise(0);
+  const auto pass = Pass();
+  EXPECT_EQ(wakes, 1) << "an event was waiting already";
+  Listen('a');
+  moved.Raise(1);
+  moved.RaiseLatest(2);
+  closed.Raise();
+  EXPECT_EQ(wakes, 1);
+  EXPECT_TRUE(pass->IsRequested());
+  EXPECT_EQ(Run(*pass), "a0a2");
+  EXPECT_FALSE(pass->IsRequested());
+  EXPECT_EQ(Run(*pass), "");
+  EXPECT_EQ(wakes, 1);
+}
+
+TEST_F(IdlePasses, RaisedWhileItRunsWaitForAnotherPassThatIsWokenFor) {
+  const auto pass = Pass();
+  EXPECT_EQ(wakes, 0);
+  Listen('a', [this] {
+    if (log.size() < 5) moved.Raise(2);
+  });
+  moved.Raise(1);
+  EXPECT_EQ(Run(*pass), "a1");
+  EXPECT_EQ(wakes, 2);
+  log = "third";
+  EXPECT_EQ(Run(*pass), "thirda2");
+  EXPECT_EQ(wakes, 2);
+}
+
+TEST_F(IdlePasses, FeedModalLoopsThatListenersRun) {
+  const auto pass = Pass();
+  Listen('a', [&] {
+    if (log != "a1") return;
+    moved.Raise(3);
+    EXPECT_EQ(wakes, 2);
+    pass->Run();
+    moved.Raise(4);
+    EXPECT_EQ(wakes, 3);
+  });
+  moved.Raise(1);
+  moved.Raise(2);
+  EXPECT_EQ(Run(*pass), "a1a3a2");
+  EXPECT_TRUE(pass->IsRequested());
+  EXPECT_EQ(Run(*pass), "a4");
+}
+
+TEST_F(IdlePasses, InAModalLoopLeaveAFailureToTheOuterRun) {
+  const auto pass = Pass();
+  Listen('a', [] { throw std::runtime_error("first"); });
+  Listen('b', [&] {
+    closed.Raise();
+    EXPECT_NO_THROW(pass->Run());
+    log += "modal over ";
+  });
+  Listen('c');
+  moved.Raise(1);
+  EXPECT_EQ(ThrownBy(*pass), "first");
+  EXPECT_EQ(Notes(), "a1b1modal over c1");
+  EXPECT_EQ(pass->DroppedFailures(), 0u);
+}
+
+TEST_F(IdlePasses, GiveTheFormerCallbackBackInWhateverOrderTheyEnd) {
+  std::array<std::size_t, 3> order{0, 1, 2};
+  do {
+    AEB::UpdatePolicy::SetUpdateUICallback([this] { log += 'x'; });
+    std::array<std::unique_ptr<IdlePass>, 3> passes;
+    for (std::size_t i = 0; i < 3; ++i) {
+      passes[i] = std::make_unique<IdlePass>([this, i] { log += std::to_string(i); });
+    }
+    for (const std::size_t ended : order) {
+      passes[ended].reset();
+      closed.Raise();
+      const auto newest = std::find_if(passes.rbegin(), passes.rend(),
+                                       [](const auto& pass) { return pass != nullptr; });
+      const auto left = passes.rend() - newest;
+      EXPECT_EQ(Notes(), left == 0 ? "x" : std::to_string(left - 1));
+      for (const auto& pass : passes) {
+        if (pass != nullptr) pass->Run();
+      }
+      events().DispatchPendingEvents();
+    }
+  } while (std::ranges::next_permutation(order).found);
+}
+
+TEST_F(IdlePasses, HandWhatIsLeftToTheFormerCallbackUnlessAnotherWasSet) {
+  CountWakes();
+  auto pass = std::make_unique<IdlePass>([] {});
+  pass.reset();
+  EXPECT_EQ(wakes, 0);
+  pass = std::make_unique<IdlePass>([] {});
+  closed.Raise();
+  pass.reset();
+  EXPECT_EQ(wakes, 1);
+  pass = std::make_unique<IdlePass>([] {});
+  AEB::UpdatePolicy::SetUpdateUICallback([this] { log += "own"; });
+  pass.reset();
+  closed.Raise();
+  EXPECT_EQ(log, "own");
+  EXPECT_EQ(wakes, 1);
+}
+
+TEST_F(IdlePasses, ThrowTheFirstFailureOnceWhenAllIsDelivered) {
+  const auto pass = Pass();
+  Listen('a', [this] { throw std::runtime_error(log); });
+  Listen('b');
+  moved.Raise(1);
+  moved.Raise(2);
+  EXPECT_EQ(ThrownBy(*pass), "a1");
+  EXPECT_EQ(Notes(), "a1b1a2b2");
+  EXPECT_EQ(pass->DroppedFailures(), 1u);
+  EXPECT_EQ(ThrownBy(*pass), "");
+  moved.Send(3);
+  EXPECT_TRUE(pass->IsRequested());
+  EXPECT_EQ(ThrownBy(*pass), "a3") << "what was thrown outside the pass";
+  EXPECT_EQ(pass->DroppedFailures(), 0u);
+  NoteFailures();
+  moved.Raise(4);
+  EXPECT_EQ(ThrownBy(*pass), "");
+}
+
+TEST_F(IdlePasses, LetAForeignEventsExceptionThroughAndComeBackForWhatRemains) {
+  const auto pass = Pass();
+  Listen('a', [] { throw std::runtime_error("listener"); });
+  moved.Raise(1);
+  Queue(L"A", "f", [](auto&) {
+    moved.Raise(2);
+    throw std::runtime_error("foreign");
+  });
+  Queue(L"A", "lost");
+  EXPECT_EQ(ThrownBy(*pass), "foreign");
+  EXPECT_TRUE(pass->IsRequested());
+  EXPECT_EQ(ThrownBy(*pass), "listener");
+  EXPECT_EQ(log, "a1fa2");
+  EXPECT_EQ(pass->DroppedFailures(), 1u);
+}
+
+TEST_F(IdlePasses, WakeThatThrowsLosesNoEventAndIsTriedAgain) {
+  bool fails = true;
+  const IdlePass pass([&] {
+    ++wakes;
+    if (fails) throw std::runtime_error("wake");
+  });
+  Listen('a');
+  EXPECT_THROW(moved.Raise(1), std::runtime_error);
+  EXPECT_FALSE(pass.IsRequested());
+  fails = false;
+  moved.Raise(2);
+  EXPECT_EQ(wakes, 2);
+  EXPECT_EQ(Dispatched(), "a1a2");
+}
+
+TEST_F(IdlePasses, WokenInVainAreWokenByAReplacingEventToo) {
+  bool isLoopFull = true;
+  IdlePass pass([&] {
+    if (std::exchange(isLoopFull, false)) throw std::runtime_error("full");
+    ++wakes;
+  });
+  Listen('a');
+  EXPECT_THROW(moved.RaiseLatest(1), std::runtime_error);
+  moved.RaiseLatest(2);
+  EXPECT_EQ(wakes, 1);
+  moved.RaiseLatest(3);
+  EXPECT_EQ(wakes, 1);
+  EXPECT_EQ(Run(pass), "a3");
+}
+
+TEST_F(IdlePasses, ThatCannotBeMadeSinceTheWakeThrowsLeaveTheCallbackAsItWas) {
+  CountWakes();
+  closed.Raise();
+  EXPECT_THROW(IdlePass([] { throw std::runtime_error("wake"); }), std::runtime_error);
+  EXPECT_NO_THROW(closed.Raise());
+  EXPECT_EQ(wakes, 2);
+}
+
+TEST_F(IdlePasses, MayEndAndReleaseTheBroadcasterWhileTheyRun) {
+  for (const bool throws : {false, true}) {
+    auto pass = Pass();
+    Listen('a', [&] {
+      pass.reset();
+      if (throws) throw std::runtime_error("listener");
+    });
+    moved.Raise(1);
+    auto* running = pass.get();
+    EXPECT_EQ(ThrownBy(*running), throws ? "listener" : "");
+    subscriptions.clear();
+  }
+  auto pass = Pass();
+  Listen('b', [] {
+    moved.Raise(3);
+    IAppEventBroadcaster::ReleaseInstance(false);
+    throw std::runtime_error("listener");
+  });
+  moved.Raise(2);
+  EXPECT_EQ(ThrownBy(*pass), "");
+  EXPECT_EQ(log, "a1a1b2");
+  EXPECT_EQ(ThrownBy(*pass), "");
+  EXPECT_FALSE(IAppEventBroadcaster::HasInstance());
+}
+
+TEST_F(IdlePasses, LoseNothingThatFourThreadsRaiseAndKeepTheOrderOfEach) {
+  const AppEvent<int, int> counted(L"Counted");
+  std::atomic<bool> awake{false};
+  IdlePass pass([&] { awake = true; });
+  std::map<int, int> next;
+  const auto order = counted.Subscribe(
+      [&](const int& thread, const int& number) { EXPECT_EQ(next[thread]++, number); });
+  subscriptions.push_back(moved.Subscribe([&](const int& number) { next[-1] = number; }));
+  std::atomic<int> running{4};
+  const auto raise = [&](int thread) {
+    for (int i = 0; i < 3000; ++i) {
+      counted.Raise(thread, i);
+      if (thread == 0) moved.RaiseLatest(i);
+    }
+    --running;
+  };
+  std::vector<std::jthread> threads;
+  for (int thread = 0; thread < 4; ++thread) threads.emplace_back(raise, thread);
+  for (bool more = true; more;) {
+    more = running > 0;
+    events().DropEvents(closed.Name());
+    if (awake.exchange(false)) pass.Run();
+    more = more || awake;
+  }
+  EXPECT_EQ(next, (std::map<int, int>{{-1, 2999}, {0, 3000}, {1, 3000}, {2, 3000}, {3, 3000}}));
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing
