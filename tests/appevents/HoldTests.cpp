@@ -121,7 +121,6 @@ TEST_F(Holds, OfAScopeNestAndLeaveTheDisablingOfOthersAlone) {
 }
 
 TEST_F(Holds, OfAScopeAreNotEndedByOthersNorEndWhatOthersDisabled) {
-  Listen('a');
   {
     const EventHold hold(moved);
     moved.Send(1);
