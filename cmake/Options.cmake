@@ -28,6 +28,15 @@ if(DATABINDING_SANITIZE)
   add_link_options(${databindingSanitizeFlags})
 endif()
 
+# Programs that are cross-built for Windows find the compiler's runtime beside them.
+if(MINGW AND CMAKE_CROSSCOMPILING)
+  foreach(runtime libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
+                    OUTPUT_VARIABLE runtimePath OUTPUT_STRIP_TRAILING_WHITESPACE)
+    file(COPY ${runtimePath} DESTINATION ${PROJECT_BINARY_DIR}/bin)
+  endforeach()
+endif()
+
 # Turns the project's warnings on for one of its own targets.
 function(databinding_warnings target)
   if(NOT DATABINDING_WERROR)

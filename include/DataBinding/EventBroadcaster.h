@@ -57,7 +57,7 @@ class DATABINDING_API EventBroadcaster {
  public:
   /// An event in the queue, owned through std::shared_ptr. AppEvent makes them; an application may
   /// queue kinds of its own with QueueEvent. What their Dispatch lets out abandons the batch.
-  class PendingEventBase {
+  class DATABINDING_API PendingEventBase {
    public:
     PendingEventBase(const PendingEventBase&) = delete;
     PendingEventBase& operator=(const PendingEventBase&) = delete;
@@ -191,6 +191,8 @@ class DATABINDING_API EventBroadcaster {
 using PolicyEventBroadcaster = EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
 using PendingEventBase = PolicyEventBroadcaster::PendingEventBase;
 
+#if !defined(_WIN32)  // there MinGW would export no inline member of what is declared extern
 extern template class EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
+#endif
 
 }  // namespace DataBinding
