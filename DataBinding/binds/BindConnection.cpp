@@ -6,6 +6,7 @@
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/FirstFailure.h"
 #include "Explanation.h"
+#include "ProviderDoor.h"
 
 namespace DataBinding::details {
 
@@ -35,11 +36,28 @@ IDataSourceProvider* BindConnection::Provider() const {
 }
 
 void BindConnection::Enter(IDataSourceProvider* provider) {
+  DataSourceProvider* closed = nullptr;
+  for (auto* scope = provider; scope != nullptr && closed == nullptr; scope = scope->GetParent()) {
+    closed = ProviderDoor::IfClosed(*scope);
+  }
+  isWaiting = closed != nullptr;
+  if (isWaiting) {
+    links.push_back(std::make_unique<BindLink>(*this, *provider));
+    return links.front()->Await(*closed);
+  }
   for (auto* scope = provider; scope != nullptr; scope = scope->GetParent()) {
     links.push_back(std::make_unique<BindLink>(*this, *scope));
   }
   const std::size_t first = NamesAProperty() ? ContextIndex() : links.size();
   for (std::size_t i = 0; i < links.size(); ++i) links[i]->Listen(i >= first);
+}
+
+/// The scopes may be others by now.
+void BindConnection::Resume() {
+  IDataSourceProvider* const scope = Provider();
+  links.clear();
+  Enter(scope);
+  Update();
 }
 
 void BindConnection::CutAt(const BindLink& link) {
@@ -102,10 +120,19 @@ Framework::BindStatus BindConnection::Status() const {
   const Wish wish{sourceName, propertyName, &plainType, &readOnlyType};
   if (!NamesAProperty()) return ExplainUnbound(sourceName);
   if (Provider() == nullptr) return ExplainNoScope(wish);
+  if (isWaiting) return ExplainWaiting(wish);
   const std::size_t context = ContextIndex();
   IDataSourceProvider* scope = context < links.size() ? links[context]->Scope() : nullptr;
   if (scope == nullptr) return ExplainNoContext(wish, contextName);
-  return source == nullptr ? ExplainMissing(wish, *scope) : ExplainFound(wish, *scope, *source);
+  if (source == nullptr) return ExplainMissing(wish, *scope);
+  const Framework::BindStatus status = ExplainFound(wish, *scope, *source);
+  // An accessor of another kind may be filed under the type that is wanted.
+  return status.IsConnected() && !HasValue() ? ExplainUnreachable(wish, *source) : status;
+}
+
+VtrString BindConnection::WhyWithout() const {
+  const Framework::BindStatus status = Status();
+  return status.IsConnected() ? VtrString() : status.text;
 }
 
 }  // namespace DataBinding::details

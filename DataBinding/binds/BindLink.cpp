@@ -6,6 +6,7 @@
 #include "DataBinding/DataBind.h"
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/foundation/BindWeak.h"
+#include "ProviderDoor.h"
 
 namespace DataBinding::details {
 
@@ -18,6 +19,12 @@ BindLink::~BindLink() {
   isListening = false;
   if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
 }
+
+void BindLink::Await(DataSourceProvider& closed) {
+  ProviderDoor::Await(closed, BindWeak(AsWeakPtr(), &BindLink::Resume));
+}
+
+void BindLink::Resume() { connection.Resume(); }
 
 void BindLink::Listen(bool isSourceWanted) {
   std::set<VtrString> names;

@@ -21,6 +21,8 @@ class BindLink final : public IDataListener, public SupportsWeakPtr<BindLink> {
   BindLink& operator=(const BindLink&) = delete;
   ~BindLink() override;
 
+  /// Begins to listen when the provider has called its listeners, together with the outer scopes.
+  void Await(DataSourceProvider& closed);
   /// Begins to listen: for the connection's source, or only for the end of the scope.
   void Listen(bool isSourceWanted);
   /// The source that has the name in the scope, or null.
@@ -38,6 +40,7 @@ class BindLink final : public IDataListener, public SupportsWeakPtr<BindLink> {
 
  private:
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
+  void Resume();
   void Know(IDataSource* newSource);
   void Lose();
 

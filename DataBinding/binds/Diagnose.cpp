@@ -9,6 +9,8 @@
 #include "DataBinding/DataBind.h"
 #include "DataBinding/DataListener.h"
 #include "DataBinding/DataSourceProvider.h"
+#include "DataBinding/EventBind.h"
+#include "EventAnchor.h"
 #include "Explanation.h"
 
 namespace DataBinding {
@@ -19,14 +21,14 @@ namespace details {
 class ListenerDiagnosis {
  public:
   ListenerDiagnosis(IDataSourceProvider& diagnosedScope, std::vector<BindDiagnosis>& rows)
-      : scope(diagnosedScope), out(rows) {
-    for (const auto& category : scope.GetCategories()) {
-      scopeName += scopeName.IsEmpty() ? category : L"," + category;
-    }
-  }
+      : scope(diagnosedScope), out(rows), scopeName(ScopeName(diagnosedScope)) {}
 
   void Add(const IDataListener& listener) {
     if (const auto* link = dynamic_cast<const BindLink*>(&listener)) return AddBind(*link);
+    if (const auto* anchor = dynamic_cast<const EventAnchor*>(&listener)) {
+      const Framework::EventBind& bind = anchor->Bind();
+      return Add(bind.DataSource(), bind.EventName(), bind.Status());
+    }
     if (const auto* entries = dynamic_cast<const DataListener*>(&listener)) AddEntries(*entries);
   }
 
@@ -35,22 +37,25 @@ class ListenerDiagnosis {
     const BindConnection& bind = link.Connection();
     // A bind listens in the outer scopes too.
     if (bind.Provider() != &scope) return;
-    out.push_back({&scope, scopeName, bind.SourceName(), bind.PropertyName(), bind.Status()});
+    Add(bind.SourceName(), bind.PropertyName(), bind.Status());
   }
   void AddEntries(const DataListener& listener) {
     if (listener.GetDataSourceProvider() != &scope) return;
     for (const auto& entry : listener.listenerEntries) {
-      out.push_back({&scope, scopeName, entry.dataSourceName, entry.propertyName, Explain(entry)});
+      Add(entry.dataSourceName, entry.propertyName, Explain(entry));
     }
+  }
+  void Add(const VtrString& source, const VtrString& property, Framework::BindStatus&& status) {
+    out.push_back({&scope, scopeName, source, property, std::move(status)});
   }
   [[nodiscard]] Framework::BindStatus Explain(const DataListenerEntry& entry) const {
     const Wish wish{entry.dataSourceName, entry.propertyName};
+    if (entry.subscription) return ExplainHeard(wish, scope);
     IDataSource* source = nullptr;
     for (auto* at = &scope; at != nullptr && source == nullptr; at = at->GetParent()) {
       source = at->GetLocalDataSourceInstance(wish.source);
     }
     if (source == nullptr) return ExplainMissing(wish, scope);
-    if (entry.subscription) return ExplainFound(wish, scope, *source);
     return {Framework::BindState::NoSource,
             VtrString().Format(L"Data source \"%s\" is there, but came unheard: in an outer scope, "
                                L"after the listener had been given its provider.",

@@ -1,41 +1,92 @@
 #include "DataBinding/EventBind.h"
 
-#include "DataBinding/AppEvent.h"
-#include "DataBinding/IDataSourceProvider.h"
+#include <algorithm>
+#include <stdexcept>
+
+#include "EventAnchor.h"
+#include "Explanation.h"
 
 namespace DataBinding::Framework {
 
-EventBind::EventBind() = default;
-EventBind::EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName)
-    : IEventBind(context, source, eventName) {}
+EventBind::EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
+                     const void* ownerKey)
+    : IEventBind(context, source, eventName), owner(ownerKey) {}
 EventBind::~EventBind() = default;
 
 void EventBind::Connect(IDataSourceProvider* provider) {
-  scopeLiveness = provider == nullptr ? details::WeakReference() : provider->GetLiveness();
-  scope = provider;
+  anchor.reset();
+  if (provider != nullptr) anchor = std::make_unique<details::EventAnchor>(*this, *provider);
 }
 
 BindStatus EventBind::Status() const {
-  if (!CanRaise()) return {BindState::Unbound, L"The bind names no event."};
-  if (scopeLiveness.IsValid() || DataContextBind() != nullptr) return {BindState::Connected, {}};
-  return {BindState::NoProvider,
-          VtrString().Format(L"There is no scope whose data context event \"%s\" is raised for.",
-                             Path())};
+  BindStatus fault;
+  if (FindEvent(fault) == nullptr) return fault;
+  if (FindContext()) return {BindState::Connected, {}};
+  if (const auto* followed = DataContextBind()) return followed->Status();
+  if (Scope() == nullptr) {
+    return {BindState::NoProvider,
+            VtrString().Format(L"There is no scope whose data context event \"%s\" is raised for.",
+                               Path())};
+  }
+  return {BindState::NoContext,
+          VtrString().Format(L"No scope here or further out has the category \"%s\", whose data "
+                             L"context event \"%s\" is raised for.",
+                             DataContextName(), Path())};
 }
 
 VtrString EventBind::EventName() const { return Path() == nullPathMarker ? VtrString() : Path(); }
 
-bool EventBind::CanRaise() const { return !EventName().IsEmpty(); }
-
-void EventBind::Raise() {
-  if (CanRaise()) AppEvent<IDataContext*>(Path()).Raise(DataContext());
+bool EventBind::CanRaise() const {
+  BindStatus fault;
+  return FindEvent(fault) != nullptr && FindContext().has_value();
 }
 
-IDataContext* EventBind::DataContext() const {
-  if (const auto* followed = DataContextBind()) {
-    if (const auto context = followed->Get()) return *context;
+void EventBind::Raise() {
+  using Event = details::TypedEvent<IDataContext*>;
+  BindStatus fault;
+  const details::EventName* event = FindEvent(fault);
+  const auto context = FindContext();
+  if (event == nullptr || !context) return;
+  details::NamedEvent::Queue(*event, std::make_shared<Event>(*event, owner, *context), false);
+}
+
+IDataContext* EventBind::DataContext() const { return FindContext().value_or(nullptr); }
+
+const details::EventName* EventBind::FindEvent(BindStatus& fault) const {
+  const VtrString name = EventName();
+  if (name.IsEmpty()) {
+    fault = {BindState::Unbound, L"The bind names no event."};
+    return nullptr;
   }
-  return scopeLiveness.IsValid() ? scope->GetDataContext() : nullptr;
+  if (known != nullptr && known->Text() == name) return known;
+  try {
+    return known = &details::EventName::Find(name, typeid(void(IDataContext*)));
+  } catch (const std::logic_error& clash) {
+    fault = {BindState::WrongType, VtrString().Format(L"The bind cannot raise its event: %s.",
+                                                      VtrString::FromUtf8(clash.what()))};
+    return nullptr;
+  }
+}
+
+IDataSourceProvider* EventBind::Scope() const {
+  return anchor == nullptr ? nullptr : anchor->Scope();
+}
+
+IDataSourceProvider* EventBind::ContextScope() const {
+  IDataSourceProvider* scope = Scope();
+  const VtrString& category = DataContextName();
+  if (!details::IsNamed(category, nullDataMarker)) return scope;
+  while (scope != nullptr && std::ranges::count(scope->GetCategories(), category) == 0) {
+    scope = scope->GetParent();
+  }
+  return scope;
+}
+
+std::optional<IDataContext*> EventBind::FindContext() const {
+  if (const auto* followed = DataContextBind()) return followed->Get().value;
+  IDataSourceProvider* const scope = ContextScope();
+  if (scope == nullptr) return std::nullopt;
+  return scope->GetDataContext();
 }
 
 }  // namespace DataBinding::Framework

@@ -6,6 +6,7 @@
 #include "DataBinding/IDataSourceConstructor.h"
 #include "DataBinding/IDataSourceRegistrar.h"
 #include "DataBinding/PropertyAccess.h"
+#include "ProviderDoor.h"
 
 namespace DataBinding::details {
 
@@ -14,14 +15,16 @@ namespace {
 using Framework::BindState;
 using Framework::BindStatus;
 
-/// Calls visit(source, its name) for the sources that the scope and those further out own.
+/// Calls visit(source, its name, its scope) for the sources that the scope and those further out
+/// own, but for those that are just going.
 template <class Visitor>
 void VisitOwned(IDataSourceProvider& nearest, const Visitor& visit) {
   for (IDataSourceProvider* scope = &nearest; scope != nullptr; scope = scope->GetParent()) {
     const auto* owner = dynamic_cast<const DataSourceProvider*>(scope);
     if (owner == nullptr) continue;
     owner->VisitDataSources([&](IDataSource& source) {
-      if (const wchar_t* name = source.GetDataSourceName()) visit(source, VtrString(name));
+      if (ProviderDoor::IsLeaving(*owner, source)) return;
+      if (const wchar_t* name = source.GetDataSourceName()) visit(source, VtrString(name), *owner);
     });
   }
 }
@@ -39,7 +42,7 @@ bool CanBeBuilt(const VtrString& name, IDataSourceProvider& nearest) {
 /// A name that differs from the wanted one in case only, of a source that is there or could be.
 VtrString SimilarSource(const VtrString& wanted, IDataSourceProvider& nearest) {
   VtrString similar;
-  VisitOwned(nearest, [&](IDataSource& /*source*/, const VtrString& name) {
+  VisitOwned(nearest, [&](const auto& /*source*/, const VtrString& name, const auto& /*scope*/) {
     if (name.CompareNoCase(wanted) == 0) similar = name;
   });
   if (!similar.IsEmpty()) return similar;
@@ -56,11 +59,34 @@ VtrString SimilarProperty(const VtrString& wanted, IDataSource& source) {
   return {};
 }
 
-BindStatus Shadowed(const Wish& wish) {
+VtrString InScope(const IDataSourceProvider* scope) {
+  const VtrString name = scope == nullptr ? VtrString() : ScopeName(*scope);
+  return name.IsEmpty() ? name : VtrString().Format(L" in scope \"%s\"", name);
+}
+
+/// Of a source that its own scope does not find by its name.
+BindStatus Displaced(const Wish& wish, const IDataSourceProvider& scope) {
+  const bool isTaken = scope.GetLocalDataSourceInstance(wish.source) != nullptr;
   return {BindState::Shadowed,
-          VtrString().Format(
-              L"A data source \"%s\" cannot be found: another one had its name when it was added.",
-              wish.source)};
+          VtrString().Format(L"A data source \"%s\"%s cannot be found: another one %s.",
+                             wish.source, InScope(&scope),
+                             isTaken ? L"has its name" : L"had its name when it was added")};
+}
+
+/// Of a source that would serve, and another one that is found in its place.
+BindStatus Hidden(const Wish& wish, const IDataSourceProvider& scope, IDataSourceProvider& nearest,
+                  const IDataSource& found) {
+  const IDataSourceProvider* nearer = &nearest;
+  while (nearer != nullptr && nearer->GetLocalDataSourceInstance(wish.source) != &found) {
+    nearer = nearer->GetParent();
+  }
+  return {BindState::Shadowed,
+          VtrString().Format(L"A data source \"%s\"%s is hidden by a nearer one of that name%s.",
+                             wish.source, InScope(&scope), InScope(nearer))};
+}
+
+bool HasProperty(IDataSource& source, const VtrString& name) {
+  return !runtime_type<void>::Get().IsSameType(&source.GetDelegateType(name));
 }
 
 BindStatus NoSuchProperty(const Wish& wish, IDataSource& source) {
@@ -81,9 +107,8 @@ BindStatus NoSuchProperty(const Wish& wish, IDataSource& source) {
 /// Whether this source has the property, without regard to other sources.
 BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
   if (wish.plain == nullptr) {
-    const bool isKnown =
-        !runtime_type<void>::Get().IsSameType(&source.GetDelegateType(wish.property));
-    return isKnown ? BindStatus{BindState::Connected, {}} : NoSuchProperty(wish, source);
+    if (HasProperty(source, wish.property)) return {BindState::Connected, {}};
+    return NoSuchProperty(wish, source);
   }
   const auto found = ReflectionAccess::Find(&source, wish.property, *wish.plain, *wish.readOnly);
   const auto explain = [&](PropertyError error) {
@@ -100,6 +125,14 @@ BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
 
 bool IsNamed(const VtrString& name, const wchar_t* marker) {
   return !name.IsEmpty() && name != marker;
+}
+
+VtrString ScopeName(const IDataSourceProvider& scope) {
+  VtrString name;
+  for (const auto& category : scope.GetCategories()) {
+    name += name.IsEmpty() ? category : L"," + category;
+  }
+  return name;
 }
 
 BindStatus ExplainUnbound(const VtrString& source) {
@@ -124,12 +157,20 @@ BindStatus ExplainNoContext(const Wish& wish, const VtrString& context) {
                              context, wish.source, wish.property)};
 }
 
+BindStatus ExplainWaiting(const Wish& wish) {
+  return {BindState::NoSource,
+          VtrString().Format(L"Data source \"%s\" is not looked for until a scope has told its "
+                             L"listeners of another change.",
+                             wish.source)};
+}
+
 BindStatus ExplainMissing(const Wish& wish, IDataSourceProvider& scope) {
-  bool isOwned = false;
-  VisitOwned(scope, [&](IDataSource& /*source*/, const VtrString& name) {
-    isOwned = isOwned || name == wish.source;
+  const IDataSourceProvider* displacing = nullptr;
+  VisitOwned(scope, [&](const auto& source, const VtrString& name, const auto& owner) {
+    if (displacing != nullptr || name != wish.source) return;
+    if (owner.GetLocalDataSourceInstance(name) != &source) displacing = &owner;
   });
-  if (isOwned) return Shadowed(wish);
+  if (displacing != nullptr) return Displaced(wish, *displacing);
   if (CanBeBuilt(wish.source, scope)) {
     return {BindState::NotBuilt,
             VtrString().Format(L"Data source \"%s\" could be built, but nobody has asked for it.",
@@ -149,12 +190,37 @@ BindStatus ExplainMissing(const Wish& wish, IDataSourceProvider& scope) {
 BindStatus ExplainFound(const Wish& wish, IDataSourceProvider& scope, IDataSource& found) {
   BindStatus status = ExplainProperty(wish, found);
   if (status.IsConnected()) return status;
-  bool isShadowed = false;
-  VisitOwned(scope, [&](IDataSource& source, const VtrString& name) {
-    if (isShadowed || &source == &found || name != wish.source) return;
-    isShadowed = ExplainProperty(wish, source).IsConnected();
+  const IDataSourceProvider* shadowing = nullptr;
+  bool isFoundThere = false;
+  VisitOwned(scope, [&](IDataSource& source, const VtrString& name, const auto& owner) {
+    if (shadowing != nullptr || &source == &found || name != wish.source) return;
+    if (!ExplainProperty(wish, source).IsConnected()) return;
+    shadowing = &owner;
+    isFoundThere = owner.GetLocalDataSourceInstance(name) == &source;
   });
-  return isShadowed ? Shadowed(wish) : status;
+  if (shadowing == nullptr) return status;
+  return isFoundThere ? Hidden(wish, *shadowing, scope, found) : Displaced(wish, *shadowing);
+}
+
+BindStatus ExplainUnreachable(const Wish& wish, IDataSource& found) {
+  return {BindState::WrongType,
+          ReflectionAccess::Explain(PropertyError::NoAccessor, &found, wish.property, *wish.plain)};
+}
+
+BindStatus ExplainHeard(const Wish& wish, IDataSourceProvider& scope) {
+  bool isHeard = false;
+  bool isKnown = false;
+  VisitOwned(scope, [&](IDataSource& source, const VtrString& name, const auto& /*owner*/) {
+    if (name.CompareNoCase(wish.source) != 0) return;
+    isHeard = true;
+    isKnown = isKnown || HasProperty(source, wish.property);
+  });
+  if (!isHeard) return ExplainMissing(wish, scope);
+  if (isKnown) return {BindState::Connected, {}};
+  return {BindState::Connected,
+          VtrString().Format(L"Changes of \"%s\" are listened for, but data source \"%s\" lists no "
+                             L"property of that name.",
+                             wish.property, wish.source)};
 }
 
 }  // namespace DataBinding::details

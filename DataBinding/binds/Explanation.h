@@ -23,13 +23,22 @@ struct Wish {
 /// True for a name that is meant to be one.
 [[nodiscard]] bool IsNamed(const VtrString& name, const wchar_t* marker);
 
+/// The scope's categories, separated by commas.
+[[nodiscard]] VtrString ScopeName(const IDataSourceProvider& scope);
+
 [[nodiscard]] Framework::BindStatus ExplainUnbound(const VtrString& source);
 [[nodiscard]] Framework::BindStatus ExplainNoScope(const Wish& wish);
 [[nodiscard]] Framework::BindStatus ExplainNoContext(const Wish& wish, const VtrString& context);
+/// Of a bind that waits until scopes have called their listeners.
+[[nodiscard]] Framework::BindStatus ExplainWaiting(const Wish& wish);
 /// Why no source of that name is found, looking from a scope outward.
 [[nodiscard]] Framework::BindStatus ExplainMissing(const Wish& wish, IDataSourceProvider& scope);
 /// Whether the source that was found has the property.
 [[nodiscard]] Framework::BindStatus ExplainFound(const Wish& wish, IDataSourceProvider& scope,
                                                  IDataSource& found);
+/// Of a property that is filed under its type, but with an accessor of another one.
+[[nodiscard]] Framework::BindStatus ExplainUnreachable(const Wish& wish, IDataSource& found);
+/// Of a listener whose subscription stands, whatever the case of the source's name.
+[[nodiscard]] Framework::BindStatus ExplainHeard(const Wish& wish, IDataSourceProvider& scope);
 
 }  // namespace DataBinding::details

@@ -3,6 +3,7 @@
 #include <cassert>
 #include <utility>
 
+#include "Change.h"
 #include "DataBinding/IDataListener.h"
 #include "DataBinding/IDataSource.h"
 #include "DataBinding/IDataSourceConstructor.h"
@@ -102,12 +103,14 @@ bool DataSourceProvider::DeleteLocalDataSourceInstance(const wchar_t* name) {
   if (source == nullptr) return false;
   assert(notifications == 0 && "a listener deletes a source while this provider connects it");
   const VtrString key(name);  // the name may be the source's own
-  FirstFailure failure;
-  failure.Try([&] { DisconnectDataListeners(source); });
-  sourcesByName.erase(key);
-  ForgetSource(source);
-  failure.Try([&] { IDataSource::Destroy(source); });
-  failure.Rethrow();
+  Change([&] {
+    FirstFailure failure;
+    failure.Try([&] { DisconnectDataListeners(source); });
+    sourcesByName.erase(key);
+    ForgetSource(source);
+    failure.Try([&] { IDataSource::Destroy(source); });
+    failure.Rethrow();
+  });
   return false;
 }
 
@@ -157,6 +160,10 @@ bool DataSourceProvider::MatchCategory(const wchar_t* categoryList,
 
 void DataSourceProvider::Shutdown() {
   assert(notifications == 0 && "a listener shuts this provider down while it is connected");
+  Change([this] { EndAll(); });
+}
+
+void DataSourceProvider::EndAll() {
   FirstFailure failure;
   const auto ending = std::exchange(addedSources, {});
   additions.clear();
@@ -170,10 +177,7 @@ void DataSourceProvider::Shutdown() {
     failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
   }
   waiting.clear();
-  for (const auto& [listener, entry] : std::exchange(listeners, {})) {
-    if (!entry.liveness.IsValid()) continue;
-    failure.Try([&, ended = listener] { ended->NotifyDatasourceProviderDestroyed(this); });
-  }
+  failure.Try([&] { TellListenersOfTheEnd(); });
   listeners.clear();
   waiting.clear();
   if (parent != nullptr) parent->RemoveChild(this);
@@ -181,6 +185,16 @@ void DataSourceProvider::Shutdown() {
   for (IDataSourceProvider* child : std::exchange(children, {})) child->SetParent(parent);
   children.clear();
   shutDown = true;
+  failure.Rethrow();
+}
+
+void DataSourceProvider::TellListenersOfTheEnd() {
+  const details::Meanwhile telling(tellsItsEnd, true);
+  FirstFailure failure;
+  for (const auto& [listener, entry] : std::exchange(listeners, {})) {
+    if (!entry.liveness.IsValid()) continue;
+    failure.Try([&, ended = listener] { ended->NotifyDatasourceProviderDestroyed(this); });
+  }
   failure.Rethrow();
 }
 

@@ -3,6 +3,7 @@
 #include <cassert>
 #include <utility>
 
+#include "Change.h"
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/IDataListener.h"
 #include "DataBinding/IDataSource.h"
@@ -11,19 +12,7 @@
 
 namespace DataBinding {
 
-/// The scope of a call to a listener, in which the provider must not be changed.
-class DataSourceProvider::Notification {
- public:
-  explicit Notification(DataSourceProvider& notifying) noexcept : provider(notifying) {
-    ++provider.notifications;
-  }
-  Notification(const Notification&) = delete;
-  Notification& operator=(const Notification&) = delete;
-  ~Notification() { --provider.notifications; }
-
- private:
-  DataSourceProvider& provider;
-};
+using details::Meanwhile;
 
 void DataSourceProvider::AddDataSource(IDataSource* source) {
   if (source == nullptr) return;
@@ -33,18 +22,26 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
   std::map<std::uint64_t, IDataSource*> addition{{number, source}};
   std::multimap<IDataSource*, std::uint64_t> wayBack{{source, number}};
   std::map<VtrString, IDataSource*, std::less<>> filing;
-  FirstFailure failure;
-  if (const wchar_t* name = source->GetDataSourceName()) {
-    const VtrString& key = filing.try_emplace(name, source).first->first;
-    const Notification scope(*this);
-    IDataListener* listener = nullptr;
-    while ((listener = NextWaiting(key, listener)) != nullptr) {
-      failure.Try([&] { listener->ConnectToDatasource(source); });
+  Change([&] {
+    FirstFailure failure;
+    if (const wchar_t* name = source->GetDataSourceName()) {
+      const VtrString& key = filing.try_emplace(name, source).first->first;
+      failure.Try([&] { ConnectWaiting(key, source); });
     }
+    sourcesByName.merge(filing);
+    addedSources.merge(addition);
+    additions.merge(wayBack);
+    failure.Rethrow();
+  });
+}
+
+void DataSourceProvider::ConnectWaiting(const VtrString& name, IDataSource* source) {
+  const Meanwhile notifying(notifications, notifications + 1);
+  FirstFailure failure;
+  IDataListener* listener = nullptr;
+  while ((listener = NextWaiting(name, listener)) != nullptr) {
+    failure.Try([&] { listener->ConnectToDatasource(source); });
   }
-  sourcesByName.merge(filing);
-  addedSources.merge(addition);
-  additions.merge(wayBack);
   failure.Rethrow();
 }
 
@@ -58,11 +55,13 @@ void DataSourceProvider::RemoveDataSource(IDataSource* source) {
   const wchar_t* name = source->GetDataSourceName();
   if (FindLocal(name) == nullptr) return;
   const VtrString key(name);
-  FirstFailure failure;
-  failure.Try([&] { DisconnectDataListeners(source); });
-  sourcesByName.erase(key);
-  ForgetSource(source);
-  failure.Rethrow();
+  Change([&] {
+    FirstFailure failure;
+    failure.Try([&] { DisconnectDataListeners(source); });
+    sourcesByName.erase(key);
+    ForgetSource(source);
+    failure.Rethrow();
+  });
 }
 
 void DataSourceProvider::RemoveDataSources(IDataSource* const* sources, std::size_t count) {
@@ -73,7 +72,8 @@ void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   const wchar_t* name = source->GetDataSourceName();
   if (name == nullptr) return;
   const VtrString key(name);
-  const Notification scope(*this);
+  const Meanwhile notifying(notifications, notifications + 1);
+  const Meanwhile going(leaving, source);
   FirstFailure failure;
   IDataListener* listener = nullptr;
   while ((listener = NextWaiting(key, listener)) != nullptr) {
@@ -99,6 +99,11 @@ void DataSourceProvider::AddDataListener(IDataListener* listener, const std::set
                                          bool keepUnresolved) {
   if (listener == nullptr) return;
   assert(notifications == 0 && "a listener is added while this provider connects one");
+  Change([&] { ConnectAndFile(listener, names, keepUnresolved); });
+}
+
+void DataSourceProvider::ConnectAndFile(IDataListener* listener, const std::set<VtrString>& names,
+                                        bool keepUnresolved) {
   const auto alive = listener->liveness.GetRef();
   std::set<VtrString> kept;
   std::set<VtrString> forwarded;
@@ -106,7 +111,7 @@ void DataSourceProvider::AddDataListener(IDataListener* listener, const std::set
     IDataSource* local = GetLocalDataSourceInstance(name);
     IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
     if (local != nullptr) {
-      const Notification scope(*this);
+      const Meanwhile notifying(notifications, notifications + 1);
       listener->ConnectToDatasource(local);
       if (!alive.IsValid()) return;
     }
@@ -150,13 +155,17 @@ void DataSourceProvider::ForgetListener(IDataListener* listener) {
 
 void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
   if (parent != nullptr) parent->RemoveDataListener(listener);
+  Change([&] { DisconnectAndForget(listener); });
+}
+
+void DataSourceProvider::DisconnectAndForget(IDataListener* listener) {
   const auto filed = listeners.find(listener);
   if (filed == listeners.end()) return;
   if (!filed->second.liveness.IsValid()) return ForgetListener(listener);
   // The entry's names must outlast the calls, in which the listener may end.
   const auto names = filed->second.names;
   const auto alive = filed->second.liveness;
-  const Notification scope(*this);
+  const Meanwhile notifying(notifications, notifications + 1);
   for (const auto& name : names) {
     IDataSource* source = GetLocalDataSourceInstance(name);
     if (source != nullptr && alive.IsValid()) listener->DisconnectFromDatasource(source);

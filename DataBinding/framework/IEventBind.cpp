@@ -77,10 +77,16 @@ void IEventBind::SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataCo
   Run::ReserveRetired(running);
   if (bind == nullptr) return EndDataContextBind();
   Run::Retire(running, dataContextBind);
-  dataContextBind = std::move(bind);
-  Run::ReserveRetired(running);
-  dataContextCallback = std::move(callback);
-  dataContextSubscription = dataContextBind->SubscribeToChanges([this] { OnDataContextChanged(); });
+  try {
+    dataContextBind = std::move(bind);
+    Run::ReserveRetired(running);
+    dataContextCallback = std::move(callback);
+    dataContextSubscription =
+        dataContextBind->SubscribeToChanges([this] { OnDataContextChanged(); });
+  } catch (...) {
+    EndDataContextBind();
+    throw;
+  }
 }
 
 void IEventBind::EndDataContextBind() noexcept {

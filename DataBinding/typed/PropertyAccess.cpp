@@ -13,6 +13,10 @@ ReflectionAccess::Found ReflectionAccess::Find(IDataSource* source, const VtrStr
   const bool isReadOnly = readOnly.IsSameType(&type);
   if (!isReadOnly && !plain.IsSameType(&type)) return {PropertyError::WrongType, {}, false};
   auto accessor = source->_GetDelegate({{name, isReadOnly ? readOnly : plain}}).second;
+  RepeatingCallbackBase untyped;
+  untyped.SetMemento(accessor);
+  // Nothing is taken out of a table, so that a property which is gone is still named there.
+  if (untyped && untyped.IsCancelled()) return {PropertyError::Absent, {}, false};
   return {PropertyError::None, std::move(accessor), isReadOnly};
 }
 
@@ -36,8 +40,8 @@ VtrString ReflectionAccess::Explain(PropertyError error, IDataSource* source, co
                          actualType, wantedType);
     case PropertyError::ReadOnly:
       return text.Format(
-          L"Property \"%s\" of data source \"%s\" is read-only: its type is %s, wanted %s.", name,
-          owner, actualType, wantedType);
+          L"Property \"%s\" of data source \"%s\" can be read, but only its data source sets it.",
+          name, owner);
     default:
       return text.Format(
           L"Property \"%s\" of data source \"%s\" has type %s but no accessor for %s.", name, owner,

@@ -79,7 +79,7 @@ SetResult PropertyBase::ReadOnlyResult(const runtime_type_base& wanted) const {
 }
 
 SetResult PropertyBase::RefusedResult(const VtrString& reason) const {
-  SetResult result{false, PropertyError::Refused, {}};
+  SetResult result{false, PropertyError::Refused, {}, reason};
   result.text.Format(L"Property \"%s\" of data source \"%s\" refuses the value: %s", Name(),
                      ReflectionAccess::NameOf(owner), reason);
   return result;

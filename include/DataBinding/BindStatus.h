@@ -19,14 +19,14 @@ enum class BindState {
   NoSource,     ///< there is no such data source, or not yet
   NotBuilt,     ///< the data source could be built, but nobody has asked for it
   CaseDiffers,  ///< a data source or a property has that name in other case
-  Shadowed,     ///< a data source was added under a name that an earlier one had
+  Shadowed,     ///< an earlier data source or one of a nearer scope has the name
   NoProperty,   ///< the data source has no such property
-  WrongType     ///< the property has another type, or none that can be reached
+  WrongType     ///< the property or event has another type, or none that can be reached
 };
 
 struct BindStatus {
   BindState state = BindState::Unbound;
-  /// Why the value is not shown, or cannot be set.
+  /// Why the value is not shown, cannot be set, or cannot be looked up.
   VtrString text;
 
   /// True when the value is shown.

@@ -47,9 +47,16 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   [[nodiscard]] Framework::BindStatus Status() const;
   [[nodiscard]] const VtrString& SourceName() const noexcept { return sourceName; }
   [[nodiscard]] const VtrString& PropertyName() const noexcept { return propertyName; }
+  /// True while there is a property to read.
+  [[nodiscard]] virtual bool HasValue() const = 0;
   Subscription Subscribe(const RepeatingCallback<void()>& callback) {
     return changed.Add(callback);
   }
+
+ protected:
+  [[nodiscard]] IDataSource* Source() const noexcept { return source; }
+  /// Why there is nothing to read or set.
+  [[nodiscard]] VtrString WhyWithout() const;
 
  private:
   friend class BindLink;
@@ -57,7 +64,9 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   /// Finds the property in its new source, or in none.
   virtual void Refer(IDataSource* newSource, const VtrString& name) = 0;
 
+  /// Begins to listen in a scope and those further out; later if one is calling its listeners.
   void Enter(IDataSourceProvider* provider);
+  void Resume();
   /// A scope can be reached no more, and with it all further out.
   void CutAt(const BindLink& link);
   void Update();
@@ -74,6 +83,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   VtrString propertyName;
   /// One for each scope, from the one that was given outward.
   std::vector<std::unique_ptr<BindLink>> links;
+  /// The first link waits until the scopes have called their listeners.
+  bool isWaiting = false;
   IDataSource* source = nullptr;
   Subscription propertySubscription;
   CallbackList<> changed;
@@ -86,14 +97,33 @@ class TypedBindConnection final : public BindConnection {
       : BindConnection(bind, runtime_type<T>::Get(), runtime_type<const T>::Get()),
         property(nullptr, bind.Path()) {}
 
-  [[nodiscard]] const PropertyRef<T>& Property() const noexcept { return property; }
+  [[nodiscard]] bool HasValue() const override { return Property().IsThere(); }
+  [[nodiscard]] bool IsReadOnly() const { return HasValue() && property.IsReadOnly(); }
+  [[nodiscard]] PropertyValue<T> Get() const {
+    PropertyValue<T> value = property.Get();
+    if (value) return value;
+    value = Property().Get();
+    if (!value) value.text = WhyWithout();
+    return value;
+  }
+  SetResult Set(T value) {
+    if (HasValue()) return property.Set(std::move(value));
+    return {false, property.Error(), WhyWithout()};
+  }
 
  private:
   void Refer(IDataSource* newSource, const VtrString& name) override {
     property = PropertyRef<T>(newSource, name);
   }
+  /// Looks for a property again that was not there: it may come and go while its source stays.
+  [[nodiscard]] const PropertyRef<T>& Property() const {
+    if (Source() != nullptr && !property.IsThere()) {
+      property = PropertyRef<T>(Source(), PropertyName());
+    }
+    return property;
+  }
 
-  PropertyRef<T> property;
+  mutable PropertyRef<T> property;
 };
 
 }  // namespace details
@@ -105,8 +135,12 @@ namespace Framework {
 /// serves its subscribers. Assigning makes a bind look for what the other one names, where the
 /// other one does, and tells its subscribers.
 ///
-/// A scope that is just calling its listeners, because a source comes or goes, must not be changed:
-/// a subscriber that runs then may end binds and disconnect them, but not connect them.
+/// So keep binds in a std::deque, or each in a unique_ptr, where others subscribe to them: a vector
+/// that grows copies its binds, and the subscribers of the former ones hear nothing more.
+///
+/// A bind that is connected, made or assigned while one of its scopes calls its listeners, because
+/// a source comes or goes, begins to look when that scope has done so, and then tells its
+/// subscribers.
 template <class T>
 class DataBind final : public IDataBind<T> {
  public:
@@ -131,23 +165,21 @@ class DataBind final : public IDataBind<T> {
     connection->Connect(*this, other.connection->Provider());
     return *this;
   }
-  ~DataBind() override = default;
+  ~DataBind() override { this->EndLiveness(); }
 
   void Connect(IDataSourceProvider* provider) override { connection->Connect(*this, provider); }
   [[nodiscard]] BindTypeEnum BindType() const override { return BindTypeEnum::Data; }
   [[nodiscard]] BindStatus Status() const override { return connection->Status(); }
-  [[nodiscard]] bool IsReadOnly() const override { return HasValue() && Property().IsReadOnly(); }
-  [[nodiscard]] bool HasValue() const override { return static_cast<bool>(Property()); }
+  [[nodiscard]] bool IsReadOnly() const override { return connection->IsReadOnly(); }
+  [[nodiscard]] bool HasValue() const override { return connection->HasValue(); }
   Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) override {
     return connection->Subscribe(callback);
   }
-  [[nodiscard]] PropertyValue<T> Get() const override { return Property().Get(); }
-  SetResult Set(T value) override { return Property().Set(std::move(value)); }
+  [[nodiscard]] PropertyValue<T> Get() const override { return connection->Get(); }
+  SetResult Set(T value) override { return connection->Set(std::move(value)); }
 
  private:
   using Connection = details::TypedBindConnection<T>;
-
-  [[nodiscard]] const PropertyRef<T>& Property() const noexcept { return connection->Property(); }
 
   std::unique_ptr<Connection> connection;
 };

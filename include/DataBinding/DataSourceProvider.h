@@ -3,9 +3,10 @@
 /// Re-entrancy: from inside its ConnectToDatasource or DisconnectFromDatasource a listener must not
 /// add or remove listeners or sources of the provider that calls it, nor look up a name that this
 /// provider would have to build; debug builds assert it. A listener may end there, itself or
-/// another one: it is then not called any more. Entries of listeners know whether their listener
-/// lives, so one that was left behind (the listener moved to another provider, or a scope between
-/// them was shut down) is dropped silently. One thread.
+/// another one: it is then not called any more. Binds may be connected there; they wait until the
+/// provider has called the others. Entries of listeners know whether their listener lives, so one
+/// that was left behind (the listener moved to another provider, or a scope between them was shut
+/// down) is dropped silently. One thread.
 #pragma once
 
 #include <cstdint>
@@ -14,9 +15,14 @@
 #include <vector>
 
 #include "DataBinding/IDataSourceProvider.h"
+#include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {
+
+namespace details {
+class ProviderDoor;
+}  // namespace details
 
 /// Copies are plain member-wise copies, deliberately: they tell nobody, are no child of their
 /// parent, and name the same sources, which both would end. Copy only a root without sources,
@@ -91,12 +97,11 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   }
 
  private:
+  friend class details::ProviderDoor;
   struct ListenerEntry {
     std::set<VtrString> names;
     details::WeakReference liveness;
   };
-  class Notification;
-
   void Destroy() override;
   void SetParent(IDataSourceProvider* newParent) override;
   void AddChild(IDataSourceProvider* child) override;
@@ -104,12 +109,22 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   void GetCombinedCategoryList(std::vector<VtrString>& out) const override;
   void DisconnectDataListeners(IDataSource* source) override;
 
+  class Changing;
+  /// Runs a change of sources or listeners and, when it is the outermost one, what awaits its end.
+  template <class Step>
+  void Change(Step step);
   IDataSource* BuildDataSource(const wchar_t* name);
   [[nodiscard]] bool CanBuild(IDataSourceConstructor* constructor) const;
   [[nodiscard]] IDataSource* FindLocal(const wchar_t* name) const;
   void ForgetSource(IDataSource* source);
+  void ConnectWaiting(const VtrString& name, IDataSource* source);
+  void ConnectAndFile(IDataListener* listener, const std::set<VtrString>& names,
+                      bool keepUnresolved);
   void FileListener(IDataListener* listener, std::set<VtrString>&& kept);
+  void DisconnectAndForget(IDataListener* listener);
   void ForgetListener(IDataListener* listener);
+  void EndAll();
+  void TellListenersOfTheEnd();
   [[nodiscard]] IDataListener* NextWaiting(const VtrString& name, IDataListener* after);
 
   IDataSourceProvider* parent;
@@ -126,7 +141,13 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// The same listeners by the names that they wait for here.
   std::map<VtrString, std::set<IDataListener*>> waiting;
   bool shutDown = false;
+  /// The changes that are under way, one within the other, and the calls to listeners within them.
+  int changes = 0;
   int notifications = 0;
+  bool tellsItsEnd = false;
+  /// The source from which the listeners are just being disconnected.
+  IDataSource* leaving = nullptr;
+  std::vector<RepeatingCallback<void()>> awaiting;
 };
 
 }  // namespace DataBinding

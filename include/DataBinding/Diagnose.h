@@ -24,14 +24,16 @@ struct BindDiagnosis {
   /// That scope's categories, separated by commas.
   VtrString scopeName;
   VtrString source;
+  /// Of an event bind, the event's name.
   VtrString property;
   Framework::BindStatus status;
 };
 
-/// Looks at the binds and DataListeners of a scope and those within it, outer scopes first, in each
-/// in order of source and property. Each stands with the scope that it was given, and is left out
-/// where that scope is not in the tree. Listeners of other kinds do not tell what they want and are
-/// left out, as are event binds, which want nothing of a scope.
+/// Looks at the binds, event binds and DataListeners of a scope and those within it, outer scopes
+/// first, in each in order of source and property. Each stands with the scope that it was given, so
+/// one that has no scope, or whose scope is not in the tree, cannot be found and is left out.
+/// Listeners of other kinds do not tell what they want and are left out. A listener's entry counts
+/// as connected while its subscription stands; if the property is in no list, the text says so.
 [[nodiscard]] DATABINDING_API std::vector<BindDiagnosis> Diagnose(IDataSourceProvider& provider);
 
 }  // namespace DataBinding

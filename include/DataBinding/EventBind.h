@@ -1,8 +1,8 @@
 /// EventBind: a button's end of an application event. Its path is the event's name.
 ///
-/// Raise raises AppEvent<IDataContext*>(Path()) with the data context that the bind stands in: the
-/// value of its data context bind where that has one, else the context of the scope that it is
-/// connected to, which it does not own. Listeners so learn for what the event was raised. One
+/// Raise raises AppEvent<IDataContext*>(Path()) with the data context that the bind stands in.
+/// Delivery comes later, so the context must live until then, or be told of its end. The
+/// application defines `class DataBinding::IDataContext` itself, once for all its modules. One
 /// thread, that of the provider tree.
 ///
 ///   Framework::EventBind remove(L"", L"", L"RemoveItem");
@@ -10,32 +10,61 @@
 ///   button.onClick = [&] { remove.Raise(); };
 #pragma once
 
+#include <memory>
+#include <optional>
+
+#include "DataBinding/AppEvent.h"
 #include "DataBinding/Export.h"
 #include "DataBinding/IEventBind.h"
-#include "DataBinding/foundation/WeakPtr.h"
 
-namespace DataBinding::Framework {
+namespace DataBinding {
 
+namespace details {
+class EventAnchor;
+}  // namespace details
+
+namespace Framework {
+
+/// A data context bind, once there is one, alone says what the event is raised for: without its
+/// value nothing is raised. Else it is the context of the scope that a DataBind would begin with,
+/// which is the nearest one, from the connected one outward, that has the data context's name as a
+/// category. The data source's name only stands in the tracking name.
+///
+/// The events belong to the module whose code makes the bind: see ThisModule.
 class DATABINDING_API EventBind final : public IEventBind {
  public:
-  EventBind();
-  EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName);
+  DATABINDING_MODULE_LOCAL EventBind() : EventBind(VtrString(), VtrString(), VtrString()) {}
+  DATABINDING_MODULE_LOCAL EventBind(const VtrString& context, const VtrString& source,
+                                     const VtrString& eventName)
+      : EventBind(context, source, eventName, ThisModule()) {}
   ~EventBind() override;
 
   void Connect(IDataSourceProvider* provider) override;
-  /// Connected where there is an event to raise and a scope or a data context bind to say for what.
+  /// Connected where there is an event to raise and a data context to raise it for, null or not.
   [[nodiscard]] BindStatus Status() const override;
   /// The path, or an empty name for the null-path marker.
   [[nodiscard]] VtrString EventName() const override;
+  /// Asking fixes the signature of the event.
   [[nodiscard]] bool CanRaise() const override;
-  /// Does nothing without an event name. Throws std::logic_error where the event of that name has
-  /// another signature.
   void Raise() override;
   [[nodiscard]] IDataContext* DataContext() const override;
 
  private:
-  IDataSourceProvider* scope = nullptr;
-  details::WeakReference scopeLiveness;
+  EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
+            const void* ownerKey);
+
+  /// The event, or null and why there is none that may be raised.
+  [[nodiscard]] const details::EventName* FindEvent(BindStatus& fault) const;
+  [[nodiscard]] IDataSourceProvider* Scope() const;
+  [[nodiscard]] IDataSourceProvider* ContextScope() const;
+  /// The context to raise the event for, if there is one, be it null.
+  [[nodiscard]] std::optional<IDataContext*> FindContext() const;
+
+  const void* owner;
+  std::unique_ptr<details::EventAnchor> anchor;
+  mutable const details::EventName* known = nullptr;
 };
 
-}  // namespace DataBinding::Framework
+}  // namespace Framework
+
+}  // namespace DataBinding

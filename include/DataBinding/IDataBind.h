@@ -30,6 +30,10 @@ class IDataBind : public IBaseDataBind {
   /// Tells whether the bind is still there, for those that keep a pointer to it.
   [[nodiscard]] details::WeakReference GetLiveness() const { return liveness.GetRef(); }
 
+ protected:
+  /// For binds that end in steps: those that keep a pointer take the bind for gone from now on.
+  void EndLiveness() noexcept { liveness.Invalidate(); }
+
  private:
   details::WeakReferenceOwner liveness;
 };

@@ -37,13 +37,14 @@ class DATABINDING_API IEventBind : public IBaseBind {
   [[nodiscard]] virtual VtrString EventName() const = 0;
   /// True when Raise would raise an event.
   [[nodiscard]] virtual bool CanRaise() const = 0;
-  /// Raises the event with the current data context. Listeners may end the bind.
+  /// Raises the event with the current data context; does nothing where CanRaise is false.
   virtual void Raise() = 0;
   /// The data context that the bind stands in, or null.
   [[nodiscard]] virtual IDataContext* DataContext() const = 0;
 
   /// Takes over the bind of the data context, and runs the callback with (this, that bind) whenever
-  /// it notifies, but not now. What was set before is ended. A null bind only does that.
+  /// it notifies, but not now. What was set before is ended. A null bind only does that, and so
+  /// does one that cannot be subscribed to: what it throws is let out.
   void SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataContext*>> bind,
                           DataContextCallback callback);
 

@@ -6,7 +6,7 @@
 /// and notifies once; values without == count as changed each time. A hook that throws lets its
 /// exception out after listeners were notified.
 ///
-///   Property<int> size{this, L"Size", 10, {.validate = InRange(1, 100)}};
+///   Property<int> size{this, L"Size", 1, {.validate = [](int n) { return n ? L"" : L"is 0"; }}};
 ///   ReadOnlyProperty<double> load{this, L"Load"};
 ///   ComputedProperty<bool> busy{this, L"Busy", [this] { return *load > 0.9; }, load};
 #pragma once

@@ -76,6 +76,11 @@ class PropertyRef {
   [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
   explicit operator bool() const noexcept { return error == PropertyError::None; }
 
+  /// True while the property can be read: it was found and is not gone since.
+  [[nodiscard]] bool IsThere() const {
+    return error == PropertyError::None && accessor() != nullptr;
+  }
+
   [[nodiscard]] PropertyValue<T> Get() const {
     if (error != PropertyError::None) return {{}, error, text};
     const auto* access = accessor();

@@ -32,6 +32,8 @@ struct SetResult {
   /// Names source, property and types, and for a refused value the validator's reason. Empty
   /// without an error.
   VtrString text;
+  /// For a refused value the validator's or converter's reason alone, to stand beside the widget.
+  VtrString reason = {};
 
   [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }
 };

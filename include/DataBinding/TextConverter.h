@@ -2,7 +2,8 @@
 ///
 /// A converter is a pair of functions and is copied with them. TextConverter<T> is the one between
 /// numbers, truth values or strings and text: the same in every locale, and strict, since a text
-/// counts only if all of it is the value. What does not convert is refused with a text for people.
+/// counts only if all of it is the value, and a finite one. A number that is too small for its type
+/// is 0. What does not convert is refused with a text for people.
 ///
 ///   const auto converter = TextConverter<double>();
 ///   converter.show(0.25);                 // L"0.25"
@@ -10,6 +11,7 @@
 #pragma once
 
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <string>
 #include <string_view>
@@ -42,7 +44,16 @@ template <class T>
 
 namespace details {
 
-/// Why a text is refused.
+/// Those of characters are no types of numbers, but std::int8_t and std::uint8_t are.
+template <class T>
+concept Number = std::is_arithmetic_v<T> && !std::same_as<T, bool> && !std::same_as<T, char> &&
+                 !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> &&
+                 !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
+
+/// Tells a number that is too small for its type from one that is too big.
+[[nodiscard]] DATABINDING_API bool IsNearZero(std::string_view number);
+
+/// Why a text is refused. Long ones are quoted in part.
 [[nodiscard]] DATABINDING_API VtrString ExplainUnfit(const VtrString& text, std::errc reason,
                                                      const runtime_type_base& wanted);
 
@@ -55,7 +66,12 @@ std::errc ParseAll(std::string_view text, T& value) {
   } else {
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop != end ? std::errc::invalid_argument : error;
+    if (stop != end) return std::errc::invalid_argument;
+    if constexpr (std::floating_point<T>) {
+      if (error == std::errc() && !std::isfinite(value)) return std::errc::invalid_argument;
+      if (error == std::errc::result_out_of_range && IsNearZero(text)) return std::errc();
+    }
+    return error;
   }
 }
 
@@ -83,7 +99,7 @@ PropertyValue<T> ParseNumber(const VtrString& text) {
 /// Between a T and its text: shortest digits that give the number back, "true" and "false", or the
 /// string itself.
 template <class T>
-requires std::is_arithmetic_v<T> || std::same_as<T, VtrString>
+requires details::Number<T> || std::same_as<T, bool> || std::same_as<T, VtrString>
 [[nodiscard]] Converter<T, VtrString> TextConverter() {
   if constexpr (std::same_as<T, VtrString>) {
     return SameValue<VtrString>();

@@ -13,12 +13,14 @@
 
 #include <concepts>
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
 #include "DataBinding/IDataBind.h"
 #include "DataBinding/TextConverter.h"
 #include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/FirstFailure.h"
 #include "DataBinding/foundation/Subscription.h"
 
 namespace DataBinding {
@@ -38,6 +40,25 @@ class Raised {
   bool before;
 };
 
+/// The text, or other form, that stands for the bind's value. Known where forms can be compared.
+template <class W>
+class ShownForm {
+ public:
+  static constexpr bool isKnown = std::copyable<W> && std::equality_comparable<W>;
+
+  void Note([[maybe_unused]] const W& form) {
+    if constexpr (isKnown) shown = form;
+  }
+  void Forget() { shown.reset(); }
+  [[nodiscard]] bool Is([[maybe_unused]] const W& form) const {
+    if constexpr (isKnown) return shown && *shown == form;
+    return false;
+  }
+
+ private:
+  std::optional<std::conditional_t<isKnown, W, bool>> shown;
+};
+
 /// What a join shares with its subscription, so that it outlasts the functions that end the join.
 template <class T, class W>
 class TwoWayState {
@@ -52,42 +73,72 @@ class TwoWayState {
         converter(std::move(conversion)),
         validate(std::move(check)) {}
 
-  /// Shows the bind's value, if it has one. An edit of ours is looked at when it is over.
+  /// Shows the bind's value, or that there is none. An edit of ours is looked at when it is over.
   void Show() {
-    if (isCommitting || !bindLiveness.IsValid()) return;
-    if (const auto value = bind->Get()) Write(*value);
+    isChanged = true;
+    if (isSetting || !bindLiveness.IsValid()) return;
+    const auto value = bind->Get();
+    return value ? Write(*value) : TellAbsent();
+  }
+  void WhenAbsent(RepeatingCallback<void()> callback) {
+    absent = std::move(callback);
+    if (bindLiveness.IsValid() && bind->HasValue()) return;
+    isAbsent = true;
+    absent();
   }
   SetResult Commit() {
     if (isWriting || isCommitting) return {};
-    PropertyValue<T> edited = converter.parse(read());
+    const Raised committing(isCommitting);
+    isChanged = isWritten = false;
+    const W typed = read();
+    if (shown.Is(typed) && bindLiveness.IsValid() && bind->HasValue()) return {};
+    const PropertyValue<T> edited = converter.parse(typed);
     if (!edited) return Refused(edited.text);
     const VtrString reason = validate ? validate(*edited) : VtrString();
     if (!reason.IsEmpty()) return Refused(reason);
-    if (!bindLiveness.IsValid()) return {false, PropertyError::NoSource, L"The bind is gone."};
-    SetResult result = Set(*edited);
-    if (result.IsAccepted()) ShowUnlessSame(*edited);
-    return result;
+    return Set(*edited, typed);
   }
 
  private:
   static SetResult Refused(const VtrString& reason) {
-    return {false, PropertyError::Refused, reason};
+    return {false, PropertyError::Refused, reason, reason};
   }
-  SetResult Set(const T& value) {
-    const Raised committing(isCommitting);
-    return bind->Set(value);
+  /// A bind that throws may have changed all the same.
+  SetResult Set(const T& edited, const W& typed) {
+    if (!bindLiveness.IsValid()) return {false, PropertyError::NoSource, L"The bind is gone."};
+    SetResult result;
+    bool isAccepted = false;
+    FirstFailure failure;
+    failure.Try([&] {
+      const Raised setting(isSetting);
+      result = bind->Set(edited);
+      isAccepted = result.IsAccepted();
+    });
+    if (isAccepted || isChanged) failure.Try([&] { ShowUnlessSame(edited, typed); });
+    failure.Rethrow();
+    return result;
   }
   void Write(const T& value) {
     const Raised writing(isWriting);
-    write(converter.show(value));
+    isAbsent = false;
+    const W form = converter.show(value);
+    shown.Note(form);
+    isWritten = true;
+    write(form);
   }
-  /// The source may have made something else of the value.
-  void ShowUnlessSame(const T& committed) {
+  void TellAbsent() {
+    shown.Forget();
+    if (std::exchange(isAbsent, true)) return;
+    absent();
+  }
+  /// The source may have made something else of the value, and the widget may have been given
+  /// another one since it was read.
+  void ShowUnlessSame(const T& edited, const W& typed) {
     if (!bindLiveness.IsValid()) return;
     const auto now = bind->Get();
-    if (!now) return;
+    if (!now) return TellAbsent();
     if constexpr (std::equality_comparable<T>) {
-      if (*now == committed) return;
+      if (!isWritten && *now == edited) return shown.Note(typed);
     }
     Write(*now);
   }
@@ -96,15 +147,23 @@ class TwoWayState {
   WeakReference bindLiveness;
   RepeatingCallback<W()> read;
   RepeatingCallback<void(const W&)> write;
+  RepeatingCallback<void()> absent;
   Converter<T, W> converter;
   RepeatingCallback<VtrString(const T&)> validate;
+  ShownForm<W> shown;
   bool isCommitting = false;
+  bool isSetting = false;
   bool isWriting = false;
+  /// What happened since the commit began.
+  bool isChanged = false;
+  bool isWritten = false;
+  bool isAbsent = false;
 };
 
 }  // namespace details
 
-/// Keeps bind and widget joined while it lives.
+/// Keeps bind and widget joined while it lives. It must outlive the widget's handlers that use it:
+/// declare it after what it writes, and take such a handler off before.
 template <class T, class W>
 class [[nodiscard]] TwoWayJoin {
  public:
@@ -118,10 +177,21 @@ class [[nodiscard]] TwoWayJoin {
     state->Show();
   }
 
-  /// Sets what the widget holds and says whether the value changed. `write` is not called for it,
-  /// unless the data source made another value of it; values without == count as another each time.
-  /// Does nothing inside `write`, inside a commit, and on a join that was moved from, so that
-  /// widgets which announce programmatic changes as edits do no harm.
+  /// Calls the function when the bind has no value any more, and now if it has none, so that a
+  /// widget can grey out; the next `write` says that there is one again. The bind's own end is not
+  /// told. Takes the place of the former function.
+  void WhenAbsent(RepeatingCallback<void()> absent) {
+    const auto keep = state;
+    if (keep != nullptr) keep->WhenAbsent(std::move(absent));
+  }
+
+  /// Sets what the widget holds and says whether the value changed. On success the text is empty,
+  /// and `changed` false where there was nothing to change. `write` is not called for it, unless
+  /// the data source made another value of it; values without == count as another each time.
+  /// Where the widget holds what stands for the value already, nothing is converted or set, so that
+  /// who only passes through loses no digits. Does nothing inside `write`, inside a commit, and on
+  /// a join that was moved from, so that widgets which announce programmatic changes as edits do no
+  /// harm.
   SetResult Commit() {
     const auto keep = state;
     return keep == nullptr ? SetResult() : keep->Commit();

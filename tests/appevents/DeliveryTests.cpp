@@ -1,7 +1,3 @@
-#include <memory>
-#include <stdexcept>
-#include <string>
-
 #include "Events.h"
 
 namespace DataBinding::Testing {
@@ -21,144 +17,46 @@ TEST_F(Deliveries, NameThatIsUsedWithTwoSignaturesIsRefusedByEveryOperation) {
       [&] { static_cast<void>(wrong.Subscribe([](const int&) {})); },
       [&] { const EventHold hold(wrong); }};
   for (const auto& use : uses) {
-    try {
-      use();
-      ADD_FAILURE() << "not refused";
-    } catch (const std::logic_error& error) {
-      const std::string text = error.what();
-      for (const auto* part : {"\"Signed\"", "void (int)", "void (int, "}) {
-        EXPECT_NE(text.find(part), std::string::npos) << text;
-      }
-    }
+    for (const auto* part : {"\"Signed\"", "void (int)", "void (int, "})
+      EXPECT_NE(Thrown(use).find(part), std::string::npos) << Thrown(use);
+    EXPECT_THROW(use(), std::logic_error);
   }
   EXPECT_FALSE(events().HasPendingEvents() || events().IsDisable(L"Signed"));
 }
 
-/// Counts its copies.
-struct Heavy {
-  explicit Heavy(int& count) : copies(&count) {}
-  Heavy(const Heavy& other) : copies(other.copies), text(other.text) { ++*copies; }
-  Heavy(Heavy&&) noexcept = default;
-  Heavy& operator=(const Heavy&) = default;
-  Heavy& operator=(Heavy&&) noexcept = default;
-  ~Heavy() = default;
-
-  int* copies;
-  std::string text = std::string(100, 'x');
-};
-
 TEST_F(Deliveries, MoveArgumentsToTheListenersAndCopyThemForHooksOnly) {
-  const AppEvent<Heavy, std::shared_ptr<int>> loaded(L"Loaded");
-  int copies = 0;
+  const AppEvent<std::shared_ptr<int>> loaded(L"Loaded");
   const auto shared = std::make_shared<int>(5);
-  const auto heard = loaded.Subscribe([&](const Heavy& heavy, const std::shared_ptr<int>& value) {
-    log += std::to_string(heavy.text.size()) + "," + std::to_string(*value) + " ";
-  });
-  loaded.Raise(Heavy(copies), shared);
-  loaded.RaiseLatest(Heavy(copies), shared);
-  EXPECT_EQ(shared.use_count(), 2);
-  EXPECT_EQ(Dispatched(), "100,5 ");
-  EXPECT_EQ(shared.use_count(), 1);
-  EXPECT_EQ(copies, 0);
+  const auto heard =
+      loaded.Subscribe([&](const auto& value) { log += std::to_string(value.use_count()); });
+  loaded.Raise(shared);
+  loaded.RaiseLatest(shared);
+  EXPECT_EQ(Dispatched(), "2");
   events().RegisterEventHook({nullptr, [](void*, VtrString, const std::vector<Any>& args) {
-                                EXPECT_EQ(args.size(), 2u);
+                                EXPECT_EQ(std::any_cast<std::shared_ptr<int>>(args[0]).use_count(),
+                                          4);
                               }});
-  loaded.Send(Heavy(copies), shared);
-  EXPECT_EQ(copies, 1);
+  loaded.Send(shared);
+  EXPECT_EQ(shared.use_count(), 1);
 }
 
-TEST_F(Deliveries, ReachAListenerAddedMeanwhileWithTheNextEventOrANestedOne) {
-  Listen('a', [this] {
-    if (subscriptions.size() == 2) {
-      Listen('c');
-      moved.Send(2);
-    }
-  });
-  Listen('b');
-  moved.Send(1);
-  EXPECT_EQ(Notes(), "a1a2b2c2b1");
-  EXPECT_FALSE(moved.Subscribe(nullptr));
-  moved.Send(3);
-  EXPECT_EQ(Notes(), "a3b3c3");
-}
-
-TEST_F(Deliveries, ListenerMayDestroyWhatOwnsItAndItsArgumentsStay) {
-  struct Owner {
-    Subscription subscription;
-    std::string text = std::string(50, 'o');
-  };
+TEST_F(Deliveries, EndWithTheBroadcasterAndKeepTheArgumentsAndTheListenerUntilThen) {
   const AppEvent<std::string> said(L"Said");
-  auto owner = std::make_unique<Owner>();
+  auto owner = std::make_unique<Subscription>();
   auto state = std::make_shared<std::string>(50, 's');
-  owner->subscription =
-      said.Subscribe([&, kept = std::exchange(state, nullptr)](const std::string& text) {
-        owner.reset();
-        log += kept->front();
-        IAppEventBroadcaster::ReleaseInstance(false);
-        log += kept->back() + text;
-      });
-  said.Raise(std::string(50, 'a'));
-  events().DispatchPendingEvents();
-  EXPECT_EQ(log, "ss" + std::string(50, 'a'));
-}
-
-struct Hook {
-  void OnEvent(VtrString name, const std::vector<Any>& /*args*/) { log += name.ToUtf8(); }
-  std::string& log;
-};
-
-TEST_F(Deliveries, EndWithTheBroadcasterWhichAnOldSubscriptionDoesNotOutlast) {
-  Hook hook{log};
-  events().RegisterEventHook(EventHook::To<&Hook::OnEvent>(hook));
-  Listen('a', [this] {
-    if (log == "a1") IAppEventBroadcaster::ReleaseInstance(false);
+  *owner = said.Subscribe([&, kept = std::exchange(state, nullptr)](const std::string& text) {
+    owner.reset();
+    IAppEventBroadcaster::ReleaseInstance(false);
+    log += kept->back() + text;
     throw std::runtime_error("unheard");
   });
-  Listen('b');
-  moved.Raise(1);
-  moved.Raise(2);
-  events().DispatchPendingEvents();
-  EXPECT_EQ(Notes(), "a1");
+  const auto old = said.Subscribe([this](const std::string&) { log += "second"; });
+  said.Raise(std::string(50, 'a'));
+  said.Raise("never");
+  EXPECT_EQ(Dispatched(), 's' + std::string(50, 'a'));
   EXPECT_FALSE(events().HasFailure());
-  auto old = std::exchange(subscriptions, {});
-  Listen('n');
-  EXPECT_TRUE(old.front());
-  old.clear();
-  moved.Send(3);
-  EXPECT_EQ(Notes(), "n3");
-}
-
-TEST_F(Deliveries, FailureOfAListenerStopsNobodyAndGoesToTheErrorHandler) {
-  NoteFailures();
-  Listen('a', [] { throw std::runtime_error("one"); });
-  Listen('b');
-  Listen('c', [] { throw std::logic_error("two"); });
-  Listen('d');
-  moved.Raise(1);
-  moved.Raise(2);
-  EXPECT_EQ(Dispatched(), "a1!Moved:oneb1c1!Moved:twod1a2!Moved:oneb2c2!Moved:twod2");
-  EXPECT_FALSE(events().HasFailure());
-  EXPECT_FALSE(events().TakeFailure());
-}
-
-TEST_F(Deliveries, WithoutAHandlerTheFirstFailureIsKeptOthersCountAndAPassIsAskedFor) {
-  CountWakes();
-  NoteFailures();
-  events().SetErrorHandler(nullptr);
-  const auto failing = closed.Subscribe([] { throw std::runtime_error("first"); });
-  Listen('a', [] { throw std::logic_error("later"); });
-  closed.Send();
-  EXPECT_EQ(wakes, 1);
-  moved.Send(1);
-  moved.Send(2);
-  EXPECT_EQ(wakes, 1);
-  const EventFailure failure = events().TakeFailure();
-  EXPECT_EQ(failure.eventName, L"Closed");
-  EXPECT_EQ(What(failure.exception), "first");
-  EXPECT_EQ(failure.others, 2u);
-  EXPECT_FALSE(events().HasFailure());
-  moved.Send(3);
-  EXPECT_EQ(What(events().TakeFailure().exception), "later");
+  said.Send("n");
+  EXPECT_EQ(log, "");
 }
 
 TEST_F(Deliveries, HandlerMayThrowReplaceItselfAndReleaseTheBroadcaster) {
@@ -170,7 +68,8 @@ TEST_F(Deliveries, HandlerMayThrowReplaceItselfAndReleaseTheBroadcaster) {
   });
   moved.Send(1);
   EXPECT_EQ(Notes(), "a1b1");
-  EXPECT_EQ(What(events().TakeFailure().exception), "handler");
+  const EventFailure failure = events().TakeFailure();
+  EXPECT_EQ(failure.eventName.ToUtf8() + What(failure.exception), "Movedhandler");
   events().SetErrorHandler([](const auto&, const auto&) {
     IAppEventBroadcaster::ReleaseInstance(false);
     throw std::runtime_error("after the end");

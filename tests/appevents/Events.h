@@ -4,20 +4,16 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "DataBinding/AppEvent.h"
-#include "DataBinding/AppEventListener.h"
-#include "DataBinding/EventBroadcaster.h"
-#include "DataBinding/EventHold.h"
-#include "DataBinding/IAppEventBroadcaster.h"
-#include "DataBinding/IdlePass.h"
-#include "DataBinding/UpdatePolicy.h"
-#include "DataBinding/WAppEventRegistrar.h"
+#include "DataBinding/DataBinding.h"
 
 namespace DataBinding::Testing {
 
@@ -32,18 +28,13 @@ class NotedEvent : public PendingEventBase {
  public:
   using Act = std::function<void(PolicyEventBroadcaster&)>;
   NotedEvent(std::string& notes, std::string eventMark, Act action = nullptr,
-             const void* ownerKey = nullptr)
-      : PendingEventBase(ownerKey),
-        log(notes),
-        mark(std::move(eventMark)),
-        act(std::move(action)) {}
+             const void* key = nullptr)
+      : PendingEventBase(key), log(notes), mark(std::move(eventMark)), act(std::move(action)) {}
   void Dispatch(PolicyEventBroadcaster& broadcaster) override {
     log += mark;
     if (act) act(broadcaster);
   }
-  using PendingEventBase::HasHooks;
   using PendingEventBase::HoldIfDisabled;
-  using PendingEventBase::NotifyHooks;
 
  private:
   std::string& log;
@@ -85,11 +76,15 @@ class Events : public ::testing::Test {
     });
   }
   static std::string What(const std::exception_ptr& failure) {
+    return Thrown([&] { std::rethrow_exception(failure); });
+  }
+  static std::string Thrown(const std::function<void()>& act) {
     try {
-      std::rethrow_exception(failure);
+      act();
     } catch (const std::exception& exception) {
       return exception.what();
     }
+    return "";
   }
 
   std::string log;

@@ -15,7 +15,8 @@ TEST_F(DataBinds, ConnectWhenTheSourceAppearsAndFollowItUntilItGoes) {
   DataBind<int> bind(child.get(), L"Gauge", L"Level");
   const auto watch = Watch(bind);
   EXPECT_EQ(bind.Get().error, PropertyError::NoSource);
-  EXPECT_EQ(bind.Get().text, L"There is no data source to have a property \"Level\" of type int.");
+  EXPECT_EQ(bind.Get().text, L"There is no data source \"Gauge\" to have a property \"Level\".");
+  EXPECT_EQ(bind.Set(1).text, bind.Get().text);
   auto* gauge = AddGauge(child);
   gauge->Level.Set(5);
   child->DeleteLocalDataSourceInstance(L"Gauge");
@@ -189,6 +190,79 @@ TEST_F(DataBinds, ForgetASourceThatEndsUnderAnotherName) {
   child->DeleteLocalDataSourceInstance(L"Gauge");
   EXPECT_EQ(Notes(), "-");
   EXPECT_EQ(bind.Get().error, PropertyError::NoSource);
+}
+
+TEST_F(DataBinds, MadeByASubscriberWaitUntilTheSourceIsFiledOrGone) {
+  DataBind<int> first(child.get(), L"Gauge", L"Level");
+  std::optional<DataBind<int>> made, moved;
+  std::array<Subscription, 2> watches;
+  std::optional<Framework::EventBind> event;
+  const auto make = first.SubscribeToChanges([&] {
+    DataBind<int> ended(child.get(), L"Gauge", L"Level");
+    made.emplace(ended);
+    moved.emplace(parent.get(), L"Gauge", L"Level");
+    watches = {Watch(*made), Watch(*moved)};
+    log += std::to_string(static_cast<int>(made->Status().state)) + " ";
+    *moved = ended;
+    event.emplace(L"", L"", L"Remove").Connect(child.get());
+  });
+  AddGauge(parent, 1);
+  EXPECT_EQ(Notes(), "5 1 1");
+  made.reset(), moved.reset();
+  AddGauge(child, 2);
+  EXPECT_EQ(Notes(), "5 - 2 2");
+  made.reset(), moved.reset();
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+  EXPECT_EQ(Notes(), "5 - 1 1");
+  EXPECT_EQ(Diagnose(*child).size(), 4U);
+}
+
+TEST_F(DataBinds, WaitAlsoForTheEndOfAScopeAndForAListenerThatThrows) {
+  const auto inner = MakeProvider(child.get());
+  std::optional<DataBind<int>> made;
+  DataBind<int> first(inner.get(), L"Gauge", L"Level");
+  const auto make = first.SubscribeToChanges([&] {
+    made.emplace(inner.get(), L"Gauge", L"Level");
+    throw 1;
+  });
+  EXPECT_THROW(AddGauge(parent, 1), int);
+  EXPECT_EQ(*made->Get(), 1);
+  EXPECT_THROW(child->Shutdown(), int);
+  EXPECT_FALSE(made->HasValue()) << "the parent is no outer scope any more";
+  EXPECT_THROW(AddGauge(inner, 3), int);
+  EXPECT_EQ(*made->Get(), 3);
+}
+
+TEST_F(DataBinds, SubscriberOfALossIsNotToldOfAShadow) {
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  DataBind<int> other(bind);
+  Add(parent, L"Gauge");  // without the property
+  const DataSourcePtr<Gauge> gauge(AddGauge(child));
+  const auto ask = [&] { log += std::to_string(static_cast<int>(bind.Status().state)); };
+  const std::array asking{bind.SubscribeToChanges(ask), other.SubscribeToChanges(ask)};
+  child->RemoveDataSource(gauge.get());
+  EXPECT_EQ(log.find('8'), std::string::npos) << log;
+}
+
+TEST_F(DataBinds, FindAPropertyThatComesAndGoesWhileItsSourceStays) {
+  class Drawer : public NamedDataSource {
+   public:
+    Drawer() : NamedDataSource(L"Drawer") {}
+    std::optional<Property<int>> Level;
+  };
+  auto* drawer = MakeDataSource<Drawer>(child.get()).release();
+  child->AddDataSource(drawer);
+  DataBind<int> bind(child.get(), L"Drawer", L"Level");
+  const auto watch = Watch(bind);
+  for (const int level : {1, 2}) {
+    drawer->Level.emplace(drawer, PropertyName(L"Level"), level);
+    EXPECT_EQ(*bind.Get(), level);
+    drawer->Level->Set(level + 5);
+    drawer->Level.reset();
+    EXPECT_EQ(bind.Get().text, bind.Status().text);
+    EXPECT_EQ(bind.Status().state, BindState::NoProperty);
+  }
+  EXPECT_EQ(Notes(), "6 7");
 }
 
 }  // namespace

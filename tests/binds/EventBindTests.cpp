@@ -14,6 +14,7 @@ namespace {
 using Framework::BindState;
 using Framework::DataBind;
 using Framework::EventBind;
+using Framework::IEventBind;
 
 class Selection : public NamedDataSource {
  public:
@@ -27,51 +28,75 @@ class EventBindTest : public testing::Test {
 
   IDataContext ofScope;
   IDataContext selected;
-  IDataSourceProvider* scope = new DataSourceProvider(nullptr, nullptr, &ofScope);
+  IDataSourceProvider* scope = new DataSourceProvider(nullptr, L"Page", &ofScope);
 };
 
-TEST_F(EventBindTest, StandsInTheContextOfItsScopeUnlessItsOwnBindHasOne) {
+TEST_F(EventBindTest, StandsInTheContextOfItsOwnBindAloneOnceItHasOne) {
   auto* selection = MakeDataSource<Selection>(scope).release();
   EventBind remove(L"", L"", L"Remove");
-  EXPECT_EQ(remove.DataContext(), nullptr);
   EXPECT_EQ(remove.Status().state, BindState::NoProvider);
   remove.Connect(scope);
   EXPECT_EQ(remove.DataContext(), &ofScope);
-  std::vector<IDataContext*> heard;
+  std::string heard;
   remove.SetDataContextBind(
       std::make_unique<DataBind<IDataContext*>>(scope, L"Selection", L"Current"),
-      [&heard](auto* bind, auto* /*context*/) {
-        heard.push_back(static_cast<EventBind*>(bind)->DataContext());
+      [&](IEventBind* bind, auto* /*context*/) {
+        heard += bind->DataContext() == &selected ? "s" : bind->CanRaise() ? "0" : "-";
       });
+  EXPECT_EQ(remove.Status().text,
+            L"There is no data source \"Selection\" to have a property \"Current\".");
   scope->AddDataSource(selection);
   selection->Current.Set(&selected);
   scope->DeleteLocalDataSourceInstance(L"Selection");
-  EXPECT_EQ(heard, (decltype(heard){nullptr, &selected, &ofScope}));
+  EXPECT_EQ(heard, "0s-");
+  remove.SetDataContextBind(nullptr, nullptr);
   EXPECT_EQ(remove.Status().state, BindState::Connected);
-  IDataSourceProvider::Destroy(std::exchange(scope, nullptr));
-  EXPECT_EQ(remove.DataContext(), nullptr);
+  scope->Shutdown();
+  EXPECT_EQ(remove.Status().state, BindState::NoProvider);
+  EXPECT_FALSE(remove.CanRaise());
 }
 
-TEST_F(EventBindTest, RaisesTheEventOfItsPathForItsContext) {
+TEST_F(EventBindTest, StandsInTheNearestScopeOfItsContextsCategory) {
+  const DataSourceProviderPtr row(scope->CreateDataSourceProvider(L"Row", &selected));
+  using Case = std::pair<const wchar_t*, IDataContext*>;
+  for (const auto& [name, context] : {Case{L"", &selected}, Case{L"Row", &selected},
+                                      Case{L"Page", &ofScope}, Case{L"Book", nullptr}}) {
+    EventBind bind(name, L"", L"Remove");
+    bind.Connect(row.get());
+    EXPECT_EQ(bind.DataContext(), context);
+    EXPECT_EQ(bind.Status().state, context ? BindState::Connected : BindState::NoContext);
+  }
+}
+
+TEST_F(EventBindTest, RaisesTheEventOfItsPathForItsContextAndItsModule) {
   std::vector<IDataContext*> heard;
   const AppEvent<IDataContext*> event(VtrString(L"EventBindTest.Chosen"));
   const auto subscription =
       event.Subscribe([&](IDataContext* context) { heard.push_back(context); });
   IdlePass idle([] {});
-  auto bind = std::make_unique<EventBind>(L"", L"", L"EventBindTest.Chosen");
-  EXPECT_TRUE(bind->CanRaise());
-  bind->Raise();
-  bind->Connect(scope);
-  bind->Raise();
-  bind.reset();
+  EventBind bind(L"", L"", L"EventBindTest.Chosen");
+  bind.Raise();
+  bind.Connect(scope);
+  bind.Raise();
   for (const auto* path : {L"", Framework::nullPathMarker}) {
-    EventBind unbound(L"", L"", path);
-    unbound.Raise();
-    EXPECT_FALSE(unbound.CanRaise());
-    EXPECT_EQ(unbound.Status().state, BindState::Unbound);
+    EXPECT_EQ(EventBind(L"", L"", path).Status().state, BindState::Unbound);
   }
   idle.Run();
-  EXPECT_EQ(heard, (decltype(heard){nullptr, &ofScope}));
+  bind.Raise();
+  IAppEventBroadcaster::GetInstance().DropOwner(ThisModule());
+  idle.Run();
+  EXPECT_EQ(heard, (decltype(heard){&ofScope}));
+}
+
+TEST_F(EventBindTest, RaisesNoEventOfAnotherSignature) {
+  const AppEvent<int> other(L"EventBindTest.Counted");
+  const auto subscription = other.Subscribe([](int) {});
+  EventBind bind(L"", L"", L"EventBindTest.Counted");
+  bind.Connect(scope);
+  bind.Raise();
+  EXPECT_FALSE(bind.CanRaise());
+  EXPECT_EQ(bind.Status().state, BindState::WrongType);
+  EXPECT_NE(std::wstring_view(bind.Status().text).find(L"(int)"), std::wstring_view::npos);
 }
 
 }  // namespace

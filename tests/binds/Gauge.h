@@ -7,7 +7,7 @@
 
 namespace DataBinding::Testing {
 
-/// Values above 100 become 100.
+/// Values above 100 become 100, with an exception above 999.
 class Gauge : public NamedDataSource {
  public:
   explicit Gauge(const VtrString& name = L"Gauge", int level = 1)
@@ -17,6 +17,7 @@ class Gauge : public NamedDataSource {
                .changed =
                    [this](int, int now) {
                      if (now > 100) Level.Set(100);
+                     if (now > 999) throw now;
                    }}) {}
 
   Property<int> Level;

@@ -9,8 +9,7 @@ using namespace DataBinding;
 
 namespace {
 
-IAppEventBroadcaster& GetBroadcaster() { return IAppEventBroadcaster::GetInstance(); }
-WAppEventRegistrar& GetRegistrar() { return WAppEventRegistrar::GetInstance(); }
+IAppEventBroadcaster& events() { return IAppEventBroadcaster::GetInstance(); }
 
 // g++ keeps a module that uses std::to_string loaded for good.
 std::string Digit(int value) { return {static_cast<char>('0' + value)}; }
@@ -62,22 +61,20 @@ std::unique_ptr<Guest> guest;
 
 void Enter(std::string& heard) {
   guest = std::make_unique<Guest>(heard);
-  auto& events = IAppEventBroadcaster::GetInstance();
-  events.RegisterEventHook(EventHook::To<&Guest::OnEvent>(*guest), ThisModule());
-  events.QueueEvent(L"Own", std::make_shared<OwnEvent>(heard));
+  events().RegisterEventHook(EventHook::To<&Guest::OnEvent>(*guest), ThisModule());
+  events().QueueEvent(L"Own", std::make_shared<OwnEvent>(heard));
 }
 
 void Leave() {
-  auto& events = IAppEventBroadcaster::GetInstance();
-  events.DropOwner(ThisModule());
-  events.UnregisterEventHooks(ThisModule());
+  events().DropOwner(ThisModule());
+  events().UnregisterEventHooks(ThisModule());
   guest.reset();
 }
 
 }  // namespace
 
 PluginEvents MakePluginEvents() {
-  return {&GetBroadcaster, &GetRegistrar, &Listen, &Raise, &Use, &Enter, &Leave};
+  return {&events, &WAppEventRegistrar::GetInstance, &Listen, &Raise, &Use, &Enter, &Leave};
 }
 
 }  // namespace Boundary

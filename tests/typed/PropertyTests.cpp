@@ -67,6 +67,7 @@ TEST_F(PropertyTest, RefusedValueChangesNothingAndGivesTheReason) {
   EXPECT_EQ(refused.error, PropertyError::Refused);
   EXPECT_EQ(refused.text,
             L"Property \"Width\" of data source \"Box\" refuses the value: must not be negative");
+  EXPECT_EQ(refused.reason, L"must not be negative");
   EXPECT_EQ(*box->Width, 2);
   EXPECT_EQ(log, "");
 }
@@ -78,20 +79,6 @@ TEST_F(PropertyTest, ReadOnlyPropertyIsSetByItsOwnSourceOnly) {
   EXPECT_EQ(*box->Label, L"crate");
   EXPECT_FALSE(box->IsWritableProperty(L"Label"));
   EXPECT_TRUE(box->IsWritableProperty(L"Width"));
-}
-
-TEST_F(PropertyTest, StarReachesEveryProperty) {
-  ListenToAll();
-  box->UpdateListeners(L"*,-Label");
-  EXPECT_EQ(log, "AHW");
-}
-
-TEST_F(PropertyTest, NothingIsAnnouncedBeforePostConstruction) {
-  Box unfinished;
-  int runs = 0;
-  const auto subscription = unfinished.Register([&] { ++runs; }, L"Width");
-  EXPECT_TRUE(unfinished.Width.Set(9).changed);
-  EXPECT_EQ(runs, 0);
 }
 
 TEST_F(PropertyTest, BatchNotifiesEachChangedNameOnceAtItsEnd) {
@@ -227,9 +214,9 @@ TEST_F(PropertyTest, SettingByNameTellsFailuresApart) {
   EXPECT_EQ(log, "WA");
   const auto readOnly = SetProperty(source, L"Area", 7);
   EXPECT_EQ(readOnly.error, PropertyError::ReadOnly);
-  for (const auto* named : {L"\"Area\"", L"\"Box\"", L"int"}) {
-    EXPECT_NE(std::wstring_view(readOnly.text).find(named), std::wstring_view::npos) << named;
-  }
+  EXPECT_EQ(
+      readOnly.text,
+      L"Property \"Area\" of data source \"Box\" can be read, but only its data source sets it.");
   EXPECT_EQ(SetProperty(source, L"Width", -7).error, PropertyError::Refused);
   EXPECT_EQ(SetProperty(source, L"Width", 7.0).error, PropertyError::WrongType);
   EXPECT_EQ(SetProperty(source, L"Depth", 7).error, PropertyError::Absent);
