@@ -176,22 +176,6 @@ TEST_F(DataBinds, CopiesConnectThemselvesAndSubscribersStay) {
   EXPECT_EQ(Notes(), "100 3");
 }
 
-TEST_F(DataBinds, ForgetASourceThatEndsUnderAnotherName) {
-  class Chameleon : public Gauge {
-   public:
-    const wchar_t* GetDataSourceName() override { return name; }
-    const wchar_t* name = L"Gauge";
-  };
-  auto* source = MakeDataSource<Chameleon>(child.get()).release();
-  child->AddDataSource(source);
-  DataBind<int> bind(child.get(), L"Gauge", L"Level");
-  const auto watch = Watch(bind);
-  source->name = L"Other";
-  child->DeleteLocalDataSourceInstance(L"Gauge");
-  EXPECT_EQ(Notes(), "-");
-  EXPECT_EQ(bind.Get().error, PropertyError::NoSource);
-}
-
 TEST_F(DataBinds, MadeByASubscriberWaitUntilTheSourceIsFiledOrGone) {
   DataBind<int> first(child.get(), L"Gauge", L"Level");
   std::optional<DataBind<int>> made, moved;

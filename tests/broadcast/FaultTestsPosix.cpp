@@ -1,140 +1,18 @@
 #include <pthread.h>
 #include <signal.h>
-#include <sys/mman.h>
 #include <unistd.h>
-
-#include <exception>
-#include <stdexcept>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include <DataBinding/ListenerGuard.h>
 #include <gtest/gtest.h>
 
+#include "Faults.h"
 #include "Notifier.h"
 
 namespace DataBinding {
 namespace {
 
-void Touch(char* memory) { *static_cast<volatile char*>(memory) = 1; }
-
-void AccessForbiddenMemory() {
-  static auto* page =
-      static_cast<char*>(mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-  Touch(page);
-}
-
-void AccessPastTheEndOfAFile() {
-  FILE* empty = std::tmpfile();
-  auto* page =
-      static_cast<char*>(mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, fileno(empty), 0));
-  std::fclose(empty);
-  Touch(page);
-}
-
-void RunAnIllegalInstruction() { __builtin_trap(); }
-
-#if defined(__x86_64__)
-void DivideByZero() {
-  asm volatile("xorl %%ecx, %%ecx; movl $1, %%eax; cltd; idivl %%ecx" ::: "eax", "ecx", "edx");
-}
-#else
-void DivideByZero() { raise(SIGFPE); }
-#endif
-
-/// Collects what the guard swallowed.
-class FaultGuard : public testing::Test {
- protected:
-  FaultGuard() {
-    SetListenerFailureHandler([this](const ListenerFailure& failure) {
-      failures.push_back(failure);
-      if (handlerThrows) throw std::runtime_error("handler");
-    });
-  }
-  ~FaultGuard() override {
-    SetListenerFailureHandler(nullptr);
-    SetHardwareFaultGuard(true);
-  }
-
+TEST(FaultGuardOfThreads, ListenerThatEndsItsThreadIsNotSwallowed) {
   Notifier notifier;
-  std::vector<ListenerFailure> failures;
-  bool handlerThrows = false;
-};
-
-TEST_F(FaultGuard, ThrowingListenerIsSkippedAndObserved) {
-  handlerThrows = true;
-  const auto before = notifier.Log('1');
-  const auto throwing = notifier.Register([] { throw std::runtime_error("mine"); }, L"A");
-  const auto odd = notifier.Register([] { throw 42; }, L"A");
-  const auto after = notifier.Log('2');
-  for (const bool withHardware : {true, false}) {
-    failures.clear();
-    SetHardwareFaultGuard(withHardware);
-    EXPECT_EQ(notifier.Announce(), "12");
-    ASSERT_EQ(failures.size(), 2u);
-    EXPECT_EQ(failures[0].property, L"A");
-    EXPECT_EQ(failures[0].faultCode, 0u);
-    EXPECT_THROW(std::rethrow_exception(failures[0].exception), std::runtime_error);
-    EXPECT_THROW(std::rethrow_exception(failures[1].exception), int);
-  }
-}
-
-TEST_F(FaultGuard, FaultingListenerIsSkippedEachTimeItFaults) {
-  const std::vector<std::pair<void (*)(), int>> faults{{&AccessForbiddenMemory, SIGSEGV},
-                                                       {&AccessPastTheEndOfAFile, SIGBUS},
-                                                       {&DivideByZero, SIGFPE},
-                                                       {&RunAnIllegalInstruction, SIGILL}};
-  std::vector<Subscription> subscriptions;
-  for (const auto& [fault, signal] : faults) {
-    subscriptions.push_back(notifier.Register(fault, L"A"));
-    subscriptions.push_back(notifier.Log('.'));
-  }
-  EXPECT_EQ(notifier.Announce(), "....");
-  EXPECT_EQ(notifier.Announce(), "....");
-  ASSERT_EQ(failures.size(), 8u);
-  for (std::size_t i = 0; i < failures.size(); ++i) {
-    EXPECT_EQ(failures[i].faultCode, static_cast<unsigned>(faults[i % 4].second));
-    EXPECT_EQ(failures[i].exception, nullptr);
-  }
-}
-
-TEST_F(FaultGuard, FaultInANestedAnnouncementStaysThere) {
-  const auto inner = notifier.Register(&AccessForbiddenMemory, L"Inner");
-  const auto innerLast = notifier.Log('i', L"Inner");
-  const auto outer = notifier.Register(
-      [this] {
-        notifier.UpdateListeners(L"Inner");
-        notifier.log += 'o';
-        AccessForbiddenMemory();
-      },
-      L"A");
-  const auto outerLast = notifier.Log('l');
-  EXPECT_EQ(notifier.Announce(), "iol");
-  EXPECT_EQ(failures.size(), 2u);
-}
-
-TEST_F(FaultGuard, FaultWithinACatchBlockLeavesNoCurrentExceptionBehind) {
-  const auto listener = notifier.Register(
-      [] {
-        try {
-          throw std::runtime_error("handled");
-        } catch (const std::runtime_error&) {
-          AccessForbiddenMemory();
-        }
-      },
-      L"A");
-  try {
-    throw std::logic_error("outside");
-  } catch (const std::logic_error&) {
-    notifier.UpdateListeners(L"A");
-    EXPECT_THROW(std::rethrow_exception(std::current_exception()), std::logic_error);
-  }
-  EXPECT_EQ(std::current_exception(), nullptr);
-  EXPECT_EQ(std::uncaught_exceptions(), 0);
-}
-
-TEST_F(FaultGuard, ListenerThatEndsItsThreadIsNotSwallowed) {
   static bool cameBack;
   cameBack = false;
   const auto listener = notifier.Register([] { pthread_exit(nullptr); }, L"A");
@@ -151,29 +29,9 @@ TEST_F(FaultGuard, ListenerThatEndsItsThreadIsNotSwallowed) {
   EXPECT_EQ(notifier.Announce(L"B"), "2");
 }
 
-using FaultDeath = FaultGuard;
-
-TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
-  const auto listener = notifier.Register(&RunAnIllegalInstruction, L"A");
-  const auto switchesOff = notifier.Register(
-      [this] {
-        SetHardwareFaultGuard(false);
-        notifier.UpdateListeners(L"A");
-      },
-      L"Outer");
-  for (const auto* property : {L"A", L"Outer"}) {
-    EXPECT_DEATH(
-        {
-          signal(SIGILL, SIG_DFL);
-          SetHardwareFaultGuard(*property == L'O');
-          notifier.UpdateListeners(property);
-        },
-        "");
-  }
-}
-
-TEST_F(FaultDeath, FaultOutsideAListenerReachesTheEarlierHandler) {
+TEST(FaultDeathOfProcess, FaultOutsideAListenerReachesTheEarlierHandler) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
+  Notifier notifier;
   EXPECT_EXIT(
       {
         signal(SIGSEGV, [](int) { _exit(42); });

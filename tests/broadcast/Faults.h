@@ -1,0 +1,17 @@
+/// Ways to fault, and how the guard names them.
+#pragma once
+
+#include <vector>
+
+namespace DataBinding {
+
+struct Fault {
+  void (*run)();
+  unsigned code;
+};
+/// Four of them.
+const std::vector<Fault>& AllFaults();
+void AccessForbiddenMemory();
+void RunAnIllegalInstruction();
+
+}  // namespace DataBinding

@@ -1,0 +1,52 @@
+#include <signal.h>
+#include <sys/mman.h>
+
+#include <cstdio>
+
+#include "Faults.h"
+
+namespace DataBinding {
+
+namespace {
+
+void Touch(char* memory) { *static_cast<volatile char*>(memory) = 1; }
+
+}  // namespace
+
+void AccessForbiddenMemory() {
+  static auto* page =
+      static_cast<char*>(mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  Touch(page);
+}
+
+namespace {
+
+void AccessPastTheEndOfAFile() {
+  FILE* empty = std::tmpfile();
+  auto* page =
+      static_cast<char*>(mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, fileno(empty), 0));
+  std::fclose(empty);
+  Touch(page);
+}
+
+#if defined(__x86_64__)
+void DivideByZero() {
+  asm volatile("xorl %%ecx, %%ecx; movl $1, %%eax; cltd; idivl %%ecx" ::: "eax", "ecx", "edx");
+}
+#else
+void DivideByZero() { raise(SIGFPE); }
+#endif
+
+}  // namespace
+
+void RunAnIllegalInstruction() { __builtin_trap(); }
+
+const std::vector<Fault>& AllFaults() {
+  static const std::vector<Fault> faults{{&AccessForbiddenMemory, SIGSEGV},
+                                         {&AccessPastTheEndOfAFile, SIGBUS},
+                                         {&DivideByZero, SIGFPE},
+                                         {&RunAnIllegalInstruction, SIGILL}};
+  return faults;
+}
+
+}  // namespace DataBinding
