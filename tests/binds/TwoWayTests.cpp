@@ -173,15 +173,6 @@ TEST_F(TwoWayBinds, JoinAndBindMayEndInsideTheWidgetsFunctions) {
   }
 }
 
-TEST_F(TwoWayBinds, SubscriberMayEndJoinAndBindDuringACommit) {
-  AddGauge(child);
-  const auto end = bind->SubscribeToChanges([this] { bind.reset(); });
-  auto join = MakeJoin(*bind);
-  EXPECT_TRUE(Edit(join, L"200").changed);
-  EXPECT_EQ(Edit(join, L"3").error, PropertyError::NoSource);
-  EXPECT_EQ(Notes(), "1");
-}
-
 TEST(TextConverters, RefuseWhatIsNotAllOfAValue) {
   for (const auto* text : {L"", L" 1", L"1 ", L"1,5", L"1.5.", L"0x1", L"\x0661", L"one", L"nan",
                            L"-inf", L"1e400x"}) {

@@ -119,22 +119,6 @@ TEST(Broadcaster, ListenerThatRegistersDuringABroadcastWaitsForTheNext) {
   EXPECT_EQ(notifier.Announce(), "01" + std::string(20, 'n'));
 }
 
-TEST(Broadcaster, ListenerMayReplaceItselfInEachBroadcast) {
-  Notifier notifier;
-  Subscription self;
-  int runs = 0;
-  RepeatingCallback<void()> replace = [&] {
-    ++runs;
-    self = notifier.Register(replace, L"A");
-  };
-  self = notifier.Register(replace, L"A");
-  const auto other = notifier.Log('o');
-  EXPECT_EQ(notifier.Announce(), "o");
-  EXPECT_EQ(notifier.Announce(), "o");
-  EXPECT_EQ(runs, 2);
-  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 2u);
-}
-
 TEST(Broadcaster, NestedAnnouncementsSeeWhatIsRegisteredAtEachLevel) {
   Notifier notifier;
   Subscription cancelledAtTheBottom = notifier.Log('c');

@@ -78,13 +78,6 @@ TEST_F(Listeners, MayOutliveTheProvidersThatTheyFallBackTo) {
   view.reset();
 }
 
-TEST_F(Listeners, IgnoreANullSource) {
-  view->Want(nullptr, L"Size");
-  view->ConnectToDatasource(nullptr);
-  view->DisconnectFromDatasource(nullptr);
-  view->NotifyDatasourceProviderDestroyed(nullptr);
-}
-
 TEST_F(Listeners, HookRunsBeforeTheNewProviderIsStoredAndNullForgetsIt) {
   std::vector<IDataSourceProvider*> seen;
   view->onChanging = [&](IDataSourceProvider* next) {

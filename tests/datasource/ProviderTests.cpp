@@ -117,16 +117,6 @@ TEST_F(Providers, ShutdownCompletesEachStepAndThrowsTheFirstFailure) {
   IDataSource::Destroy(refusing);
 }
 
-TEST_F(Providers, ShutdownDisconnectsEachListenerAlthoughOneThrows) {
-  LoggedListener one(log);
-  LoggedListener two(log);
-  for (auto* listener : {&one, &two}) child->AddDataListener(listener, {L"Doc"}, true);
-  Add(child, L"Doc");
-  one.hook = two.hook = [](const std::string& note) { throw note; };
-  EXPECT_THROW(child->Shutdown(), std::string);
-  EXPECT_EQ(Notes(), "+Doc +Doc -Doc -Doc ~Doc gone gone");
-}
-
 TEST_F(Providers, DestructionSwallowsWhatSourcesThrow) {
   const auto handler = Add(child, L"Doc")->AddOnDestroyHandler([] { throw 8; });
   child.reset();

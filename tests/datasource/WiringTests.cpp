@@ -66,20 +66,6 @@ TEST_F(Wiring, ListenerThatEndsInsideAnothersNotificationIsSkipped) {
   }
 }
 
-TEST_F(Wiring, ListenerMayEndItselfWhileItIsConnected) {
-  const auto brief = [this] {
-    auto* made = new LoggedListener(log);
-    made->hook = [made](const std::string&) { delete made; };
-    return made;
-  };
-  Add(parent, L"Doc");
-  Add(child, L"Map");
-  for (const auto* name : {L"Doc", L"Map", L"New"}) child->AddDataListener(brief(), {name}, true);
-  Add(child, L"New");
-  Add(child, L"Doc");
-  EXPECT_EQ(Notes(), "+Doc +Map +New");
-}
-
 TEST_F(Wiring, EntryOfADeadListenerIsDroppedAndItsAddressMayBeUsedAgain) {
   child->AddDataListener(&*listener, {L"Doc", L"Map"}, true);
   listener.emplace(log);

@@ -128,30 +128,6 @@ TEST(WeakPointers, EndWithTheirObjectAndNotWithItsCopies) {
   EXPECT_EQ(toCopy.Get(), &copy);
 }
 
-struct Shared;
-struct SharedTraits {
-  static void Destroy(const Shared* object);
-};
-struct Shared : RefCounted<Shared, SharedTraits> {
-  mutable bool ended = false;
-};
-void SharedTraits::Destroy(const Shared* object) { object->ended = true; }
-
-TEST(ComlikePointers, DestroyTheObjectWithTheLastReference) {
-  Shared object;
-  comlike_ptr<Shared> first(&object);
-  comlike_ptr<Shared> second = first;
-  auto& self = first;
-  first = self;
-  first = comlike_ptr<Shared>::Share(nullptr);
-  comlike_ptr<Shared> third = comlike_ptr<Shared>::Share(second.Get());
-  EXPECT_EQ(second.Detach(), &object);
-  third = std::move(second);
-  EXPECT_FALSE(object.ended);
-  object.Release();
-  EXPECT_TRUE(object.ended);
-}
-
 TEST(Guids, AreOrderedByTheirBytesInMemory) {
   using Bytes = std::array<std::uint8_t, 16>;
   const auto last = std::bit_cast<Guid>(Bytes{0, 0, 1});

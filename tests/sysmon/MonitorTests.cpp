@@ -106,20 +106,6 @@ class MonitorTest : public testing::Test {
   Announcer announcer;
 };
 
-TEST_F(MonitorTest, ProcessesAndInterfacesFollowTheirOwnEvents) {
-  const auto speeds = [this] { return ShownOfEach<BytesPerSecond>(L"Interface", L"ReceivedRate"); };
-  Take(0, 0, {Process(1, "sh"), Process(7, "make", 9, 5)}, {Interface("lo", 100)});
-  EXPECT_EQ(Logged(L"ProcessStarted"), "") << "what was there before";
-  Take(2, 0, {Process(1, "sh"), Process(7, "as", 1, 20)},
-       {Interface("lo", 300), Interface("e", 0)});
-  EXPECT_EQ(Logged(L"ProcessStarted"), "as ");
-  EXPECT_EQ(Logged(L"ProcessEnded"), "make ") << "it bears the number of another";
-  EXPECT_EQ(ShownOfEach<Share>(L"Process", L"Cpu"), (std::vector<double>{0, 0.5}));
-  EXPECT_EQ(speeds(), (std::vector<double>{0, 100}));
-  Take(3, 0, {}, {Interface("lo", 10)});
-  EXPECT_EQ(speeds(), std::vector<double>{0}) << "a counter that was reset";
-}
-
 TEST_F(MonitorTest, APauseHoldsMeasurementsAndEndsWithTheNewest) {
   Pause pause;
   Take(0, 1, {}, {Interface("lo", 0)});

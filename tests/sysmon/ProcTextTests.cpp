@@ -62,13 +62,6 @@ TEST(ProcessStatus, TheEffectiveUserAndTheResidentSizeAreRead) {
   EXPECT_EQ(ParseProcessStatus("Uid:\nName:\tkthreadd\n").residentBytes, 0u);
 }
 
-TEST(CommandLine, ArgumentsAreJoinedByBlanks) {
-  EXPECT_EQ(ParseCommandLine("ls\0-l\0/tmp\0"sv), "ls -l /tmp");
-  EXPECT_EQ(ParseCommandLine("title set by itself\0\0\0\0"sv), "title set by itself");
-  EXPECT_EQ(ParseCommandLine("\0\0"sv), "");
-  EXPECT_EQ(ParseCommandLine(""), "");
-}
-
 TEST(CpuStat, CountsProcessorsAndSumsTheirTimesOnce) {
   const CpuStat stat = ParseCpuStat(
       "cpu  10 1 20 300 4 5 6 7 0 0\ncpu0 5 0 10 150 2 2 3 3 0 0\ncpu1 5 1 10 150 2 3 3 4 0 0\n"
@@ -89,20 +82,6 @@ TEST(Memory, FiguresAreBytesAndOthersAreIgnored) {
   EXPECT_EQ(memory.cached, 3u * 1024);
   EXPECT_EQ(memory.swapTotal, 0u);  // more bytes than can be counted
   EXPECT_EQ(memory.swapFree, 0u);
-}
-
-TEST(Load, AveragesAndThreadsAreRead) {
-  const LoadReading load = ParseLoad("0.20 1.18 22.12 1/80 11206\n");
-  EXPECT_DOUBLE_EQ(load.one, 0.20);
-  EXPECT_DOUBLE_EQ(load.fifteen, 22.12);
-  EXPECT_EQ(load.running, 1u);
-  EXPECT_EQ(load.threads, 80u);
-  EXPECT_DOUBLE_EQ(ParseLoad("nan inf -1 /").five, 0);
-}
-
-TEST(Uptime, TheFirstFigureCounts) {
-  EXPECT_DOUBLE_EQ(ParseUptime("4961.02 9000.10\n").count(), 4961.02);
-  EXPECT_DOUBLE_EQ(ParseUptime("soon").count(), 0);
 }
 
 TEST(Interfaces, HeadingsAreSkippedAndAliasesKept) {

@@ -249,16 +249,6 @@ TEST_F(PropertyTest, ReferenceAnswersAbsentOnceItsPropertyIsGone) {
   EXPECT_EQ(width.Set(3).error, PropertyError::Absent);
 }
 
-TEST_F(PropertyTest, VisitorIsGivenTheValueInItsType) {
-  std::string seen;
-  const auto visit = [&]<class T>(const T&) { seen += std::is_same_v<T, int> ? 'i' : 's'; };
-  for (const auto& [name, item] : *box) {
-    EXPECT_TRUE((VisitProperty<bool, int, VtrString>(box.get(), name, visit)));
-  }
-  EXPECT_EQ(seen, "iisi");
-  EXPECT_FALSE((VisitProperty<bool, double>(box.get(), L"Width", visit)));
-}
-
 template <class Text>
 concept CanNameAProperty = std::is_convertible_v<Text, PropertyName>;
 
