@@ -17,9 +17,7 @@ namespace Benchmarks {
 
 namespace {
 
-using DataBinding::AppEvent;
 using DataBinding::IdlePass;
-using DataBinding::Subscription;
 
 BENCHMARK(RaiseAndDispatch<OurEvents>)->Name("queue/ours")->Arg(100);
 BENCHMARK(RaiseAndDispatch<FloorEvents>)->Name("queue/floor")->Arg(100);

@@ -20,7 +20,7 @@ class GlibEvents {
     }
   }
 
-  Sum sum;
+  Sum sum = {};
 
  private:
   struct Event {

@@ -33,7 +33,8 @@ void AppEventListener::RegisterAppEventListeners() {
   auto& broadcaster = IAppEventBroadcaster::GetInstance();
   broadcaster.AddCleanupCallback(this,
                                  BindWeak(AsWeakPtr(), &AppEventListener::ClearSubscriptions));
-  for (std::size_t i = 0; i < eventMap.size(); ++i) {
+  // By place: an entry that is subscribed may lead to another being added.
+  for (std::size_t i = 0; i < eventMap.size(); ++i) {  // NOLINT(modernize-loop-convert)
     if (eventMap[i] != nullptr) subscriptions.push_back(eventMap[i]->Subscribe(broadcaster));
   }
 }

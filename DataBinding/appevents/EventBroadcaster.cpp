@@ -45,9 +45,12 @@ bool EventBroadcaster<Update, Threading>::AnyEventHooksRegistered() const {
   return false;
 }
 
+// Each override is given a name of its own.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::OnEventDispatched(VtrString /*name*/,
                                                             const std::vector<Any>& /*args*/) {}
+// NOLINTEND(performance-unnecessary-value-param)
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, bool fireHeldEvent) {

@@ -73,10 +73,11 @@ IdlePass::~IdlePass() {
     return callback.GetBindState() == installed.GetBindState();
   };
   IdlePass** link = &NewestPass();
-  for (; *link != this; link = &(*link)->nextPass) {
+  while (*link != nullptr && *link != this) {
     if (isMine((*link)->former)) (*link)->former = former;
+    link = &(*link)->nextPass;
   }
-  *link = nextPass;
+  if (*link == this) *link = nextPass;
   if (!isMine(AEB::UpdatePolicy::UpdateUICallback())) return;
   AEB::UpdatePolicy::SetUpdateUICallback(former);
   FirstFailure dropped;

@@ -20,7 +20,6 @@ void Relax() noexcept {
 }  // namespace
 
 CriticalSection::CriticalSection() = default;
-CriticalSection::~CriticalSection() = default;
 
 bool CriticalSection::TryEnter() DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
   const auto self = std::this_thread::get_id();

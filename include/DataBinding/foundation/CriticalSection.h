@@ -27,7 +27,11 @@ class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Critica
   CriticalSection();
   CriticalSection(const CriticalSection&) = delete;
   CriticalSection& operator=(const CriticalSection&) = delete;
+#if defined(_WIN32)
   ~CriticalSection();
+#else
+  ~CriticalSection() = default;
+#endif
 
   void Enter() DATABINDING_THREAD_ANNOTATION(acquire_capability());
   /// Enters if that takes no waiting, and says whether it did.
