@@ -3,7 +3,6 @@
 namespace DataBinding::AEB {
 
 ThreadingPolicy::ThreadingPolicy() = default;
-ThreadingPolicy::~ThreadingPolicy() = default;
 
 void ThreadingPolicy::EnterCriticalSection()
     DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {

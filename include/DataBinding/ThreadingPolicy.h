@@ -16,7 +16,7 @@ struct DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Thread
   ThreadingPolicy();
   ThreadingPolicy(const ThreadingPolicy&) = delete;
   ThreadingPolicy& operator=(const ThreadingPolicy&) = delete;
-  ~ThreadingPolicy();
+  ~ThreadingPolicy() = default;
 
   /// Any thread; the one that holds it may enter again and then leaves as often.
   void EnterCriticalSection() DATABINDING_THREAD_ANNOTATION(acquire_capability());
