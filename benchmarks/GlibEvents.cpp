@@ -10,7 +10,7 @@ namespace {
 
 class GlibEvents {
  public:
-  explicit GlibEvents(const Texts& /*names*/) {}
+  explicit GlibEvents(const Texts& /*names*/) : sum{} {}
   void Subscribe(std::size_t /*name*/) {}
   void Raise(std::size_t /*name*/, const Reading& reading) {
     g_idle_add_full(G_PRIORITY_DEFAULT, &Deliver, new Event{&sum, reading}, &Free);
@@ -20,7 +20,7 @@ class GlibEvents {
     }
   }
 
-  Sum sum = {};
+  Sum sum;
 
  private:
   struct Event {
