@@ -108,7 +108,7 @@ TEST_F(Holds, OfAScopeEndOnceHoweverTheyAreMoved) {
   other = EventHold(closed);
   EXPECT_EQ(Notes(), "a1");
   other.Drop();
-  EventHold(std::move(other));
+  { const EventHold last(std::move(other)); }
   EXPECT_FALSE(events().IsDisable(closed.Name()));
 }
 

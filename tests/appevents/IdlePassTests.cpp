@@ -138,7 +138,7 @@ TEST_F(IdlePasses, ThatCannotBeMadeSinceTheWakeThrowsLeaveTheCallbackAsItWas) {
   CountWakes();
   closed.Raise();
   EXPECT_THROW(IdlePass([] { throw std::runtime_error("wake"); }), std::runtime_error);
-  EXPECT_NO_THROW(closed.Raise());
+  closed.Raise();
   EXPECT_EQ(wakes, 2);
 }
 

@@ -68,7 +68,9 @@ TEST_F(TwoWayBinds, RefusedEditsKeepTheTextAndGiveTheReason) {
   auto join = MakeJoin(*bind);
   Notes();
   struct Case {
-    const wchar_t *typed, *text, *reason = text;
+    const wchar_t* typed = L"";
+    const wchar_t* text = L"";
+    const wchar_t* reason = text;
   };
   for (const Case& each :
        {Case{L"12x", L"\"12x\" is not a value of type int."},
