@@ -24,7 +24,7 @@ class GlibEvents {
 
  private:
   struct Event {
-    Sum* sum;
+    Sum* sum = nullptr;
     Reading reading;
   };
 

@@ -3,8 +3,8 @@
 /// A subclass says in InitEventMap which events it wants, with On; the map is turned into
 /// subscriptions before the next event is delivered, and dropped when the listener is deactivated
 /// or ends. InitEventMap runs again after UnregisterAppEvents: fill the map only while it is not
-/// initialised. Listeners belong to the delivering thread, and may end in a callback. One that sends
-/// events while it is made or ends is activated last and deactivated first.
+/// initialised. Listeners belong to the delivering thread, and may end in a callback. One that
+/// sends events while it is made or ends is activated last and deactivated first.
 ///
 ///   void View::InitEventMap() {
 ///     if (!IsEventMapInitialised()) On(processStarted, &View::AddRow);

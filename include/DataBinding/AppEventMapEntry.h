@@ -1,8 +1,8 @@
 /// One line of a listener's event map: an event that it wants, and how to subscribe to it.
 ///
-/// AppEventListener::On makes them; a listener may add kinds of its own to its map, which owns them.
-/// Subscribe is called each time that the listener is subscribed, on the delivering thread; what it
-/// gives ends when the listener is unsubscribed.
+/// AppEventListener::On makes them; a listener may add kinds of its own to its map, which owns
+/// them. Subscribe is called each time that the listener is subscribed, on the delivering thread;
+/// what it gives ends when the listener is unsubscribed.
 #pragma once
 
 #include <utility>

@@ -137,7 +137,8 @@ TEST_F(IdlePasses, WokenInVainAreWokenByAReplacingEventToo) {
 TEST_F(IdlePasses, ThatCannotBeMadeSinceTheWakeThrowsLeaveTheCallbackAsItWas) {
   CountWakes();
   closed.Raise();
-  EXPECT_THROW(IdlePass([] { throw std::runtime_error("wake"); }), std::runtime_error);
+  const auto full = [] { throw std::runtime_error("wake"); };
+  EXPECT_THROW(IdlePass{full}, std::runtime_error);
   closed.Raise();
   EXPECT_EQ(wakes, 2);
 }
