@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
+#include <boost/signals2/signal.hpp>
 
 #include "DataBinding/AppEvent.h"
 #include "Names.h"
@@ -113,17 +114,45 @@ class FloorEvents {
   std::vector<Entry> batch;
 };
 
-/// A lock and a vector of functions, each of which carries its event with its name.
-class FunctionEvents {
+/// Listeners as functions in a vector.
+class FunctionList {
  public:
-  explicit FunctionEvents(const Texts& texts) : names(texts), listeners(texts.size()) {}
+  void Add(std::function<void(const Reading&)> listener) {
+    listeners.push_back(std::move(listener));
+  }
+  void operator()(const Reading& reading) const {
+    for (const auto& listener : listeners) listener(reading);
+  }
+
+ private:
+  std::vector<std::function<void(const Reading&)>> listeners;
+};
+
+/// Listeners of a Boost.Signals2 signal.
+class SignalOfReadings {
+ public:
+  template <class Listener>
+  void Add(Listener listener) {
+    signal.connect(listener);
+  }
+  void operator()(const Reading& reading) { signal(reading); }
+
+ private:
+  boost::signals2::signal<void(const Reading&)> signal;
+};
+
+/// A lock and a vector of functions, each of which carries its event with its name.
+template <class Listeners>
+class ClosureEvents {
+ public:
+  explicit ClosureEvents(const Texts& texts) : names(texts), listeners(texts.size()) {}
   void Subscribe(std::size_t name) {
-    listeners[name].emplace_back([this](const Reading& reading) { sum.Add(reading); });
+    listeners[name].Add([this](const Reading& reading) { sum.Add(reading); });
   }
   void Raise(std::size_t name, const Reading& reading) {
     std::function<void()> event = [this, text = names[name], name, reading] {
       benchmark::DoNotOptimize(text.data());
-      for (const auto& listener : listeners[name]) listener(reading);
+      listeners[name](reading);
     };
     const std::lock_guard guard(lock);
     queue.push_back(std::move(event));
@@ -141,11 +170,14 @@ class FunctionEvents {
 
  private:
   Texts names;
-  std::vector<std::vector<std::function<void(const Reading&)>>> listeners;
+  std::vector<Listeners> listeners;
   std::mutex lock;
   std::vector<std::function<void()>> queue;
   std::vector<std::function<void()>> batch;
 };
+
+using FunctionEvents = ClosureEvents<FunctionList>;
+using BoostEvents = ClosureEvents<SignalOfReadings>;
 
 inline constexpr std::size_t eventsPerBatch = 1000;
 

@@ -22,6 +22,7 @@ using DataBinding::IdlePass;
 BENCHMARK(RaiseAndDispatch<OurEvents>)->Name("queue/ours")->Arg(100);
 BENCHMARK(RaiseAndDispatch<FloorEvents>)->Name("queue/floor")->Arg(100);
 BENCHMARK(RaiseAndDispatch<FunctionEvents>)->Name("queue/functions")->Arg(100);
+BENCHMARK(RaiseAndDispatch<BoostEvents>)->Name("queue/boost")->Arg(100);
 
 /// Replaces the newest event of a random name among as many as are queued.
 template <class Peer>
@@ -59,6 +60,7 @@ void Deliver(benchmark::State& state) {
 
 BENCHMARK(Deliver<OurEvents>)->Name("deliver/ours")->Arg(1)->Arg(100);
 BENCHMARK(Deliver<FunctionEvents>)->Name("deliver/functions")->Arg(1)->Arg(100);
+BENCHMARK(Deliver<BoostEvents>)->Name("deliver/boost")->Arg(1)->Arg(100);
 
 struct FloorListener {
   Sum* sum;

@@ -55,8 +55,8 @@ void AppEventListener::DeactivateAppEventListeners() {
   if (WAppEventRegistrar::HasInstance()) {
     WAppEventRegistrar::GetInstance().RemoveEventListener(this);
   }
-  if (!subscriptions.empty())
-    UnregisterAppEventListeners();  // after a flush that somebody broke off
+  // The registrar left them alone after a flush that somebody broke off.
+  if (!subscriptions.empty()) UnregisterAppEventListeners();
 }
 
 bool AppEventListener::HasListener(VtrStringView name) const {

@@ -71,6 +71,12 @@ void EventBroadcaster<Update, Threading>::Lower(const VtrString& name, bool fire
   if (fireHeldEvent && !held.empty()) Deliver(held.mapped());
 }
 
+/// Holds an event of a disabled name. An older one is released when the new one is in its place.
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Keep(const VtrString& name, EventPtr event) {
+  std::swap(heldEvents[name], event);
+}
+
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::Hold(const VtrString& name) {
   ++holds[name];
@@ -292,7 +298,7 @@ bool EventBroadcaster<Update, Threading>::PendingEventBase::HoldIfDisabled(
     EventBroadcaster& broadcaster, const VtrString& name, EventPtr event) {
   broadcaster.knownEvents.try_emplace(name, nullptr);
   if (!broadcaster.IsDisable(name)) return false;
-  if (event != nullptr) std::swap(broadcaster.heldEvents[name], event);
+  if (event != nullptr) broadcaster.Keep(name, std::move(event));
   return true;
 }
 

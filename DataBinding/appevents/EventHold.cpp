@@ -24,10 +24,7 @@ EventHold& EventHold::operator=(EventHold&& other) noexcept {
   return *this;
 }
 
-EventHold::~EventHold() { End(); }
-
-/// Lets nothing out: this runs in a destructor.
-void EventHold::End() noexcept {
+EventHold::~EventHold() {
   if (!broadcaster) return;
   try {
     broadcaster->EndHold(name, firesAtEnd);

@@ -32,10 +32,7 @@ void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
     if (scope.IsBroadcasterGone()) return;
   }
   const EventChannel& channel = broadcaster.Channel(name);
-  if (broadcaster.IsDisable(name.Text())) {
-    static_cast<void>(HoldIfDisabled(broadcaster, name.Text(), scope.Owner()));
-    return;
-  }
+  if (broadcaster.IsDisable(name.Text())) return broadcaster.Keep(name.Text(), scope.Owner());
   CallbackWalk walk(channel.listeners.Core());
   while (!Guarded(scope, broadcaster, [&] { CallListeners(walk); }) && !walk.IsListGone()) {
   }

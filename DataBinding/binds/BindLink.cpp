@@ -1,11 +1,11 @@
 #include "BindLink.h"
 
-#include <algorithm>
 #include <set>
 
 #include "DataBinding/DataBind.h"
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/foundation/BindWeak.h"
+#include "Explanation.h"
 #include "ProviderDoor.h"
 
 namespace DataBinding::details {
@@ -37,8 +37,7 @@ void BindLink::Listen(bool isSourceWanted) {
 }
 
 bool BindLink::HasCategory(const VtrString& category) const {
-  if (!scopeLiveness.IsValid()) return false;
-  return std::ranges::count(scope->GetCategories(), category) != 0;
+  return scopeLiveness.IsValid() && details::HasCategory(*scope, category);
 }
 
 void BindLink::ConnectToDatasource(IDataSource* added) {

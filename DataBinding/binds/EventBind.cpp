@@ -1,6 +1,5 @@
 #include "DataBinding/EventBind.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "EventAnchor.h"
@@ -76,9 +75,7 @@ IDataSourceProvider* EventBind::ContextScope() const {
   IDataSourceProvider* scope = Scope();
   const VtrString& category = DataContextName();
   if (!details::IsNamed(category, nullDataMarker)) return scope;
-  while (scope != nullptr && std::ranges::count(scope->GetCategories(), category) == 0) {
-    scope = scope->GetParent();
-  }
+  while (scope != nullptr && !details::HasCategory(*scope, category)) scope = scope->GetParent();
   return scope;
 }
 

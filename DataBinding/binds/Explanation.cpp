@@ -1,5 +1,7 @@
 #include "Explanation.h"
 
+#include <algorithm>
+
 #include "DataBinding/BindTypes.h"
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/IDataSource.h"
@@ -125,6 +127,10 @@ BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
 
 bool IsNamed(const VtrString& name, const wchar_t* marker) {
   return !name.IsEmpty() && name != marker;
+}
+
+bool HasCategory(const IDataSourceProvider& scope, const VtrString& category) {
+  return std::ranges::count(scope.GetCategories(), category) != 0;
 }
 
 VtrString ScopeName(const IDataSourceProvider& scope) {

@@ -22,6 +22,8 @@ struct Wish {
 
 /// True for a name that is meant to be one.
 [[nodiscard]] bool IsNamed(const VtrString& name, const wchar_t* marker);
+/// Whether the scope itself has a category. Unlike MatchCategory, takes a comma for a character.
+[[nodiscard]] bool HasCategory(const IDataSourceProvider& scope, const VtrString& category);
 
 /// The scope's categories, separated by commas.
 [[nodiscard]] VtrString ScopeName(const IDataSourceProvider& scope);

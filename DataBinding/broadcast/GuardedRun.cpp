@@ -103,6 +103,17 @@ bool IsHardwareFaultGuardOn() noexcept {
 
 namespace details {
 
+#if defined(DATABINDING_NO_FAULT_GUARD)
+
+std::uint32_t RunTrapping(void (*run)(void*), void* context) {
+  run(context);
+  return 0;
+}
+
+void RunUntrapped(void (*run)(void*), void* context) { run(context); }
+
+#endif
+
 void RunGuarded(void (*step)(void*), void* context, const VtrString& property) {
   GuardedStep guarded{step, context, property};
   if (!IsHardwareFaultGuardOn()) return RunUntrapped(&GuardedStep::Run, &guarded);

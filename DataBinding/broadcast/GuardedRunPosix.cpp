@@ -11,16 +11,7 @@
 
 namespace DataBinding::details {
 
-#if defined(DATABINDING_NO_FAULT_GUARD)
-
-std::uint32_t RunTrapping(void (*run)(void*), void* context) {
-  run(context);
-  return 0;
-}
-
-void RunUntrapped(void (*run)(void*), void* context) { run(context); }
-
-#else
+#if !defined(DATABINDING_NO_FAULT_GUARD)
 
 namespace {
 

@@ -4,32 +4,13 @@
 /// is run when the outermost change is over. One thread.
 #pragma once
 
-#include <type_traits>
 #include <utility>
 
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/foundation/FirstFailure.h"
+#include "DataBinding/foundation/Meanwhile.h"
 
 namespace DataBinding {
-
-namespace details {
-
-/// Gives a variable another value during a scope.
-template <class T>
-class Meanwhile {
- public:
-  Meanwhile(T& changed, std::type_identity_t<T> value) noexcept
-      : variable(changed), before(std::exchange(changed, value)) {}
-  Meanwhile(const Meanwhile&) = delete;
-  Meanwhile& operator=(const Meanwhile&) = delete;
-  ~Meanwhile() { variable = before; }
-
- private:
-  T& variable;
-  T before;
-};
-
-}  // namespace details
 
 /// The scope of a change. A source that is destroyed in it may end the provider.
 class DataSourceProvider::Changing {

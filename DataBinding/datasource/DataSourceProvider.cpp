@@ -189,7 +189,7 @@ void DataSourceProvider::EndAll() {
 }
 
 void DataSourceProvider::TellListenersOfTheEnd() {
-  const details::Meanwhile telling(tellsItsEnd, true);
+  const Meanwhile telling(tellsItsEnd, true);
   FirstFailure failure;
   for (const auto& [listener, entry] : std::exchange(listeners, {})) {
     if (!entry.liveness.IsValid()) continue;

@@ -12,8 +12,6 @@
 
 namespace DataBinding {
 
-using details::Meanwhile;
-
 void DataSourceProvider::AddDataSource(IDataSource* source) {
   if (source == nullptr) return;
   assert(notifications == 0 && "a listener adds a source while this provider connects it");

@@ -71,6 +71,7 @@
 #include "DataBinding/foundation/FormatArgument.h"
 #include "DataBinding/foundation/Guid.h"
 #include "DataBinding/foundation/LogMessage.h"
+#include "DataBinding/foundation/Meanwhile.h"
 #include "DataBinding/foundation/PostConstructible.h"
 #include "DataBinding/foundation/SafeFunction.h"
 #include "DataBinding/foundation/SamplingHash.h"

@@ -163,6 +163,7 @@ class DATABINDING_API EventBroadcaster {
   void Append(const Name& name, bool replaceLast, EventPtr&& event);
   void Deliver(const EventPtr& event);
   void AskForPass();
+  void Keep(const VtrString& name, EventPtr event);
   void Hold(const VtrString& name);
   void EndHold(const VtrString& name, bool fireHeldEvent);
   void Lower(const VtrString& name, bool fireHeldEvent);

@@ -32,8 +32,6 @@ class DATABINDING_API EventHold {
   void Drop() noexcept { firesAtEnd = false; }
 
  private:
-  void End() noexcept;
-
   VtrString name;
   WeakPtr<PolicyEventBroadcaster> broadcaster;
   bool firesAtEnd = true;

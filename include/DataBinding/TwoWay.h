@@ -21,24 +21,12 @@
 #include "DataBinding/TextConverter.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/FirstFailure.h"
+#include "DataBinding/foundation/Meanwhile.h"
 #include "DataBinding/foundation/Subscription.h"
 
 namespace DataBinding {
 
 namespace details {
-
-/// Keeps a flag set during a scope.
-class Raised {
- public:
-  explicit Raised(bool& raisedFlag) noexcept : flag(raisedFlag), before(raisedFlag) { flag = true; }
-  Raised(const Raised&) = delete;
-  Raised& operator=(const Raised&) = delete;
-  ~Raised() { flag = before; }
-
- private:
-  bool& flag;
-  bool before;
-};
 
 /// The text, or other form, that stands for the bind's value. Known where forms can be compared.
 template <class W>
@@ -88,7 +76,7 @@ class TwoWayState {
   }
   SetResult Commit() {
     if (isWriting || isCommitting) return {};
-    const Raised committing(isCommitting);
+    const Meanwhile committing(isCommitting, true);
     isChanged = isWritten = false;
     const W typed = read();
     if (shown.Is(typed) && bindLiveness.IsValid() && bind->HasValue()) return {};
@@ -110,7 +98,7 @@ class TwoWayState {
     bool isAccepted = false;
     FirstFailure failure;
     failure.Try([&] {
-      const Raised setting(isSetting);
+      const Meanwhile setting(isSetting, true);
       result = bind->Set(edited);
       isAccepted = result.IsAccepted();
     });
@@ -119,7 +107,7 @@ class TwoWayState {
     return result;
   }
   void Write(const T& value) {
-    const Raised writing(isWriting);
+    const Meanwhile writing(isWriting, true);
     isAbsent = false;
     const W form = converter.show(value);
     shown.Note(form);

@@ -121,5 +121,17 @@ TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
   }
 }
 
+TEST_F(FaultDeath, FaultOutsideAListenerReachesWhoeverTookThemBefore) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        ExitOnFaults(42);
+        const auto listener = notifier.Log('1');
+        notifier.UpdateListeners(L"A");
+        AccessForbiddenMemory();
+      },
+      testing::ExitedWithCode(42), "");
+}
+
 }  // namespace
 }  // namespace DataBinding

@@ -1,11 +1,7 @@
 #include <pthread.h>
-#include <signal.h>
-#include <unistd.h>
 
-#include <DataBinding/ListenerGuard.h>
 #include <gtest/gtest.h>
 
-#include "Faults.h"
 #include "Notifier.h"
 
 namespace DataBinding {
@@ -27,19 +23,6 @@ TEST(FaultGuardOfThreads, ListenerThatEndsItsThreadIsNotSwallowed) {
   EXPECT_FALSE(cameBack);
   const auto after = notifier.Log('2', L"B");
   EXPECT_EQ(notifier.Announce(L"B"), "2");
-}
-
-TEST(FaultDeathOfProcess, FaultOutsideAListenerReachesTheEarlierHandler) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  Notifier notifier;
-  EXPECT_EXIT(
-      {
-        signal(SIGSEGV, [](int) { _exit(42); });
-        const auto listener = notifier.Log('1');
-        notifier.UpdateListeners(L"A");
-        AccessForbiddenMemory();
-      },
-      testing::ExitedWithCode(42), "");
 }
 
 }  // namespace

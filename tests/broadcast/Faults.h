@@ -13,5 +13,7 @@ struct Fault {
 const std::vector<Fault>& AllFaults();
 void AccessForbiddenMemory();
 void RunAnIllegalInstruction();
+/// Has a fault that nobody else takes end the process with this code.
+void ExitOnFaults(int code);
 
 }  // namespace DataBinding

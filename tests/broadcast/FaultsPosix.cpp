@@ -1,5 +1,6 @@
 #include <signal.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstdio>
 
@@ -40,6 +41,12 @@ void DivideByZero() { raise(SIGFPE); }
 }  // namespace
 
 void RunAnIllegalInstruction() { __builtin_trap(); }
+
+void ExitOnFaults(int code) {
+  static int exitCode;
+  exitCode = code;
+  signal(SIGSEGV, [](int) { _exit(exitCode); });
+}
 
 const std::vector<Fault>& AllFaults() {
   static const std::vector<Fault> faults{{&AccessForbiddenMemory, SIGSEGV},

@@ -21,6 +21,12 @@ void AccessForbiddenMemory() {
 
 void RunAnIllegalInstruction() { __builtin_trap(); }
 
+void ExitOnFaults(int code) {
+  static UINT exitCode;
+  exitCode = static_cast<UINT>(code);
+  SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { ExitProcess(exitCode); });
+}
+
 const std::vector<Fault>& AllFaults() {
   static const std::vector<Fault> faults{{&AccessForbiddenMemory, EXCEPTION_ACCESS_VIOLATION},
                                          {&RaiseOwnException, 0xE0001234},

@@ -1,0 +1,32 @@
+/// Gives a variable another value during a scope.
+///
+/// The variable must outlive the scope, and gets its former value back however the scope is left.
+/// Owns nothing. For one thread.
+///
+///   const Meanwhile writing(isWriting, true);
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+namespace VtrUtils {
+
+template <class T>
+class [[nodiscard]] Meanwhile {
+ public:
+  Meanwhile(T& changed, std::type_identity_t<T> value) noexcept
+      : variable(changed), before(std::exchange(changed, std::move(value))) {}
+  Meanwhile(const Meanwhile&) = delete;
+  Meanwhile& operator=(const Meanwhile&) = delete;
+  ~Meanwhile() { variable = std::move(before); }
+
+ private:
+  T& variable;
+  T before;
+};
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::Meanwhile;
+}  // namespace DataBinding
