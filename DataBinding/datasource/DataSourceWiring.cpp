@@ -19,7 +19,8 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
   const std::uint64_t number = ++lastAddition;
   std::map<std::uint64_t, IDataSource*> addition{{number, source}};
   std::multimap<IDataSource*, std::uint64_t> wayBack{{source, number}};
-  std::map<VtrString, IDataSource*, std::less<>> filing;
+  NameMap<IDataSource*> filing;
+  ReserveOneMore(sourcesByName);
   Change([&] {
     FirstFailure failure;
     if (const wchar_t* name = source->GetDataSourceName()) {

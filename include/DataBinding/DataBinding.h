@@ -72,6 +72,7 @@
 #include "DataBinding/foundation/Guid.h"
 #include "DataBinding/foundation/LogMessage.h"
 #include "DataBinding/foundation/Meanwhile.h"
+#include "DataBinding/foundation/NameMap.h"
 #include "DataBinding/foundation/PostConstructible.h"
 #include "DataBinding/foundation/SafeFunction.h"
 #include "DataBinding/foundation/SamplingHash.h"

@@ -16,6 +16,7 @@
 
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/NameMap.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {
@@ -131,7 +132,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   IDataContext* dataContext;
   std::set<IDataSourceProvider*> children;
   std::vector<VtrString> categories;
-  std::map<VtrString, IDataSource*, std::less<>> sourcesByName;
+  NameMap<IDataSource*> sourcesByName;
   /// The owned sources by the number of their addition, and the way back.
   std::map<std::uint64_t, IDataSource*> addedSources;
   std::multimap<IDataSource*, std::uint64_t> additions;
@@ -139,7 +140,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   std::map<Guid, void*> customData;
   std::map<IDataListener*, ListenerEntry> listeners;
   /// The same listeners by the names that they wait for here.
-  std::map<VtrString, std::set<IDataListener*>> waiting;
+  NameMap<std::set<IDataListener*>> waiting;
   bool shutDown = false;
   /// The changes that are under way, one within the other, and the calls to listeners within them.
   int changes = 0;

@@ -1,0 +1,54 @@
+/// Values by name, found in constant time however many there are, in no order.
+///
+/// Names are told apart exactly, case included, and hashed by all their characters, so that names
+/// which differ in few places do not meet. A map is asked by any kind of text; asking makes no
+/// string. Iterators end when the map grows; keys and values stay where they are.
+///
+///   NameMap<int> counts;
+///   ++counts[name];
+///   const auto found = counts.find(VtrStringView(L"Memory"));
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <unordered_map>
+
+#include "DataBinding/foundation/String.h"
+
+namespace VtrUtils {
+
+struct NameHash {
+  using is_transparent = void;
+  /// Deliberately not noexcept: libstdc++ keeps the hashes beside the names then, and need not read
+  /// the names themselves of those that a search passes.
+  [[nodiscard]] std::size_t operator()(VtrPlatform::VtrStringView name) const {
+    return std::hash<VtrPlatform::VtrStringView>()(name);
+  }
+};
+
+struct NameEqual {
+  using is_transparent = void;
+  [[nodiscard]] bool operator()(VtrPlatform::VtrStringView left,
+                                VtrPlatform::VtrStringView right) const noexcept {
+    return left == right;
+  }
+};
+
+template <class Value>
+using NameMap = std::unordered_map<VtrPlatform::VtrString, Value, NameHash, NameEqual>;
+
+/// Makes room for one more, so that inserting a node cannot fail.
+template <class Value>
+void ReserveOneMore(NameMap<Value>& map) {
+  const double room = static_cast<double>(map.bucket_count()) * map.max_load_factor();
+  if (static_cast<double>(map.size() + 1) > room) map.reserve(2 * map.size() + 1);
+}
+
+}  // namespace VtrUtils
+
+namespace DataBinding {
+using VtrUtils::NameEqual;
+using VtrUtils::NameHash;
+using VtrUtils::NameMap;
+using VtrUtils::ReserveOneMore;
+}  // namespace DataBinding
