@@ -50,7 +50,7 @@ HEADERS = {
     },
     "appevents": {
         "AppEvent.h", "AppEventListener.h", "AppEventMapEntry.h", "EventBroadcaster.h",
-        "EventHold.h", "EventName.h", "IAppEventBroadcaster.h",
+        "EventHold.h", "EventMemory.h", "EventName.h", "IAppEventBroadcaster.h",
         "IAppEventListener.h", "IdlePass.h", "NamedEvent.h", "ThreadingPolicy.h",
         "UpdatePolicy.h", "WAppEventRegistrar.h",
     },

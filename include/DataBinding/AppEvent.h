@@ -18,6 +18,7 @@
 #include <string_view>
 #include <utility>
 
+#include "DataBinding/EventMemory.h"
 #include "DataBinding/EventName.h"
 #include "DataBinding/Export.h"
 #include "DataBinding/IAppEventBroadcaster.h"
@@ -90,8 +91,9 @@ class AppEvent {
 
  private:
   DATABINDING_MODULE_LOCAL details::NamedEvent::Ptr Make(Args&&... args) const {
-    return std::make_shared<details::TypedEvent<Args...>>(Known(), ThisModule(),
-                                                          std::move(args)...);
+    using Event = details::TypedEvent<Args...>;
+    return std::allocate_shared<Event>(details::EventAllocator<Event>(), Known(), ThisModule(),
+                                       std::move(args)...);
   }
   [[nodiscard]] const details::EventName& Known() const {
     const auto* found = known.load(std::memory_order_acquire);

@@ -22,6 +22,7 @@
 #include "DataBinding/EventBind.h"
 #include "DataBinding/EventBroadcaster.h"
 #include "DataBinding/EventHold.h"
+#include "DataBinding/EventMemory.h"
 #include "DataBinding/EventName.h"
 #include "DataBinding/Export.h"
 #include "DataBinding/Fwd.h"
