@@ -8,6 +8,7 @@
 #include <any>
 
 namespace VtrUtils {
+/// Holds a copy of any copyable value; std::any_cast gives it back.
 using Any = std::any;
 }  // namespace VtrUtils
 

@@ -130,6 +130,7 @@ class RepeatingCallbackBase;
 class RepeatingCallbackMemento {
  public:
   RepeatingCallbackMemento() noexcept = default;
+  /// True when it holds no callback, so that one made from it would be null.
   [[nodiscard]] bool IsEmpty() const noexcept { return !state; }
 
  private:

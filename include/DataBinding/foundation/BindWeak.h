@@ -51,6 +51,7 @@ class WeakBinding {
 
 }  // namespace details
 
+/// Binds a method, or a function that takes the object first, to a weak pointer and to arguments.
 template <class T, class Method, class... Bound>
 [[nodiscard]] auto BindWeak(WeakPtr<T> target, Method method, Bound&&... bound) {
   return details::WeakBinding<T, Method, std::decay_t<Bound>...>(std::move(target), method,

@@ -141,15 +141,21 @@ class RepeatingCallback<Result(Args...)> : public details::RepeatingCallbackBase
 
  public:
   RepeatingCallback() noexcept = default;
+  /// A null callback.
   RepeatingCallback(std::nullptr_t) noexcept {}
+  /// Takes over a state of this signature; a null one makes a null callback.
   explicit RepeatingCallback(comlike_ptr<details::BindStateBase> adopted) noexcept
       : RepeatingCallbackBase(std::move(adopted)) {}
+  /// From any callable with a matching signature. A null function pointer or an empty std::function
+  /// makes a null callback.
   template <class Functor>
   requires(!std::derived_from<std::remove_cvref_t<Functor>, details::OneShotCallbackBase> &&
            Invoker::template fits<std::decay_t<Functor>&>) RepeatingCallback(Functor&& functor)
       : RepeatingCallbackBase(
             Invoker::template Bind<std::decay_t<Functor>&>(std::forward<Functor>(functor))) {}
 
+  /// Calls the callable, which lives until it returns; a null callback gives a value-initialised
+  /// result.
   Result operator()(Args... args) const {
     const auto keep = state;
     return Invoker::Call(keep, std::forward<Args>(args)...);
@@ -164,18 +170,23 @@ class RepeatingCallback<Result(Args...)> : public details::RepeatingCallbackBase
 template <class Signature>
 class OneShotCallback;
 
+/// Runs once and is null from then on; moved, never copied. Takes callables that only move, and
+/// releases them as soon as they have run.
 template <class Result, class... Args>
 class OneShotCallback<Result(Args...)> : public details::OneShotCallbackBase {
   using Invoker = details::Invoker<Result(Args...)>;
 
  public:
   OneShotCallback() noexcept = default;
+  /// A null callback.
   OneShotCallback(std::nullptr_t) noexcept {}
+  /// Takes over a state of this signature; a null one makes a null callback.
   explicit OneShotCallback(comlike_ptr<details::BindStateBase> adopted) noexcept
       : OneShotCallbackBase(std::move(adopted)) {}
   /// Shares the repeating callback's callable and calls it once.
   OneShotCallback(RepeatingCallback<Result(Args...)> repeating) noexcept
       : OneShotCallbackBase(std::move(repeating)) {}
+  /// From any callable with a matching signature, which is moved in.
   template <class Functor>
   requires(!std::derived_from<std::remove_cvref_t<Functor>, details::OneShotCallbackBase> &&
            Invoker::template fits<std::decay_t<Functor>>) OneShotCallback(Functor&& functor)

@@ -133,7 +133,9 @@ class CallbackWalk {
 class DATABINDING_API CallbackListBase {
  public:
   CallbackListBase() noexcept = default;
+  /// Takes the callbacks over; their subscriptions stay good.
   CallbackListBase(CallbackListBase&& other) noexcept : core(std::exchange(other.core, nullptr)) {}
+  /// The same; what was in this list before is ended.
   CallbackListBase& operator=(CallbackListBase&& other) noexcept {
     if (this != &other) {
       auto* former = std::exchange(core, std::exchange(other.core, nullptr));
@@ -158,8 +160,11 @@ class DATABINDING_API CallbackListBase {
 template <class... Args>
 class CallbackList : public CallbackListBase {
  public:
+  /// What the list holds.
   using Callback = RepeatingCallback<void(const Args&...)>;
 
+  /// Adds a callback at the end until the subscription ends. A null one gives an inert
+  /// subscription.
   Subscription Add(const Callback& callback) {
     return CallbackListBase::Add(callback.GetMemento());
   }

@@ -22,6 +22,7 @@ namespace VtrUtils {
 
 class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) CriticalSection {
  public:
+  /// How often a thread looks whether the section is free before it blocks.
   static constexpr unsigned spinCount = 4000;
 
   CriticalSection();
@@ -33,9 +34,11 @@ class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Critica
   ~CriticalSection() = default;
 #endif
 
+  /// Waits until the section is free, unless this thread holds it already.
   void Enter() DATABINDING_THREAD_ANNOTATION(acquire_capability());
   /// Enters if that takes no waiting, and says whether it did.
   [[nodiscard]] bool TryEnter() DATABINDING_THREAD_ANNOTATION(try_acquire_capability(true));
+  /// Undoes one entry of this thread; the last one lets others in.
   void Leave() DATABINDING_THREAD_ANNOTATION(release_capability());
 
  private:
@@ -50,8 +53,10 @@ class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Critica
 #endif
 };
 
+/// Holds a section for the guard's scope, however that is left.
 class DATABINDING_THREAD_ANNOTATION(scoped_lockable) CriticalSectionLock {
  public:
+  /// Enters. The section must outlive the guard.
   [[nodiscard]] explicit CriticalSectionLock(CriticalSection& section)
       DATABINDING_THREAD_ANNOTATION(acquire_capability(section))
       : held(section) {

@@ -20,9 +20,11 @@ class Delegate;
 template <class Result, class... Args>
 class Delegate<Result(Args...)> {
  public:
+  /// What is called; it gets the context back as it was given.
   using Function = Result (*)(void* context, Args... args);
 
   constexpr Delegate() noexcept = default;
+  /// Of a context, which may be null, and a function; a null function makes an empty delegate.
   constexpr Delegate(void* boundContext, Function target) noexcept
       : context(boundContext), function(target) {}
 
@@ -37,11 +39,14 @@ class Delegate<Result(Args...)> {
             }};
   }
 
+  /// Calls the function; an empty delegate gives a value-initialised result.
   Result operator()(Args... args) const {
     if (function == nullptr) return details::SkippedResult<Result>();
     return function(context, std::forward<Args>(args)...);
   }
+  /// False for an empty delegate.
   explicit constexpr operator bool() const noexcept { return function != nullptr; }
+  /// Equal when both words are.
   friend constexpr bool operator==(const Delegate&, const Delegate&) noexcept = default;
 
  private:

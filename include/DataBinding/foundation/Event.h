@@ -30,10 +30,13 @@ class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
 
   /// Adds a listener until the subscription is cancelled. An empty memento is counted and skipped.
   Subscription Subscribe(const RepeatingCallbackMemento& memento);
+  /// What a raise walks over, so that callbacks may subscribe and cancel meanwhile.
   [[nodiscard]] std::set<unsigned long long> GetListenerTokensCopy() const;
   /// The memento of a token that is still subscribed, else an empty one.
   [[nodiscard]] RepeatingCallbackMemento GetListener(unsigned long long token) const;
+  /// True while a listener is subscribed, be its callback empty.
   [[nodiscard]] bool HasListeners() const noexcept { return !listeners.empty(); }
+  /// Tells a raise whether a callback has ended the event.
   [[nodiscard]] WeakPtr<EventBase> GetWeakPtr() { return AsWeakPtr(); }
 
  private:
@@ -53,13 +56,16 @@ class Event<void(Args...)> : public EventBase {
   Event() = default;
   ~Event() = default;
 
+  /// Runs the callback at each raise, after those that came before it, until the subscription ends.
   Subscription Subscribe(const RepeatingCallback<void(Args...)>& callback) {
     return EventBase::Subscribe(callback.GetMemento());
   }
+  /// The same for a callback of this signature that is kept without it.
   Subscription Subscribe(const RepeatingCallbackMemento& memento) {
     return EventBase::Subscribe(memento);
   }
 
+  /// Runs the callbacks. What one throws comes out of here, and those behind it are not run.
   void Raise(const Args&... args) {
     RaiseEach([] { throw; }, args...);
   }

@@ -16,14 +16,19 @@
 namespace VtrUtils {
 
 struct Guid {
+  /// The fields of the usual notation, in this machine's order of bytes.
+  ///@{
   std::uint32_t data1 = 0;
   std::uint16_t data2 = 0;
   std::uint16_t data3 = 0;
   std::uint8_t data4[8] = {};
+  ///@}
 
+  /// Equal when all 16 bytes are.
   friend bool operator==(const Guid& left, const Guid& right) noexcept {
     return std::memcmp(&left, &right, sizeof(Guid)) == 0;
   }
+  /// The order of the bytes as they lie in memory, for keys of maps; it means nothing else.
   friend std::strong_ordering operator<=>(const Guid& left, const Guid& right) noexcept {
     return std::memcmp(&left, &right, sizeof(Guid)) <=> 0;
   }
@@ -31,9 +36,11 @@ struct Guid {
 static_assert(sizeof(Guid) == 16);
 
 #if defined(_WIN32)
+/// The system's own structure where it has one, which interfaces are asked for with.
 using GUID = ::GUID;
 static_assert(sizeof(GUID) == sizeof(Guid));
 #else
+/// The system's own structure where it has one, which interfaces are asked for with.
 using GUID = Guid;
 #endif
 

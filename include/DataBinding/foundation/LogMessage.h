@@ -17,6 +17,7 @@ namespace VtrUtils {
 
 class LogMessage {
  public:
+  /// Takes a finished message, on the thread on which that ends.
   using Sink = void (*)(const VtrPlatform::VtrString& text);
 
   LogMessage() = default;
@@ -25,6 +26,7 @@ class LogMessage {
   /// Hands the text over; what the sink throws is dropped.
   DATABINDING_API ~LogMessage();
 
+  /// Appends a name, a literal, or whatever a wide stream prints.
   template <class T>
   LogMessage& operator<<(const T& value) {
     if constexpr (std::convertible_to<const T&, VtrPlatform::VtrStringView>) {

@@ -14,6 +14,7 @@ namespace VtrUtils {
 template <class T>
 class [[nodiscard]] Meanwhile {
  public:
+  /// Sets the value now; the end of the scope gives the former one back.
   Meanwhile(T& changed, std::type_identity_t<T> value) noexcept
       : variable(changed), before(std::exchange(changed, std::move(value))) {}
   Meanwhile(const Meanwhile&) = delete;

@@ -16,9 +16,11 @@ class DATABINDING_API PostConstructible {
   PostConstructible& operator=(const PostConstructible&) = delete;
   virtual ~PostConstructible();
 
+  /// Marks the object as complete. The creator calls it once, when the constructor has returned.
   virtual void PostConstruct();
 
  protected:
+  /// True from PostConstruct on.
   bool postConstructed = false;
 };
 

@@ -24,7 +24,10 @@ template <class Result, class... Args, std::size_t Words>
 class basic_safe_function<Result(Args...), Words> {
  public:
   basic_safe_function() noexcept = default;
+  /// An empty function.
   basic_safe_function(std::nullptr_t) noexcept {}
+  /// From any callable with a matching signature, which need not be copyable. A null function
+  /// pointer makes an empty function.
   template <class Functor>
   requires(!std::same_as<std::remove_cvref_t<Functor>, basic_safe_function> &&
            std::is_invocable_r_v<Result, std::decay_t<Functor>&, Args...>)
@@ -41,7 +44,9 @@ class basic_safe_function<Result(Args...), Words> {
       actions = &heapActions<Target>;
     }
   }
+  /// Takes the callable over and leaves the other empty.
   basic_safe_function(basic_safe_function&& other) noexcept { TakeFrom(other); }
+  /// The same; the callable that was here ends first.
   basic_safe_function& operator=(basic_safe_function&& other) noexcept {
     if (this != &other) {
       Reset();
@@ -53,10 +58,12 @@ class basic_safe_function<Result(Args...), Words> {
   basic_safe_function& operator=(const basic_safe_function&) = delete;
   ~basic_safe_function() { Reset(); }
 
+  /// Calls the callable; an empty function gives a value-initialised result.
   Result operator()(Args... args) {
     if (actions == nullptr) return details::SkippedResult<Result>();
     return actions->run(storage, std::forward<Args>(args)...);
   }
+  /// False for an empty function.
   explicit operator bool() const noexcept { return actions != nullptr; }
 
  private:

@@ -15,6 +15,7 @@
 
 namespace VtrUtils {
 
+/// At most ten characters, from the first one on in equal steps. An empty text has a value as well.
 [[nodiscard]] constexpr std::uint64_t SamplingHash(std::wstring_view text) noexcept {
   constexpr std::uint64_t offsetBasis = 0xcbf29ce484222325;
   constexpr std::uint64_t prime = 0x100000001b3;

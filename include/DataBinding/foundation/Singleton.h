@@ -39,7 +39,9 @@ class Singleton {
   Singleton() noexcept = default;
   ~Singleton() = default;
 
+  /// Makes the instance; null when there is no memory. A T with an own way of it hides this.
   [[nodiscard]] static T* CreateInstance() { return new (std::nothrow) T; }
+  /// Ends what CreateInstance made; does nothing for null.
   static void DeleteInstance(T* instance) { delete instance; }
 
  private:

@@ -17,8 +17,11 @@ namespace VtrUtils {
 
 class DATABINDING_API SingletonLibrary {
  public:
+  /// Stands for a module: an address in its copy of the code.
   using Token = unsigned long long;
+  /// Fills an entry that has no contents yet, if `create` says so.
   using Initialise = void (*)(SingletonLibrary& entry, bool create);
+  /// Makes a module forget its pointer to an entry.
   using Reset = basic_safe_function<void()>;
 
   /// Finds or makes the entry of a type, calls `init` on it and keeps `reset`, where one is given,
@@ -33,9 +36,13 @@ class DATABINDING_API SingletonLibrary {
 
   /// What `init` fills, under the lock. Data may be looked at without it.
   ThreadLock lock;
+  /// The contents, or null.
   std::atomic<void*> data{nullptr};
+  /// Ends the contents; code of the module that the token stands for.
   void (*deleter)(void* data) = nullptr;
+  /// The module to which the contents belong.
   Token moduleToken = 0;
+  /// Kept for whoever fills the entry; null otherwise.
   void* context = nullptr;
 
   SingletonLibrary(const SingletonLibrary&) = delete;

@@ -44,22 +44,31 @@ class VtrStringT {
   static_assert(std::same_as<CharT, wchar_t>, "only wide strings are supported");
 
  public:
+  /// What reads a string without owning it.
   using View = VtrStringViewT<CharT>;
 
   VtrStringT() noexcept = default;
+  /// Copies a NUL-terminated text; null makes the empty string.
   VtrStringT(const CharT* text) : VtrStringT(View(text)) {}
+  /// Copies the characters, which may hold NULs.
+  ///@{
   explicit VtrStringT(View text) : buffer(details::StringBuffer::Make(text)) {}
   explicit VtrStringT(std::basic_string_view<CharT> text) : VtrStringT(View(text)) {}
+  ///@}
+  /// Shares the other's characters; allocates nothing.
   VtrStringT(const VtrStringT& other) noexcept : buffer(other.buffer) {
     details::StringBuffer::AddRef(buffer);
   }
+  /// Takes the other's characters and leaves it empty.
   VtrStringT(VtrStringT&& other) noexcept : buffer(std::exchange(other.buffer, nullptr)) {}
   ~VtrStringT() { details::StringBuffer::Release(buffer); }
 
+  /// By value: copies share, temporaries are taken over.
   VtrStringT& operator=(VtrStringT other) noexcept {
     std::swap(buffer, other.buffer);
     return *this;
   }
+  /// Appends in a new buffer; other strings that shared the old one keep it.
   VtrStringT& operator+=(const VtrStringT& other) {
     return *this = Adopt(details::StringBuffer::Join(*this, other));
   }
@@ -109,7 +118,9 @@ class VtrStringT {
     if (start >= GetLength()) return VtrStringT();
     return VtrStringT(View(Text() + start, GetLength() - start));
   }
+  /// True for length 0.
   [[nodiscard]] bool IsEmpty() const noexcept { return buffer == nullptr; }
+  /// In wchar_t units: UTF-16 on Windows, whole characters elsewhere.
   [[nodiscard]] std::int32_t GetLength() const noexcept {
     return buffer == nullptr ? 0 : buffer->length;
   }
@@ -124,10 +135,13 @@ class VtrStringT {
   }
   /// NUL-terminated; lives as long as this string is neither changed nor destroyed.
   operator const CharT*() const noexcept { return Text(); }
+  /// A view that lives as long as this string is neither changed nor destroyed.
   operator std::basic_string_view<CharT>() const noexcept { return View(*this); }
   /// A string is no condition: its pointer is never null. Ask IsEmpty.
   explicit operator bool() const = delete;
 
+  /// Ordinal comparison, case included, by code unit: the order of all tables of names.
+  ///@{
   friend bool operator==(const VtrStringT& left, const VtrStringT& right) noexcept {
     return left.buffer == right.buffer || View(left) == View(right);
   }
@@ -155,6 +169,7 @@ class VtrStringT {
   friend bool operator>=(const VtrStringT& left, const VtrStringT& right) noexcept {
     return std::is_gteq(left <=> right);
   }
+  ///@}
 
  private:
   static VtrStringT FormatInternal(View format, std::span<const details::FormatArgument> args) {

@@ -44,19 +44,26 @@ template <class CharT>
 class VtrStringViewT {
  public:
   constexpr VtrStringViewT() noexcept = default;
+  /// A NUL-terminated text, or nothing for null.
   constexpr VtrStringViewT(const CharT* text)
       : VtrStringViewT(text == nullptr ? std::basic_string_view<CharT>()
                                        : std::basic_string_view<CharT>(text)) {}
+  /// So many characters; none for null or a negative count.
   constexpr VtrStringViewT(const CharT* text, std::int32_t length) noexcept
       : first(text), count(text == nullptr || length < 0 ? 0 : length) {}
+  /// Throws std::length_error for more than INT32_MAX characters.
   constexpr VtrStringViewT(std::basic_string_view<CharT> text)
       : first(text.data()), count(Count(text.size())) {}
+  /// The characters of a string, until that is changed or destroyed.
   VtrStringViewT(const VtrStringT<CharT>& text) noexcept : first(text), count(text.GetLength()) {}
 
   /// The first character. No NUL need follow the last one.
   [[nodiscard]] constexpr const CharT* GetRawUnterminatedString() const noexcept { return first; }
+  /// In wchar_t units: UTF-16 on Windows, whole characters elsewhere.
   [[nodiscard]] constexpr std::int32_t GetLength() const noexcept { return count; }
+  /// True for length 0.
   [[nodiscard]] constexpr bool IsEmpty() const noexcept { return count == 0; }
+  /// The same characters as the standard's view.
   constexpr operator std::basic_string_view<CharT>() const noexcept {
     return {first, static_cast<std::size_t>(count)};
   }
@@ -68,13 +75,16 @@ class VtrStringViewT {
     return mode == CompareCase::Sensitive ? Standard(*this).compare(Standard(other))
                                           : details::CompareFolded(*this, other);
   }
+  /// 0 when the two are equal but for case.
   [[nodiscard]] int CompareNoCase(VtrStringViewT other) const noexcept {
     return Compare(other, CompareCase::Insensitive);
   }
 
+  /// Ordinal, case included.
   friend bool operator==(VtrStringViewT left, VtrStringViewT right) noexcept {
     return left.count == right.count && left.Compare(right) == 0;
   }
+  /// Ordinal, by code unit.
   friend std::strong_ordering operator<=>(VtrStringViewT left, VtrStringViewT right) noexcept {
     return left.Compare(right) <=> 0;
   }

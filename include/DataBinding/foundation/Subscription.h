@@ -17,7 +17,9 @@ class [[nodiscard]] Subscription {
   Subscription() noexcept = default;
   /// Takes what ends the registration.
   explicit Subscription(OneShotCallback<void()> end) noexcept : unsubscribe(std::move(end)) {}
+  /// Takes the registration over and leaves the other inert.
   Subscription(Subscription&&) noexcept = default;
+  /// Takes the other's registration over, then ends the one that was held.
   Subscription& operator=(Subscription&& other) noexcept {
     if (this != &other) {
       auto previous = std::exchange(unsubscribe, std::move(other.unsubscribe));

@@ -58,6 +58,7 @@ class DATABINDING_THREAD_ANNOTATION(capability("mutex")) ThreadLock {
 /// Holds the lock with other readers for the guard's scope.
 class DATABINDING_THREAD_ANNOTATION(scoped_lockable) ReadLock {
  public:
+  /// Waits while another thread writes. The lock must outlive the guard.
   [[nodiscard]] explicit ReadLock(ThreadLock& lock)
       DATABINDING_THREAD_ANNOTATION(acquire_shared_capability(lock))
       : held(lock) {
@@ -74,6 +75,7 @@ class DATABINDING_THREAD_ANNOTATION(scoped_lockable) ReadLock {
 /// Holds the lock alone for the guard's scope.
 class DATABINDING_THREAD_ANNOTATION(scoped_lockable) WriteLock {
  public:
+  /// Waits until no other thread reads or writes. The lock must outlive the guard.
   [[nodiscard]] explicit WriteLock(ThreadLock& lock)
       DATABINDING_THREAD_ANNOTATION(acquire_capability(lock))
       : held(lock) {

@@ -36,6 +36,7 @@ namespace IVantorGenericDetail {
 /// Asks an object for an interface by type. A proxy over no object answers null.
 class FindInterfaceProxy {
  public:
+  /// Asks that object, which must outlive the proxy; null answers null.
   explicit FindInterfaceProxy(VtrUtils::IVantorGeneric* asked) noexcept : object(asked) {}
 
   /// The interface of that identifier, or null.

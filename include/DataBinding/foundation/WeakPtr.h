@@ -104,13 +104,18 @@ template <class T>
 class WeakPtr : public details::WeakPtrBase {
  public:
   WeakPtr() noexcept = default;
+  /// Of an owner's reference and the object behind it.
   WeakPtr(details::WeakReference toOwner, T* target) noexcept
       : WeakPtrBase(std::move(toOwner), target) {}
 
   /// The object, or null once it is gone.
   [[nodiscard]] T* Get() const noexcept { return details::Retyped<T>(GetRaw()); }
+  /// For pointers whose object lives: ask first.
+  ///@{
   T* operator->() const noexcept { return Get(); }
   T& operator*() const noexcept { return *Get(); }
+  ///@}
+  /// True while the object lives.
   explicit operator bool() const noexcept { return IsValid(); }
 };
 
@@ -118,9 +123,11 @@ class WeakPtr : public details::WeakPtrBase {
 template <class T>
 class WeakPtrFactory : private details::WeakPtrFactoryBase {
  public:
+  /// For the object that holds it: `factory{this}`.
   explicit WeakPtrFactory(T* target) noexcept : WeakPtrFactoryBase(target) {}
   WeakPtrFactory(const WeakPtrFactory&) = delete;
   WeakPtrFactory& operator=(const WeakPtrFactory&) = delete;
+  /// A pointer that turns invalid when the factory ends. Any thread.
   [[nodiscard]] WeakPtr<T> GetWeakPtr() const { return {GetRef(), details::Retyped<T>(GetRaw())}; }
 };
 
@@ -130,6 +137,7 @@ class WeakPtrFactory : private details::WeakPtrFactoryBase {
 template <class T>
 class SupportsWeakPtr {
  public:
+  /// A pointer to this object that knows when it ends. Any thread while the object lives.
   [[nodiscard]] WeakPtr<T> AsWeakPtr() { return {owner.GetRef(), static_cast<T*>(this)}; }
 
  protected:
@@ -137,6 +145,7 @@ class SupportsWeakPtr {
   SupportsWeakPtr(const SupportsWeakPtr&) noexcept = default;
   SupportsWeakPtr& operator=(const SupportsWeakPtr&) noexcept = default;
   ~SupportsWeakPtr() = default;
+  /// Ends the pointers that were taken so far; those that are taken later are valid.
   void InvalidateWeakPtrs() noexcept { owner.Invalidate(); }
 
  private:
