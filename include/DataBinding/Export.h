@@ -6,6 +6,8 @@
 /// instantiations of templates, where g++ ignores it.
 #pragma once
 
+/// @def DATABINDING_API
+/// Exports from the shared library what it marks; imports it wherever that is used.
 #if defined(DATABINDING_STATIC)
 #define DATABINDING_API
 #elif defined(_WIN32)
@@ -38,8 +40,12 @@
 #else
 #define DATABINDING_THREAD_ANNOTATION(...)
 #endif
+/// A member that is used under that lock only.
 #define DATABINDING_GUARDED_BY(lock) DATABINDING_THREAD_ANNOTATION(guarded_by(lock))
+/// A function that is called with the lock held alone.
 #define DATABINDING_REQUIRES(...) DATABINDING_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+/// A function that is called with the lock held, if only with others.
 #define DATABINDING_REQUIRES_SHARED(...) \
   DATABINDING_THREAD_ANNOTATION(requires_shared_capability(__VA_ARGS__))
+/// A function that takes the lock itself and is called without it.
 #define DATABINDING_EXCLUDES(...) DATABINDING_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))

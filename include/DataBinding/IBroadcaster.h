@@ -51,8 +51,11 @@ class DATABINDING_API Broadcaster {
 class DATABINDING_API IBroadcaster {
  public:
   IBroadcaster() noexcept;
+  /// Shares the other's listeners, if it has been used.
+  ///@{
   IBroadcaster(const IBroadcaster& other) noexcept;
   IBroadcaster& operator=(const IBroadcaster& other) noexcept;
+  ///@}
 
   /// Runs the callback whenever the property is announced, until the subscription ends. Registering
   /// one callback twice makes two listeners. A null callback is counted and never run.
@@ -71,6 +74,7 @@ class DATABINDING_API IBroadcaster {
   /// How many callbacks are registered for exactly this property.
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property) const;
 
+  /// For derived classes that announce without their own override.
   details::Broadcaster broadcaster;
 };
 

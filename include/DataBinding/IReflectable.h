@@ -105,8 +105,12 @@ class ReflectionAccess;
 
 class DATABINDING_API IReflectable {
  public:
+  /// Give pairs of a name and an item with its type and delegate; good while no member is added.
+  ///@{
   using iterator = details::Reflectable::Items::iterator;
   using const_iterator = details::Reflectable::Items::const_iterator;
+  ///@}
+  /// A name and a type, for _GetDelegate. Refers to both.
   using DelegateTag = details::Reflectable::DelegateTag;
 
   IReflectable(const IReflectable&) = delete;
@@ -126,10 +130,12 @@ class DATABINDING_API IReflectable {
   /// Runs the callback when the object ends, after the on-destroy handlers.
   virtual Subscription AddOnDestroyedHandler(const RepeatingCallback<void()>& callback);
   /// The members in ascending order of their names.
+  ///@{
   [[nodiscard]] virtual iterator begin();
   [[nodiscard]] virtual const_iterator begin() const;
   [[nodiscard]] virtual iterator end();
   [[nodiscard]] virtual const_iterator end() const;
+  ///@}
 
  protected:
   IReflectable();

@@ -19,6 +19,7 @@ namespace DataBinding {
 
 /// What a listener let out.
 struct ListenerFailure {
+  /// The name that was announced.
   VtrString property;
   /// The exception, or null for a hardware fault.
   std::exception_ptr exception;

@@ -40,6 +40,7 @@ class DATABINDING_API runtime_type_base {
   runtime_type_base& operator=(const runtime_type_base&) noexcept = default;
 };
 
+/// The descriptor of T. Classes compare equal across modules, instances do not.
 template <class T>
 class runtime_type : public runtime_type_base {
  public:
@@ -50,6 +51,7 @@ class runtime_type : public runtime_type_base {
   [[nodiscard]] bool IsFunction() const override { return std::is_function_v<T>; }
   [[nodiscard]] const runtime_type_base& Instance() const override { return Get(); }
 
+  /// This module's instance, or the library's own for the types that it shares. Never destroyed.
   [[nodiscard]] static const runtime_type& Get() { return Everlasting(); }
 
  private:
