@@ -14,13 +14,17 @@
 
 namespace DataBinding {
 
+/// An identifier with the type of the values that are stored under it: T* everywhere, or the
+/// value is read as what it is not.
 template <class T>
 struct CustomDataKey {
+  /// The same in all modules that share the values.
   Guid id;
 };
 
 class CustomDataProxy {
  public:
+  /// For a provider, which must outlive the proxy.
   explicit CustomDataProxy(IDataSourceProvider* asked) noexcept : provider(asked) {}
 
   /// The value here or in the nearest enclosing scope that has one, else null.

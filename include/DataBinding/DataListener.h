@@ -27,9 +27,13 @@ class ListenerDiagnosis;
 
 /// One wanted property, and the registration while its source is connected.
 struct DataListenerEntry {
+  /// Matched without regard to case.
   VtrString dataSourceName;
+  /// Matched exactly; may be a name that is announced without being a property.
   VtrString propertyName;
+  /// Runs on the thread that announces the change.
   RepeatingCallback<void()> callback;
+  /// Stands while the source is connected.
   Subscription subscription;
 };
 
@@ -44,7 +48,9 @@ struct DataListenerEntry {
 class DATABINDING_API DataListener : public IDataListener {
  public:
   DataListener() noexcept;
+  /// Takes the entries with their live subscriptions; for listeners without a provider.
   DataListener(DataListener&& other) noexcept;
+  /// The same; entries that were here before are ended.
   DataListener& operator=(DataListener&& other) noexcept;
   /// Takes the listener off its provider.
   ~DataListener() override;

@@ -25,6 +25,7 @@ namespace DataBinding {
 template <std::derived_from<DataSourceImpl> T>
 class DataSourceConstructor final : public IDataSourceConstructor {
  public:
+  /// Makes a source that knows the given provider, or none.
   using Factory = RepeatingCallback<DataSourcePtr<T>(IDataSourceProvider*)>;
 
   /// Throws std::invalid_argument when the name is empty or taken.
@@ -32,6 +33,7 @@ class DataSourceConstructor final : public IDataSourceConstructor {
                         Placement place = Placement::Back) requires std::default_initializable<T> ||
       std::constructible_from<T, IDataSourceProvider*>
       : DataSourceConstructor(std::move(sourceName), std::move(categoryList), place, &Build) {}
+  /// The same with a factory, for sources that are made of more than their provider.
   DataSourceConstructor(VtrString sourceName, VtrString categoryList, Placement place,
                         Factory sourceFactory)
       : registrar(IDataSourceRegistrar::GetInstance()),

@@ -34,8 +34,11 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// told: see IDataSourceRegistrar::AttachProvider.
   DataSourceProvider(IDataSourceProvider* parentProvider, const wchar_t* categoryList,
                      IDataContext* context);
+  /// Member-wise, with all that follows from it; see the class.
+  ///@{
   DataSourceProvider(const DataSourceProvider&);
   DataSourceProvider& operator=(const DataSourceProvider&);
+  ///@}
   /// Shuts the provider down; what that throws is dropped.
   ~DataSourceProvider() override;
 

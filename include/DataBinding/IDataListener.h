@@ -24,8 +24,11 @@ class DATABINDING_API IDataListener {
   virtual ~IDataListener();
 
   IDataListener() noexcept;
+  /// A copy is another listener, which no provider knows.
+  ///@{
   IDataListener(const IDataListener&) noexcept;
   IDataListener& operator=(const IDataListener&) noexcept;
+  ///@}
 
   /// Runs before the listener is given a new provider; the old one is still in place.
   virtual void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) = 0;

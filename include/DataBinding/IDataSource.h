@@ -55,8 +55,10 @@ struct DATABINDING_API IDataSource : public IVantorGeneric,
 
 }  // namespace DataBinding
 
+/// {E7971A8A-7E61-442A-8FFC-4EC80A8E756E}: what FindInterfaceByIID knows a data source by.
 template <>
 struct VtrUtils::InterfaceId<DataBinding::IDataSource> {
+  /// The identifier.
   static constexpr GUID value{
       0xE7971A8A, 0x7E61, 0x442A, {0x8F, 0xFC, 0x4E, 0xC8, 0x0A, 0x8E, 0x75, 0x6E}};
 };

@@ -23,6 +23,7 @@ namespace DataBinding {
 
 class DATABINDING_API IDataSourceProvider {
  public:
+  /// What GetCustomData gives.
   using CustomDataProxy = DataBinding::CustomDataProxy;
 
   IDataSourceProvider() noexcept = default;
@@ -114,6 +115,7 @@ class DATABINDING_API IDataSourceProvider {
 
 /// Ends a provider by IDataSourceProvider::Destroy.
 struct DATABINDING_API DataSourceProviderDeleter {
+  /// Does nothing for null.
   void operator()(IDataSourceProvider* provider) const { IDataSourceProvider::Destroy(provider); }
 };
 /// Owns a scope that somebody has created.

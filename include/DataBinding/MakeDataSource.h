@@ -16,9 +16,11 @@ namespace DataBinding {
 
 /// Ends a data source by IDataSource::Destroy. What that throws is dropped, and the source with it.
 struct DATABINDING_API DataSourceDeleter {
+  /// Does nothing for null.
   void operator()(IDataSource* source) const noexcept;
 };
 
+/// Owns a source until it is released to a provider.
 template <class T>
 using DataSourcePtr = std::unique_ptr<T, DataSourceDeleter>;
 

@@ -18,6 +18,7 @@ namespace DataBinding {
 
 class DATABINDING_API NamedDataSource : public DataSourceImpl, public IDataSourceBase {
  public:
+  /// The name stays as it is given; providers match it case included.
   explicit NamedDataSource(VtrString name);
 
   const wchar_t* GetDataSourceName() override;

@@ -124,6 +124,7 @@ class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
 template <std::copyable T>
 class ComputedProperty final : public details::TypedProperty<T, const T> {
  public:
+  /// Of the function, and of the properties whose changes it is notified for.
   template <std::derived_from<details::PropertyBase>... Others>
   ComputedProperty(DataSourceImpl* ownerSource, PropertyName name, RepeatingCallback<T()> function,
                    Others&... others)
@@ -132,8 +133,11 @@ class ComputedProperty final : public details::TypedProperty<T, const T> {
   }
   ~ComputedProperty() { this->InvalidateWeakPtrs(); }
 
+  /// Computes the value now.
+  ///@{
   [[nodiscard]] T Get() const { return compute(); }
   [[nodiscard]] T operator*() const { return compute(); }
+  ///@}
 
  private:
   [[nodiscard]] T GetValue() const override { return compute(); }

@@ -57,6 +57,7 @@ class DATABINDING_API ReflectionAccess {
 template <class T>
 class PropertyRef {
  public:
+  /// Looks the property up, once. The source may be null and may end later.
   PropertyRef(IDataSource* source, const VtrString& propertyName) : name(propertyName) {
     const auto& wanted = runtime_type<T>::Get();
     auto found =
@@ -70,10 +71,13 @@ class PropertyRef {
     }
   }
 
+  /// Why the property was not found; None when it was, also after it has gone.
   [[nodiscard]] PropertyError Error() const noexcept { return error; }
   /// Why the property was not found. Empty when it was.
   [[nodiscard]] const VtrString& Text() const noexcept { return text; }
+  /// True for a property that only its source may set, and for computed ones.
   [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
+  /// True when the property was found.
   explicit operator bool() const noexcept { return error == PropertyError::None; }
 
   /// True while the property can be read: it was found and is not gone since.
@@ -81,12 +85,14 @@ class PropertyRef {
     return error == PropertyError::None && accessor() != nullptr;
   }
 
+  /// A copy of the value, or why there is none.
   [[nodiscard]] PropertyValue<T> Get() const {
     if (error != PropertyError::None) return {{}, error, text};
     const auto* access = accessor();
     if (access == nullptr) return {{}, PropertyError::Absent, GoneText()};
     return {access->GetValue(), PropertyError::None, {}};
   }
+  /// Sets the value as the property's own Set does: listeners run before this returns.
   // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
   SetResult Set(T value) const {
     if (error != PropertyError::None) return {false, error, text};
@@ -107,16 +113,19 @@ class PropertyRef {
   VtrString text;
 };
 
+/// Finds a property to be read and set more than once, without another look-up.
 template <class T>
 [[nodiscard]] PropertyRef<T> FindProperty(IDataSource* source, const VtrString& name) {
   return PropertyRef<T>(source, name);
 }
 
+/// Finds and reads a property.
 template <class T>
 [[nodiscard]] PropertyValue<T> GetProperty(IDataSource* source, const VtrString& name) {
   return FindProperty<T>(source, name).Get();
 }
 
+/// Finds and sets a property. T is the property's own type: an int does not set a double.
 template <class T>
 SetResult SetProperty(IDataSource* source, const VtrString& name, T value) {
   return FindProperty<T>(source, name).Set(std::move(value));

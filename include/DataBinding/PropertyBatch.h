@@ -18,6 +18,7 @@ namespace DataBinding {
 
 class DATABINDING_API PropertyBatch {
  public:
+  /// Opens the batch. The source may end before it.
   [[nodiscard]] explicit PropertyBatch(DataSourceImpl& changingSource);
   PropertyBatch(const PropertyBatch&) = delete;
   PropertyBatch& operator=(const PropertyBatch&) = delete;

@@ -20,16 +20,22 @@ namespace DataBinding {
 
 class PropertyName {
  public:
+  /// A literal, checked when it is compiled.
   template <std::size_t Size>
   consteval PropertyName(const wchar_t (&literal)[Size]) : text(literal, Size - 1) {
     Check(text);
   }
+  /// Any other text, which must outlive this object. Throws std::invalid_argument for what is no
+  /// name.
+  ///@{
   template <class Pointer>
   requires std::same_as<Pointer, const wchar_t*> || std::same_as<Pointer, wchar_t*>
   explicit PropertyName(Pointer name) : text(VtrStringView(name)) { Check(text); }
   explicit PropertyName(const VtrString& name) : text(name) { Check(text); }
   explicit PropertyName(std::wstring_view name) : text(name) { Check(text); }
+  ///@}
 
+  /// The checked text, where it was made from.
   [[nodiscard]] constexpr std::wstring_view Get() const noexcept { return text; }
 
  private:

@@ -28,6 +28,7 @@ enum class PropertyError {
 struct SetResult {
   /// True when the property has a new value and its listeners were told.
   bool changed = false;
+  /// Why it was not accepted. An equal value is accepted, and changes nothing.
   PropertyError error = PropertyError::None;
   /// Names source, property and types, and for a refused value the validator's reason. Empty
   /// without an error.
@@ -35,20 +36,27 @@ struct SetResult {
   /// For a refused value the validator's or converter's reason alone, to stand beside the widget.
   VtrString reason = {};
 
+  /// True where nothing stood against the value, whether or not it made a difference.
   [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }
 };
 
 /// The value of a property, or why there is none.
 template <class T>
 struct PropertyValue {
+  /// A copy; empty where there is none.
   std::optional<T> value;
+  /// Why there is none.
   PropertyError error = PropertyError::None;
   /// As in SetResult.
   VtrString text;
 
+  /// True when there is a value.
   explicit operator bool() const noexcept { return value.has_value(); }
+  /// For results that have a value.
+  ///@{
   const T& operator*() const { return *value; }
   const T* operator->() const { return &*value; }
+  ///@}
 };
 
 }  // namespace DataBinding
