@@ -48,12 +48,15 @@ class AppEvent {
   static_assert((!details::isTextView<Args> && ...), "a view would not outlast the queue");
 
  public:
+  /// What subscribes: takes each argument by constant reference.
   using Callback = RepeatingCallback<void(const Args&...)>;
 
   /// The text, most often a literal, must stay as long as the event and its copies.
   explicit constexpr AppEvent(const wchar_t* eventName) noexcept : text(eventName) {}
   /// For a name that is made up at run time. Its text is kept until the process ends.
   explicit AppEvent(const VtrString& eventName) : text(details::EventName::Keep(eventName)) {}
+  /// Copies name the same event and its text, which is not copied.
+  ///@{
   AppEvent(const AppEvent& other) noexcept
       : text(other.text), known(other.known.load(std::memory_order_acquire)) {}
   AppEvent& operator=(const AppEvent& other) noexcept {
@@ -62,6 +65,7 @@ class AppEvent {
     known.store(other.known.load(std::memory_order_acquire), std::memory_order_release);
     return *this;
   }
+  ///@}
   ~AppEvent() = default;
 
   /// Queues an event for the next idle pass. Any thread. When the loop cannot be woken, what `wake`
@@ -84,9 +88,11 @@ class AppEvent {
   Subscription Subscribe(const Callback& callback) const {
     return Subscribe(IAppEventBroadcaster::GetInstance(), callback);
   }
+  /// The same at a broadcaster in hand.
   Subscription Subscribe(IAppEventBroadcaster& broadcaster, const Callback& callback) const {
     return details::NamedEvent::Subscribe(broadcaster, Known(), callback.GetMemento());
   }
+  /// The text, kept until the process ends. Fixes the signature.
   [[nodiscard]] const VtrString& Name() const { return Known().Text(); }
 
  private:

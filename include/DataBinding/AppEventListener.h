@@ -40,11 +40,13 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
   void InitEventMap() override;
   /// Subscribes what the map says. Calling it twice subscribes twice.
   void RegisterAppEventListeners() override;
+  /// Ends all subscriptions. Makes no broadcaster where there is none.
   void UnregisterAppEventListeners() override;
 
   /// Activations count; the listener is known to the registrar while there are any. The count has
   /// no floor, deliberately: one Deactivate too many is made up for by the next Activate.
   void ActivateAppEventListeners();
+  /// Undoes one activation; the last one takes the listener off and unsubscribes it.
   void DeactivateAppEventListeners();
   /// True when the map has an entry of exactly that name.
   [[nodiscard]] bool HasListener(VtrStringView name) const;
@@ -63,6 +65,7 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
     eventMap.push_back(std::make_unique<MethodEntry<AppEvent<Args...>, Function, Listener>>(
         event, method, *self, AsWeakPtr()));
   }
+  /// True once InitEventMap has run to its end, for as long as the listener lives.
   [[nodiscard]] bool IsEventMapInitialised() const noexcept { return eventMapInitialised; }
 
   /// Null entries are skipped.

@@ -16,12 +16,15 @@ namespace DataBinding {
 
 class DATABINDING_API AppEventMapEntry {
  public:
+  /// For the event of that name.
   explicit AppEventMapEntry(VtrString eventName) noexcept : name(std::move(eventName)) {}
   AppEventMapEntry(const AppEventMapEntry&) = delete;
   AppEventMapEntry& operator=(const AppEventMapEntry&) = delete;
   virtual ~AppEventMapEntry();
 
+  /// Subscribes what the entry calls; an entry that has nothing to call gives an inert one.
   virtual Subscription Subscribe(IAppEventBroadcaster& broadcaster) = 0;
+  /// What AppEventListener::HasListener looks for.
   [[nodiscard]] const VtrString& Name() const noexcept { return name; }
 
  private:

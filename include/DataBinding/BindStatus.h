@@ -25,6 +25,7 @@ enum class BindState {
 };
 
 struct BindStatus {
+  /// Unbound unless it was taken from a bind.
   BindState state = BindState::Unbound;
   /// Why the value is not shown, cannot be set, or cannot be looked up.
   VtrString text;

@@ -10,6 +10,7 @@
 
 namespace DataBinding::Framework {
 
+/// What a bind is, for code that holds binds of all kinds.
 enum class BindTypeEnum {
   None = 0,
   Data = 1,  ///< carries a value

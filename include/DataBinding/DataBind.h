@@ -145,6 +145,7 @@ template <class T>
 class DataBind final : public IDataBind<T> {
  public:
   DataBind() : DataBind(VtrString(), VtrString(), VtrString()) {}
+  /// Connected to nothing until Connect.
   DataBind(const VtrString& context, const VtrString& source, const VtrString& property)
       : IDataBind<T>(context, source, property), connection(std::make_unique<Connection>(*this)) {}
   /// Connects at once.
@@ -153,12 +154,15 @@ class DataBind final : public IDataBind<T> {
       : DataBind(context, source, property) {
     connection->Connect(*this, provider);
   }
+  /// The same, beginning at the given scope itself.
   DataBind(IDataSourceProvider* provider, const VtrString& source, const VtrString& property)
       : DataBind(provider, VtrString(), source, property) {}
+  /// Connects to the scope that the other one is connected to.
   DataBind(const DataBind& other)
       : IDataBind<T>(other), connection(std::make_unique<Connection>(*this)) {
     connection->Connect(*this, other.connection->Provider());
   }
+  /// Takes names and scope over, and tells the subscribers, which stay.
   DataBind& operator=(const DataBind& other) {
     if (this == &other) return *this;
     IDataBind<T>::operator=(other);
@@ -168,6 +172,7 @@ class DataBind final : public IDataBind<T> {
   ~DataBind() override { this->EndLiveness(); }
 
   void Connect(IDataSourceProvider* provider) override { connection->Connect(*this, provider); }
+  /// Data, for every value bind.
   [[nodiscard]] BindTypeEnum BindType() const override { return BindTypeEnum::Data; }
   [[nodiscard]] BindStatus Status() const override { return connection->Status(); }
   [[nodiscard]] bool IsReadOnly() const override { return connection->IsReadOnly(); }

@@ -23,9 +23,11 @@ struct BindDiagnosis {
   const IDataSourceProvider* scope = nullptr;
   /// That scope's categories, separated by commas.
   VtrString scopeName;
+  /// The data source's name as the bind or the listener has it.
   VtrString source;
   /// Of an event bind, the event's name.
   VtrString property;
+  /// Why it shows what it shows.
   Framework::BindStatus status;
 };
 

@@ -34,6 +34,7 @@ namespace Framework {
 class DATABINDING_API EventBind final : public IEventBind {
  public:
   DATABINDING_MODULE_LOCAL EventBind() : EventBind(VtrString(), VtrString(), VtrString()) {}
+  /// Of the three names, the last one the event's. Stands in no data context until Connect.
   DATABINDING_MODULE_LOCAL EventBind(const VtrString& context, const VtrString& source,
                                      const VtrString& eventName)
       : EventBind(context, source, eventName, ThisModule()) {}

@@ -45,6 +45,7 @@ struct EventFailure {
   /// How many were thrown after it, which are dropped.
   std::size_t others = 0;
 
+  /// True when something was thrown.
   explicit operator bool() const noexcept { return exception != nullptr; }
 };
 
@@ -68,6 +69,7 @@ class DATABINDING_API EventBroadcaster {
     [[nodiscard]] const void* Owner() const noexcept { return owner; }
 
    protected:
+    /// Of an owner, or of nobody: DropOwner then passes it over.
     explicit PendingEventBase(const void* ownerKey = nullptr) noexcept : owner(ownerKey) {}
     /// For Dispatch, before all else: subscribes the listeners that wait for it.
     static void PreNotify(EventBroadcaster& broadcaster);
@@ -78,6 +80,7 @@ class DATABINDING_API EventBroadcaster {
     /// For Dispatch, after the listeners: lets the hooks see the event. The arguments are boxed
     /// only when there are hooks: `if (HasHooks(b)) NotifyHooks(b, name, {...});`
     [[nodiscard]] static bool HasHooks(const EventBroadcaster& broadcaster);
+    /// Runs the hooks; what they throw is treated as a listener's exception.
     static void NotifyHooks(EventBroadcaster& broadcaster, const VtrString& name,
                             const std::vector<Any>& args);
     /// For a catch block of Dispatch: treats the exception as that of a listener.
@@ -86,7 +89,9 @@ class DATABINDING_API EventBroadcaster {
    private:
     const void* owner;
   };
+  /// The queue, the held events and a batch under delivery share an event.
   using EventPtr = std::shared_ptr<PendingEventBase>;
+  /// Gets the event's name and the exception, on the delivering thread.
   using ErrorHandler = RepeatingCallback<void(const VtrString&, const std::exception_ptr&)>;
 
   EventBroadcaster();
@@ -112,7 +117,9 @@ class DATABINDING_API EventBroadcaster {
   /// EnableEvent and DisableEvent of each known name, in ascending order. A name is known once it
   /// was subscribed to or an event of it was dispatched.
   void EnableAllEvents(bool fireHeldEvent);
+  /// DisableEvent of each known name, in ascending order.
   void DisableAllEvents();
+  /// True while the name is disabled, by whomever.
   [[nodiscard]] bool IsDisable(const VtrString& name);
   /// True when the name is disabled and an event is held for it.
   [[nodiscard]] bool AnyPendingDisableEvents(const VtrString& name) const;
@@ -133,11 +140,13 @@ class DATABINDING_API EventBroadcaster {
   /// Drops the name's events, or the owner's, that are queued, held, or still to come in a batch
   /// under delivery, for example those of a plug-in which is about to be unloaded.
   void DropEvents(const VtrString& name);
+  /// The same for the events of an owner, whatever their names. None for null.
   void DropOwner(const void* owner);
   /// Takes what listeners and hooks throw. Without one (null) the first exception is kept for
   /// TakeFailure; outside a dispatch an idle pass is asked for, so that it comes to light. What the
   /// handler itself throws is kept in the place of what it was given, which counts as another.
   void SetErrorHandler(ErrorHandler handler);
+  /// True when TakeFailure would give an exception.
   [[nodiscard]] bool HasFailure() const noexcept { return failure.exception != nullptr; }
   /// What was thrown since the last call.
   [[nodiscard]] EventFailure TakeFailure();
@@ -145,6 +154,7 @@ class DATABINDING_API EventBroadcaster {
   [[nodiscard]] bool IsDelivering() const noexcept { return delivery != nullptr; }
   /// The application's message number is kept here.
   [[nodiscard]] UpdatePolicyType& GetUpdatePolicy() noexcept { return updatePolicy; }
+  /// Tells whether this broadcaster, and not a later one, is still there.
   [[nodiscard]] WeakPtr<EventBroadcaster> GetWeakPtr() const { return weakFactory.GetWeakPtr(); }
 
  protected:
@@ -189,7 +199,9 @@ class DATABINDING_API EventBroadcaster {
   WeakPtrFactory<EventBroadcaster> weakFactory;
 };
 
+/// The one broadcaster that there is code for; IAppEventBroadcaster is it.
 using PolicyEventBroadcaster = EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
+/// What applications derive events of their own kinds from.
 using PendingEventBase = PolicyEventBroadcaster::PendingEventBase;
 
 #if !defined(_WIN32)  // there MinGW would export no inline member of what is declared extern

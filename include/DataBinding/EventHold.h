@@ -18,11 +18,16 @@ namespace DataBinding {
 
 class DATABINDING_API EventHold {
  public:
+  /// Disables the name from now on.
   explicit EventHold(const VtrString& eventName);
+  /// Disables the event's name from now on.
   template <class... Args>
   explicit EventHold(const AppEvent<Args...>& event) : EventHold(event.Name()) {}
+  /// The hold goes along; the other one holds nothing then. What was held before is let go.
+  ///@{
   EventHold(EventHold&& other) noexcept;
   EventHold& operator=(EventHold&& other) noexcept;
+  ///@}
   EventHold(const EventHold&) = delete;
   EventHold& operator=(const EventHold&) = delete;
   /// What a held event of the application's own kind throws goes to the error handler.

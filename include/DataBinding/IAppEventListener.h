@@ -18,7 +18,9 @@ class DATABINDING_API IAppEventListener {
 
   /// Says which events it wants. Called again each time before it is subscribed anew.
   virtual void InitEventMap() = 0;
+  /// Subscribes. Called after InitEventMap.
   virtual void RegisterAppEventListeners() = 0;
+  /// Unsubscribes; called only after RegisterAppEventListeners.
   virtual void UnregisterAppEventListeners() = 0;
 };
 

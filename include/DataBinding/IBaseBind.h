@@ -17,8 +17,10 @@ class DATABINDING_API IBaseBind {
  public:
   /// Three empty names.
   IBaseBind();
+  /// Of the three names; connected to nothing.
   IBaseBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
             const VtrStringT<wchar_t>& pathInSource);
+  /// Copies the names only.
   IBaseBind(const IBaseBind& other);
   /// Takes the other's three names over; a connection stays as it is.
   IBaseBind& operator=(const IBaseBind& other);
@@ -26,6 +28,7 @@ class DATABINDING_API IBaseBind {
 
   /// Connects the bind to a scope, in place of the former one. Null disconnects it.
   virtual void Connect(IDataSourceProvider* provider) = 0;
+  /// What kind of bind this is.
   [[nodiscard]] virtual BindTypeEnum BindType() const = 0;
   /// Whether the bind has what it names, and if not, why. Builds no data source to find out.
   [[nodiscard]] virtual BindStatus Status() const = 0;
@@ -34,8 +37,11 @@ class DATABINDING_API IBaseBind {
   /// tells a bind without a data context from one without a data source.
   [[nodiscard]] virtual VtrStringT<wchar_t> GetTrackingName();
 
+  /// The category of the scope to begin at; empty or the marker for the scope that is given.
   [[nodiscard]] const VtrStringT<wchar_t>& DataContextName() const noexcept { return contextName; }
+  /// The name by which a provider finds the data source.
   [[nodiscard]] const VtrStringT<wchar_t>& DataSource() const noexcept { return sourceName; }
+  /// A property's name, or an event's.
   [[nodiscard]] const VtrStringT<wchar_t>& Path() const noexcept { return pathName; }
 
  private:

@@ -15,13 +15,18 @@ namespace DataBinding::Framework {
 
 class DATABINDING_API IBaseDataBind : public IBaseBind {
  public:
+  /// Three empty names.
   IBaseDataBind();
+  /// Of the three names; connected to nothing.
   IBaseDataBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
                 const VtrStringT<wchar_t>& pathInSource);
+  /// Takes the names and no connection.
+  ///@{
   IBaseDataBind(const IBaseDataBind& other);
   IBaseDataBind(IBaseDataBind&& other) noexcept;
   IBaseDataBind& operator=(const IBaseDataBind& other);
   IBaseDataBind& operator=(IBaseDataBind&& other) noexcept;
+  ///@}
   ~IBaseDataBind() override;
 
   /// True when there is a value that only its data source may set.

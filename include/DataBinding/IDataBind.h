@@ -19,6 +19,7 @@ namespace DataBinding::Framework {
 template <class T>
 class IDataBind : public IBaseDataBind {
  public:
+  /// Those of the base: of three names, or of another bind's.
   using IBaseDataBind::IBaseDataBind;
 
   /// The current value, or why there is none.

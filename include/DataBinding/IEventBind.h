@@ -21,10 +21,12 @@ namespace DataBinding::Framework {
 /// Neither copied nor moved: what it subscribes to the data context bind is its own address.
 class DATABINDING_API IEventBind : public IBaseBind {
  public:
+  /// Gets this bind and the data context's bind that has notified.
   using DataContextCallback =
       basic_safe_function<void(Framework::IEventBind*, Framework::IDataBind<IDataContext*>*), 1>;
 
   IEventBind();
+  /// Of the three names, the last one the event's.
   IEventBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
              const VtrStringT<wchar_t>& pathInSource);
   IEventBind(const IEventBind&) = delete;

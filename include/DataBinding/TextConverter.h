@@ -29,7 +29,9 @@ namespace DataBinding {
 /// How a widget shows a T as a W, and what a W that the user has made stands for.
 template <class T, class W>
 struct Converter {
+  /// What the widget shows for a value.
   RepeatingCallback<W(const T&)> show;
+  /// The value that a W stands for, or why it stands for none.
   RepeatingCallback<PropertyValue<T>(const W&)> parse;
 };
 

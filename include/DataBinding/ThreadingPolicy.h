@@ -20,6 +20,7 @@ struct DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Thread
 
   /// Any thread; the one that holds it may enter again and then leaves as often.
   void EnterCriticalSection() DATABINDING_THREAD_ANNOTATION(acquire_capability());
+  /// Undoes one entry of this thread.
   void LeaveCriticalSection() DATABINDING_THREAD_ANNOTATION(release_capability());
 
  private:

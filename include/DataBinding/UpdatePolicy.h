@@ -26,6 +26,7 @@ struct DATABINDING_API UpdatePolicy {
   /// Replaces the callback for all broadcasters. It runs on the threads that raise events.
   static void SetUpdateUICallback(const RepeatingCallback<void()>& callback);
 
+  /// What SetMessage stored; 0 before.
   unsigned int message = 0;
 
  private:
