@@ -94,6 +94,10 @@ class StoredProperty : public TypedProperty<T, Filed> {
 }  // namespace details
 
 /// A property that anybody may set.
+///
+/// Made of its source, its name, a first value and options: `{this, L"Size", 1, options}`. `Get()`,
+/// `*size` and `size->` read the value, `Name()` tells the name, and `NotifyChanged()` tells the
+/// listeners of a change that Set has not made.
 template <std::copyable T>
 class Property final : public details::StoredProperty<T, T> {
  public:
@@ -107,6 +111,8 @@ class Property final : public details::StoredProperty<T, T> {
 };
 
 /// A property that only its source may set, by `Assign(property, value)`.
+///
+/// Made and read as a Property.
 template <std::copyable T>
 class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
  public:
