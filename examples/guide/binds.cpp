@@ -1,0 +1,100 @@
+#include <iostream>
+#include <string>
+
+#include <DataBinding/DataBinding.h>
+
+/// The application's own: what its scopes and selections stand for.
+class DataBinding::IDataContext {
+ public:
+  const char* title;
+};
+
+using namespace DataBinding;
+
+class Cpu : public NamedDataSource {
+ public:
+  Cpu() : NamedDataSource(L"Cpu") {}
+
+  Property<double> limit{this, L"Limit", 90.0};
+};
+
+class Selection : public NamedDataSource {
+ public:
+  Selection() : NamedDataSource(L"Selection") {}
+
+  Property<IDataContext*> current{this, L"Current"};
+};
+
+const AppEvent<IDataContext*> removeItem(L"RemoveItem");
+
+void Follow(IDataSourceProvider& scope) {
+  const Framework::DataBind<double> limit(&scope, L"Cpu", L"Limit");
+  std::cout << "before: " << limit.Get().text.ToUtf8() << '\n';
+
+  Framework::DataBind<double> followed = limit;  // a copy has a connection of its own
+  const Subscription shown =
+      followed.SubscribeToChanges([&] { std::cout << "limit: " << *followed.Get() << '\n'; });
+
+  scope.AddDataSource(MakeDataSource<Cpu>(&scope).release());  // both binds connect
+  followed.Set(95.0);
+  std::cout << "the other one: " << *limit.Get() << '\n';
+}
+
+/// Stands for a widget: what it shows, and what the user has typed.
+struct TextBox {
+  VtrString text;
+  bool isGrey = false;
+};
+
+void Edit(IDataSourceProvider& scope) {
+  TextBox box;
+  Framework::DataBind<double> limit(&scope, L"Cpu", L"Limit");
+  auto join = TwoWay(
+      limit, [&] { return box.text; }, [&](const VtrString& text) { box.text = text; },
+      TextConverter<double>(),
+      [](const double& x) { return x <= 100 ? L"" : L"It must be at most 100."; });
+  join.WhenAbsent([&] { box.isGrey = true; });
+
+  const auto type = [&](const wchar_t* text) {
+    box.text = text;
+    const SetResult result = join.Commit();
+    std::cout << "typed " << box.text.ToUtf8() << ": "
+              << (result.IsAccepted() ? "accepted" : result.reason.ToUtf8()) << '\n';
+  };
+  type(L"80");
+  type(L"800");
+  type(L"eighty");
+}
+
+void Press(IDataSourceProvider& scope) {
+  IDataContext letter{"letter"};
+  auto* selection = MakeDataSource<Selection>(&scope).release();
+  scope.AddDataSource(selection);
+
+  Framework::EventBind remove(L"", L"", L"RemoveItem");
+  remove.SetDataContextBind(
+      std::make_unique<Framework::DataBind<IDataContext*>>(&scope, L"Selection", L"Current"),
+      [](auto* bind, auto*) { std::cout << "button: " << bind->CanRaise() << '\n'; });
+  selection->current.Set(&letter);  // the button hears of it
+
+  const Subscription heard = removeItem.Subscribe(
+      [](IDataContext* context) { std::cout << "remove the " << context->title << '\n'; });
+  remove.Raise();
+  IAppEventBroadcaster::GetInstance().DispatchPendingEvents();
+}
+
+void Explain(IDataSourceProvider& scope) {
+  const Framework::DataBind<int> wrong(&scope, L"Cpu", L"Limit");
+  const Framework::DataBind<double> mistyped(&scope, L"CPU", L"Limit");
+  for (const BindDiagnosis& each : Diagnose(scope)) {
+    std::cout << each.source.ToUtf8() << ": " << each.status.text.ToUtf8() << '\n';
+  }
+}
+
+int main() {
+  DataSourceProvider scope(nullptr, L"page", nullptr);
+  Follow(scope);
+  Edit(scope);
+  Press(scope);
+  Explain(scope);
+}

@@ -1,0 +1,44 @@
+#include <iostream>
+
+#include <DataBinding/DataBinding.h>
+
+using namespace DataBinding;
+
+class Clock : public NamedDataSource {
+ public:
+  Clock() : NamedDataSource(L"Clock") { std::cout << "a clock is built\n"; }
+  ~Clock() override { std::cout << "a clock ends\n"; }
+
+  Property<int> hour{this, L"Hour", 9};
+};
+
+class Outline : public NamedDataSource {
+ public:
+  explicit Outline(IDataSourceProvider* scope) : NamedDataSource(L"Outline") {
+    std::cout << "an outline of \"" << scope->GetCategories().front().ToUtf8() << "\" is built\n";
+  }
+};
+
+// At namespace scope, most often: the constructor is there as long as its module.
+const DataSourceConstructor<Clock> clocks(L"Clock", L"root");
+const DataSourceConstructor<Outline> outlines(L"Outline", L"letter, report");
+
+int main() {
+  IDataSourceRegistrar& registrar = IDataSourceRegistrar::GetInstance();
+  registrar.Initialize();  // makes the root, whose category is "root"
+  IDataSourceProvider& root = *registrar.GetRootProvider();
+
+  const DataSourceProviderPtr letter(root.CreateDataSourceProvider(L"letter", nullptr));
+  const DataSourceProviderPtr memo(root.CreateDataSourceProvider(L"memo", nullptr));
+
+  IDataSource* clock = letter->GetDataSource(L"Clock");  // built in the root, which matches
+  std::cout << "the same: " << (memo->GetDataSource(L"Clock") == clock) << '\n';
+
+  letter->GetDataSource(L"Outline");  // built in the letter
+  std::cout << "in a memo: " << (memo->GetDataSource(L"Outline") != nullptr) << '\n';
+
+  for (const VtrString& name : letter->GetRegisteredDataSources()) {
+    std::cout << "a letter could build " << name.ToUtf8() << '\n';
+  }
+  registrar.Shutdown();  // ends the root, and the clock with it
+}

@@ -1,0 +1,63 @@
+#include <iostream>
+
+#include <DataBinding/DataBinding.h>
+
+using namespace DataBinding;
+
+class Thermostat : public NamedDataSource {
+ public:
+  explicit Thermostat(double reading)
+      : NamedDataSource(L"Thermostat"), actual(this, L"Actual", reading) {}
+
+  Property<double> actual;
+};
+
+class Display : public DataListener {
+ public:
+  explicit Display(const char* text) : label(text) {
+    AddDataListener(L"Thermostat", L"Actual", [this] { Redraw(); });
+  }
+
+  void Redraw() {
+    const auto value = GetProperty<double>(thermostat, L"Actual");
+    std::cout << label << ": " << (value ? VtrString().Format(L"%.1f", *value) : L"--").ToUtf8()
+              << '\n';
+  }
+
+ private:
+  void ConnectToDatasource(IDataSource* source) override {
+    DataListener::ConnectToDatasource(source);
+    thermostat = source;
+    Redraw();
+  }
+  void DisconnectFromDatasource(IDataSource* source) override {
+    DataListener::DisconnectFromDatasource(source);
+    thermostat = nullptr;
+    Redraw();
+  }
+  void OnDataSourceProviderChanging(IDataSourceProvider* /*next*/) override {}
+
+  const char* label;
+  IDataSource* thermostat = nullptr;
+};
+
+int main() {
+  DataSourceProvider house(nullptr, L"house", nullptr);
+  const DataSourceProviderPtr kitchen(house.CreateDataSourceProvider(L"room", nullptr));
+
+  auto* thermostat = MakeDataSource<Thermostat>(&house, 19.5).release();
+  {
+    Display hall("hall");
+    hall.SetDataSourceProvider(&house);  // nothing to connect to yet
+    house.AddDataSource(thermostat);     // connects it
+  }                                      // a listener that ends takes itself off
+
+  Display wall("kitchen");
+  wall.SetDataSourceProvider(kitchen.get());  // connects to the house's, further out
+  thermostat->actual.Set(20.0);
+
+  house.RemoveDataSource(thermostat);  // disconnects, and gives the source back
+  IDataSource::Destroy(thermostat);
+
+  kitchen->AddDataSource(MakeDataSource<Thermostat>(kitchen.get(), 23.0).release());
+}

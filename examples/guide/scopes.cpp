@@ -1,0 +1,56 @@
+#include <iostream>
+
+#include <DataBinding/DataBinding.h>
+
+using namespace DataBinding;
+
+class Named : public NamedDataSource {
+ public:
+  Named(const VtrString& name, const VtrString& text)
+      : NamedDataSource(name), value(this, L"Value", text) {}
+
+  Property<VtrString> value;
+};
+
+void Add(IDataSourceProvider& scope, const wchar_t* name, const wchar_t* value) {
+  scope.AddDataSource(MakeDataSource<Named>(&scope, name, value).release());
+}
+
+void Ask(IDataSourceProvider& scope, const wchar_t* name) {
+  const auto value = GetProperty<VtrString>(scope.GetDataSource(name), L"Value");
+  std::cout << VtrString(name).ToUtf8() << ": " << (value ? value->ToUtf8() : "nothing") << '\n';
+}
+
+struct Theme {
+  const char* ink;
+};
+constexpr CustomDataKey<Theme> themeKey{
+    Guid{0x2f3c1a90, 0x11d2, 0x4b7e, {0x9c, 0x01, 0x02, 0x03, 4, 5, 6, 7}}};
+
+int main() {
+  DataSourceProvider application(nullptr, L"application", nullptr);
+  const DataSourceProviderPtr document(application.CreateDataSourceProvider(L"document", nullptr));
+
+  Add(application, L"Language", L"English");
+  Add(application, L"Title", L"Editor");
+  Add(*document, L"Title", L"Letter");
+
+  Ask(*document, L"Title");     // held by the document
+  Ask(*document, L"Language");  // held further out
+  Ask(*document, L"Author");    // held nowhere
+  std::cout << "held here: " << (document->GetLocalDataSourceInstance(L"Language") != nullptr)
+            << '\n';
+
+  document->DeleteLocalDataSourceInstance(L"Title");
+  Ask(*document, L"Title");  // the application's is seen again
+
+  Theme dark{"white"};
+  application.GetCustomData().Set(themeKey, &dark);
+  std::cout << "ink: " << document->GetCustomData().Get(themeKey)->ink << '\n';
+
+  try {
+    document->GetDataSourceReference(L"Author");
+  } catch (const VtrString& text) {
+    std::cout << text.ToUtf8() << '\n';
+  }
+}
