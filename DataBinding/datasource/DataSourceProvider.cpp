@@ -176,7 +176,6 @@ void DataSourceProvider::EndAll() {
   if (!shutDown) {
     failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
   }
-  waiting.clear();
   failure.Try([&] { TellListenersOfTheEnd(); });
   listeners.clear();
   waiting.clear();
@@ -188,10 +187,11 @@ void DataSourceProvider::EndAll() {
   failure.Rethrow();
 }
 
+/// They stay registered until all were told: a source that one of them adds connects the others.
 void DataSourceProvider::TellListenersOfTheEnd() {
   const Meanwhile telling(tellsItsEnd, true);
   FirstFailure failure;
-  for (const auto& [listener, entry] : std::exchange(listeners, {})) {
+  for (const auto& [listener, entry] : std::map(listeners)) {
     if (!entry.liveness.IsValid()) continue;
     failure.Try([&, ended = listener] { ended->NotifyDatasourceProviderDestroyed(this); });
   }
