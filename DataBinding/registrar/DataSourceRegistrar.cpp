@@ -100,7 +100,12 @@ void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
 }
 
 void DataSourceRegistrar::DetachProvider(IDataSourceProvider* provider) {
-  if (!providers.contains(provider)) return;
+  const auto attached = providers.find(provider);
+  if (attached == providers.end()) return;
+  if (!attached->second.IsValid()) {  // a former provider at the same address
+    providers.erase(attached);
+    return;
+  }
   std::vector<VtrString> names;
   names.reserve(constructors.size());
   for (const auto& [name, constructor] : constructors) names.push_back(name);
