@@ -1,0 +1,92 @@
+/// What the scripts of the data half are about: the operations, and the names that they use.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "Script.h"
+
+namespace DataBinding::Stress {
+
+inline constexpr int providerCount = 6;  // the first is the registrar's root
+inline constexpr int listenerCount = 4;
+inline constexpr int watchCount = 3;
+
+/// In order. The last differs from the second by its case only.
+inline constexpr const wchar_t* sourceNames[] = {L"Art", L"Doc", L"Map", L"New", L"doc"};
+inline constexpr int nameCount = 5;
+/// The property A and B are numbers, C is their sum, E is an event source and * is not declared.
+inline constexpr const wchar_t* propertyNames[] = {L"*", L"A", L"B", L"C", L"E"};
+inline constexpr int propertyCount = 5;
+
+/// Lists of categories as they are written, and a letter for each category that they name.
+struct Categories {
+  const wchar_t* text;
+  std::string_view letters;
+};
+inline constexpr Categories categoryLists[] = {
+    {L"", ""},   {L"A", "A"},     {L"B", "B"}, {L" A ,,B", "AB"},
+    {L"a", "a"}, {L"C,A ", "CA"}, {L"C", "C"}, {L"root", "r"},
+};
+inline constexpr int rootCategories = 7;
+struct ConstructorTraits {
+  int name;
+  Categories categories;
+  int placement;
+};
+inline constexpr ConstructorTraits constructorTraits[] = {
+    {1, {L"A", "A"}, 2},       {2, {L"B, A", "BA"}, 1}, {1, {L"B,C", "BC"}, 2},
+    {0, {L"root,C", "rC"}, 1}, {3, {L"", ""}, 2},       {4, {L"A", "A"}, 0},
+};
+inline constexpr int constructorCount = 6;
+
+/// Announcements as they are written, and the properties that they mean.
+struct Announcement {
+  const wchar_t* text;
+  std::string_view properties;
+};
+inline constexpr Announcement announcements[] = {
+    {L"A", "1"},       {L"B", "2"},    {L"B, A,,E", "214"}, {L"*", "123"},   {L"*,-A", "23"},
+    {L"*,!C,xB", "1"}, {L"B,*", "20"}, {L"", ""},           {L" , ", "123"},
+};
+inline constexpr int announcementCount = 9;
+
+template <class World>
+std::vector<Operation<World>> DataOperations() {
+  using enum Place;
+  return {
+      {"OpenProvider", "p6p6c7", &World::OpenProvider, 8},
+      {"EndProvider", "p6", &World::EndProvider, 2},
+      {"ShutDownProvider", "p6", &World::ShutDownProvider, 2},
+      {"AttachProvider", "p6", &World::AttachProvider, 3},
+      {"DetachProvider", "p6", &World::DetachProvider},
+      {"AddSources", "p6n5k6", &World::AddSources, 14, Parting},
+      {"AdoptSource", "p6s0", &World::AdoptSource, 3},
+      {"RemoveSources", "p6s0s0", &World::RemoveSources, 6},
+      {"EndSource", "s0", &World::EndSource, 2},
+      {"DeleteSource", "p6n5", &World::DeleteSource, 4},
+      {"LookUp", "p6n5k6", &World::LookUp, 12},
+      {"SetCustomData", "p6k6v4", &World::SetCustomData, 2, Wiring},
+      {"RegisterConstructor", "k6", &World::RegisterConstructor, 5},
+      {"UnregisterConstructor", "k6", &World::UnregisterConstructor, 2},
+      {"ToggleRefusal", "k6", &World::ToggleRefusal},
+      {"Want", "l4n5q5", &World::Want, 14, Wiring},
+      {"SetProvider", "l4p6", &World::SetProvider, 12, Parting},
+      {"AddListener", "p6l4m0", &World::AddListener, 6},
+      {"RemoveListener", "p6l4", &World::RemoveListener, 5},
+      {"EndListener", "l4", &World::EndListener, 4, Wiring},
+      {"MoveListener", "l4l4", &World::MoveListener, 2},
+      {"Watch", "w3s0q5", &World::Watch, 6, Wiring},
+      {"CancelWatch", "w3", &World::CancelWatch, 2, Wiring},
+      {"Announce", "s0a9", &World::Announce, 12, Wiring},
+      {"SetProperty", "s0q5v4", &World::SetProperty, 10, Wiring},
+      {"SetTogether", "s0v4v4", &World::SetTogether, 5, Wiring},
+      {"When", "x4l4", &World::When, 14},
+      {"Throw", "", &World::Throw, 2},
+  };
+}
+
+inline constexpr std::array<std::string_view, 4> dataPoints = {"called", "connected",
+                                                               "disconnected", "gone"};
+
+}  // namespace DataBinding::Stress

@@ -1,0 +1,161 @@
+// stress data|events [--seed N | --operations N | --minutes N]
+// stress threads [--minutes N], stress churn [--rounds N]
+//
+// Without a seed half of the scripts have seeds that are always the same, the others random ones.
+// Scripts run in a child process, so that a crash is found and shrunk like a wrong answer.
+
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <random>
+
+#include "Subjects.h"
+
+namespace DataBinding::Stress {
+namespace {
+
+constexpr std::size_t scriptLength = 400;
+constexpr std::size_t looksEvery = 16;
+constexpr unsigned longestTrial = 20;  // seconds
+
+struct Subject {
+  const char* name;
+  bool (*agrees)(const Script& script, std::size_t every, bool talks);
+  std::string (*describe)(std::uint32_t code);
+};
+constexpr Subject subjects[] = {{"data", &DataAgrees, &DescribeData},
+                                {"events", &EventsAgree, &DescribeEvents}};
+
+struct Options {
+  std::optional<std::uint32_t> seed;
+  std::size_t operations = 100'000;
+  std::size_t rounds = 10'000'000;
+  double minutes = 0;
+};
+
+Script Generate(std::uint32_t seed) {
+  std::mt19937 random(seed);
+  Script script(scriptLength);
+  for (auto& code : script) code = static_cast<std::uint32_t>(random());
+  return script;
+}
+
+/// Runs something in a child process and says whether it answered true there.
+template <class Run>
+bool Succeeds(bool quietly, Run run) {
+  std::fflush(stdout);
+  const pid_t child = fork();
+  if (child == 0) {
+    if (quietly) {
+      alarm(longestTrial);
+      static_cast<void>(!std::freopen("/dev/null", "w", stdout));
+      static_cast<void>(!std::freopen("/dev/null", "w", stderr));
+    }
+    const bool succeeded = run();
+    std::fflush(stdout);
+    if (quietly || !succeeded) _exit(succeeded ? 0 : 1);
+    std::exit(0);  // with a check for leaks, where there is one
+  }
+  int status = 1;
+  return child > 0 && waitpid(child, &status, 0) == child && status == 0;
+}
+
+/// Leaves out what the failure does not need: large pieces first, in the end single operations.
+Script Shrink(const Subject& subject, Script script) {
+  const auto fails = [&](const Script& tried) {
+    return !Succeeds(true, [&] { return subject.agrees(tried, 1, false); });
+  };
+  if (!fails(script)) return script;
+  for (std::size_t size = script.size() / 2, before = 0; size > 0;) {
+    before = script.size();
+    for (std::size_t at = 0; at < script.size();) {
+      Script tried = script;
+      const auto first = tried.begin() + static_cast<std::ptrdiff_t>(at);
+      tried.erase(first, first + static_cast<std::ptrdiff_t>(std::min(size, tried.size() - at)));
+      if (fails(tried)) {
+        script = std::move(tried);
+      } else {
+        at += size;
+      }
+    }
+    if (size > 1 || script.size() == before) size /= 2;
+  }
+  return script;
+}
+
+int Report(const Subject& subject, std::uint32_t seed) {
+  const Script whole = Generate(seed);
+  const Script shrunk = Shrink(subject, whole);
+  std::printf("%s: seed %u fails; shrunk from %zu operations to %zu:\n", subject.name, seed,
+              whole.size(), shrunk.size());
+  for (std::size_t i = 0; i < shrunk.size(); ++i) {
+    std::printf("  %zu. %s\n", i + 1, subject.describe(shrunk[i]).c_str());
+  }
+  Succeeds(false, [&] { return subject.agrees(shrunk, 1, true); });
+  std::printf("again: stress %s --seed %u\n", subject.name, seed);
+  return 1;
+}
+
+int Stress(const Subject& subject, const Options& options) {
+  using Clock = std::chrono::steady_clock;
+  // Where the child leaves the seed that it is about to try.
+  void* const page = mmap(nullptr, sizeof(std::uint32_t), PROT_READ | PROT_WRITE,
+                          MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  auto& current = *static_cast<std::uint32_t*>(page);
+  const auto start = Clock::now();
+  const std::chrono::duration<double> limit(options.minutes * 60);
+  const std::uint32_t random = std::random_device()() | 0x80000000U;
+  const std::size_t count = options.seed ? 1 : (options.operations + scriptLength) / scriptLength;
+  std::size_t tried = 0;
+  const bool agreed = Succeeds(false, [&] {
+    for (; options.minutes > 0 ? Clock::now() - start < limit : tried < count; ++tried) {
+      const auto number = static_cast<std::uint32_t>(tried);
+      const bool isFixed = options.minutes == 0 && tried % 2 == 0;
+      current = options.seed.value_or(isFixed ? number / 2 : random + number);
+      if (!subject.agrees(Generate(current), options.seed ? 1 : looksEvery, false)) return false;
+    }
+    const std::chrono::duration<double> taken = Clock::now() - start;
+    std::printf("%s: %zu operations agree in %.1f s, random seeds from %u\n", subject.name,
+                tried * scriptLength, taken.count(), random);
+    return true;
+  });
+  return agreed ? 0 : Report(subject, current);
+}
+
+Options Parse(std::span<char*> arguments) {
+  Options options;
+  for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
+    const std::string_view name = arguments[i];
+    const double value = std::atof(arguments[i + 1]);
+    if (name == "--seed") options.seed = static_cast<std::uint32_t>(value);
+    if (name == "--operations") options.operations = static_cast<std::size_t>(value);
+    if (name == "--rounds") options.rounds = static_cast<std::size_t>(value);
+    if (name == "--minutes") options.minutes = value;
+  }
+  return options;
+}
+
+int Main(std::span<char*> arguments) {
+  const std::string_view what = arguments.size() > 1 ? arguments[1] : "";
+  const Options options = Parse(arguments.subspan(std::min<std::size_t>(arguments.size(), 2)));
+  for (const Subject& subject : subjects) {
+    if (what == subject.name) return Stress(subject, options);
+  }
+  if (what == "threads") return ThreadsAgree(options.seed.value_or(1)) ? 0 : 1;
+  if (what == "churn") return ChurnStaysFlat(options.rounds) ? 0 : 1;
+  std::printf(
+      "usage: stress data|events|threads|churn [--seed N] [--operations N] [--minutes N]\n");
+  return 2;
+}
+
+}  // namespace
+}  // namespace DataBinding::Stress
+
+int main(int count, char** arguments) {
+  return DataBinding::Stress::Main({arguments, static_cast<std::size_t>(count)});
+}

@@ -1,0 +1,157 @@
+/// Random scripts of operations, played to the library and to a plain model of it side by side.
+///
+/// A script is a sequence of numbers, each of which decodes into one operation, so that generating,
+/// replaying and shrinking share one path. Both sides note what happens, and what can be seen
+/// between operations; the notes must be equal. An operation may also be put off until something
+/// happens, and is then run from inside the callback.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "DataBinding/foundation/Meanwhile.h"
+
+namespace DataBinding::Stress {
+
+using Script = std::vector<std::uint32_t>;
+
+struct Note {
+  std::string_view what;
+  int subject;
+  int object;
+  bool operator==(const Note&) const = default;
+};
+
+/// From where an operation may run: some callbacks must leave certain things alone.
+enum class Place { Wiring, Parting, Anywhere };
+
+template <class World>
+struct Operation {
+  std::string_view name;
+  std::string_view parameters;  // a letter and the number of its values each; 0 for any byte
+  void (World::*run)(int, int, int);
+  int weight = 1;
+  Place place = Place::Anywhere;
+};
+
+/// What a script lets a callback throw.
+struct Thrown {};
+
+template <class World>
+class Player {
+ public:
+  void Play(std::uint32_t code) {
+    if (!awaited.first.empty()) {
+      const auto point = std::exchange(awaited, {});
+      putOff.emplace(point, code);
+      return;
+    }
+    const Operation<World>& operation = Decode(code);
+    if (operation.place > place) return;
+    int arguments[3] = {};
+    for (std::size_t i = 0; i * 2 < operation.parameters.size(); ++i) {
+      arguments[i] = Argument(operation, code, i);
+    }
+    (static_cast<World&>(*this).*operation.run)(arguments[0], arguments[1], arguments[2]);
+  }
+  /// Puts the next operation off until something happens to a subject.
+  void When(int point, int subject, int) { awaited = {World::points[point], subject}; }
+  void Throw(int, int, int) {
+    if (depth > 0) throw Thrown();
+  }
+  static std::string Describe(std::uint32_t code) {
+    const Operation<World>& operation = Decode(code);
+    std::string text(operation.name);
+    for (std::size_t i = 0; i * 2 < operation.parameters.size(); ++i) {
+      text += i == 0 ? "(" : ", ";
+      text += operation.parameters[i * 2] + std::to_string(Argument(operation, code, i));
+    }
+    return text + (operation.parameters.empty() ? "" : ")");
+  }
+
+  std::vector<Note> notes;
+
+ protected:
+  void Tell(std::string_view what, int subject, int object = 0) {
+    notes.push_back({what, subject, object});
+  }
+  /// Notes what happens, and runs what was put off until then.
+  void Happen(std::string_view what, int subject, int object, Place here) {
+    Tell(what, subject, object);
+    const auto found = putOff.lower_bound({what, subject});
+    if (found == putOff.end() || found->first != std::pair(what, subject)) return;
+    const std::uint32_t code = found->second;
+    putOff.erase(found);
+    const Meanwhile limited(place, std::min(place, here));
+    const Meanwhile deeper(depth, depth + 1);
+    Play(code);
+  }
+
+ private:
+  static const Operation<World>& Decode(std::uint32_t code) {
+    static const auto operations = World::Operations();
+    static const auto choices = [] {
+      std::vector<std::size_t> made;
+      for (std::size_t i = 0; i < operations.size(); ++i) {
+        made.insert(made.end(), static_cast<std::size_t>(operations[i].weight), i);
+      }
+      return made;
+    }();
+    return operations[choices[(code & 0xff) % choices.size()]];
+  }
+  static int Argument(const Operation<World>& operation, std::uint32_t code, std::size_t place) {
+    const int byte = static_cast<int>(code >> (8 * (place + 1)) & 0xff);
+    const int count = operation.parameters[place * 2 + 1] - '0';
+    return count == 0 ? byte : byte % count;
+  }
+
+  using Point = std::pair<std::string_view, int>;
+  Point awaited;
+  std::multimap<Point, std::uint32_t> putOff;
+  Place place = Place::Anywhere;
+  int depth = 0;
+};
+
+/// Plays a script to both and says whether their notes agree; looks at everything after every so
+/// many operations, and after all is ended. Tells about the first difference when it is to talk.
+template <class Library, class Model>
+bool Agree(const Script& script, std::size_t every, bool talks) {
+  Library library;
+  Model model(library);
+  const auto agreed = [&](const char* when, std::size_t count) {
+    const bool same = library.notes == model.notes;
+    for (const auto* side : {&library.notes, &model.notes}) {
+      if (same || !talks) break;
+      std::printf("  %s %s %zu:", side == &model.notes ? "model  " : "library", when, count);
+      for (const Note& note : *side) {
+        std::printf(" %.*s(%d,%d)", static_cast<int>(note.what.size()), note.what.data(),
+                    note.subject, note.object);
+      }
+      std::printf("\n");
+    }
+    library.notes.clear();
+    model.notes.clear();
+    return same;
+  };
+  for (std::size_t i = 0; i < script.size(); ++i) {
+    library.Play(script[i]);
+    model.Play(script[i]);
+    if (!agreed("after operation", i + 1)) return false;
+    if ((i + 1) % every != 0) continue;
+    library.Observe();
+    model.Observe();
+    if (!agreed("seen after operation", i + 1)) return false;
+  }
+  library.End();
+  model.End();
+  return agreed("in the end, after operation", script.size());
+}
+
+}  // namespace DataBinding::Stress

@@ -1,0 +1,131 @@
+/// What sources are to do by themselves: keep their values and call those who listen to them.
+#pragma once
+
+#include <algorithm>
+
+#include "Data.h"
+
+namespace DataBinding::Stress {
+
+class DataModel;
+
+class SourceModel : public Player<DataModel> {
+ public:
+  void Watch(int which, int chosen, int property) {
+    const int source = Choose(chosen);
+    if (source == 0) return;
+    Registration watch{0, which, ++lastCallback};
+    Register(source, property, watch);
+    Cancel(std::exchange(watches[which], watch.token));
+  }
+  void CancelWatch(int which, int, int) { Cancel(watches[which]); }
+  void Announce(int chosen, int announcement, int) {
+    const int source = Choose(chosen);
+    for (const char property : announcements[announcement].properties) Call(source, property - '0');
+  }
+  void SetProperty(int chosen, int property, int value) {
+    constexpr int errors[] = {2, 0, 0, 5, 3};
+    const int source = Choose(chosen);
+    if (source == 0) return;
+    const bool changes =
+        property <= 2 && property >= 1 && sources[source].values[property] != value;
+    if (changes) Set(source, property, value);
+    Tell("set", changes ? 1 : 0, errors[property]);
+  }
+  void SetTogether(int chosen, int first, int second) {
+    const int source = Choose(chosen);
+    if (source == 0) return;
+    ++sources[source].batches;
+    Set(source, 2, first);
+    Set(source, 1, second);
+    Set(source, 2, second);
+    EndBatch(source);
+  }
+
+ protected:
+  struct Registration {
+    int token;  // 0 for none
+    int which;
+    int callback;
+  };
+  struct Source {
+    int name;
+    int values[3] = {};
+    std::vector<Registration> listeners[propertyCount] = {};
+    std::vector<int> changed = {};
+    int batches = 0;
+  };
+  int Make(int name) {
+    sources[++lastSource] = {name};
+    return lastSource;
+  }
+  int Choose(int chosen) const {
+    if (sources.empty()) return 0;
+    return std::next(sources.begin(), chosen % static_cast<int>(sources.size()))->first;
+  }
+  void Destroy(int source) {
+    sources.erase(source);
+    Tell("ended", source);
+  }
+  void Register(int source, int property, Registration& made) {
+    made.token = ++lastToken;
+    sources[source].listeners[property].push_back(made);
+  }
+  void Cancel(int token) {
+    for (auto& [id, source] : sources) {
+      for (auto& list : source.listeners) {
+        std::erase_if(list, [token](const auto& each) { return each.token == token; });
+      }
+    }
+  }
+  /// All that were registered when it began are called, whatever the earlier ones do.
+  void Call(int source, int property) {
+    if (!sources.contains(source)) return;
+    for (const auto& each : std::vector(sources[source].listeners[property])) {
+      try {
+        Happen("called", each.which, each.callback, Place::Anywhere);
+      } catch (const Thrown&) {
+      }
+    }
+  }
+  /// A number's change is one of the sum too. Each is announced once, when the last batch ends.
+  void Set(int source, int property, int value) {
+    if (std::exchange(sources[source].values[property], value) == value) return;
+    ++sources[source].batches;
+    for (const int changed : {property, 3}) {
+      auto& noted = sources[source].changed;
+      if (std::ranges::count(noted, changed) == 0) noted.push_back(changed);
+    }
+    EndBatch(source);
+  }
+  void EndBatch(int source) {
+    --sources[source].batches;
+    while (sources.contains(source)) {
+      auto& [name, values, callbacks, changed, batches] = sources[source];
+      if (batches != 0 || changed.empty()) return;
+      const int property = changed.front();
+      changed.erase(changed.begin());
+      Call(source, property);
+    }
+  }
+  void ObserveSources() {
+    for (auto& [id, source] : sources) {
+      Tell("values", source.values[1] * 10 + source.values[2], source.values[1] + source.values[2]);
+      const auto used = [](const auto& list) { return !list.empty(); };
+      Tell("listened", id, static_cast<int>(std::ranges::count_if(source.listeners, used)));
+      for (const auto& list : source.listeners) {
+        Tell("listeners", list.empty() ? 0 : 1, static_cast<int>(list.size()));
+      }
+    }
+  }
+
+  std::map<int, Source> sources;
+  int lastCallback = 0;
+
+ private:
+  std::map<int, int> watches;  // tokens
+  int lastSource = 0;
+  int lastToken = 0;
+};
+
+}  // namespace DataBinding::Stress
