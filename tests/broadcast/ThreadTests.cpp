@@ -1,12 +1,12 @@
 #include <array>
 #include <atomic>
-#include <barrier>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "../support/Gate.h"
 #include "Notifier.h"
 
 namespace DataBinding {
@@ -14,11 +14,11 @@ namespace {
 
 template <class Work>
 void OnThreads(int count, Work work) {
-  std::barrier start(count);
+  Testing::Gate start(count);
   std::vector<std::jthread> threads;
   for (int i = 0; i < count; ++i) {
     threads.emplace_back([&, i] {
-      start.arrive_and_wait();
+      start.ArriveAndWait();
       work(i);
     });
   }

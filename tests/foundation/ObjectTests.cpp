@@ -1,6 +1,5 @@
 #include <array>
 #include <atomic>
-#include <barrier>
 #include <bit>
 #include <functional>
 #include <memory>
@@ -12,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/Gate.h"
 #include "DataBinding/foundation/ComlikePtr.h"
 #include "DataBinding/foundation/Event.h"
 #include "DataBinding/foundation/Guid.h"
@@ -150,7 +150,7 @@ TEST(LogMessages, GoToTheSinkWhenTheyEnd) {
 
 TEST(ThreadLocks, WritersExcludeEverybodyAndReadersHoldTogether) {
   ThreadLock lock;
-  std::barrier all(4);
+  Testing::Gate all(4);
   std::array<int, 2> counts{};
   std::atomic<int> torn = 0;
   const auto work = [&] {
@@ -162,9 +162,9 @@ TEST(ThreadLocks, WritersExcludeEverybodyAndReadersHoldTogether) {
       const ReadLock guard(lock);
       torn += counts[0] != counts[1] ? 1 : 0;
     }
-    all.arrive_and_wait();
+    all.ArriveAndWait();
     const ReadLock guard(lock);
-    all.arrive_and_wait();
+    all.ArriveAndWait();
   };
   {
     std::vector<std::jthread> threads;
