@@ -7,10 +7,7 @@
 ///   view     shows whatever is published            knows names only, redraws what has changed
 ///
 /// Start reading at model/Events.h, then model/Machine.h and view/Watch.h.
-#include <unistd.h>
-
 #include <clocale>
-#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -66,21 +63,21 @@ class Monitor {
     constexpr std::uint64_t usualFrames = 2;
     Options limited = options;
     if (options.frames == 0) limited.frames = usualFrames;
-    SignalPipe signals{SIGINT, SIGTERM, SIGHUP};
+    Signals signals(false);
     Loop loop(limited, pump, signals, nullptr, nullptr);
     const int signal = Run(loop);
     if (signal == 0) PrintReport();
     return signal;
   }
   int RunOnPage() {
-    SignalPipe signals{SIGINT, SIGTERM, SIGHUP};
+    Signals signals(false);
     TextSurface page;
     MonitorView view(root.Get(), page, log, false);
     Loop loop(options, pump, signals, &view, nullptr);
     return Run(loop);
   }
   int RunOnTerminal() {
-    SignalPipe signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH};
+    Signals signals(true);
     Terminal terminal;
     MonitorView view(root.Get(), terminal, log, true);
     Loop loop(options, pump, signals, &view, &terminal);
@@ -120,7 +117,7 @@ class Monitor {
 int RunMonitor(const Options& options) {
   Monitor monitor(options);
   if (options.isJson) return monitor.PrintJson();
-  return isatty(STDOUT_FILENO) == 0 ? monitor.RunOnPage() : monitor.RunOnTerminal();
+  return Terminal::IsThere() ? monitor.RunOnTerminal() : monitor.RunOnPage();
 }
 
 int Main(int count, char** arguments) {
@@ -131,7 +128,7 @@ int Main(int count, char** arguments) {
   }
   const int endingSignal = RunMonitor(options);
   // All is put back as it was: whoever started this program is to learn what ended it.
-  if (endingSignal != 0) std::raise(endingSignal);
+  if (endingSignal != 0) Signals::EndBy(endingSignal);
   return EXIT_SUCCESS;
 }
 

@@ -1,4 +1,4 @@
-/// Brings the events that any thread raises to a loop that polls: a descriptor that is readable
+/// Brings the events that any thread raises to a loop: something to wait for, which becomes ready
 /// when some are queued, and the delivery of them.
 ///
 /// It is made before the threads that raise events, and ends after them.
@@ -6,31 +6,16 @@
 
 #include <DataBinding/IdlePass.h>
 
+#include "Waiting.h"
+
 namespace Sysmon {
-
-/// A descriptor that any thread makes readable.
-class WakeUp {
- public:
-  /// Throws std::system_error when there is none to be had.
-  WakeUp();
-  WakeUp(const WakeUp&) = delete;
-  WakeUp& operator=(const WakeUp&) = delete;
-  ~WakeUp();
-
-  [[nodiscard]] int Descriptor() const noexcept { return descriptor; }
-  void Set() const noexcept;
-  void Clear() const noexcept;
-
- private:
-  int descriptor;
-};
 
 class EventPump {
  public:
   EventPump() : idle([this] { wakeUp.Set(); }) {}
 
-  /// Readable when events are queued.
-  [[nodiscard]] int Descriptor() const noexcept { return wakeUp.Descriptor(); }
+  /// Ready when events are queued.
+  [[nodiscard]] Waitable Ready() const noexcept { return wakeUp.Ready(); }
   /// Delivers what is queued, and what its listeners raise. Throws what one of them threw.
   void Deliver();
 

@@ -1,39 +1,33 @@
 #include "Loop.h"
 
-#include <poll.h>
-#include <unistd.h>
-
-#include <csignal>
 #include <stdexcept>
 #include <utility>
 
 namespace Sysmon {
 
-Loop::Loop(const Options& programOptions, EventPump& eventPump, SignalPipe& signalPipe,
+Loop::Loop(const Options& programOptions, EventPump& eventPump, Signals& programSignals,
            MonitorView* monitorView, Terminal* keyTerminal)
     : options(programOptions),
       pump(eventPump),
-      signals(signalPipe),
+      signals(programSignals),
       view(monitorView),
       terminal(keyTerminal),
-      hasKeys(keyTerminal != nullptr && isatty(STDIN_FILENO) != 0),
+      hasKeys(keyTerminal != nullptr && keyTerminal->HasKeys()),
       sampled(sampleTaken.Subscribe([this](const Count&) { isFrameDue = true; })),
       failed(samplingFailed.Subscribe(
           [](const VtrString& reason) { throw std::runtime_error(reason.ToUtf8()); })) {}
 
 int Loop::Run() {
   while (!isEnding) Wait();
-  return endingSignal;
+  return signals.Ending();
 }
 
 void Loop::Wait() {
-  pollfd inputs[] = {
-      {signals.Descriptor(), POLLIN, 0}, {pump.Descriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
-  if (poll(inputs, hasKeys ? 3 : 2, -1) < 0) return;  // a signal came, and waits in the pipe
-  if (inputs[0].revents != 0) ObeySignals();
-  if (inputs[1].revents != 0 && !isEnding) DeliverEvents();
-  if ((inputs[2].revents & POLLIN) != 0 && !isEnding) ObeyKeys();
-  isEnding |= (inputs[2].revents & ~POLLIN) != 0;  // the terminal is gone
+  const WhatIsReady ready = WaitFor(signals.Ready(), pump.Ready(), hasKeys);
+  if (ready.signals) ObeySignals();
+  if (ready.events && !isEnding) DeliverEvents();
+  if (ready.keys && !isEnding) ObeyKeys();
+  isEnding |= ready.isTerminalGone;
 }
 
 /// A frame is drawn for each sample; on a terminal, where that costs little, at once for each
@@ -46,19 +40,17 @@ void Loop::DeliverEvents() {
 }
 
 void Loop::ObeySignals() {
-  for (int signal = signals.Next(); signal != 0; signal = signals.Next()) {
-    switch (signal) {
-      case SIGTSTP:
+  for (auto request = signals.Next(); request != Request::None; request = signals.Next()) {
+    switch (request) {
+      case Request::Stop:
         Stop();
         break;
-      case SIGCONT:
-      case SIGWINCH:
+      case Request::Redraw:
         terminal->Resume();
         view->Redraw();
         break;
       default:
         isEnding = true;
-        endingSignal = signal;
         return;
     }
   }
@@ -67,7 +59,7 @@ void Loop::ObeySignals() {
 
 void Loop::Stop() {
   terminal->Suspend();
-  signals.RaiseUnhandled(SIGTSTP);
+  signals.Stop();
   terminal->Resume();
   view->Redraw();
 }

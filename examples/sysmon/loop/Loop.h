@@ -8,14 +8,14 @@
 #include "../view/MonitorView.h"
 #include "../view/Terminal.h"
 #include "EventPump.h"
-#include "SignalPipe.h"
+#include "Signals.h"
 
 namespace Sysmon {
 
 class Loop {
  public:
   /// The view is null where nothing is drawn, the terminal where it draws on something else.
-  Loop(const Options& programOptions, EventPump& eventPump, SignalPipe& signalPipe,
+  Loop(const Options& programOptions, EventPump& eventPump, Signals& programSignals,
        MonitorView* monitorView, Terminal* keyTerminal);
 
   /// Runs until the frames are drawn, or somebody ends it by key or signal. The signal, or 0.
@@ -33,7 +33,7 @@ class Loop {
 
   const Options& options;
   EventPump& pump;
-  SignalPipe& signals;
+  Signals& signals;
   MonitorView* view;
   Terminal* terminal;
   bool hasKeys;
@@ -41,7 +41,6 @@ class Loop {
   Count frames = 0;
   bool isFrameDue = false;
   bool isEnding = false;
-  int endingSignal = 0;
   DataBinding::Subscription sampled;
   DataBinding::Subscription failed;
 };

@@ -1,34 +1,34 @@
 #include "Sampler.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <exception>
-#include <mutex>
 
 namespace Sysmon {
 
 Sampler::Sampler(SystemReader& systemReader, std::chrono::milliseconds sampleInterval)
-    : reader(systemReader),
-      interval(sampleInterval),
-      thread([this](const std::stop_token& stop) { Run(stop); }) {}
+    : reader(systemReader), interval(sampleInterval), thread([this] { Run(); }) {}
 
-void Sampler::Run(const std::stop_token& stop) {
+Sampler::~Sampler() {
+  const std::lock_guard lock(mutex);
+  isEnding = true;
+  end.notify_all();
+}
+
+void Sampler::Run() {
   try {
-    SampleUntil(stop);
+    SampleUntilTheEnd();
   } catch (const std::exception& error) {
     samplingFailed.Raise(VtrString::FromUtf8(error.what()));
   }
 }
 
-void Sampler::SampleUntil(const std::stop_token& stop) {
+void Sampler::SampleUntilTheEnd() {
   using Clock = std::chrono::steady_clock;
-  std::mutex mutex;
-  std::condition_variable_any wakeUp;
   std::unique_lock lock(mutex);
-  for (auto tick = Clock::now(); !stop.stop_requested();) {
+  for (auto tick = Clock::now(); !isEnding;) {
     announcer.Announce(reader.Read());
     tick = std::max(tick + interval, Clock::now());  // late ticks are not made up for
-    wakeUp.wait_until(lock, stop, tick, [] { return false; });
+    end.wait_until(lock, tick, [this] { return isEnding; });
   }
 }
 

@@ -4,7 +4,8 @@
 #pragma once
 
 #include <chrono>
-#include <stop_token>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 
 #include "Announcer.h"
@@ -17,15 +18,18 @@ class Sampler {
   Sampler(const Sampler&) = delete;
   Sampler& operator=(const Sampler&) = delete;
   /// Returns when the thread has ended.
-  ~Sampler() = default;
+  ~Sampler();
 
  private:
-  void Run(const std::stop_token& stop);
-  void SampleUntil(const std::stop_token& stop);
+  void Run();
+  void SampleUntilTheEnd();
 
   SystemReader& reader;
   std::chrono::milliseconds interval;
   Announcer announcer;
+  std::mutex mutex;
+  std::condition_variable end;
+  bool isEnding = false;
   std::jthread thread;  // starts after, and ends before, what it uses
 };
 

@@ -19,9 +19,7 @@ bool IsMeasurement(const EventLog::Entry& entry) {
 bool IsAlarm(const EventLog::Entry& entry) { return entry.name == L"AlarmRaised"; }
 
 VtrString ShowClock(std::chrono::system_clock::time_point time) {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-  std::tm local{};
-  localtime_r(&seconds, &local);
+  const std::tm local = LocalTime(std::chrono::system_clock::to_time_t(time));
   return VtrString().Format(L"%02d:%02d:%02d", local.tm_hour, local.tm_min, local.tm_sec);
 }
 

@@ -1,8 +1,11 @@
-/// The terminal as a surface and a source of keys. It is put back as it was when this ends.
+/// The terminal, or the console of Windows, as a surface and a source of keys. It is put back as it
+/// was when this ends.
 ///
 /// There is one at a time. Signals are left to their owner, who calls Suspend and Resume around a
 /// stop, and Resume, too, when the terminal's size has changed.
 #pragma once
+
+#include <memory>
 
 #include "Keys.h"
 #include "Surface.h"
@@ -11,6 +14,9 @@ namespace Sysmon {
 
 class Terminal final : public Surface {
  public:
+  /// True when standard output goes to one.
+  [[nodiscard]] static bool IsThere();
+
   /// Throws std::runtime_error for a terminal that cannot be used.
   Terminal();
   Terminal(const Terminal&) = delete;
@@ -20,6 +26,8 @@ class Terminal final : public Surface {
   [[nodiscard]] Area Whole() const override;
   void Show() override;
 
+  /// False when standard input comes from elsewhere.
+  [[nodiscard]] bool HasKeys() const;
   /// The next known or writing key that was pressed; Key::None when there is none.
   [[nodiscard]] KeyPress ReadKey();
   /// Gives the terminal back for a while.
@@ -30,6 +38,9 @@ class Terminal final : public Surface {
  private:
   void Draw(const Place& place, const std::wstring& text, Style style) override;
   void Blank() override;
+
+  class Screen;
+  std::unique_ptr<Screen> screen;
 };
 
 }  // namespace Sysmon

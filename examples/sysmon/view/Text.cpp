@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cwchar>
 #include <variant>
 
 namespace Sysmon {
@@ -53,7 +52,7 @@ std::wstring Fit(std::wstring_view text, int width, Align align) {
   std::wstring fitted;
   int used = 0;
   for (wchar_t character : text) {
-    int cells = wcwidth(character);
+    int cells = CellsOf(character);
     if (cells < 0) {
       character = L'?';
       cells = 1;

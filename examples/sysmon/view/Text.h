@@ -1,6 +1,7 @@
 /// Values as texts, and texts as cells.
 #pragma once
 
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -13,8 +14,15 @@ enum class Align { Left, Right };
 /// A value as people read it, by its type: 1536 bytes as "1.5 KiB".
 [[nodiscard]] VtrString Show(const Value& value);
 
+/// What the clock on the wall showed.
+[[nodiscard]] std::tm LocalTime(std::time_t time);
+
 /// A bar of so many cells, of which a share is filled.
 [[nodiscard]] std::wstring Bar(const Value& share, int width);
+
+/// How many cells a character takes; less than 0 for one that cannot be shown. Each half of a
+/// surrogate pair takes one.
+[[nodiscard]] int CellsOf(wchar_t character);
 
 /// A text that takes exactly so many cells, cut off or padded. What the terminal cannot show, or
 /// would obey, becomes a question mark; what takes no cell is dropped.

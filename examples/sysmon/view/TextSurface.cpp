@@ -1,6 +1,5 @@
 #include "TextSurface.h"
 
-#include <cwchar>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -29,7 +28,7 @@ void TextSurface::Draw(const Place& place, const std::wstring& text, Style /*sty
   if (cells.size() < end) cells.resize(end, L' ');
   for (const wchar_t character : text) {
     cells[cell++] = character;
-    if (wcwidth(character) == 2) cells[cell++] = filler;
+    if (CellsOf(character) == 2) cells[cell++] = filler;
   }
 }
 

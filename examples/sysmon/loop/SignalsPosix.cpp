@@ -1,16 +1,16 @@
-#include "SignalPipe.h"
-
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
 
+#include "Signals.h"
+
 namespace Sysmon {
 
 namespace {
 
-/// Read end and write end. Handlers have no other way to know them.
+/// Read end and write end of a pipe of signals. Handlers have no other way to know them.
 int ends[2] = {-1, -1};
 
 void Note(int signal) {
@@ -23,22 +23,25 @@ void Note(int signal) {
 
 }  // namespace
 
-SignalPipe::SignalPipe(std::initializer_list<int> signals) {
+Signals::Signals(bool hasScreen) {
   if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) {
     throw std::system_error(errno, std::generic_category(), "cannot make a pipe");
   }
   struct sigaction action {};
   action.sa_handler = &Note;
   action.sa_flags = SA_RESTART;
-  for (const int signal : signals) {
+  const auto take = [&](int signal) {
     struct sigaction present {};
     sigaction(signal, nullptr, &present);
-    if (present.sa_handler == SIG_IGN) continue;  // such as the hang-up, under nohup
+    if (present.sa_handler == SIG_IGN) return;  // such as the hang-up, under nohup
     sigaction(signal, &action, &former[signal]);
-  }
+  };
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) take(signal);
+  if (!hasScreen) return;
+  for (const int signal : {SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH}) take(signal);
 }
 
-SignalPipe::~SignalPipe() {
+Signals::~Signals() {
   for (const auto& [signal, action] : former) sigaction(signal, &action, nullptr);
   for (int& end : ends) {
     close(end);
@@ -46,20 +49,32 @@ SignalPipe::~SignalPipe() {
   }
 }
 
-int SignalPipe::Descriptor() const noexcept { return ends[0]; }
+Waitable Signals::Ready() const noexcept { return ends[0]; }
 
-int SignalPipe::Next() {
-  unsigned char byte = 0;
-  return read(ends[0], &byte, 1) == 1 ? byte : 0;
+Request Signals::Next() {
+  unsigned char signal = 0;
+  if (read(ends[0], &signal, 1) != 1) return Request::None;
+  switch (signal) {
+    case SIGTSTP:
+      return Request::Stop;
+    case SIGCONT:
+    case SIGWINCH:
+      return Request::Redraw;
+    default:
+      ending = signal;
+      return Request::End;
+  }
 }
 
-void SignalPipe::RaiseUnhandled(int signal) const {
+void Signals::Stop() const {
   struct sigaction standard {};
   struct sigaction handled {};
   standard.sa_handler = SIG_DFL;
-  sigaction(signal, &standard, &handled);
-  raise(signal);
-  sigaction(signal, &handled, nullptr);
+  sigaction(SIGTSTP, &standard, &handled);
+  raise(SIGTSTP);
+  sigaction(SIGTSTP, &handled, nullptr);
 }
+
+void Signals::EndBy(int signal) { raise(signal); }
 
 }  // namespace Sysmon

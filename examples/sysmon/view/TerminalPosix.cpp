@@ -1,11 +1,11 @@
-#include "Terminal.h"
-
 #include <ncurses.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <stdexcept>
+
+#include "Terminal.h"
 
 namespace Sysmon {
 
@@ -60,23 +60,35 @@ attr_t Attributes(Style style) {
 
 }  // namespace
 
-Terminal::Terminal() {
-  if (newterm(nullptr, stdout, stdin) == nullptr) {
-    throw std::runtime_error("this terminal cannot be used; is TERM set rightly?");
+/// The library's own screen, which is a process-wide one.
+class Terminal::Screen {
+ public:
+  Screen() {
+    if (newterm(nullptr, stdout, stdin) == nullptr) {
+      throw std::runtime_error("this terminal cannot be used; is TERM set rightly?");
+    }
+    cbreak();
+    noecho();
+    nonl();
+    keypad(stdscr, TRUE);
+    nodelay(stdscr, TRUE);
+    set_escdelay(25);
+    curs_set(0);
   }
-  cbreak();
-  noecho();
-  nonl();
-  keypad(stdscr, TRUE);
-  nodelay(stdscr, TRUE);
-  set_escdelay(25);
-  curs_set(0);
-}
+  Screen(const Screen&) = delete;
+  Screen& operator=(const Screen&) = delete;
+  ~Screen() {
+    endwin();
+    delscreen(set_term(nullptr));
+  }
+};
 
-Terminal::~Terminal() {
-  endwin();
-  delscreen(set_term(nullptr));
-}
+bool Terminal::IsThere() { return isatty(STDOUT_FILENO) != 0; }
+
+Terminal::Terminal() : screen(std::make_unique<Screen>()) {}
+Terminal::~Terminal() = default;
+
+bool Terminal::HasKeys() const { return isatty(STDIN_FILENO) != 0; }
 
 Area Terminal::Whole() const { return {0, 0, getmaxy(stdscr), getmaxx(stdscr)}; }
 
