@@ -6,12 +6,20 @@ include(CMakePackageConfigHelpers)
 
 set(databindingPackageDir ${CMAKE_INSTALL_LIBDIR}/cmake/DataBinding)
 
+# Runtime is what a program needs to run, Development what it takes to build one.
 install(TARGETS DataBinding EXPORT DataBindingTargets
+        RUNTIME COMPONENT Runtime
+        LIBRARY COMPONENT Runtime NAMELINK_COMPONENT Development
+        ARCHIVE COMPONENT Development
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/DataBinding DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h")
+        COMPONENT Development FILES_MATCHING PATTERN "*.h")
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        COMPONENT Development)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Development)
 
-install(EXPORT DataBindingTargets NAMESPACE DataBinding:: DESTINATION ${databindingPackageDir})
+install(EXPORT DataBindingTargets NAMESPACE DataBinding:: DESTINATION ${databindingPackageDir}
+        COMPONENT Development)
 configure_package_config_file(cmake/DataBindingConfig.cmake.in
   ${PROJECT_BINARY_DIR}/DataBindingConfig.cmake
   INSTALL_DESTINATION ${databindingPackageDir})
@@ -19,7 +27,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/DataBindingConfigVersion.
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/DataBindingConfig.cmake
               ${PROJECT_BINARY_DIR}/DataBindingConfigVersion.cmake
-        DESTINATION ${databindingPackageDir})
+        DESTINATION ${databindingPackageDir} COMPONENT Development)
 
 string(REGEX REPLACE "[^/]+" ".." databindingPrefixFromLibDir ${CMAKE_INSTALL_LIBDIR})
 if(databindingLinkage STREQUAL "STATIC")
@@ -30,4 +38,5 @@ if(databindingLinkage STREQUAL "STATIC")
   string(REPLACE "-l-" "-" databindingPkgConfigLibs "${databindingPkgConfigLibs}")
 endif()
 configure_file(cmake/databinding.pc.in ${PROJECT_BINARY_DIR}/databinding.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/databinding.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/databinding.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+        COMPONENT Development)
