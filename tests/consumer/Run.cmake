@@ -1,31 +1,118 @@
-# Installs the library just built into a fresh folder, then builds and runs the consumer against
-# it, once through find_package and once through pkg-config.
+# Comes by the library in one of the ways that a stranger's project has, then builds and runs the
+# consumer with it. -D way= is one of
+#   installed     cmake --install of the library just built, to a folder that is moved afterwards
+#   debian        the Debian packages of the library just built, unpacked
+#   subdirectory  add_subdirectory, which builds the library again: as a static one, for which the
+#                 consumer's project then has an installed tree, too
 
-set(work ${buildDir}/consumer)
-set(prefix ${work}/installed)
-file(REMOVE_RECURSE ${work})
-
-function(run)
-  execute_process(COMMAND ${ARGV} COMMAND_ECHO STDOUT COMMAND_ERROR_IS_FATAL ANY)
-endfunction()
+set(work ${buildDir}/consumer/${way})
+file(REMOVE_RECURSE ${work}/prefix ${work}/moved ${work}/project ${work}/packages)
 
 if(config)
   set(ofConfig --config ${config})
 endif()
 
-run(${CMAKE_COMMAND} --install ${buildDir} ${ofConfig} --prefix ${prefix})
+function(run)
+  execute_process(COMMAND ${ARGV} COMMAND_ECHO STDOUT COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
 
-run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${work}/build -G ${generator}
-    -D CMAKE_BUILD_TYPE=${config} -D CMAKE_CXX_COMPILER=${compiler} -D CMAKE_CXX_FLAGS=${flags}
-    -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_FIND_USE_PACKAGE_REGISTRY=OFF)
-run(${CMAKE_COMMAND} --build ${work}/build ${ofConfig})
-run(${work}/build/consumer)
+function(ask variable)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE answer OUTPUT_STRIP_TRAILING_WHITESPACE
+                  COMMAND_ERROR_IS_FATAL ANY)
+  set(${variable} "${answer}" PARENT_SCOPE)
+endfunction()
 
-set(ENV{PKG_CONFIG_PATH} ${prefix}/${libDir}/pkgconfig)
-execute_process(COMMAND ${pkgConfig} --cflags --libs databinding
-                OUTPUT_VARIABLE packageFlags COMMAND_ERROR_IS_FATAL ANY)
-separate_arguments(packageFlags UNIX_COMMAND ${packageFlags})
-separate_arguments(flags UNIX_COMMAND ${flags})
-run(${compiler} -std=c++20 ${flags} ${CMAKE_CURRENT_LIST_DIR}/main.cpp
-    -o ${work}/consumer-pkg-config ${packageFlags} -Wl,-rpath,${prefix}/${libDir})
-run(${work}/consumer-pkg-config)
+function(expect text pattern)
+  if(NOT "${text}\n" MATCHES "${pattern}")
+    message(FATAL_ERROR "no match of ${pattern}")
+  endif()
+endfunction()
+
+function(refuse text pattern)
+  if("${text}\n" MATCHES "${pattern}")
+    message(FATAL_ERROR "a match of ${pattern}")
+  endif()
+endfunction()
+
+# Configures, builds and runs the consumer.
+function(consume project)
+  run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${project} -G ${generator}
+      -D CMAKE_BUILD_TYPE=${config} -D CMAKE_CXX_COMPILER=${compiler} -D CMAKE_CXX_FLAGS=${flags}
+      -D CMAKE_CXX_COMPILER_LAUNCHER=${launcher} -D CMAKE_FIND_USE_PACKAGE_REGISTRY=OFF ${ARGN})
+  run(${CMAKE_COMMAND} --build ${project} ${ofConfig})
+  run(${project}/consumer)
+endfunction()
+
+# Builds and runs the consumer against an installed tree, by find_package and by pkg-config.
+function(consume_tree prefix)
+  consume(${work}/project -D CMAKE_PREFIX_PATH=${prefix})
+  ask(cache ${CMAKE_COMMAND} -L -N ${work}/project)
+  expect("${cache}" "DataBinding_DIR:PATH=${prefix}/")
+
+  set(ENV{PKG_CONFIG_PATH} ${prefix}/${libDir}/pkgconfig)
+  ask(packageFlags ${pkgConfig} --cflags --libs databinding)
+  separate_arguments(packageFlags UNIX_COMMAND ${packageFlags})
+  separate_arguments(flags UNIX_COMMAND ${flags})
+  run(${compiler} -std=c++20 ${flags} ${CMAKE_CURRENT_LIST_DIR}/main.cpp
+      -o ${work}/project/consumer-pkg-config ${packageFlags} -Wl,-rpath,${prefix}/${libDir})
+  run(${work}/project/consumer-pkg-config)
+endfunction()
+
+# Installs a build, and moves what was installed.
+function(install_and_move build)
+  run(${CMAKE_COMMAND} --install ${build} ${ofConfig} --prefix ${work}/prefix)
+  file(RENAME ${work}/prefix ${work}/moved)
+endfunction()
+
+function(installed)
+  install_and_move(${buildDir})
+  consume_tree(${work}/moved)
+endfunction()
+
+# As a unity build, which some projects make of all that they embed, and which takes less
+# time. Without a build type: debug information would bind what ccache keeps to this folder.
+function(subdirectory)
+  set(config)
+  set(ofConfig)
+  consume(${work}/embedding -D DATABINDING_SOURCES=${CMAKE_CURRENT_LIST_DIR}/../..
+          -D BUILD_SHARED_LIBS=OFF -D CMAKE_INSTALL_LIBDIR=${libDir} -D CMAKE_UNITY_BUILD=ON)
+  install_and_move(${work}/embedding)
+  consume_tree(${work}/moved)
+endfunction()
+
+function(debian)
+  run(${CMAKE_COMMAND} -E make_directory ${work}/packages)
+  run(${CMAKE_CPACK_COMMAND} -G DEB --config ${buildDir}/CPackConfig.cmake -B ${work}/packages)
+  file(GLOB library ${work}/packages/libdatabinding0_*.deb)
+  file(GLOB development ${work}/packages/libdatabinding-dev_*.deb)
+
+  ask(files dpkg-deb -c ${library})
+  message("${files}")
+  expect("${files}" "/usr/${libDir}/libDataBinding[.]so[.]0 -> libDataBinding[.]so[.]0[.]")
+  expect("${files}" "/usr/share/doc/libdatabinding0/copyright\n")
+  refuse("${files}" "[.](h|pc|cmake|py|natvis|so)[\n ]")
+  ask(files dpkg-deb -c ${development})
+  message("${files}")
+  expect("${files}" "/usr/${libDir}/libDataBinding[.]so -> libDataBinding[.]so[.]0\n")
+  expect("${files}" "/usr/share/doc/libdatabinding-dev/copyright\n")
+  refuse("${files}" "/libDataBinding[.]so[.][0-9.]+[\n ]")
+
+  ask(control dpkg-deb -f ${library})
+  message("${control}")
+  expect("${control}" "Package: libdatabinding0\n")
+  expect("${control}" "Depends: [^\n]*libc6 [^\n]*libstdc[+][+]6 ")
+  refuse("${control}" "libdatabinding-dev")
+  ask(version dpkg-deb -f ${library} Version)
+  ask(depends dpkg-deb -f ${development} Depends)
+  expect("${depends}" "^libdatabinding0 [(]= ${version}[)]\n$")
+  ask(shlibs dpkg-deb -I ${library} shlibs)
+  expect("${shlibs}" "^libDataBinding 0 libdatabinding0 [(]>= ${version}[)]\n$")
+  ask(triggers dpkg-deb -I ${library} triggers)
+  expect("${triggers}" "activate-noawait ldconfig")
+
+  run(dpkg-deb -x ${library} ${work}/prefix)
+  run(dpkg-deb -x ${development} ${work}/prefix)
+  consume_tree(${work}/prefix/usr)
+endfunction()
+
+cmake_language(CALL ${way})
