@@ -40,3 +40,22 @@ endif()
 configure_file(cmake/databinding.pc.in ${PROJECT_BINARY_DIR}/databinding.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/databinding.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
         COMPONENT Development)
+
+# GDB loads its views by the path of the library that it sees, if it trusts the prefix; where there
+# is no such library, users source them.
+if(UNIX AND databindingLinkage STREQUAL "SHARED")
+  install(FILES debuggers/databinding_gdb.py
+          DESTINATION "share/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}"
+          RENAME libDataBinding.so.${PROJECT_VERSION}-gdb.py COMPONENT Development)
+else()
+  install(FILES debuggers/databinding_gdb.py DESTINATION ${CMAKE_INSTALL_DATADIR}/DataBinding
+          COMPONENT Development)
+endif()
+# Visual Studio takes its views from the projects that it opens.
+install(FILES debuggers/DataBinding.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/DataBinding
+        COMPONENT Development)
+if(MSVC)
+  target_sources(DataBinding INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/debuggers/DataBinding.natvis>
+    $<INSTALL_INTERFACE:$<INSTALL_PREFIX>/${CMAKE_INSTALL_DATADIR}/DataBinding/DataBinding.natvis>)
+endif()

@@ -95,6 +95,7 @@ function(debian)
   message("${files}")
   expect("${files}" "/usr/${libDir}/libDataBinding[.]so -> libDataBinding[.]so[.]0\n")
   expect("${files}" "/usr/share/doc/libdatabinding-dev/copyright\n")
+  expect("${files}" "/gdb/auto-load/usr/${libDir}/libDataBinding[.]so[.]0[.0-9]*-gdb[.]py\n")
   refuse("${files}" "/libDataBinding[.]so[.][0-9.]+[\n ]")
 
   ask(control dpkg-deb -f ${library})
