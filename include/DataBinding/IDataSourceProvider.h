@@ -57,6 +57,7 @@ class DATABINDING_API IDataSourceProvider {
   [[nodiscard]] virtual IDataContext* GetDataContext() = 0;
   /// Takes a source over and connects the listeners that wait here for its name. The first source
   /// of a name keeps it; a later one is owned, and connected, but not found by name. Ignores null.
+  /// Add a source once: each addition ends it.
   /// When a listener throws, the source is taken over all the same; without memory it is not.
   virtual void AddDataSource(IDataSource* source) = 0;
   /// Adds each in order.
