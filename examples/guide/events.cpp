@@ -66,7 +66,7 @@ class Log {
 
  private:
   static IAppEventBroadcaster& Events() { return IAppEventBroadcaster::GetInstance(); }
-  void OnEvent(VtrString name, const std::vector<Any>& args) {
+  void OnEvent(const VtrString& name, const std::vector<Any>& args) {
     std::cout << "log: " << name.ToUtf8() << " with " << args.size() << " arguments\n";
   }
 
