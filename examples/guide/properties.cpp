@@ -49,11 +49,10 @@ void ReadByName(IDataSource* source) {
 }
 
 void WriteOut(IDataSource* source) {
+  const auto print = [](const auto& value) { std::cout << value; };
   for (const auto& [name, item] : *source) {
-    const auto print = [&](const auto& value) {
-      std::cout << ' ' << name.ToUtf8() << '=' << value;
-    };
-    VisitProperty<int, bool>(source, name, print);
+    std::cout << ' ' << name.ToUtf8() << '=';
+    if (!VisitProperty<int, bool>(source, name, print)) std::cout << '?';
   }
   std::cout << '\n';
 }
