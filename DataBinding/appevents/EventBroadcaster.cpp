@@ -180,8 +180,8 @@ void EventBroadcaster<Update, Threading>::QueueNamed(const details::EventName& n
 
 template <class Update, class Threading>
 template <class Name>
-void EventBroadcaster<Update, Threading>::Append(const Name& name, bool replaceLast,
-                                                 EventPtr&& event) {
+inline void EventBroadcaster<Update, Threading>::Append(const Name& name, bool replaceLast,
+                                                        EventPtr&& event) {
   const std::uint64_t hash = replaceLast ? details::PendingEvents::Hash(name) : 0;
   EventPtr replaced;
   {
