@@ -1,3 +1,4 @@
+#include <malloc.h>
 #include <windows.h>
 
 #include <cstdint>
@@ -44,6 +45,12 @@ bool IsToBeCaught(DWORD code, const void* frame) noexcept {
          !IsForDebugger(code);
 }
 
+/// A stack overflow uses up the page that tells of one. Without it, the next ends the process.
+std::uint32_t Recovered(std::uint32_t code) noexcept {
+  if (code == EXCEPTION_STACK_OVERFLOW) _resetstkoflw();
+  return code;
+}
+
 }  // namespace
 
 #if defined(_MSC_VER)
@@ -55,7 +62,7 @@ std::uint32_t RunTrapping(void (*run)(void*), void* context) {
     run(context);
   } __except (IsToBeCaught(code = GetExceptionCode(), frame) ? EXCEPTION_EXECUTE_HANDLER
                                                              : EXCEPTION_CONTINUE_SEARCH) {
-    return code;
+    return Recovered(code);
   }
   return 0;
 }
@@ -106,7 +113,7 @@ std::uint32_t RunTrapping(void (*run)(void*), void* context) {
     CatchState::OfThread() = exceptions;
     barrier = outerBarrier;
   }
-  return code;
+  return Recovered(code);
 }
 
 #endif
