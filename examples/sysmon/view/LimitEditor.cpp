@@ -30,9 +30,9 @@ void LimitEditor::Change(VtrString newText) {
 }
 
 void LimitEditor::Insert(wchar_t character) {
-  const auto code = static_cast<std::wint_t>(character);
   // A tab is both to Windows.
-  const bool isShown = std::iswprint(code) != 0 && std::iswcntrl(code) == 0;
+  const bool isShown =
+      std::iswprint(std::wint_t(character)) != 0 && std::iswcntrl(std::wint_t(character)) == 0;
   if (isShown && text.GetLength() < mostCharacters) Change(text + std::wstring_view(&character, 1));
 }
 
