@@ -1,8 +1,5 @@
-// stress data|events [--seed N | --operations N | --minutes N]
-// stress threads [--minutes N], stress churn [--rounds N]
-//
-// Without a seed half of the scripts have seeds that are always the same, the others random ones.
-// Scripts run in a child process, so that a crash is found and shrunk like a wrong answer.
+// Half of the scripts have seeds that are always the same, the others random ones; all random where
+// there is a time. Scripts run in a child process, so that a crash is shrunk like a wrong answer.
 
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -127,29 +124,55 @@ int Stress(const Subject& subject, const Options& options) {
   return agreed ? 0 : Report(subject, current);
 }
 
-Options Parse(std::span<char*> arguments) {
+bool StressThreads(const Options& options) {
+  using Clock = std::chrono::steady_clock;
+  const auto end = Clock::now() + std::chrono::duration<double>(options.minutes * 60);
+  std::uint32_t seed = options.seed.value_or(options.minutes > 0 ? std::random_device()() : 1);
+  while (ThreadsAgree(seed)) {
+    if (Clock::now() >= end) return true;
+    ++seed;
+  }
+  return false;
+}
+
+/// Nothing for arguments that mean nothing.
+std::optional<Options> Parse(std::span<char*> arguments) {
   Options options;
-  for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
+  for (std::size_t i = 0; i < arguments.size(); i += 2) {
     const std::string_view name = arguments[i];
-    const double value = std::atof(arguments[i + 1]);
-    if (name == "--seed") options.seed = static_cast<std::uint32_t>(value);
-    if (name == "--operations") options.operations = static_cast<std::size_t>(value);
-    if (name == "--rounds") options.rounds = static_cast<std::size_t>(value);
-    if (name == "--minutes") options.minutes = value;
+    const double value = i + 1 < arguments.size() ? std::atof(arguments[i + 1]) : -1;
+    if (value < 0) return {};
+    if (name == "--seed") {
+      options.seed = static_cast<std::uint32_t>(value);
+    } else if (name == "--operations") {
+      options.operations = static_cast<std::size_t>(value);
+    } else if (name == "--rounds") {
+      options.rounds = static_cast<std::size_t>(value);
+    } else if (name == "--minutes") {
+      options.minutes = value;
+    } else {
+      return {};
+    }
   }
   return options;
 }
 
+constexpr char usage[] =
+    "stress data|events [--operations N | --minutes N]  random scripts\n"
+    "stress data|events --seed N                        one of them once more\n"
+    "stress threads [--seed N] [--minutes N]            producers beside the delivering thread\n"
+    "stress churn [--rounds N]                          so many sources and events in flat "
+    "memory\n";
+
 int Main(std::span<char*> arguments) {
   const std::string_view what = arguments.size() > 1 ? arguments[1] : "";
-  const Options options = Parse(arguments.subspan(std::min<std::size_t>(arguments.size(), 2)));
+  const auto options = Parse(arguments.subspan(std::min<std::size_t>(arguments.size(), 2)));
   for (const Subject& subject : subjects) {
-    if (what == subject.name) return Stress(subject, options);
+    if (options && what == subject.name) return Stress(subject, *options);
   }
-  if (what == "threads") return ThreadsAgree(options.seed.value_or(1)) ? 0 : 1;
-  if (what == "churn") return ChurnStaysFlat(options.rounds) ? 0 : 1;
-  std::printf(
-      "usage: stress data|events|threads|churn [--seed N] [--operations N] [--minutes N]\n");
+  if (options && what == "threads") return StressThreads(*options) ? 0 : 1;
+  if (options && what == "churn") return ChurnStaysFlat(options->rounds) ? 0 : 1;
+  std::fputs(usage, stderr);
   return 2;
 }
 
