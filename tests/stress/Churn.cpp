@@ -13,8 +13,8 @@ namespace {
 constexpr std::size_t checkpoints = 10;
 constexpr std::size_t perScope = 1000;
 constexpr std::size_t perBatch = 100;
-constexpr std::size_t mostHeapGrowth = 64 * 1024;
-constexpr std::size_t mostResidentGrowth = 2 * 1024 * 1024;
+constexpr std::size_t mostHeapGrowth = std::size_t{64} * 1024;
+constexpr std::size_t mostResidentGrowth = std::size_t{2} * 1024 * 1024;
 
 class Reading final : public NamedDataSource {
  public:

@@ -15,8 +15,8 @@ inline constexpr int watchCount = 3;
 /// In order. The last differs from the second by its case only.
 inline constexpr const wchar_t* sourceNames[] = {L"Art", L"Doc", L"Map", L"New", L"doc"};
 inline constexpr int nameCount = 5;
-/// The property A and B are numbers, C is their sum, E is an event source and * is not declared.
-inline constexpr const wchar_t* propertyNames[] = {L"*", L"A", L"B", L"C", L"E"};
+/// The properties A and B are numbers, C is their sum, E is an event source, * is not declared.
+inline constexpr const wchar_t* propertyNames[] = {L"A", L"B", L"C", L"E", L"*"};
 inline constexpr int propertyCount = 5;
 
 /// Lists of categories as they are written, and a letter for each category that they name.
@@ -30,9 +30,9 @@ inline constexpr Categories categoryLists[] = {
 };
 inline constexpr int rootCategories = 7;
 struct ConstructorTraits {
-  int name;
+  int name = 0;
   Categories categories;
-  int placement;
+  int placement = 0;
 };
 inline constexpr ConstructorTraits constructorTraits[] = {
     {1, {L"A", "A"}, 2},       {2, {L"B, A", "BA"}, 1}, {1, {L"B,C", "BC"}, 2},
@@ -46,8 +46,8 @@ struct Announcement {
   std::string_view properties;
 };
 inline constexpr Announcement announcements[] = {
-    {L"A", "1"},       {L"B", "2"},    {L"B, A,,E", "214"}, {L"*", "123"},   {L"*,-A", "23"},
-    {L"*,!C,xB", "1"}, {L"B,*", "20"}, {L"", ""},           {L" , ", "123"},
+    {L"A", "0"},       {L"*", "012"},  {L"B, A,,E", "103"}, {L"B", "1"},     {L"*,-A", "12"},
+    {L"*,!C,xB", "0"}, {L"B,*", "14"}, {L"", ""},           {L" , ", "012"},
 };
 inline constexpr int announcementCount = 9;
 
@@ -77,11 +77,11 @@ std::vector<Operation<World>> DataOperations() {
       {"EndListener", "l4", &World::EndListener, 4, Wiring},
       {"MoveListener", "l4l4", &World::MoveListener, 2},
       {"Watch", "w3s0q5", &World::Watch, 6, Wiring},
-      {"CancelWatch", "w3", &World::CancelWatch, 2, Wiring},
+      {"CancelWatch", "w3", &World::CancelWatch, 5, Wiring},
       {"Announce", "s0a9", &World::Announce, 12, Wiring},
       {"SetProperty", "s0q5v4", &World::SetProperty, 10, Wiring},
       {"SetTogether", "s0v4v4", &World::SetTogether, 5, Wiring},
-      {"When", "x4l4", &World::When, 14},
+      {"When", "x4l4m3", &World::When, 14},
       {"Throw", "", &World::Throw, 2},
   };
 }

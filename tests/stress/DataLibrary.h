@@ -266,7 +266,7 @@ class DataLibrary : public Player<DataLibrary> {
   /// The root is not yet known while the constructors are offered it.
   int SlotOf(const IDataSourceProvider* provider) const {
     if (provider == nullptr) return -1;
-    const auto found = std::ranges::find(providers, provider);
+    const auto* const found = std::ranges::find(providers, provider);
     return found == providers.end() ? 0 : static_cast<int>(found - providers.begin());
   }
   IDataSource* Make(IDataSourceProvider* provider, int name) {

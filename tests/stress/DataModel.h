@@ -245,9 +245,12 @@ class DataModel : public SourceModel {
       Destroy(*last);
     }
     if (!provider.wasShutDown) DetachProvider(slot, 0, 0);
-    const auto lives = listeners;
-    for (const auto& [which, names] : std::map(provider.listeners)) {
-      if (listeners[which].life != lives[which].life) continue;
+    std::vector<std::pair<int, int>> told;
+    for (const auto& [which, names] : provider.listeners) {
+      told.emplace_back(which, listeners[which].life);
+    }
+    for (const auto& [which, life] : told) {
+      if (listeners[which].life != life) continue;
       if (listeners[which].provider == slot) listeners[which].provider = provider.parent;
       Happen("gone", which, slot, Place::Parting);
     }
@@ -330,7 +333,7 @@ class DataModel : public SourceModel {
 
   std::deque<const void*>& addresses;
   std::map<int, Provider> providers;
-  std::array<Listener, listenerCount> listeners;
+  Listener listeners[listenerCount];
   std::map<int, int> filed;  // constructors by the names of their sources
   std::map<char, std::deque<int>> listed;
   std::vector<int> attached;  // in order of address

@@ -162,7 +162,7 @@ class EventLibrary : public Player<EventLibrary> {
     int wanted;
   };
   struct Spy {
-    void See(const VtrString& name, const std::vector<Any>& arguments) {
+    void See(const VtrString& name, const std::vector<Any>& arguments) const {
       const int value = arguments.empty() ? -1 - NumberOf(name) : std::any_cast<int>(arguments[0]);
       world->Happen("hooked", slot, value, Place::Anywhere);
     }

@@ -47,7 +47,7 @@ std::vector<Operation<World>> EventOperations() {
       {"AddCleanup", "o3", &World::AddCleanup},
       {"RemoveCleanup", "o3", &World::RemoveCleanup},
       {"Release", "", &World::Release},
-      {"When", "x5s5", &World::When, 24},
+      {"When", "x5s5m3", &World::When, 24},
       {"Throw", "", &World::Throw, 6, Wiring},
   };
 }

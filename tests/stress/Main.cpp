@@ -63,11 +63,12 @@ bool Succeeds(bool quietly, Run run) {
 }
 
 /// Leaves out what the failure does not need: large pieces first, in the end single operations.
+/// Nothing is left of a script that does not fail by itself.
 Script Shrink(const Subject& subject, Script script) {
   const auto fails = [&](const Script& tried) {
     return !Succeeds(true, [&] { return subject.agrees(tried, 1, false); });
   };
-  if (!fails(script)) return script;
+  if (!fails(script)) return {};
   for (std::size_t size = script.size() / 2, before = 0; size > 0;) {
     before = script.size();
     for (std::size_t at = 0; at < script.size();) {
@@ -88,6 +89,10 @@ Script Shrink(const Subject& subject, Script script) {
 int Report(const Subject& subject, std::uint32_t seed) {
   const Script whole = Generate(seed);
   const Script shrunk = Shrink(subject, whole);
+  if (shrunk.empty()) {
+    std::printf("%s: seed %u fails, but only after those before it\n", subject.name, seed);
+    return 1;
+  }
   std::printf("%s: seed %u fails; shrunk from %zu operations to %zu:\n", subject.name, seed,
               whole.size(), shrunk.size());
   for (std::size_t i = 0; i < shrunk.size(); ++i) {

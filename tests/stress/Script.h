@@ -6,6 +6,7 @@
 /// happens, and is then run from inside the callback.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -48,9 +49,9 @@ template <class World>
 class Player {
  public:
   void Play(std::uint32_t code) {
-    if (!awaited.first.empty()) {
-      const auto point = std::exchange(awaited, {});
-      putOff.emplace(point, code);
+    if (awaited != putOff.end()) {
+      awaited->second.push_back(code);
+      if (awaited->second.size() == awaitedCount) awaited = putOff.end();
       return;
     }
     const Operation<World>& operation = Decode(code);
@@ -61,8 +62,12 @@ class Player {
     }
     (static_cast<World&>(*this).*operation.run)(arguments[0], arguments[1], arguments[2]);
   }
-  /// Puts the next operation off until something happens to a subject.
-  void When(int point, int subject, int) { awaited = {World::points[point], subject}; }
+  /// Puts the next operations off until something happens to a subject.
+  void When(int point, int subject, int more) {
+    awaitedCount = static_cast<std::size_t>(more) + 1;
+    awaited =
+        putOff.emplace(Point(World::points[static_cast<std::size_t>(point)], subject), Script());
+  }
   void Throw(int, int, int) {
     if (depth > 0) throw Thrown();
   }
@@ -86,12 +91,11 @@ class Player {
   void Happen(std::string_view what, int subject, int object, Place here) {
     Tell(what, subject, object);
     const auto found = putOff.lower_bound({what, subject});
-    if (found == putOff.end() || found->first != std::pair(what, subject)) return;
-    const std::uint32_t code = found->second;
-    putOff.erase(found);
+    if (found == putOff.end() || found == awaited || found->first != Point(what, subject)) return;
+    const auto due = putOff.extract(found);
     const Meanwhile limited(place, std::min(place, here));
     const Meanwhile deeper(depth, depth + 1);
-    Play(code);
+    for (const std::uint32_t code : due.mapped()) Play(code);
   }
 
  private:
@@ -109,12 +113,14 @@ class Player {
   static int Argument(const Operation<World>& operation, std::uint32_t code, std::size_t place) {
     const int byte = static_cast<int>(code >> (8 * (place + 1)) & 0xff);
     const int count = operation.parameters[place * 2 + 1] - '0';
-    return count == 0 ? byte : byte % count;
+    return count == 0 ? byte
+                      : std::min(byte % count, byte / 16 % count);  // low ones meet more often
   }
 
   using Point = std::pair<std::string_view, int>;
-  Point awaited;
-  std::multimap<Point, std::uint32_t> putOff;
+  std::multimap<Point, Script> putOff;
+  typename std::multimap<Point, Script>::iterator awaited = putOff.end();
+  std::size_t awaitedCount = 0;
   Place place = Place::Anywhere;
   int depth = 0;
 };

@@ -24,11 +24,10 @@ class SourceModel : public Player<DataModel> {
     for (const char property : announcements[announcement].properties) Call(source, property - '0');
   }
   void SetProperty(int chosen, int property, int value) {
-    constexpr int errors[] = {2, 0, 0, 5, 3};
+    constexpr int errors[] = {0, 0, 5, 3, 2};
     const int source = Choose(chosen);
     if (source == 0) return;
-    const bool changes =
-        property <= 2 && property >= 1 && sources[source].values[property] != value;
+    const bool changes = property <= 1 && sources[source].values[property] != value;
     if (changes) Set(source, property, value);
     Tell("set", changes ? 1 : 0, errors[property]);
   }
@@ -36,9 +35,9 @@ class SourceModel : public Player<DataModel> {
     const int source = Choose(chosen);
     if (source == 0) return;
     ++sources[source].batches;
-    Set(source, 2, first);
+    Set(source, 1, first);
+    Set(source, 0, second);
     Set(source, 1, second);
-    Set(source, 2, second);
     EndBatch(source);
   }
 
@@ -49,9 +48,9 @@ class SourceModel : public Player<DataModel> {
     int callback;
   };
   struct Source {
-    int name;
-    int values[3] = {};
-    std::vector<Registration> listeners[propertyCount] = {};
+    int name = 0;
+    int values[2] = {};
+    std::map<int, std::vector<Registration>> listeners = {};
     std::vector<int> changed = {};
     int batches = 0;
   };
@@ -73,7 +72,7 @@ class SourceModel : public Player<DataModel> {
   }
   void Cancel(int token) {
     for (auto& [id, source] : sources) {
-      for (auto& list : source.listeners) {
+      for (auto& [property, list] : source.listeners) {
         std::erase_if(list, [token](const auto& each) { return each.token == token; });
       }
     }
@@ -92,7 +91,7 @@ class SourceModel : public Player<DataModel> {
   void Set(int source, int property, int value) {
     if (std::exchange(sources[source].values[property], value) == value) return;
     ++sources[source].batches;
-    for (const int changed : {property, 3}) {
+    for (const int changed : {property, 2}) {
       auto& noted = sources[source].changed;
       if (std::ranges::count(noted, changed) == 0) noted.push_back(changed);
     }
@@ -110,11 +109,12 @@ class SourceModel : public Player<DataModel> {
   }
   void ObserveSources() {
     for (auto& [id, source] : sources) {
-      Tell("values", source.values[1] * 10 + source.values[2], source.values[1] + source.values[2]);
-      const auto used = [](const auto& list) { return !list.empty(); };
+      Tell("values", source.values[0] * 10 + source.values[1], source.values[0] + source.values[1]);
+      const auto used = [](const auto& each) { return !each.second.empty(); };
       Tell("listened", id, static_cast<int>(std::ranges::count_if(source.listeners, used)));
-      for (const auto& list : source.listeners) {
-        Tell("listeners", list.empty() ? 0 : 1, static_cast<int>(list.size()));
+      for (int property = 0; property < propertyCount; ++property) {
+        const int count = static_cast<int>(source.listeners[property].size());
+        Tell("listeners", count == 0 ? 0 : 1, count);
       }
     }
   }
