@@ -91,7 +91,8 @@ class Player {
   void Happen(std::string_view what, int subject, int object, Place here) {
     Tell(what, subject, object);
     const auto found = putOff.lower_bound({what, subject});
-    if (found == putOff.end() || found == awaited || found->first != Point(what, subject)) return;
+    if (found == putOff.end() || found->first != Point(what, subject)) return;
+    if (found == awaited) return;  // it is still being told what to do
     const auto due = putOff.extract(found);
     const Meanwhile limited(place, std::min(place, here));
     const Meanwhile deeper(depth, depth + 1);
