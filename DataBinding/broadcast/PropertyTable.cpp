@@ -58,9 +58,10 @@ PropertyEntry& PropertyTable::Insert(const VtrString& name) {
 
 void PropertyTable::Reserve() {
   if (usedSlots + 1 <= capacity / 2 + capacity / 4) return;
+  const std::size_t wanted = capacity == 0 ? firstCapacity : capacity * 2;
   PropertyTable larger;
-  larger.capacity = capacity == 0 ? firstCapacity : capacity * 2;
-  larger.slots = std::make_unique<Slot[]>(larger.capacity);
+  larger.slots = std::make_unique<Slot[]>(wanted);
+  larger.capacity = wanted;
   for (std::size_t i = 0; i < capacity; ++i) {
     if (slots[i].first != nullptr) larger.Probe(slots[i].hash) = std::move(slots[i]);
   }
