@@ -47,7 +47,8 @@ void AppEventListener::UnregisterAppEventListeners() {
 }
 
 void AppEventListener::ActivateAppEventListeners() {
-  if (++activationCount == 1) WAppEventRegistrar::GetInstance().AddEventListener(this);
+  if (activationCount == 0) WAppEventRegistrar::GetInstance().AddEventListener(this);
+  ++activationCount;
 }
 
 void AppEventListener::DeactivateAppEventListeners() {
