@@ -79,8 +79,9 @@ void EventBroadcaster<Update, Threading>::Keep(const VtrString& name, EventPtr e
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::Hold(const VtrString& name) {
-  ++holds[name];
+  const auto held = holds.try_emplace(name, 0).first;
   DisableEvent(name);
+  ++held->second;
 }
 
 template <class Update, class Threading>
@@ -110,7 +111,9 @@ void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DisableAllEvents() {
-  for (const auto& [name, channel] : knownEvents) DisableEvent(name);
+  auto disabled = disabledEvents;  // all or none
+  for (const auto& [name, channel] : knownEvents) ++disabled[name];
+  disabledEvents.swap(disabled);
 }
 
 template <class Update, class Threading>
