@@ -31,9 +31,15 @@ void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
     Guarded(scope, broadcaster, [&] { broadcaster.updatePolicy.PreNotify(); });
     if (scope.IsBroadcasterGone()) return;
   }
-  const EventChannel& channel = broadcaster.Channel(name);
-  if (broadcaster.IsDisable(name.Text())) return broadcaster.Keep(name.Text(), scope.Owner());
-  CallbackWalk walk(channel.listeners.Core());
+  const EventChannel* channel = nullptr;
+  bool isHeld = false;
+  Guarded(scope, broadcaster, [&] {
+    channel = &broadcaster.Channel(name);
+    isHeld = broadcaster.IsDisable(name.Text());
+    if (isHeld) broadcaster.Keep(name.Text(), scope.Owner());
+  });
+  if (channel == nullptr || isHeld) return;
+  CallbackWalk walk(channel->listeners.Core());
   while (!Guarded(scope, broadcaster, [&] { CallListeners(walk); }) && !walk.IsListGone()) {
   }
   if (scope.IsBroadcasterGone() || !HasHooks(broadcaster)) return;
