@@ -152,10 +152,12 @@ void WAppEventRegistrar::RegisterAppEvents() {
 
 void WAppEventRegistrar::UnregisterAppEvents() {
   const CriticalSectionLock guard(lock);
+  ListenerList waiting = listeners;  // while all are subscribed still: there may be no memory
   UnsubscribeAll();
   registered = false;
   anyWaiting.store(true, std::memory_order_release);
-  delayInitList = listeners;
+  waiting.assign(listeners.begin(), listeners.end());
+  delayInitList.swap(waiting);
   Flush::StopAll(flush);
 }
 
