@@ -1,6 +1,7 @@
 #include "DataBinding/DataSourceRegistrar.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "DataBinding/DataSourceProvider.h"
@@ -36,18 +37,20 @@ void DataSourceRegistrar::RegisterDataSource(IDataSourceConstructor* constructor
   if (constructors.try_emplace(constructor->GetName(), constructor).second) {
     constructor->OnRegistered();
   }
-  for (const auto& [provider, liveness] : std::map(providers)) {
-    if (liveness.IsValid() && provider->MatchCategory(constructor->GetCategories())) {
+  for (const auto& [provider, attachment] : std::map(providers)) {
+    if (attachment.liveness.IsValid() && provider->MatchCategory(constructor->GetCategories())) {
       constructor->OnProviderAttached(provider);
     }
   }
   List(constructor);
 }
 
-/// Puts a constructor where it wants to be in each of its categories.
+/// Puts a constructor where it wants to be in each of its categories, or in none.
 void DataSourceRegistrar::List(IDataSourceConstructor* constructor) {
+  std::map<VtrString, ConstructorList> lists;
   for (const auto category : String::SplitView(constructor->GetCategories(), L",", false, true)) {
-    ConstructorList& list = categoryConstructors[VtrString(category)];
+    const VtrString name(category);
+    ConstructorList& list = lists.try_emplace(name, categoryConstructors[name]).first->second;
     switch (static_cast<Placement>(constructor->GetPlacement())) {
       case Placement::Front:
         list.insert(list.begin(), constructor);
@@ -60,27 +63,39 @@ void DataSourceRegistrar::List(IDataSourceConstructor* constructor) {
         break;
     }
   }
+  for (auto& [name, list] : lists) categoryConstructors.find(name)->second.swap(list);
 }
 
+/// Without the memory to look up its categories, a constructor is taken off all lists.
 void DataSourceRegistrar::Unlist(IDataSourceConstructor* constructor) {
-  for (const auto category : String::SplitView(constructor->GetCategories(), L",", false, true)) {
-    std::erase(categoryConstructors[VtrString(category)], constructor);
+  try {
+    for (const auto category : String::SplitView(constructor->GetCategories(), L",", false, true)) {
+      std::erase(categoryConstructors[VtrString(category)], constructor);
+    }
+  } catch (const std::bad_alloc&) {
+    for (auto& [name, list] : categoryConstructors) std::erase(list, constructor);
   }
 }
 
 void DataSourceRegistrar::UnregisterDataSource(IDataSourceConstructor* constructor) {
   if (constructor == nullptr || constructor->GetName() == nullptr) return;
-  const VtrString name(constructor->GetName());
-  const auto filed = constructors.find(name);
+  const auto filed = constructors.find(VtrStringView(constructor->GetName()));
   if (filed == constructors.end()) return;
+  // It is about to end: from here on nothing needs memory.
+  const VtrString name = filed->first;
   FirstFailure failure;
   Unlist(constructor);
   // The constructor may be gone after this.
   failure.Try([&] { filed->second->OnUnregistered(); });
   constructors.erase(name);
-  for (const auto& [provider, liveness] : std::map(providers)) {
-    if (!liveness.IsValid() || !providers.contains(provider)) continue;
-    failure.Try([&, holder = provider] { holder->DeleteLocalDataSourceInstance(name); });
+  // Those that are attached meanwhile are left out.
+  const std::uint64_t last = lastAttachment;
+  for (auto next = providers.begin(); next != providers.end();) {
+    IDataSourceProvider* const provider = next->first;
+    if (next->second.number <= last && next->second.liveness.IsValid()) {
+      failure.Try([&] { provider->DeleteLocalDataSourceInstance(name); });
+    }
+    next = providers.upper_bound(provider);
   }
   failure.Rethrow();
 }
@@ -89,7 +104,9 @@ IDataSourceProvider* DataSourceRegistrar::GetRootProvider() { return rootProvide
 
 void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
   if (provider == nullptr) return;
-  providers.insert_or_assign(provider, provider->GetLiveness());
+  const Attachment attachment{provider->GetLiveness(), ++lastAttachment};
+  const auto [known, isNew] = providers.try_emplace(provider, attachment);
+  if (!isNew && !known->second.liveness.IsValid()) known->second = attachment;
   for (const auto& category : provider->GetCategories()) {
     const ConstructorList& live = categoryConstructors[category];
     for (IDataSourceConstructor* constructor : ConstructorList(live)) {
@@ -102,16 +119,15 @@ void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
 void DataSourceRegistrar::DetachProvider(IDataSourceProvider* provider) {
   const auto attached = providers.find(provider);
   if (attached == providers.end()) return;
-  if (!attached->second.IsValid()) {  // a former provider at the same address
+  if (!attached->second.liveness.IsValid()) {  // a former provider at the same address
     providers.erase(attached);
     return;
   }
-  std::vector<VtrString> names;
-  names.reserve(constructors.size());
-  for (const auto& [name, constructor] : constructors) names.push_back(name);
   FirstFailure failure;
-  for (const auto& name : names) {
+  for (auto next = constructors.begin(); next != constructors.end();) {
+    const VtrString name = next->first;
     failure.Try([&] { provider->DeleteLocalDataSourceInstance(name); });
+    next = constructors.upper_bound(name);
   }
   providers.erase(provider);
   failure.Rethrow();

@@ -1,10 +1,11 @@
 /// The registrar itself. Applications reach it through IDataSourceRegistrar::GetInstance; tests
 /// make one of their own and install it for their duration.
 ///
-/// All walks are over copies: a constructor may register others when it is offered a provider, a
+/// All walks bear changes: a constructor may register others when it is offered a provider, a
 /// source may unregister a constructor when it ends, and OnUnregistered may delete its constructor.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <vector>
 
@@ -34,6 +35,10 @@ class DATABINDING_API DataSourceRegistrar final : public IDataSourceRegistrar {
 
  private:
   using ConstructorList = std::vector<IDataSourceConstructor*>;
+  struct Attachment {
+    details::WeakReference liveness;
+    std::uint64_t number = 0;
+  };
 
   void List(IDataSourceConstructor* constructor);
   void Unlist(IDataSourceConstructor* constructor);
@@ -42,7 +47,8 @@ class DATABINDING_API DataSourceRegistrar final : public IDataSourceRegistrar {
   std::map<VtrString, IDataSourceConstructor*, std::less<>> constructors;
   std::map<VtrString, ConstructorList> categoryConstructors;
   /// The attached providers. One that ended without being detached is passed over.
-  std::map<IDataSourceProvider*, details::WeakReference> providers;
+  std::map<IDataSourceProvider*, Attachment> providers;
+  std::uint64_t lastAttachment = 0;
   bool initialized = false;
   IDataSourceProvider* rootProvider = nullptr;
 };
