@@ -50,7 +50,7 @@ void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
 
 void DataListener::ConnectToDatasource(IDataSource* source) {
   if (source == nullptr || source->GetDataSourceName() == nullptr) return;
-  const VtrString name(source->GetDataSourceName());
+  const VtrStringView name(source->GetDataSourceName());
   for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) != 0) continue;
     entry.subscription = source->Register(entry.callback, entry.propertyName);
@@ -59,7 +59,7 @@ void DataListener::ConnectToDatasource(IDataSource* source) {
 
 void DataListener::DisconnectFromDatasource(IDataSource* source) {
   if (source == nullptr || source->GetDataSourceName() == nullptr) return;
-  const VtrString name(source->GetDataSourceName());
+  const VtrStringView name(source->GetDataSourceName());
   for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) == 0) entry.subscription.Cancel();
   }

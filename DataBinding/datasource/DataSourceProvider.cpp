@@ -99,10 +99,11 @@ bool DataSourceProvider::CanBuild(IDataSourceConstructor* constructor) const {
 }
 
 bool DataSourceProvider::DeleteLocalDataSourceInstance(const wchar_t* name) {
-  IDataSource* source = FindLocal(name);
-  if (source == nullptr) return false;
+  if (FindLocal(name) == nullptr) return false;
   assert(notifications == 0 && "a listener deletes a source while this provider connects it");
-  const VtrString key(name);  // the name may be the source's own
+  const auto filed = sourcesByName.find(VtrStringView(name));
+  const VtrString key = filed->first;
+  IDataSource* const source = filed->second;
   Change([&] {
     FirstFailure failure;
     failure.Try([&] { DisconnectDataListeners(source); });

@@ -53,7 +53,7 @@ void DataSourceProvider::RemoveDataSource(IDataSource* source) {
   assert(notifications == 0 && "a listener removes a source while this provider connects it");
   const wchar_t* name = source->GetDataSourceName();
   if (FindLocal(name) == nullptr) return;
-  const VtrString key(name);
+  const VtrString key = sourcesByName.find(VtrStringView(name))->first;
   Change([&] {
     FirstFailure failure;
     failure.Try([&] { DisconnectDataListeners(source); });
@@ -70,7 +70,7 @@ void DataSourceProvider::RemoveDataSources(IDataSource* const* sources, std::siz
 void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   const wchar_t* name = source->GetDataSourceName();
   if (name == nullptr) return;
-  const VtrString key(name);
+  const VtrStringView key(name);  // listeners must be told even where there is no memory
   const Meanwhile notifying(notifications, notifications + 1);
   const Meanwhile going(leaving, source);
   FirstFailure failure;
@@ -83,7 +83,7 @@ void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
 
 /// The next living listener, in order of address, that waits for a name. Looks anew each time,
 /// since a listener may end, or end others, while it is called.
-IDataListener* DataSourceProvider::NextWaiting(const VtrString& name, IDataListener* after) {
+IDataListener* DataSourceProvider::NextWaiting(VtrStringView name, IDataListener* after) {
   for (auto found = waiting.find(name); found != waiting.end(); found = waiting.find(name)) {
     const auto next = found->second.upper_bound(after);
     if (next == found->second.end()) return nullptr;
@@ -131,10 +131,10 @@ void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrStrin
     if (filed->second.liveness.IsValid()) return;
     ForgetListener(listener);  // a former listener at the same address
   }
-  ListenerEntry entry{std::move(kept), listener->liveness.GetRef()};
-  const auto& names = listeners.emplace(listener, std::move(entry)).first->second.names;
+  const auto names = std::make_shared<const std::set<VtrString>>(std::move(kept));
+  listeners.emplace(listener, ListenerEntry{names, listener->liveness.GetRef()});
   try {
-    for (const auto& name : names) waiting[name].insert(listener);
+    for (const auto& name : *names) waiting[name].insert(listener);
   } catch (...) {
     ForgetListener(listener);
     throw;
@@ -144,7 +144,7 @@ void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrStrin
 void DataSourceProvider::ForgetListener(IDataListener* listener) {
   const auto entry = listeners.extract(listener);
   if (entry.empty()) return;
-  for (const auto& name : entry.mapped().names) {
+  for (const auto& name : *entry.mapped().names) {
     const auto found = waiting.find(name);
     if (found == waiting.end()) continue;
     found->second.erase(listener);
@@ -154,18 +154,19 @@ void DataSourceProvider::ForgetListener(IDataListener* listener) {
 
 void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
   if (parent != nullptr) parent->RemoveDataListener(listener);
-  Change([&] { DisconnectAndForget(listener); });
+  if (listeners.contains(listener)) Change([&] { DisconnectAndForget(listener); });
 }
 
 void DataSourceProvider::DisconnectAndForget(IDataListener* listener) {
   const auto filed = listeners.find(listener);
   if (filed == listeners.end()) return;
   if (!filed->second.liveness.IsValid()) return ForgetListener(listener);
-  // The entry's names must outlast the calls, in which the listener may end.
+  // The entry's names must outlast the calls, in which the listener may end. They are shared, since
+  // destructors of listeners come here, which let nothing out.
   const auto names = filed->second.names;
   const auto alive = filed->second.liveness;
   const Meanwhile notifying(notifications, notifications + 1);
-  for (const auto& name : names) {
+  for (const auto& name : *names) {
     IDataSource* source = GetLocalDataSourceInstance(name);
     if (source != nullptr && alive.IsValid()) listener->DisconnectFromDatasource(source);
   }

@@ -10,7 +10,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -103,7 +105,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
  private:
   friend class details::ProviderDoor;
   struct ListenerEntry {
-    std::set<VtrString> names;
+    std::shared_ptr<const std::set<VtrString>> names;
     details::WeakReference liveness;
   };
   void Destroy() override;
@@ -129,7 +131,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   void ForgetListener(IDataListener* listener);
   void EndAll();
   void TellListenersOfTheEnd();
-  [[nodiscard]] IDataListener* NextWaiting(const VtrString& name, IDataListener* after);
+  [[nodiscard]] IDataListener* NextWaiting(VtrStringView name, IDataListener* after);
 
   IDataSourceProvider* parent;
   IDataContext* dataContext;
