@@ -2,6 +2,7 @@
 
 #include <getopt.h>
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 #include <string_view>
@@ -57,8 +58,13 @@ constexpr option known[] = {
 Options ParseOptions(int count, char** arguments) {
   Options options;
   opterr = 0;  // what is wrong is told by the exception
-  for (int letter = 0; (letter = getopt_long(count, arguments, "+:h", known, nullptr)) != -1;) {
-    switch (letter) {
+  optind = 0;  // anew, wherever an earlier call stopped
+  for (;;) {
+    const char* const current = arguments[std::max(optind, 1)];
+    switch (getopt_long(count, arguments, "+:h", known, nullptr)) {
+      case -1:
+        if (optind == count) return options;
+        throw UsageError(std::string("unknown argument '") + arguments[optind] + "'");
       case 'i':
         options.interval =
             std::chrono::milliseconds(ParseNumber("--interval", optarg, 50, 3'600'000));
@@ -76,12 +82,9 @@ Options ParseOptions(int count, char** arguments) {
         options.isHelp = true;
         break;
       default:
-        throw UsageError(std::string("unknown or incomplete option '") + arguments[optind - 1] +
-                         "'");
+        throw UsageError(std::string("unknown or incomplete option '") + current + "'");
     }
   }
-  if (optind < count) throw UsageError(std::string("unknown argument '") + arguments[optind] + "'");
-  return options;
 }
 
 }  // namespace Sysmon
