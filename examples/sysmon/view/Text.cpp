@@ -16,6 +16,9 @@ VtrString ShowSize(double size, const wchar_t* suffix) {
   return VtrString().Format(unit == 0 ? L"%.0f %s%s" : L"%.1f %s%s", size, units[unit], suffix);
 }
 
+/// In seconds; what claims to be longer could not be counted.
+constexpr double longestTime = 1e15;
+
 struct Writer {
   VtrString operator()(const VtrString& text) const { return text; }
   VtrString operator()(Count count) const { return VtrString().Format(L"%u", count); }
@@ -29,7 +32,7 @@ struct Writer {
     return VtrString().Format(L"%.1f%%", share.value * 100);
   }
   VtrString operator()(Seconds time) const {
-    const auto total = static_cast<long long>(time.count());
+    const auto total = static_cast<long long>(std::clamp(time.count(), 0.0, longestTime));
     const long long days = total / 86400, hours = total / 3600 % 24, minutes = total / 60 % 60;
     if (days > 0) return VtrString().Format(L"%dd %02d:%02d", days, hours, minutes);
     return VtrString().Format(L"%d:%02d:%02d", hours, minutes, total % 60);
