@@ -1,5 +1,7 @@
 #include "DataBinding/DataSourceImpl.h"
 
+#include <algorithm>
+
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/foundation/StringSplit.h"
 
@@ -10,8 +12,10 @@ namespace {
 constexpr wchar_t everyProperty[] = L"*";
 
 /// True for what splitting would give back as it is: most announcements, which need not be split.
+/// A list ends at a NUL.
 bool IsOneName(std::wstring_view names) noexcept {
-  return names != everyProperty && names.find(L',') == names.npos &&
+  const auto ends = [](wchar_t character) { return character == L',' || character == L'\0'; };
+  return names != everyProperty && std::ranges::none_of(names, ends) &&
          !String::IsBlank(names.front()) && !String::IsBlank(names.back());
 }
 
