@@ -43,7 +43,7 @@ class NotedEvent : public PendingEventBase {
 };
 
 class Events : public ::testing::Test {
- protected:
+ public:
   ~Events() override {
     AEB::UpdatePolicy::SetUpdateUICallback({});
     IAppEventBroadcaster::ReleaseInstance(false);

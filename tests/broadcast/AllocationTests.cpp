@@ -1,32 +1,16 @@
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 #include <gtest/gtest.h>
 
+#include "../support/Allocations.h"
 #include "Notifier.h"
-
-namespace {
-std::atomic<int> allocations{0};
-}  // namespace
-
-// Every allocation of this executable and of the library is counted.
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
 namespace DataBinding {
 namespace {
 
 template <class Action>
-int AllocationsOf(Action action) {
-  const int before = allocations;
+std::int64_t AllocationsOf(Action action) {
+  const std::int64_t before = Testing::Allocations();
   action();
-  return allocations - before;
+  return Testing::Allocations() - before;
 }
 
 TEST(BroadcasterMemory, OneThatNobodyListensToCostsTwoPointers) {

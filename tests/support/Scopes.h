@@ -120,7 +120,7 @@ inline ProviderPtr MakeProvider(IDataSourceProvider* parent = nullptr,
 
 /// Gives each test a registrar of its own and two scopes, one inside the other.
 class Scopes : public ::testing::Test {
- protected:
+ public:
   Scopes() {
     IDataSourceRegistrar::SetInstanceForTests(&registrar);
     parent = MakeProvider(nullptr, L" A ,,B");
