@@ -7,6 +7,7 @@ option(DATABINDING_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVE
 option(DATABINDING_WERROR "Compile with the project's warnings, as errors" OFF)
 set(DATABINDING_SANITIZE "" CACHE STRING
     "Sanitizers for everything built here, such as address,undefined or thread")
+option(DATABINDING_FUZZ "Build the fuzz targets for libFuzzer; needs Clang" OFF)
 
 if(PROJECT_IS_TOP_LEVEL)
   set(CMAKE_CXX_EXTENSIONS OFF)
@@ -26,6 +27,11 @@ if(DATABINDING_SANITIZE)
                                -fno-omit-frame-pointer)
   add_compile_options(${databindingSanitizeFlags})
   add_link_options(${databindingSanitizeFlags})
+endif()
+
+# The library and what it is fuzzed with tell the fuzzer which branches an input took.
+if(DATABINDING_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 # Programs that are cross-built for Windows find the compiler's runtime beside them.

@@ -1,0 +1,56 @@
+/// Texts that a user types as the value of a property.
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <regex>
+
+#include "Fuzz.h"
+
+namespace Fuzz {
+
+namespace {
+
+template <class T>
+void CheckBack(T value) {
+  const auto back = TextConverter<T>().parse(TextConverter<T>().show(value));
+  Expect(back && *back == value, "a shown value reads as itself");
+}
+
+/// The C library tells what a text of the right shape stands for.
+template <class T>
+void CheckNumber(const VtrString& text, const std::regex& shape) {
+  const auto read = TextConverter<T>().parse(text);
+  Expect(bool(read) == read.text.IsEmpty() && read.text.GetLength() < 120, "a refusal says why");
+  const std::string digits = text.ToUtf8();
+  const long double meant = std::is_same_v<T, float>    ? std::strtof(digits.c_str(), nullptr)
+                            : std::is_same_v<T, double> ? std::strtod(digits.c_str(), nullptr)
+                                                        : std::strtold(digits.c_str(), nullptr);
+  const bool fits = meant >= static_cast<long double>(std::numeric_limits<T>::lowest()) &&
+                    meant <= static_cast<long double>(std::numeric_limits<T>::max());
+  Expect(bool(read) == (fits && std::regex_match(digits, shape)), "numbers are read");
+  Expect(!read || static_cast<long double>(*read) == meant, "a number is the one that was written");
+}
+
+}  // namespace
+
+void CheckInput(std::string_view input) {
+  static const std::regex natural("\\d+");
+  static const std::regex whole("-?\\d+");
+  static const std::regex real("-?(\\d+\\.?\\d*|\\.\\d+)([eE][-+]?\\d+)?");
+  const VtrString text = VtrString::FromUtf8(input.substr(0, 64));
+  CheckNumber<std::int8_t>(text, whole);
+  CheckNumber<std::int64_t>(text, whole);
+  CheckNumber<std::uint64_t>(text, natural);
+  CheckNumber<float>(text, real);
+  CheckNumber<double>(text, real);
+  const bool isTruth = text == L"true" || text == L"false";
+  Expect(bool(TextConverter<bool>().parse(text)) == isTruth, "a truth value has two texts");
+  double any = 0;
+  std::memcpy(&any, input.data(), std::min(sizeof any, input.size()));
+  if (std::isfinite(any)) CheckBack(any);
+  if (std::isfinite(static_cast<float>(any))) CheckBack(static_cast<float>(any));
+  CheckBack(static_cast<std::int64_t>(std::bit_cast<std::uint64_t>(any)));
+}
+
+}  // namespace Fuzz
