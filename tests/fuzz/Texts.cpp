@@ -63,7 +63,9 @@ void CheckPair(const VtrString& left, const VtrString& right) {
   const int order = left.CompareNoCase(right);
   Expect(order == -right.CompareNoCase(left) && (!areSame || order == 0), "so it does in any case");
   std::wstring lowered(left, static_cast<std::size_t>(left.GetLength()));
-  for (wchar_t& letter : lowered) letter += letter >= L'A' && letter <= L'Z' ? L' ' : L'\0';
+  for (wchar_t& letter : lowered) {
+    if (letter >= L'A' && letter <= L'Z') letter = static_cast<wchar_t>(letter + 32);
+  }
   Expect(VtrString(std::wstring_view(lowered)).CompareNoCase(right) == order, "case is ignored");
   Expect((left + right).Mid(left.GetLength()) == right, "the rest of a joined text is its end");
 }
