@@ -32,7 +32,7 @@ Names NamesOf(const VtrString& list) {
 }
 
 Names Announced(const Source& source, const VtrString& list) {
-  const Names names = NamesOf(list);
+  Names names = NamesOf(list);
   if (list.IsEmpty() || (!names.empty() && names.front() != L"*")) return names;
   std::set<VtrString> excluded;
   for (std::size_t i = 1; i < names.size(); ++i) excluded.insert(names[i].Mid(1));

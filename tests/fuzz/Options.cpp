@@ -22,7 +22,7 @@ void CheckAgain(const Options& options) {
   std::vector<std::string> arguments{"--interval", std::to_string(options.interval.count())};
   if (options.frames != 0) arguments.push_back("--frames=" + std::to_string(options.frames));
   for (const auto& [name, limit] : options.alarms) {
-    arguments.insert(arguments.end(), {"--alarm", name + "=" + limit});
+    arguments.insert(arguments.end(), {"--alarm", std::string(name).append("=").append(limit)});
   }
   const Options again = Parsed(arguments);
   Expect(again.interval == options.interval && again.alarms == options.alarms, "all are kept");
