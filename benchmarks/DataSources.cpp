@@ -1,124 +1,60 @@
-// Finding data sources by name, and their typed properties.
+// Finding data sources by name, and adding and removing them by the hundred thousand.
 
+#include <chrono>
 #include <cstddef>
-#include <memory>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
-#include "Allocations.h"
-#include "DataBinding/DataSourceProvider.h"
-#include "DataBinding/MakeDataSource.h"
-#include "DataBinding/NamedDataSource.h"
-#include "DataBinding/Property.h"
-#include "DataBinding/PropertyAccess.h"
-#include "Names.h"
-#include "Peers.h"
+#include "Finding.h"
+#include "Scopes.h"
 
 namespace Benchmarks {
 
 namespace {
 
-using DataBinding::DataSourceProvider;
-using DataBinding::MakeDataSource;
-using DataBinding::NamedDataSource;
-using DataBinding::VtrString;
-
-class PlainSource : public NamedDataSource {
+/// The library's provider with its sources.
+class OurScope {
  public:
-  using NamedDataSource::NamedDataSource;
+  using Name = std::wstring;
+
+  explicit OurScope(const Texts& names) {
+    for (auto& source : MakeSources(scope, names)) scope.AddDataSource(source.release());
+  }
+  [[nodiscard]] DataBinding::IDataSource* Find(const Name& name) {
+    return scope.GetDataSource(name.c_str());
+  }
+
+ private:
+  Scope scope{nullptr, nullptr, nullptr};
 };
 
-class Thermostat : public NamedDataSource {
+/// A map of pointers: no scopes, nobody that waits for a source.
+template <class Map>
+class MapScope {
  public:
-  Thermostat() : NamedDataSource(L"Thermostat") {}
+  using Name = std::wstring;
 
-  DataBinding::Property<double> target{this, L"Target", 21.0};
-  DataBinding::Property<double> actual{this, L"Actual", 19.5};
-  DataBinding::Property<int> step{this, L"Step", 1};
+  explicit MapScope(const Texts& names) {
+    for (const auto& name : names) sources.emplace(name, &scope);
+  }
+  [[nodiscard]] Scope* Find(const Name& name) const {
+    const auto found = sources.find(name);
+    return found == sources.end() ? nullptr : found->second;
+  }
+
+ private:
+  Scope scope{nullptr, nullptr, nullptr};
+  Map sources;
 };
 
-struct EndProvider {
-  void operator()(DataSourceProvider* provider) const {
-    DataBinding::IDataSourceProvider::Destroy(provider);
-  }
+[[maybe_unused]] const bool measured[] = {
+    MeasureFinding<OurScope>("ours"),
+    MeasureFinding<MapScope<std::unordered_map<std::wstring, Scope*>>>("hashmap"),
+    MeasureFinding<MapScope<std::map<std::wstring, Scope*>>>("treemap"),
 };
-using ProviderPtr = std::unique_ptr<DataSourceProvider, EndProvider>;
-
-ProviderPtr MakeProvider(const Texts& names) {
-  ProviderPtr provider(new DataSourceProvider(nullptr, nullptr, nullptr));
-  for (const auto& name : names) {
-    provider->AddDataSource(
-        MakeDataSource<PlainSource>(provider.get(), VtrString(name.c_str())).release());
-  }
-  return provider;
-}
-
-/// {sources, how many of them are asked for in turn}
-void FindSource(benchmark::State& state) {
-  const auto sources = static_cast<std::size_t>(state.range(0));
-  const Texts texts = OrdinaryNames(sources);
-  auto order = Shuffled(sources);
-  order.resize(static_cast<std::size_t>(state.range(1)));
-  const auto asked = MakeNames<std::wstring>(texts, order);
-  const auto provider = MakeProvider(texts);
-  auto next = asked.begin();
-  const AllocationWatch watch(state);
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(provider->GetDataSource(next->c_str()));
-    if (++next == asked.end()) next = asked.begin();
-  }
-}
-
-BENCHMARK(FindSource)
-    ->Name("find/ours")
-    ->Args({100, 100})
-    ->Args({100'000, 100})
-    ->Args({100'000, 100'000});
-
-/// A source announces one property, by its name.
-void AnnounceOne(benchmark::State& state) {
-  const auto source = MakeDataSource<Thermostat>(nullptr);
-  Counter counter = 0;
-  const auto handle = source->Register(Increment{&counter}, L"Target");
-  const VtrString announced(L"Target");
-  for (auto _ : state) source->UpdateListeners(announced);
-  ExpectCalls(state, counter, 1);
-}
-
-void SetProperty(benchmark::State& state) {
-  const auto source = MakeDataSource<Thermostat>(nullptr);
-  Counter counter = 0;
-  const auto handle = source->Register(Increment{&counter}, L"Target");
-  double wanted = 0.0;
-  {
-    const AllocationWatch watch(state);
-    for (auto _ : state) {
-      wanted += 0.5;
-      benchmark::DoNotOptimize(source->target.Set(wanted));
-    }
-  }
-  ExpectCalls(state, counter, 1);
-}
-
-void GetProperty(benchmark::State& state) {
-  const auto source = MakeDataSource<Thermostat>(nullptr);
-  const VtrString name(L"Target");
-  const AllocationWatch watch(state);
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(DataBinding::GetProperty<double>(source.get(), name));
-  }
-}
-
-/// The same by a reference that was found before.
-void GetFoundProperty(benchmark::State& state) {
-  const auto source = MakeDataSource<Thermostat>(nullptr);
-  const auto found = DataBinding::FindProperty<double>(source.get(), L"Target");
-  for (auto _ : state) benchmark::DoNotOptimize(found.Get());
-}
-
-BENCHMARK(AnnounceOne)->Name("typed/announce");
-BENCHMARK(SetProperty)->Name("typed/set");
-BENCHMARK(GetProperty)->Name("typed/get");
-BENCHMARK(GetFoundProperty)->Name("typed/found");
 
 }  // namespace
 

@@ -1,7 +1,9 @@
 /// Queues of named events side by side: the library and what one would use in its place.
 ///
-/// A peer has Subscribe(name), Raise(name, reading) and Dispatch(). The listeners of all do the
-/// same: they add up the numbers that they are given.
+/// A peer has Subscribe(name), Raise(name, reading), Dispatch() and, where it can replace the
+/// newest event of a name, RaiseLatest(name, reading). All may raise on any thread; the rest
+/// belongs to the one that dispatches. The listeners of all do the same: they add up the numbers
+/// that they are given. The workloads are in EventWorkloads.h.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +15,6 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <boost/signals2/signal.hpp>
 
 #include "DataBinding/AppEvent.h"
 #include "Names.h"
@@ -34,19 +35,6 @@ struct Sum {
     ++events;
   }
 };
-
-/// Fails a benchmark some of whose events did not arrive.
-inline void ExpectEvents(benchmark::State& state, const Sum& sum, std::size_t eventsPerIteration) {
-  const auto expected = eventsPerIteration * static_cast<std::uint64_t>(state.iterations());
-  if (sum.events != expected) state.SkipWithError("events were lost");
-}
-
-/// Reports the time of one event.
-inline void CountEvents(benchmark::State& state, std::size_t eventsPerIteration) {
-  const auto events = static_cast<double>(eventsPerIteration);
-  state.counters["per_event"] = {
-      events, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert};
-}
 
 /// The library: typed events of the process's broadcaster.
 class OurEvents {
@@ -114,33 +102,6 @@ class FloorEvents {
   std::vector<Entry> batch;
 };
 
-/// Listeners as functions in a vector.
-class FunctionList {
- public:
-  void Add(std::function<void(const Reading&)> listener) {
-    listeners.push_back(std::move(listener));
-  }
-  void operator()(const Reading& reading) const {
-    for (const auto& listener : listeners) listener(reading);
-  }
-
- private:
-  std::vector<std::function<void(const Reading&)>> listeners;
-};
-
-/// Listeners of a Boost.Signals2 signal.
-class SignalOfReadings {
- public:
-  template <class Listener>
-  void Add(Listener listener) {
-    signal.connect(listener);
-  }
-  void operator()(const Reading& reading) { signal(reading); }
-
- private:
-  boost::signals2::signal<void(const Reading&)> signal;
-};
-
 /// A lock and a vector of functions, each of which carries its event with its name.
 template <class Listeners>
 class ClosureEvents {
@@ -175,24 +136,5 @@ class ClosureEvents {
   std::vector<std::function<void()>> queue;
   std::vector<std::function<void()>> batch;
 };
-
-using FunctionEvents = ClosureEvents<FunctionList>;
-using BoostEvents = ClosureEvents<SignalOfReadings>;
-
-inline constexpr std::size_t eventsPerBatch = 1000;
-
-/// Raises a batch over the names in turn and dispatches it.
-template <class Peer>
-void RaiseAndDispatch(benchmark::State& state) {
-  const auto names = static_cast<std::size_t>(state.range(0));
-  Peer peer(OrdinaryNames(names));
-  for (std::size_t name = 0; name < names; ++name) peer.Subscribe(name);
-  for (auto _ : state) {
-    for (std::size_t i = 0; i < eventsPerBatch; ++i) peer.Raise(i % names, {1.5, i});
-    peer.Dispatch();
-  }
-  ExpectEvents(state, peer.sum, eventsPerBatch);
-  CountEvents(state, eventsPerBatch);
-}
 
 }  // namespace Benchmarks

@@ -2,10 +2,17 @@
 
 #include <benchmark/benchmark.h>
 
+#ifdef __clang__
+#define COMPILER "clang " __clang_version__
+#else
+#define COMPILER "g++ " __VERSION__
+#endif
+
 // Locks and counts of a process that never had a second thread are cheaper than those of one that
 // has: every benchmark is to measure the latter, whatever ran before it.
 int main(int argc, char** argv) {
   std::thread([] {}).join();
+  benchmark::AddCustomContext("compiler", COMPILER);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   return benchmark::RunSpecifiedBenchmarks() == 0 ? 1 : 0;

@@ -21,6 +21,11 @@ std::wstring Digits(std::size_t number, std::size_t width) {
 
 }  // namespace
 
+NarrowName::NarrowName(std::wstring_view wide) : text(wide.size(), '\0') {
+  std::transform(wide.begin(), wide.end(), text.begin(),
+                 [](wchar_t character) { return static_cast<char>(character); });
+}
+
 Texts OrdinaryNames(std::size_t count) {
   std::mt19937 random(1);
   Texts names(count, std::wstring(nameLength, L'a'));

@@ -14,6 +14,16 @@ using Texts = std::vector<std::wstring>;
 
 inline constexpr const wchar_t* oneName = L"Temperature2";
 
+/// A name in the narrow characters that some peers take.
+class NarrowName {
+ public:
+  explicit NarrowName(std::wstring_view wide);
+  [[nodiscard]] const char* Text() const noexcept { return text.c_str(); }
+
+ private:
+  std::string text;
+};
+
 /// Names as they come: they differ everywhere.
 [[nodiscard]] Texts OrdinaryNames(std::size_t count);
 /// Names that differ in a running number at their end, so that a few share a sampling hash.
@@ -24,13 +34,23 @@ inline constexpr const wchar_t* oneName = L"Temperature2";
 /// The numbers below a count in random order.
 [[nodiscard]] std::vector<std::size_t> Shuffled(std::size_t count);
 
+/// A name of a type that is made from wide characters, in the one way or the other.
+template <class Name>
+[[nodiscard]] Name MakeName(const std::wstring& text) {
+  if constexpr (requires { Name::fromStdWString(text); }) {
+    return Name::fromStdWString(text);
+  } else {
+    return Name(std::wstring_view(text));
+  }
+}
+
 /// Strings of their own for some of the texts, in the order given.
 template <class Name>
 [[nodiscard]] std::vector<Name> MakeNames(const Texts& texts,
                                           const std::vector<std::size_t>& order) {
   std::vector<Name> names;
   names.reserve(order.size());
-  for (const auto position : order) names.emplace_back(std::wstring_view(texts[position]));
+  for (const auto position : order) names.push_back(MakeName<Name>(texts[position]));
   return names;
 }
 

@@ -1,7 +1,12 @@
 /// What is measured side by side: the library and others that do the same, under one interface.
 ///
-/// A peer has a Name, a Handle that cancels when it is dropped, Register(name, listener) and
-/// Emit(name). Every listener does the same trivial work everywhere, see Increment.
+/// A peer that announces has
+///   - a Name, and a Handle that cancels when it is dropped;
+///   - Register(name, listener), Emit(name) and, where it can tell, Heard(name);
+///   - byName: whether it looks the name up, or is one signal that ignores it;
+///   - threadSafe: whether threads may announce one object's change at the same time.
+/// Every listener does the same trivial work everywhere, see Increment. The workloads are templates
+/// over peers: see Signals.h, and Properties.h for peers that hold a value.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +17,7 @@
 #include <shared_mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -35,6 +41,38 @@ inline void ExpectCalls(benchmark::State& state, Counter actual, std::size_t lis
   if (actual != expected) state.SkipWithError("listeners did not run");
 }
 
+/// Enters a workload of a peer under both names, such as "broadcast/boost".
+inline benchmark::internal::Benchmark& Enter(const std::string& workload, const std::string& peer,
+                                             void (*run)(benchmark::State&)) {
+  return *benchmark::RegisterBenchmark((workload + '/' + peer).c_str(), run);
+}
+
+/// Has the measurements mention the version of a library.
+inline bool Mention(const std::string& library, const std::string& version) {
+  benchmark::AddCustomContext("library " + library, version);
+  return true;
+}
+
+/// Ends the connection of a peer whose own handle does not. A Connection made by default is none.
+template <class Connection>
+class Scoped {
+ public:
+  Scoped() = default;
+  explicit Scoped(Connection made) : connection(std::move(made)) {}
+  Scoped(Scoped&& other) noexcept : connection(std::exchange(other.connection, Connection())) {}
+  Scoped& operator=(Scoped&& other) noexcept {
+    if (this != &other) {
+      connection.End();
+      connection = std::exchange(other.connection, Connection());
+    }
+    return *this;
+  }
+  ~Scoped() { connection.End(); }
+
+ private:
+  Connection connection;
+};
+
 /// The least broadcaster that can be made.
 class Announcer : public DataBinding::IBroadcaster {};
 
@@ -43,12 +81,15 @@ class Ours {
  public:
   using Name = DataBinding::VtrString;
   using Handle = DataBinding::Subscription;
+  static constexpr bool byName = true;
+  static constexpr bool threadSafe = true;
 
   template <class Listener>
   [[nodiscard]] Handle Register(const Name& name, Listener listener) {
     return announcer.Register(listener, name);
   }
   void Emit(const Name& name) { announcer.UpdateListeners(name); }
+  [[nodiscard]] bool Heard(const Name& name) const { return announcer.AreListenersAvailable(name); }
 
  private:
   Announcer announcer;
@@ -59,6 +100,8 @@ class Floor {
  public:
   using Name = std::wstring;
   struct Handle {};
+  static constexpr bool byName = false;
+  static constexpr bool threadSafe = false;
 
   [[nodiscard]] Handle Register(const Name& /*name*/, Increment listener) {
     entries.push_back({&Run, listener.counter});
@@ -85,6 +128,8 @@ class FarFloor : public Floor {
 class Naive {
  public:
   using Name = std::wstring;
+  static constexpr bool byName = true;
+  static constexpr bool threadSafe = true;
 
   struct End {
     Name name;
@@ -102,6 +147,10 @@ class Naive {
   void Emit(const Name& name) {
     for (const auto& [id, listener] : Copy(name)) listener();
   }
+  [[nodiscard]] bool Heard(const Name& name) const {
+    const std::shared_lock guard(lock);
+    return listeners.contains(name);
+  }
 
  private:
   using Callbacks = std::unordered_map<std::uint64_t, std::function<void()>>;
@@ -118,7 +167,7 @@ class Naive {
     if (found->second.empty()) listeners.erase(found);
   }
 
-  std::shared_mutex lock;
+  mutable std::shared_mutex lock;
   std::unordered_map<Name, Callbacks> listeners;
   std::uint64_t lastId = 0;
 };
@@ -128,34 +177,44 @@ class BoostSignal {
  public:
   using Name = std::wstring;
   using Handle = boost::signals2::scoped_connection;
+  static constexpr bool byName = false;
+  static constexpr bool threadSafe = true;
 
   template <class Listener>
   [[nodiscard]] Handle Register(const Name& /*name*/, Listener listener) {
     return signal.connect(listener);
   }
   void Emit(const Name& /*name*/) { signal(); }
+  [[nodiscard]] bool Heard(const Name& /*name*/) const { return !signal.empty(); }
 
  private:
   boost::signals2::signal<void()> signal;
 };
 
-/// One Boost.Signals2 signal per name, looked up for each operation.
-class BoostMap {
+/// One signal per name, looked up for each operation. Nothing protects the map itself.
+template <class Signal>
+class ByName {
  public:
   using Name = std::wstring;
-  using Handle = boost::signals2::scoped_connection;
+  using Handle = typename Signal::Handle;
+  static constexpr bool byName = true;
+  static constexpr bool threadSafe = Signal::threadSafe;
 
   template <class Listener>
   [[nodiscard]] Handle Register(const Name& name, Listener listener) {
-    return signals[name].connect(listener);
+    return signals[name].Register(name, listener);
   }
   void Emit(const Name& name) {
     const auto found = signals.find(name);
-    if (found != signals.end()) found->second();
+    if (found != signals.end()) found->second.Emit(name);
+  }
+  [[nodiscard]] bool Heard(const Name& name) const {
+    const auto found = signals.find(name);
+    return found != signals.end() && found->second.Heard(name);
   }
 
  private:
-  std::unordered_map<Name, boost::signals2::signal<void()>> signals;
+  std::unordered_map<Name, Signal> signals;
 };
 
 }  // namespace Benchmarks

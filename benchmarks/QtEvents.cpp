@@ -1,63 +1,77 @@
-// Qt's posted events in the place of the library's queue.
+#include "QtEvents.h"
 
-#include <QCoreApplication>
-#include <QEvent>
-#include <QObject>
 #include <memory>
 #include <vector>
 
-#include "EventPeers.h"
+#include "EventWorkloads.h"
 
 namespace Benchmarks {
 
 namespace {
 
-class ReadingEvent : public QEvent {
+/// One posted event for each that is raised; one receiver for each name.
+class QtPosted {
  public:
-  static inline const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
-  explicit ReadingEvent(const Reading& carried) : QEvent(type), reading(carried) {}
-
-  Reading reading;
-};
-
-class Receiver : public QObject {
- public:
-  explicit Receiver(Sum& target) : sum(target) {}
-  bool event(QEvent* received) override {
-    if (received->type() != ReadingEvent::type) return QObject::event(received);
-    sum.Add(static_cast<ReadingEvent*>(received)->reading);
-    return true;
+  explicit QtPosted(const Texts& names) : receivers(names.size()) {
+    static_cast<void>(QtApplication());
   }
-
- private:
-  Sum& sum;
-};
-
-class QtEvents {
- public:
-  explicit QtEvents(const Texts& names) : receivers(names.size()) {}
-  void Subscribe(std::size_t name) { receivers[name] = std::make_unique<Receiver>(sum); }
+  void Subscribe(std::size_t name) { receivers[name] = std::make_unique<QtReceiver>(sum); }
   void Raise(std::size_t name, const Reading& reading) {
-    QCoreApplication::postEvent(receivers[name].get(), new ReadingEvent(reading));
+    QCoreApplication::postEvent(receivers[name].get(), new QtReadingEvent(reading));
+  }
+  void RaiseLatest(std::size_t name, const Reading& reading) {
+    QCoreApplication::removePostedEvents(receivers[name].get(), QtReadingEvent::type);
+    Raise(name, reading);
   }
   void Dispatch() { QCoreApplication::sendPostedEvents(); }
 
   Sum sum;
 
  private:
-  static QCoreApplication& Application() {
-    static int count = 1;
-    static char name[] = "benchmarks";
-    static char* arguments[] = {name, nullptr};
-    static QCoreApplication application(count, arguments);
-    return application;
-  }
-
-  QCoreApplication& application = Application();
-  std::vector<std::unique_ptr<Receiver>> receivers;
+  std::vector<std::unique_ptr<QtReceiver>> receivers;
 };
 
-BENCHMARK(RaiseAndDispatch<QtEvents>)->Name("queue/qt")->Arg(100);
+/// Senders by name whose listeners are connected to them.
+template <Qt::ConnectionType connection>
+class QtSenders {
+ public:
+  explicit QtSenders(const Texts& names) : senders(std::make_unique<QtSender[]>(names.size())) {
+    static_cast<void>(QtApplication());
+  }
+  void Subscribe(std::size_t name) {
+    const auto add = [this](const Reading& reading) { sum.Add(reading); };
+    QObject::connect(&senders[name], &QtSender::Raised, &context, add, connection);
+  }
+  void Dispatch() { QCoreApplication::sendPostedEvents(); }
+
+  Sum sum;
+
+ protected:
+  std::unique_ptr<QtSender[]> senders;
+  QObject context;
+};
+
+/// A posted event whose receiver raises a signal.
+class QtPostedSignal : public QtSenders<Qt::DirectConnection> {
+ public:
+  using QtSenders::QtSenders;
+  void Raise(std::size_t name, const Reading& reading) {
+    QCoreApplication::postEvent(&senders[name], new QtReadingEvent(reading));
+  }
+};
+
+/// A signal over queued connections: one posted event for each listener.
+class QtQueued : public QtSenders<Qt::QueuedConnection> {
+ public:
+  using QtSenders::QtSenders;
+  void Raise(std::size_t name, const Reading& reading) { Q_EMIT senders[name].Raised(reading); }
+};
+
+[[maybe_unused]] const bool measured = [] {
+  EnterQueue<QtPosted>("qt");
+  EnterDelivery<QtPostedSignal>("qt");
+  return MeasureEvents<QtQueued>("qtqueued");
+}();
 
 }  // namespace
 

@@ -1,7 +1,10 @@
-// Registering and cancelling, beside others and on a new object.
+/// Registering and cancelling, beside others and on a new object.
+#pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Allocations.h"
@@ -9,8 +12,6 @@
 #include "Peers.h"
 
 namespace Benchmarks {
-
-namespace {
 
 /// Listeners that stay, all of one name or each of its own, and a random order to go through them.
 template <class Peer>
@@ -21,16 +22,21 @@ class Crowd {
     typename Peer::Handle* handle;
   };
 
+  /// {listeners, names}
+  explicit Crowd(const benchmark::State& state)
+      : Crowd(static_cast<std::size_t>(state.range(0)), static_cast<std::size_t>(state.range(1))) {}
   Crowd(std::size_t listeners, std::size_t nameCount)
-      : names(MakeNames<typename Peer::Name>(OrdinaryNames(nameCount))) {
-    for (std::size_t i = 0; i < listeners; ++i) handles.push_back(Register(names[i % nameCount]));
-    for (const auto i : Shuffled(listeners))
-      members.push_back({&names[i % nameCount], &handles[i]});
+      : names(MakeNames<typename Peer::Name>(OrdinaryNames(nameCount))), handles(listeners) {
+    for (std::size_t i = 0; i < listeners; ++i) handles[i] = Register(names[i % nameCount]);
+    for (const auto i : Shuffled(std::max(listeners, nameCount))) {
+      members.push_back({&names[i % nameCount], i < listeners ? &handles[i] : nullptr});
+    }
   }
 
   [[nodiscard]] typename Peer::Handle Register(const typename Peer::Name& name) {
     return peer.Register(name, Increment{&counter});
   }
+  /// Its handle is null where nobody stays.
   [[nodiscard]] const Member& Next() noexcept {
     if (next == members.size()) next = 0;
     return members[next++];
@@ -48,8 +54,7 @@ class Crowd {
 /// Each new listener is cancelled before the next one comes.
 template <class Peer>
 void RegisterAndCancel(benchmark::State& state) {
-  Crowd<Peer> crowd(static_cast<std::size_t>(state.range(0)),
-                    static_cast<std::size_t>(state.range(1)));
+  Crowd<Peer> crowd(state);
   const AllocationWatch watch(state);
   for (auto _ : state) {
     const auto handle = crowd.Register(*crowd.Next().name);
@@ -60,8 +65,7 @@ void RegisterAndCancel(benchmark::State& state) {
 /// A random listener is cancelled and a new one takes its place.
 template <class Peer>
 void CancelAndRegister(benchmark::State& state) {
-  Crowd<Peer> crowd(static_cast<std::size_t>(state.range(0)),
-                    static_cast<std::size_t>(state.range(1)));
+  Crowd<Peer> crowd(state);
   const AllocationWatch watch(state);
   for (auto _ : state) {
     const auto& member = crowd.Next();
@@ -70,18 +74,6 @@ void CancelAndRegister(benchmark::State& state) {
     benchmark::ClobberMemory();
   }
 }
-
-/// {listeners, names}
-void Crowds(benchmark::internal::Benchmark* registering) {
-  registering->Args({100, 1})->Args({10'000, 1})->Args({100, 100})->Args({10'000, 10'000});
-}
-
-BENCHMARK(RegisterAndCancel<Ours>)->Name("register/newest/ours")->Apply(Crowds);
-BENCHMARK(RegisterAndCancel<Naive>)->Name("register/newest/naive")->Apply(Crowds);
-BENCHMARK(RegisterAndCancel<BoostMap>)->Name("register/newest/boostmap")->Apply(Crowds);
-BENCHMARK(CancelAndRegister<Ours>)->Name("register/random/ours")->Apply(Crowds);
-BENCHMARK(CancelAndRegister<Naive>)->Name("register/random/naive")->Apply(Crowds);
-BENCHMARK(CancelAndRegister<BoostMap>)->Name("register/random/boostmap")->Apply(Crowds);
 
 /// The whole life of an object that has one listener for a while.
 template <class Peer>
@@ -118,43 +110,33 @@ void FirstListenerOnly(benchmark::State& state) {
   }
 }
 
-BENCHMARK(FirstListener<Ours>)->Name("first/ours");
-BENCHMARK(FirstListener<Naive>)->Name("first/naive");
-BENCHMARK(FirstListener<BoostSignal>)->Name("first/boost");
-BENCHMARK(FirstListenerOnly<Ours>)->Name("first/register/ours");
-BENCHMARK(FirstListenerOnly<Naive>)->Name("first/register/naive");
-BENCHMARK(FirstListenerOnly<BoostSignal>)->Name("first/register/boost");
-
-template <class T>
-double Pointers() {
-  return static_cast<double>(sizeof(T)) / sizeof(void*);
-}
-
-/// An object that nobody ever listens to.
-void IdleOurs(benchmark::State& state) {
-  const DataBinding::VtrString name(oneName);
-  {
-    const AllocationWatch watch(state);
-    for (auto _ : state) {
-      const Announcer announcer;
-      benchmark::DoNotOptimize(announcer.AreListenersAvailable(name));
-    }
-  }
-  state.counters["holder"] = Pointers<DataBinding::details::Broadcaster>();
-  state.counters["object"] = Pointers<Announcer>();
-}
-
-void IdleBoost(benchmark::State& state) {
+/// An object that nobody ever listens to. Those that can are asked whether anybody does.
+template <class Peer>
+void Idle(benchmark::State& state) {
+  const typename Peer::Name name(oneName);
   const AllocationWatch watch(state);
   for (auto _ : state) {
-    const boost::signals2::signal<void()> signal;
-    benchmark::DoNotOptimize(signal.empty());
+    Peer peer;
+    if constexpr (requires { peer.Heard(name); }) {
+      benchmark::DoNotOptimize(peer.Heard(name));
+    } else {
+      benchmark::DoNotOptimize(peer);
+    }
   }
 }
 
-BENCHMARK(IdleOurs)->Name("idle/ours");
-BENCHMARK(IdleBoost)->Name("idle/boost");
-
-}  // namespace
+template <class Peer>
+void EnterRegistering(const std::string& peer) {
+  Enter("first", peer, &FirstListener<Peer>);
+  Enter("first/register", peer, &FirstListenerOnly<Peer>);
+  Enter("idle", peer, &Idle<Peer>);
+  auto& newest = Enter("register/newest", peer, &RegisterAndCancel<Peer>);
+  auto& random = Enter("register/random", peer, &CancelAndRegister<Peer>);
+  newest.Args({0, 1});
+  for (auto* registering : {&newest, &random}) {
+    registering->Args({1, 1})->Args({100, 1})->Args({10'000, 1});
+    if constexpr (Peer::byName) registering->Args({100, 100})->Args({10'000, 10'000});
+  }
+}
 
 }  // namespace Benchmarks

@@ -1,0 +1,31 @@
+#include "Memory.h"
+
+#include <malloc.h>
+
+namespace Benchmarks {
+
+std::size_t HeapInUse() noexcept {
+  const auto account = mallinfo2();
+  return account.uordblks + account.hblkhd;
+}
+
+namespace {
+
+template <class T>
+double Pointers() {
+  return static_cast<double>(sizeof(T)) / sizeof(void*);
+}
+
+/// What a broadcaster adds to the object that it is in.
+void Sizes(benchmark::State& state) {
+  for (auto _ : state) {
+    state.counters["holder"] = Pointers<DataBinding::details::Broadcaster>();
+    state.counters["object"] = Pointers<Announcer>();
+  }
+}
+
+BENCHMARK(Sizes)->Name("memory/sizes")->Iterations(1);
+
+}  // namespace
+
+}  // namespace Benchmarks

@@ -1,0 +1,33 @@
+/// Scopes with data sources in them, for what is measured on whole trees of them.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "DataBinding/DataSourceProvider.h"
+#include "DataBinding/MakeDataSource.h"
+#include "DataBinding/NamedDataSource.h"
+#include "Names.h"
+
+namespace Benchmarks {
+
+class PlainSource : public DataBinding::NamedDataSource {
+ public:
+  using NamedDataSource::NamedDataSource;
+};
+
+using Scope = DataBinding::DataSourceProvider;
+using PlainSourcePtr = DataBinding::DataSourcePtr<PlainSource>;
+
+[[nodiscard]] inline PlainSourcePtr MakeSource(Scope& scope, const std::wstring& name) {
+  return DataBinding::MakeDataSource<PlainSource>(&scope, DataBinding::VtrString(name.c_str()));
+}
+
+[[nodiscard]] inline std::vector<PlainSourcePtr> MakeSources(Scope& scope, const Texts& names) {
+  std::vector<PlainSourcePtr> sources;
+  sources.reserve(names.size());
+  for (const auto& name : names) sources.push_back(MakeSource(scope, name));
+  return sources;
+}
+
+}  // namespace Benchmarks

@@ -1,0 +1,144 @@
+"""Writes the page of measurements and its plots."""
+
+import platform
+import re
+from pathlib import Path
+
+from report import peers, plot, tables
+from report.sweeps import DATA, DEPTHS, EVENTS, GROWTH, MEMORY, SWEEPS
+
+DASHES = {peers.YES: "", peers.SIGNALS: "8 3 2 3", peers.NO: "6 4", peers.FLOOR: "2 3"}
+LEGEND = [(DASHES[peers.YES], "thread-safe"), (DASHES[peers.SIGNALS], "but for its map"),
+          (DASHES[peers.NO], "one thread"), (DASHES[peers.FLOOR], "floor")]
+
+HEAD = """# How fast it is, beside others
+
+Written by `./dev bench`, which measures everything below in one run. The ratios matter, not the
+figures: another machine has others.
+
+{facts}
+
+**Method.** The executable runs {runs} times for each group of workloads, each time {repetitions}
+times for each of the group's benchmarks in random order, so that a busy moment of the machine and a
+lucky place in memory touch all alike. A time is the median of all {total}; `±` is the median
+distance from it; `×` is the ratio to the library's own. Every listener does the same work, an
+increment or an addition, that cannot be left out, and each workload checks that all listeners ran.
+The process has had a second thread before it measures, so that nobody's locks are left out. Names
+are equal strings in other places than those registered.
+
+**Thread-safe** says whether threads may announce (or raise) one object's change at the same time:
+*yes*, *no*, or *its signals*, where a map that finds them needs a lock of its own, which is not
+measured here and would come on top. Floors are the least that the work can cost, and no peers.
+"""
+
+AHEAD = """## Where a thread-safe peer is ahead
+
+{text}
+"""
+
+MEMORY_TEXT = """## Memory
+
+Bytes of the heap that are in use, by the C library's own account (`mallinfo2`), which counts
+whatever a peer allocates, the allocator's own words and its rounding included; GLib's cache of small
+blocks is off for this (`G_SLICE=always-malloc`), as it is for good in later versions. Objects stand
+side by side in an array of 10,000; a peer whose objects are on the heap adds its pointer. Handles
+are counted with their listeners.
+"""
+
+GROWTH_TEXT = """## How a scope grows
+
+Nanoseconds for each of N elements of one provider. The columns at the right are the growth of that
+time over the growth of log N: 1.00 is a step that takes n log n in all. Memory has its part in it:
+a hash map of 100,000 names, whose steps are constant but for the caches, is shown for comparison.
+
+{growth}
+
+A chain of scopes, one within the other; nanoseconds for one operation. The columns at the right are
+the growth of the time over that of the depth.
+
+{depths}
+"""
+
+
+def machine(context):
+    """What the measurements depend on."""
+    model = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text(encoding="utf-8"))
+    system = re.search(r'PRETTY_NAME="(.*)"', Path("/etc/os-release").read_text(encoding="utf-8"))
+    caches = ", ".join(f"L{cache['level']} {cache['type'].lower()} {cache['size'] // 1024} KiB"
+                       for cache in context["caches"])
+    libraries = ", ".join(f"{name.removeprefix('library ')} {version.replace('_', '.')}"
+                          for name, version in sorted(context.items())
+                          if name.startswith("library ") and isinstance(version, str))
+    lines = {
+        "Date": context["date"][:10],
+        "Processor": f"{model.group(1) if model else platform.machine()}, {context['num_cpus']} "
+                     f"processors at {context['mhz_per_cpu']} MHz; {caches}",
+        "System": f"{system.group(1) if system else platform.system()}, "
+                  f"{platform.system()} {platform.release()}; load {context['load_avg'][0]:.1f}",
+        "Compiler": f"{context['compiler']}, optimised (`release` preset)",
+        "Libraries": re.sub(r"library_\S+ \S+(, )?", "", libraries),
+    }
+    return "\n".join(f"- {name}: {text}" for name, text in lines.items())
+
+
+def lines_of(sweep, results):
+    """A line for each peer that was measured at more than one point."""
+    markers, lines = {}, []
+    for name, peer in tables.present(sweep, results).items():
+        points = [(point, sweep.value(results, name, point)) for point in sweep.points]
+        points = [(x, y) for x, y in points if y]
+        number = markers[peer.colour] = markers.get(peer.colour, -1) + 1
+        if len(points) > 1:
+            ours = name == peers.OURS
+            lines.append(plot.Line(peer.label.replace("&lt;", "<").replace("&gt;", ">"), points,
+                                   peer.colour, DASHES[peer.safe], number, 3 if ours else 1.8))
+    return lines
+
+
+def section(sweep, results, folder):
+    parts = [f"### {sweep.title}", sweep.text]
+    if sweep.plotted:
+        lines = lines_of(sweep, results)
+        used = [(dash, text) for dash, text in LEGEND if any(line.dash == dash for line in lines)]
+        drawing = plot.draw(sweep.title, sweep.axis, sweep.unit, lines, used)
+        (folder / f"{sweep.slug}.svg").write_text(drawing, encoding="utf-8")
+        parts.append(f"![{sweep.title}, by the number of {sweep.axis}]"
+                     f"({folder.name}/{sweep.slug}.svg)")
+    parts.append(tables.sweep(sweep, results))
+    return "\n\n".join(part for part in parts if part)
+
+
+def notes():
+    """What each peer does otherwise than the library, or leaves out."""
+    families = {"Announcing": peers.SIGNALS_OF, "Properties": peers.PROPERTIES,
+                "Finding sources": peers.SOURCES, "Binds": peers.BINDS, "Events": peers.EVENTS}
+    lines = [[title if first else "", peer.label, peer.note]
+             for title, family in families.items()
+             for first, peer in zip([True] + [False] * len(family), family.values())]
+    return "## What the peers are\n\n" + tables.markdown(["", "peer", "what it does, or does not"],
+                                                         lines, ["---"] * 3)
+
+
+def ahead_text(results):
+    rows = tables.ahead(SWEEPS, results)
+    if not rows:
+        return "Nowhere."
+    return tables.markdown(["workload", "peer", "where: ours over theirs", "reason"], rows,
+                           ["---"] * 4)
+
+
+def write(page, goals, results, measured):
+    """The page, and a plot beside it for each sweep."""
+    folder = page.parent / page.stem
+    folder.mkdir(exist_ok=True)
+    facts = HEAD.format(facts=machine(measured["context"]), **measured["effort"])
+    chapters = {"Announcing, registering, properties": DATA, "Events": EVENTS}
+    parts = [facts.strip(), "## Goals", tables.goals(goals, results),
+             AHEAD.format(text=ahead_text(results)).strip()]
+    for title, sweeps in chapters.items():
+        parts += [f"## {title}", *[section(sweep, results, folder) for sweep in sweeps]]
+    parts += [MEMORY_TEXT.strip(), *[section(sweep, results, folder) for sweep in MEMORY]]
+    parts.append(GROWTH_TEXT.format(growth=tables.growth_table(GROWTH, results),
+                                    depths=tables.depth_table(DEPTHS, results)).strip())
+    parts.append(notes())
+    page.write_text("\n\n".join(parts) + "\n", encoding="utf-8")
