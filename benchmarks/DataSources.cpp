@@ -1,12 +1,8 @@
-// Finding data sources by name, and adding and removing them by the hundred thousand.
+// Finding data sources by name: the library's provider beside plain maps.
 
-#include <chrono>
-#include <cstddef>
 #include <map>
 #include <string>
 #include <unordered_map>
-#include <utility>
-#include <vector>
 
 #include "Finding.h"
 #include "Scopes.h"

@@ -1,6 +1,5 @@
 // How the steps of one provider grow with its sources, its listeners and the depth of its tree.
 
-#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -16,13 +15,12 @@ namespace Benchmarks {
 
 namespace {
 
-/// Takes the time of a step, which does the work of the whole iteration.
+/// Runs one step of an iteration whose clock stands still otherwise.
 template <class Step>
-void Timed(benchmark::State& state, Step step) {
-  const auto begin = std::chrono::steady_clock::now();
+void OnTheClock(benchmark::State& state, Step step) {
+  state.ResumeTiming();
   step();
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
-  state.SetIterationTime(took.count());
+  state.PauseTiming();
 }
 
 /// Sources that are added to, looked up in and removed from one provider.
@@ -69,18 +67,22 @@ class MappedSources {
 enum class Step { Add, Find, Remove };
 
 /// All of one step, for so many sources.
-template <class Peer, Step timed>
+template <class Peer, Step Timed>
 void Sources(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
   const Texts names = OrdinaryNames(count);
   const auto order = Shuffled(count);
   const auto asked = MakeNames<std::wstring>(names, order);
-  const auto run = [&](Step step, auto work) { step == timed ? Timed(state, work) : work(); };
+  const auto run = [&](Step step, auto work) { step == Timed ? OnTheClock(state, work) : work(); };
   for (auto _ : state) {
-    Peer peer(names);
-    run(Step::Add, [&] { peer.Add(); });
-    run(Step::Find, [&] { peer.Find(asked); });
-    run(Step::Remove, [&] { peer.Remove(order); });
+    state.PauseTiming();
+    {
+      Peer peer(names);
+      run(Step::Add, [&] { peer.Add(); });
+      run(Step::Find, [&] { peer.Find(asked); });
+      run(Step::Remove, [&] { peer.Remove(order); });
+    }
+    state.ResumeTiming();
   }
 }
 
@@ -133,19 +135,25 @@ class Audience {
 enum class Wiring { Listen, Connect, Leave };
 
 /// {listeners, names}: all of one step. The listeners leave while they are connected.
-template <Wiring timed>
+template <Wiring Timed>
 void Listeners(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
   const Texts names = OrdinaryNames(static_cast<std::size_t>(state.range(1)));
   const auto order = Shuffled(count);
-  const auto run = [&](Wiring step, auto work) { step == timed ? Timed(state, work) : work(); };
+  const auto run = [&](Wiring step, auto work) {
+    step == Timed ? OnTheClock(state, work) : work();
+  };
   for (auto _ : state) {
-    Audience audience(count, names);
-    run(Wiring::Listen, [&] { audience.Listen(); });
-    run(Wiring::Connect, [&] { audience.Connect(); });
-    if (!audience.IsConnected()) state.SkipWithError("listeners were not connected");
-    run(Wiring::Leave, [&] { audience.Leave(order); });
-    audience.Disconnect();
+    state.PauseTiming();
+    {
+      Audience audience(count, names);
+      run(Wiring::Listen, [&] { audience.Listen(); });
+      run(Wiring::Connect, [&] { audience.Connect(); });
+      if (!audience.IsConnected()) state.SkipWithError("listeners were not connected");
+      run(Wiring::Leave, [&] { audience.Leave(order); });
+      audience.Disconnect();
+    }
+    state.ResumeTiming();
   }
 }
 
@@ -159,7 +167,7 @@ void Listeners(benchmark::State& state) {
       {"remove/hashmap", &Sources<MappedSources, Step::Remove>},
   };
   for (const auto& [name, run] : steps) {
-    Enter("growth", name, run).UseManualTime()->Arg(1000)->Arg(10'000)->Arg(100'000);
+    Enter("growth", name, run).Arg(1000)->Arg(10'000)->Arg(100'000);
   }
   const std::pair<const char*, void (*)(benchmark::State&)> wirings[] = {
       {"listen/ours", &Listeners<Wiring::Listen>},
@@ -168,7 +176,6 @@ void Listeners(benchmark::State& state) {
   };
   for (const auto& [name, run] : wirings) {
     auto& wiring = Enter("growth", name, run);
-    wiring.UseManualTime();
     for (const int count : {1000, 10'000, 100'000}) wiring.Args({count, 1})->Args({count, count});
   }
   return true;

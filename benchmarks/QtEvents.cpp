@@ -32,7 +32,7 @@ class QtPosted {
 };
 
 /// Senders by name whose listeners are connected to them.
-template <Qt::ConnectionType connection>
+template <Qt::ConnectionType Connection>
 class QtSenders {
  public:
   explicit QtSenders(const Texts& names) : senders(std::make_unique<QtSender[]>(names.size())) {
@@ -40,7 +40,7 @@ class QtSenders {
   }
   void Subscribe(std::size_t name) {
     const auto add = [this](const Reading& reading) { sum.Add(reading); };
-    QObject::connect(&senders[name], &QtSender::Raised, &context, add, connection);
+    QObject::connect(&senders[name], &QtSender::Raised, &context, add, Connection);
   }
   void Dispatch() { QCoreApplication::sendPostedEvents(); }
 

@@ -18,17 +18,22 @@ figures: another machine has others.
 
 {facts}
 
-**Method.** The executable runs {runs} times for each group of workloads, each time {repetitions}
-times for each of the group's benchmarks in random order, so that a busy moment of the machine and a
-lucky place in memory touch all alike. A time is the median of all {total}; `±` is the median
-distance from it; `×` is the ratio to the library's own. Every listener does the same work, an
-increment or an addition, that cannot be left out, and each workload checks that all listeners ran.
-The process has had a second thread before it measures, so that nobody's locks are left out. Names
-are equal strings in other places than those registered.
+**Method.** Each group of workloads runs in {runs} processes of its own, and in each of them its
+benchmarks are repeated {repetitions} times (the longest ones twice) in random order, so that a busy
+moment of the machine and a lucky place in memory touch all alike. A time is the median of all
+repetitions; `±` is the median distance from it; `×` is the ratio to the library's own. Every
+listener does the same work, an increment or an addition, that cannot be left out, and each workload
+checks that all listeners ran. The process has had a second thread before it measures, so that
+nobody's locks are left out. Names are equal strings in other places than those registered.
 
 **Thread-safe** says whether threads may announce (or raise) one object's change at the same time:
 *yes*, *no*, or *its signals*, where a map that finds them needs a lock of its own, which is not
 measured here and would come on top. Floors are the least that the work can cost, and no peers.
+"""
+
+AHEAD_TEXT = """How many times as much ours takes, at each N where it takes more. What is within
+the spread of its row changes sides from run to run.
+
 """
 
 AHEAD = """## Where a thread-safe peer is ahead
@@ -39,10 +44,10 @@ AHEAD = """## Where a thread-safe peer is ahead
 MEMORY_TEXT = """## Memory
 
 Bytes of the heap that are in use, by the C library's own account (`mallinfo2`), which counts
-whatever a peer allocates, the allocator's own words and its rounding included; GLib's cache of small
-blocks is off for this (`G_SLICE=always-malloc`), as it is for good in later versions. Objects stand
-side by side in an array of 10,000; a peer whose objects are on the heap adds its pointer. Handles
-are counted with their listeners.
+whatever a peer allocates, the allocator's own words and its rounding included; GLib's cache of
+small blocks is off for this (`G_SLICE=always-malloc`), as it is for good in later versions. Objects
+stand side by side in an array of 10,000; a peer whose objects are on the heap adds its pointer.
+Handles are counted with their listeners.
 """
 
 GROWTH_TEXT = """## How a scope grows
@@ -90,8 +95,8 @@ def lines_of(sweep, results):
         number = markers[peer.colour] = markers.get(peer.colour, -1) + 1
         if len(points) > 1:
             ours = name == peers.OURS
-            lines.append(plot.Line(peer.label.replace("&lt;", "<").replace("&gt;", ">"), points,
-                                   peer.colour, DASHES[peer.safe], number, 3 if ours else 1.8))
+            lines.append(plot.Line(peer.label, points, peer.colour, DASHES[peer.safe], number,
+                                   3 if ours else 1.8))
     return lines
 
 
@@ -123,8 +128,8 @@ def ahead_text(results):
     rows = tables.ahead(SWEEPS, results)
     if not rows:
         return "Nowhere."
-    return tables.markdown(["workload", "peer", "where: ours over theirs", "reason"], rows,
-                           ["---"] * 4)
+    return AHEAD_TEXT + tables.markdown(["workload", "peers (N: ours over theirs)", "reason"], rows,
+                           ["---"] * 3)
 
 
 def write(page, goals, results, measured):

@@ -59,7 +59,7 @@ SIGNALS_OF = {
 }
 
 PROPERTIES = {
-    "ours": Peer("Property&lt;double>", YES, BLUE, "a property of a data source, where its class "
+    "ours": Peer("Property", YES, BLUE, "a property of a data source, where its class "
                  "is known; its value belongs to one thread, its listeners to any"),
     "oursnamed": Peer("SetProperty by name", YES, BLUE, "finds the property by its name and "
                       "checks its type each time"),

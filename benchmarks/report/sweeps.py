@@ -67,10 +67,11 @@ DATA = [
     Sweep("newest-names", "Register and cancel beside N listeners, each of its own name",
           "Each name has a listener already.",
           BY_NAME, "register/newest/{peer}/{point}/{point}", "names", (1, 100, 10_000)),
-    Sweep("random-names", "Cancel the only listener of a random one of N names and register another",
+    Sweep("random-names",
+          "Cancel the only listener of a random one of N names and register another",
           "The name goes with its listener, but for signals in a map.",
           BY_NAME, "register/random/{peer}/{point}/{point}", "names", (1, 100, 10_000)),
-    Sweep("threads", "Broadcast to 10 listeners from one and two threads",
+    Sweep("threads", "Broadcast to 10 listeners from N threads",
           "Wall time of one broadcast: half of one thread's is ideal. Peers that threads may not "
           "use are left out.",
           {name: peer for name, peer in peers.SIGNALS_OF.items() if peer.is_rival},
@@ -138,12 +139,12 @@ class Growth(NamedTuple):
 
 
 def sources(title, step):
-    return Growth(title, f"growth/{step}/ours/{{n}}/manual_time",
-                  f"growth/{step}/hashmap/{{n}}/manual_time")
+    return Growth(title, f"growth/{step}/ours/{{n}}",
+                  f"growth/{step}/hashmap/{{n}}")
 
 
 def listeners(title, step, names):
-    return Growth(title, f"growth/{step}/ours/{{n}}/{names}/manual_time")
+    return Growth(title, f"growth/{step}/ours/{{n}}/{names}")
 
 
 def depth(title, step):

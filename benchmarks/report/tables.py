@@ -47,10 +47,13 @@ def sweep_cell(sweep, results, peer, point):
     value = sweep.value(results, peer, point)
     if value is None:
         return ""
-    spread = "" if sweep.counter else f" ±{100 * results.spread(sweep.benchmark(peer, point)):.0f}%"
-    reference = sweep.value(results, next(iter(sweep.peers)), point)
-    ratio = "" if peer == next(iter(sweep.peers)) or not reference else f", {value / reference:.2f}×"
-    return f"{number(value)}{spread}{ratio}"
+    cell = number(value)
+    if not sweep.counter:
+        cell += f" ±{100 * results.spread(sweep.benchmark(peer, point)):.0f}%"
+    ours = next(iter(sweep.peers))
+    if peer != ours:
+        cell += f", {value / sweep.value(results, ours, point):.2f}×"
+    return cell
 
 
 def present(sweep, results):
@@ -61,7 +64,7 @@ def present(sweep, results):
 
 def sweep(of, results):
     head = ["peer", "thread-safe"]
-    head += [f"{point:,} {of.axis}" if of.axis else of.unit for point in of.points]
+    head += [f"N = {point:,}" if of.axis else of.unit for point in of.points]
     lines = []
     for name, peer in present(of, results).items():
         cells = [sweep_cell(of, results, name, point) for point in of.points]
@@ -89,10 +92,15 @@ def lead(of, results, name):
 
 
 def ahead(sweeps, results):
-    """The workloads in which a peer that is safe in the use of threads takes less than ours."""
-    return [[of.title, of.peers[name].label, ", ".join(points), reason(of.slug, name)]
-            for of in sweeps for name in rivals(of, results)
-            if (points := lead(of, results, name))]
+    """The workloads in which peers that are safe in the use of threads take less than ours: the
+    peers with their leads, and the reason that they share."""
+    rows = {}
+    for of in sweeps:
+        for name in rivals(of, results):
+            if points := lead(of, results, name):
+                key = (of.title, reason(of.slug, name))
+                rows.setdefault(key, []).append(f"{of.peers[name].label} ({', '.join(points)})")
+    return [[title, "; ".join(leads), why] for (title, why), leads in rows.items()]
 
 
 def growth(rows, results, ideal):
