@@ -18,21 +18,22 @@ figures: another machine has others.
 
 {facts}
 
-**Method.** Each group of workloads runs in {runs} processes of its own, and in each of them its
-benchmarks are repeated {repetitions} times (the longest ones twice) in random order, so that a busy
-moment of the machine and a lucky place in memory touch all alike. A time is the median of all
-repetitions; `±` is the median distance from it; `×` is the ratio to the library's own. Every
-listener does the same work, an increment or an addition, that cannot be left out, and each workload
-checks that all listeners ran. The process has had a second thread before it measures, so that
-nobody's locks are left out. Names are equal strings in other places than those registered.
+**Method.** Each group of workloads is a process of its own, run {runs}×. Each time its benchmarks
+are repeated {repetitions}× in random order (the longest ones 2×), so that a busy moment of the
+machine and a lucky place in memory touch all alike. A time is the median of all repetitions; `±` is
+the median distance from it; `×` is the ratio to the library's own. Every listener does the same
+work, an increment or an addition, that cannot be left out, and each workload checks that all
+listeners ran. The process has had a second thread before it measures, so that nobody's locks are
+left out. Names are equal strings in other places than those registered. Times are the processor's,
+but for those that say wall time.
 
 **Thread-safe** says whether threads may announce (or raise) one object's change at the same time:
 *yes*, *no*, or *its signals*, where a map that finds them needs a lock of its own, which is not
 measured here and would come on top. Floors are the least that the work can cost, and no peers.
 """
 
-AHEAD_TEXT = """How many times as much ours takes, at each N where it takes more. What is within
-the spread of its row changes sides from run to run.
+AHEAD_TEXT = """How many times as much ours takes, at each N where it takes more. What is within the
+spread of its row changes sides from run to run.
 
 """
 
