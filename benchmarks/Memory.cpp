@@ -1,12 +1,18 @@
 #include "Memory.h"
 
+#ifdef __GLIBC__
 #include <malloc.h>
+#endif
 
 namespace Benchmarks {
 
 std::size_t HeapInUse() noexcept {
+#ifdef __GLIBC__
   const auto account = mallinfo2();
   return account.uordblks + account.hblkhd;
+#else
+  return 0;
+#endif
 }
 
 namespace {

@@ -67,7 +67,7 @@ void GetProperty(benchmark::State& state) {
 template <class Property>
 bool MeasureProperty(const std::string& peer) {
   Enter("set", peer, &SetProperty<Property>).Arg(1)->Arg(10)->Arg(100)->Arg(1000);
-  Enter("memory/property", peer, &MemoryOfObject<Property>).Iterations(1);
+  EnterMemoryOfObject<Property>("property", peer);
   if constexpr (requires(Property property) { property.Get(); }) {
     Enter("get", peer, &GetProperty<Property>);
   }
