@@ -15,7 +15,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 PUBLIC = ROOT / "include" / "DataBinding"
 PRIVATE = ROOT / "DataBinding"
-USERS = ("tests", "examples", "benchmarks")
+USERS = ("tests", "stress", "fuzz", "examples", "benchmarks")
 
 # What a subsystem may include beside itself and the headers of COMMON.
 ALLOWED = {

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "../../examples/sysmon/system/ProcText.h"
-#include "../../examples/sysmon/view/Text.h"
+#include "../examples/sysmon/system/ProcText.h"
+#include "../examples/sysmon/view/Text.h"
 #include "Fuzz.h"
 
 namespace Fuzz {

@@ -1,5 +1,5 @@
 /// Command lines of the system monitor, an argument in each line.
-#include "../../examples/sysmon/Options.h"
+#include "../examples/sysmon/Options.h"
 
 #include "Fuzz.h"
 
