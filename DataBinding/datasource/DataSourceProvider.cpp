@@ -99,19 +99,11 @@ bool DataSourceProvider::CanBuild(IDataSourceConstructor* constructor) const {
 }
 
 bool DataSourceProvider::DeleteLocalDataSourceInstance(const wchar_t* name) {
-  if (FindLocal(name) == nullptr) return false;
-  assert(notifications == 0 && "a listener deletes a source while this provider connects it");
+  if (name == nullptr) return false;
   const auto filed = sourcesByName.find(VtrStringView(name));
-  const VtrString key = filed->first;
-  IDataSource* const source = filed->second;
-  Change([&] {
-    FirstFailure failure;
-    failure.Try([&] { DisconnectDataListeners(source); });
-    sourcesByName.erase(key);
-    ForgetSource(source);
-    failure.Try([&] { IDataSource::Destroy(source); });
-    failure.Rethrow();
-  });
+  if (filed == sourcesByName.end()) return false;
+  assert(notifications == 0 && "a listener deletes a source while this provider connects it");
+  LetGo(VtrString(filed->first), filed->second, true);
   return false;
 }
 

@@ -49,16 +49,21 @@ void DataSourceProvider::AddDataSources(IDataSource* const* sources, std::size_t
 }
 
 void DataSourceProvider::RemoveDataSource(IDataSource* source) {
-  if (source == nullptr) return;
+  if (source == nullptr || source->GetDataSourceName() == nullptr) return;
   assert(notifications == 0 && "a listener removes a source while this provider connects it");
-  const wchar_t* name = source->GetDataSourceName();
-  if (FindLocal(name) == nullptr) return;
-  const VtrString key = sourcesByName.find(VtrStringView(name))->first;
+  const auto filed = sourcesByName.find(VtrStringView(source->GetDataSourceName()));
+  if (filed != sourcesByName.end()) LetGo(VtrString(filed->first), source, false);
+}
+
+/// Disconnects the listeners, takes a source off and, if it is to end, ends it. The name, which may
+/// be the source's own, is the caller's copy.
+void DataSourceProvider::LetGo(const VtrString& name, IDataSource* source, bool ends) {
   Change([&] {
     FirstFailure failure;
     failure.Try([&] { DisconnectDataListeners(source); });
-    sourcesByName.erase(key);
+    sourcesByName.erase(name);
     ForgetSource(source);
+    if (ends) failure.Try([&] { IDataSource::Destroy(source); });
     failure.Rethrow();
   });
 }

@@ -122,6 +122,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   IDataSource* BuildDataSource(const wchar_t* name);
   [[nodiscard]] bool CanBuild(IDataSourceConstructor* constructor) const;
   [[nodiscard]] IDataSource* FindLocal(const wchar_t* name) const;
+  void LetGo(const VtrString& name, IDataSource* source, bool ends);
   void ForgetSource(IDataSource* source);
   void ConnectWaiting(const VtrString& name, IDataSource* source);
   void ConnectAndFile(IDataListener* listener, const std::set<VtrString>& names,
