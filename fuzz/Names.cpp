@@ -50,6 +50,7 @@ void CheckAnnouncement(const VtrString& list) {
   listened.insert({list, L"A", L"-A", L"*", L"\u00e4", L"Size"});
   Names announced;
   std::vector<Subscription> subscriptions;
+  subscriptions.reserve(listened.size());
   for (const VtrString& name : listened) {
     subscriptions.push_back(source->Register([&, name] { announced.push_back(name); }, name));
   }

@@ -12,6 +12,7 @@ namespace {
 Options Parsed(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "no\nargument");
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   return Sysmon::ParseOptions(static_cast<int>(arguments.size()), pointers.data());
