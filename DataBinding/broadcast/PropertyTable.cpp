@@ -31,10 +31,13 @@ PropertyEntry* PropertyTable::Find(const VtrString& name) const noexcept {
   const Slot& slot = Probe(name.GetSamplingHash());
   if (slot.first == nullptr || slot.first->Name() == name) return slot.first;
   if (slot.alike == nullptr) return nullptr;
-  const auto [first, last] = slot.alike->equal_range(FullHash(name));
-  const auto found =
-      std::find_if(first, last, [&name](const auto& node) { return node.second->Name() == name; });
-  return found == last ? nullptr : found->second;
+  // Not by equal_range, which reads the node behind those of the hash, too.
+  const auto hash = FullHash(name);
+  for (auto node = slot.alike->find(hash); node != slot.alike->end(); ++node) {
+    if (node->first != hash) break;
+    if (node->second->Name() == name) return node->second;
+  }
+  return nullptr;
 }
 
 PropertyEntry& PropertyTable::Insert(const VtrString& name) {

@@ -12,35 +12,9 @@ constinit std::atomic<ReaderRecord*> firstRecord{nullptr};
 constinit std::array<ReaderRecord, 16> pool;
 constinit std::atomic<std::size_t> pooledRecords{0};
 
-constinit thread_local bool threadIsEnding = false;
-
 }  // namespace
 
 constinit thread_local ReaderRecord* ReaderRecord::ofThread = nullptr;
-
-/// Gives the record back when its thread ends.
-class ReaderRecordOwner {
- public:
-  ReaderRecordOwner() noexcept : record(ReaderRecord::Acquire()) {
-    ReaderRecord::ofThread = record;
-  }
-  ReaderRecordOwner(const ReaderRecordOwner&) = delete;
-  ReaderRecordOwner& operator=(const ReaderRecordOwner&) = delete;
-  ~ReaderRecordOwner() {
-    threadIsEnding = true;
-    ReaderRecord::ofThread = nullptr;
-    if (record != nullptr) record->taken.store(false, std::memory_order_release);
-  }
-
- private:
-  ReaderRecord* record;
-};
-
-ReaderRecord* ReaderRecord::MakeCurrent() noexcept {
-  if (threadIsEnding) return nullptr;
-  static thread_local ReaderRecordOwner owner;
-  return ofThread;
-}
 
 ReaderRecord* ReaderRecord::First() noexcept { return firstRecord.load(std::memory_order_acquire); }
 

@@ -46,8 +46,10 @@ class alignas(64) ReaderRecord {
 
  private:
   friend class ReaderRecordOwner;
+  /// Sees to it that the record is given back when the thread ends.
   [[nodiscard]] static ReaderRecord* MakeCurrent() noexcept;
   [[nodiscard]] static ReaderRecord* Acquire() noexcept;
+  void GiveBack() noexcept { taken.store(false, std::memory_order_release); }
 
   static constinit thread_local ReaderRecord* ofThread;
 

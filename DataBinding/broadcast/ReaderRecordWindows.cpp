@@ -1,0 +1,42 @@
+// The thread's end is told by fiber-local storage, which hands the record over. A thread_local owner
+// would not do: MinGW frees thread-local memory before destructors run, and keeps the library loaded
+// for the sake of a thread that has one.
+
+#include <windows.h>
+
+#include "ReaderRecord.h"
+
+namespace DataBinding::details {
+
+class ReaderRecordOwner {
+ public:
+  ReaderRecordOwner() noexcept : slot(FlsAlloc(&GiveBack)) {}
+  ReaderRecordOwner(const ReaderRecordOwner&) = delete;
+  ReaderRecordOwner& operator=(const ReaderRecordOwner&) = delete;
+  /// When the library is unloaded; gives all records back.
+  ~ReaderRecordOwner() { FlsFree(slot); }
+
+  /// The record of a thread whose thread-local memory is gone already, or null.
+  [[nodiscard]] ReaderRecord* Former() const noexcept {
+    return static_cast<ReaderRecord*>(FlsGetValue(slot));
+  }
+  [[nodiscard]] ReaderRecord* Own(ReaderRecord* record) const noexcept {
+    if (record == nullptr || FlsSetValue(slot, record) != 0) return record;
+    record->GiveBack();
+    return nullptr;
+  }
+
+ private:
+  static void NTAPI GiveBack(void* record) { static_cast<ReaderRecord*>(record)->GiveBack(); }
+
+  DWORD slot;
+};
+
+ReaderRecord* ReaderRecord::MakeCurrent() noexcept {
+  static const ReaderRecordOwner owner;
+  ReaderRecord* const former = owner.Former();
+  ofThread = former != nullptr ? former : owner.Own(Acquire());
+  return ofThread;
+}
+
+}  // namespace DataBinding::details
