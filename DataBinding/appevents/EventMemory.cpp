@@ -17,12 +17,17 @@ constexpr bool isWatched = true;  // events that are used after their end are to
 #else
 constexpr bool isWatched = false;
 #endif
+#if defined(_WIN32)
+constexpr bool canTellThreadEnds = false;  // MinGW frees thread-local memory before destructors run
+#else
+constexpr bool canTellThreadEnds = true;
+#endif
 
 constexpr std::size_t granule = 32;
 /// Larger blocks are the heap's.
 constexpr std::size_t largestKept = 128;
 /// How many blocks of one size a thread keeps: a full batch of most applications.
-constexpr std::size_t mostKept = isWatched ? 0 : 1024;
+constexpr std::size_t mostKept = canTellThreadEnds && !isWatched ? 1024 : 0;
 
 struct Spare {
   Spare* next;
@@ -65,7 +70,7 @@ class ShelvesOwner {
 };
 
 constexpr std::size_t Granules(std::size_t bytes) noexcept {
-  return (bytes + granule - 1) / granule;
+  return bytes == 0 ? 1 : (bytes + granule - 1) / granule;
 }
 
 Shelf& ShelfOf(std::size_t bytes) noexcept { return shelves.bySize[Granules(bytes) - 1]; }
@@ -88,7 +93,7 @@ void* TakeEventMemory(std::size_t bytes) {
 }
 
 void ReturnEventMemory(void* block, std::size_t bytes) noexcept {
-  if (bytes > largestKept || !Open()) return ::operator delete(block);
+  if (bytes > largestKept || mostKept == 0 || !Open()) return ::operator delete(block);
   Shelf& shelf = ShelfOf(bytes);
   if (shelf.count >= mostKept) return ::operator delete(block);
   shelf.first = ::new (block) Spare{shelf.first};

@@ -156,6 +156,7 @@ void WAppEventRegistrar::UnregisterAppEvents() {
   UnsubscribeAll();
   registered = false;
   anyWaiting.store(true, std::memory_order_release);
+  waiting.splice(waiting.end(), delayInitList);  // a place for each that was added meanwhile
   waiting.assign(listeners.begin(), listeners.end());
   delayInitList.swap(waiting);
   Flush::StopAll(flush);

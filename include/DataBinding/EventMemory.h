@@ -3,8 +3,8 @@
 /// Each thread keeps the blocks of events that ended on it, up to a bound, for the next ones that
 /// it raises: a thread that both raises and delivers asks the heap for nothing once it has run for
 /// a while. A block may end on another thread than the one that took it. Large or specially aligned
-/// blocks, and what a thread keeps when it ends, go to the heap. Taking one throws std::bad_alloc;
-/// giving one back never fails. Any thread; no locks. AppEvent is its user.
+/// blocks, what a thread keeps when it ends, and on Windows all of them go to the heap. Taking one
+/// throws std::bad_alloc; giving one back throws nothing. Any thread; no locks. AppEvent is its user.
 #pragma once
 
 #include <cstddef>
