@@ -5,6 +5,7 @@
 
 #include "DataBinding/IDataSource.h"
 #include "DataBinding/IDataSourceProvider.h"
+#include "KeptName.h"
 
 namespace DataBinding {
 
@@ -50,7 +51,7 @@ void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
 
 void DataListener::ConnectToDatasource(IDataSource* source) {
   if (source == nullptr || source->GetDataSourceName() == nullptr) return;
-  const VtrStringView name(source->GetDataSourceName());
+  const KeptName name(source->GetDataSourceName());
   for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) != 0) continue;
     entry.subscription = source->Register(entry.callback, entry.propertyName);
@@ -59,7 +60,7 @@ void DataListener::ConnectToDatasource(IDataSource* source) {
 
 void DataListener::DisconnectFromDatasource(IDataSource* source) {
   if (source == nullptr || source->GetDataSourceName() == nullptr) return;
-  const VtrStringView name(source->GetDataSourceName());
+  const KeptName name(source->GetDataSourceName());
   for (auto& entry : listenerEntries) {
     if (entry.dataSourceName.CompareNoCase(name) == 0) entry.subscription.Cancel();
   }

@@ -1,6 +1,7 @@
 #include "DataBinding/DataSourceProvider.h"
 
 #include <cassert>
+#include <new>
 #include <utility>
 
 #include "Change.h"
@@ -169,7 +170,7 @@ void DataSourceProvider::EndAll() {
   if (!shutDown) {
     failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
   }
-  failure.Try([&] { TellListenersOfTheEnd(); });
+  if (!tellsItsEnd) failure.Try([&] { TellListenersOfTheEnd(); });
   listeners.clear();
   waiting.clear();
   if (parent != nullptr) parent->RemoveChild(this);
@@ -180,11 +181,18 @@ void DataSourceProvider::EndAll() {
   failure.Rethrow();
 }
 
-/// They stay registered until all were told: a source that one of them adds connects the others.
+/// They stay registered until all were told, if there is memory to tell them from a copy: a source
+/// that one of them adds connects the others.
 void DataSourceProvider::TellListenersOfTheEnd() {
   const Meanwhile telling(tellsItsEnd, true);
   FirstFailure failure;
-  for (const auto& [listener, entry] : std::map(listeners)) {
+  std::map<IDataListener*, ListenerEntry> told;
+  try {
+    told = listeners;
+  } catch (const std::bad_alloc&) {
+    told.swap(listeners);
+  }
+  for (const auto& [listener, entry] : told) {
     if (!entry.liveness.IsValid()) continue;
     failure.Try([&, ended = listener] { ended->NotifyDatasourceProviderDestroyed(this); });
   }

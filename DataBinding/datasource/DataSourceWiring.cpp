@@ -9,6 +9,7 @@
 #include "DataBinding/IDataSource.h"
 #include "DataBinding/IDataSourceRegistrar.h"
 #include "DataBinding/foundation/FirstFailure.h"
+#include "KeptName.h"
 
 namespace DataBinding {
 
@@ -75,7 +76,7 @@ void DataSourceProvider::RemoveDataSources(IDataSource* const* sources, std::siz
 void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   const wchar_t* name = source->GetDataSourceName();
   if (name == nullptr) return;
-  const VtrStringView key(name);  // listeners must be told even where there is no memory
+  const KeptName key(name);
   const Meanwhile notifying(notifications, notifications + 1);
   const Meanwhile going(leaving, source);
   FirstFailure failure;

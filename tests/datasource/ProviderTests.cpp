@@ -94,7 +94,7 @@ TEST_F(Providers, DeleteWhatTheyHoldAndAlwaysAnswerFalse) {
 TEST_F(Providers, ShutdownCompletesEachStepAndThrowsTheFirstFailure) {
   LoggedListener one(log);
   LoggedListener two(log);
-  one.hook = two.hook = [](const std::string& note) { throw note; };
+  one.hook = two.hook = [&](const std::string& note) { child->Shutdown(), throw note; };
   registrar.AttachProvider(child.get());
   const ProviderPtr grandchild = MakeProvider(child.get());
   auto* refusing = Add(child, L"Refusing");

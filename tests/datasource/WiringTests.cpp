@@ -91,6 +91,25 @@ TEST_F(Wiring, SourceIsTakenOverAlthoughAListenerThrows) {
   EXPECT_EQ(Notes(), "+Doc -Doc");
 }
 
+/// Its name is good until it is asked for again.
+class Renewing final : public LoggedSource {
+ public:
+  using LoggedSource::LoggedSource;
+  const wchar_t* GetDataSourceName() override {
+    return shown = VtrString().Format(L"%s", VtrStringView(LoggedSource::GetDataSourceName()));
+  }
+  VtrString shown;
+};
+
+TEST_F(Wiring, NameThatIsMadeAnewAtEachAskingServesAllListeners) {
+  LoggedListener other(log);
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  child->AddDataListener(&other, {L"Doc"}, true);
+  child->AddDataSource(MakeDataSource<Renewing>(child.get(), L"Doc", log).release());
+  child->DeleteLocalDataSourceInstance(L"Doc");
+  EXPECT_EQ(Notes(), "+Doc +Doc -Doc -Doc ~Doc");
+}
+
 #if !defined(NDEBUG)
 TEST_F(Wiring, ChangingTheProviderWhileItNotifiesAsserts) {
   LoggedListener other(log);

@@ -127,7 +127,13 @@ TEST(FailingAllocations, InListenersConnectEachOnce) {
     EXPECT_EQ(w.Changed(3), "v");
     attempt([&] {
       w.child->RemoveDataSource(other.get());  // where only the listener lacked memory
-      w.child->AddDataSource(other.get());
+      try {
+        w.child->AddDataSource(other.get());
+      } catch (const std::bad_alloc&) {
+        const bool isThere = w.child->GetLocalDataSourceInstance(L"Other") != nullptr;
+        EXPECT_TRUE(isThere || !other->AreListenersAvailable(L"Level"));
+        throw;
+      }
     });
     other->UpdateListeners(L"Level");
     EXPECT_EQ(w.Marks(), "o");

@@ -41,7 +41,8 @@ using NameMap = std::unordered_map<VtrPlatform::VtrString, Value, NameHash, Name
 template <class Value>
 void ReserveOneMore(NameMap<Value>& map) {
   const double room = static_cast<double>(map.bucket_count()) * map.max_load_factor();
-  if (static_cast<double>(map.size() + 1) > room) map.reserve(2 * map.size() + 1);
+  const bool isFresh = map.bucket_count() == 1;  // libstdc++ makes buckets at the first insertion
+  if (isFresh || static_cast<double>(map.size() + 1) > room) map.reserve(2 * map.size() + 1);
 }
 
 }  // namespace VtrUtils
