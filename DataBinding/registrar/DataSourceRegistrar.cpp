@@ -37,15 +37,16 @@ void DataSourceRegistrar::RegisterDataSource(IDataSourceConstructor* constructor
   if (constructors.try_emplace(constructor->GetName(), constructor).second) {
     constructor->OnRegistered();
   }
-  for (const auto& [provider, attachment] : std::map(providers)) {
-    if (attachment.liveness.IsValid() && provider->MatchCategory(constructor->GetCategories())) {
+  for (const auto& [provider, liveness] : std::map(providers)) {
+    if (liveness.IsValid() && provider->MatchCategory(constructor->GetCategories())) {
       constructor->OnProviderAttached(provider);
     }
   }
   List(constructor);
 }
 
-/// Puts a constructor where it wants to be in each of its categories, or in none.
+/// Puts a constructor where it wants to be in each of its categories, or in none. What GetPlacement
+/// registers meanwhile is in none of them.
 void DataSourceRegistrar::List(IDataSourceConstructor* constructor) {
   std::map<VtrString, ConstructorList> lists;
   for (const auto category : String::SplitView(constructor->GetCategories(), L",", false, true)) {
@@ -81,21 +82,27 @@ void DataSourceRegistrar::UnregisterDataSource(IDataSourceConstructor* construct
   if (constructor == nullptr || constructor->GetName() == nullptr) return;
   const auto filed = constructors.find(VtrStringView(constructor->GetName()));
   if (filed == constructors.end()) return;
-  // It is about to end: from here on nothing needs memory.
+  // It is about to end: from here on nothing needs memory. Without any, the providers that are
+  // attached are walked as they stand.
   const VtrString name = filed->first;
+  std::map<IDataSourceProvider*, details::WeakReference> copy;
+  try {
+    copy = providers;
+  } catch (const std::bad_alloc&) {
+  }
+  const auto& walked = copy.size() == providers.size() ? copy : providers;
   FirstFailure failure;
   Unlist(constructor);
   // The constructor may be gone after this.
   failure.Try([&] { filed->second->OnUnregistered(); });
   constructors.erase(name);
-  // Those that are attached meanwhile are left out.
-  const std::uint64_t last = lastAttachment;
-  for (auto next = providers.begin(); next != providers.end();) {
+  for (auto next = walked.begin(); next != walked.end();) {
     IDataSourceProvider* const provider = next->first;
-    if (next->second.number <= last && next->second.liveness.IsValid()) {
+    const auto attached = providers.find(provider);
+    if (attached != providers.end() && attached->second.IsValid()) {
       failure.Try([&] { provider->DeleteLocalDataSourceInstance(name); });
     }
-    next = providers.upper_bound(provider);
+    next = walked.upper_bound(provider);
   }
   failure.Rethrow();
 }
@@ -104,9 +111,7 @@ IDataSourceProvider* DataSourceRegistrar::GetRootProvider() { return rootProvide
 
 void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
   if (provider == nullptr) return;
-  const Attachment attachment{provider->GetLiveness(), ++lastAttachment};
-  const auto [known, isNew] = providers.try_emplace(provider, attachment);
-  if (!isNew && !known->second.liveness.IsValid()) known->second = attachment;
+  providers.insert_or_assign(provider, provider->GetLiveness());
   for (const auto& category : provider->GetCategories()) {
     const ConstructorList& live = categoryConstructors[category];
     for (IDataSourceConstructor* constructor : ConstructorList(live)) {
@@ -119,17 +124,18 @@ void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
 void DataSourceRegistrar::DetachProvider(IDataSourceProvider* provider) {
   const auto attached = providers.find(provider);
   if (attached == providers.end()) return;
-  if (!attached->second.liveness.IsValid()) {  // a former provider at the same address
+  const auto alive = attached->second;
+  if (!alive.IsValid()) {  // a former provider at the same address
     providers.erase(attached);
     return;
   }
   FirstFailure failure;
-  for (auto next = constructors.begin(); next != constructors.end();) {
+  for (auto next = constructors.begin(); alive.IsValid() && next != constructors.end();) {
     const VtrString name = next->first;
     failure.Try([&] { provider->DeleteLocalDataSourceInstance(name); });
     next = constructors.upper_bound(name);
   }
-  providers.erase(provider);
+  if (alive.IsValid()) providers.erase(provider);
   failure.Rethrow();
 }
 

@@ -5,7 +5,6 @@
 /// source may unregister a constructor when it ends, and OnUnregistered may delete its constructor.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <vector>
 
@@ -35,10 +34,6 @@ class DATABINDING_API DataSourceRegistrar final : public IDataSourceRegistrar {
 
  private:
   using ConstructorList = std::vector<IDataSourceConstructor*>;
-  struct Attachment {
-    details::WeakReference liveness;
-    std::uint64_t number = 0;
-  };
 
   void List(IDataSourceConstructor* constructor);
   void Unlist(IDataSourceConstructor* constructor);
@@ -47,8 +42,7 @@ class DATABINDING_API DataSourceRegistrar final : public IDataSourceRegistrar {
   std::map<VtrString, IDataSourceConstructor*, std::less<>> constructors;
   std::map<VtrString, ConstructorList> categoryConstructors;
   /// The attached providers. One that ended without being detached is passed over.
-  std::map<IDataSourceProvider*, Attachment> providers;
-  std::uint64_t lastAttachment = 0;
+  std::map<IDataSourceProvider*, details::WeakReference> providers;
   bool initialized = false;
   IDataSourceProvider* rootProvider = nullptr;
 };

@@ -4,8 +4,9 @@
 /// instructions) are caught as well unless that is switched off, at run time here or at build time
 /// with the CMake option DATABINDING_FAULT_GUARD. A faulting listener is abandoned where it stood:
 /// the destructors of its frames do not run, so locks stay held and memory leaks. A stack overflow
-/// is survived on Windows, elsewhere only on a thread that has an alternate signal stack. Thread
-/// cancellation passes through. All functions here may be called on any thread.
+/// is survived on Windows, but for announcements that nest without end, and elsewhere only on a
+/// thread that has an alternate signal stack. Thread cancellation passes through. All functions here
+/// may be called on any thread.
 #pragma once
 
 #include <cstdint>

@@ -172,6 +172,20 @@ TEST_F(Registrar, TypedConstructorRefusesATakenNameAndLeavesTheFirstInPlace) {
   EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Host"), nullptr);
 }
 
+TEST_F(Registrar, DetachingGoesNoFurtherWhenTheProviderEnds) {
+  LoggedConstructor art(log, "art", L"Art", L"C");
+  LoggedConstructor map(log, "map", L"Map", L"C");
+  for (auto* constructor : {&art, &map}) registrar.RegisterDataSource(constructor);
+  registrar.AttachProvider(child.get());
+  auto* last = static_cast<LoggedSource*>(child->GetDataSource(L"Art"));
+  static_cast<void>(child->GetDataSource(L"Map"));
+  last->onPreDestroy = [&] { child.reset(); };
+  Notes();
+  registrar.DetachProvider(child.get());
+  EXPECT_EQ(Notes(), "~Map ~Art");
+  EXPECT_EQ(child, nullptr);
+}
+
 TEST_F(Registrar, TypedConstructorEndsQuietlyAlthoughASourceRefusesToEnd) {
   registrar.AttachProvider(parent.get());
   std::optional<HostConstructor> host(std::in_place, L"Host", L"A");
