@@ -32,8 +32,9 @@ void Follow(IDataSourceProvider& scope) {
   std::cout << "before: " << limit.Get().text.ToUtf8() << '\n';
 
   Framework::DataBind<double> followed = limit;  // a copy has a connection of its own
-  const Subscription shown =
-      followed.SubscribeToChanges([&] { std::cout << "limit: " << *followed.Get() << '\n'; });
+  const Subscription shown = followed.SubscribeToChanges([&] {
+    if (const auto value = followed.Get()) std::cout << "limit: " << *value << '\n';
+  });
 
   scope.AddDataSource(MakeDataSource<Cpu>(&scope).release());  // both binds connect
   followed.Set(95.0);
@@ -86,8 +87,11 @@ void Press(IDataSourceProvider& scope) {
 void Explain(IDataSourceProvider& scope) {
   const Framework::DataBind<int> wrong(&scope, L"Cpu", L"Limit");
   const Framework::DataBind<double> mistyped(&scope, L"CPU", L"Limit");
+  const Framework::DataBind<double> right(&scope, L"page", L"Cpu", L"Limit");
   for (const BindDiagnosis& each : Diagnose(scope)) {
-    std::cout << each.source.ToUtf8() << ": " << each.status.text.ToUtf8() << '\n';
+    if (each.status.IsConnected()) continue;
+    std::cout << each.scopeName.ToUtf8() << ", " << each.source.ToUtf8() << '.'
+              << each.property.ToUtf8() << ": " << each.status.text.ToUtf8() << '\n';
   }
 }
 
