@@ -35,7 +35,10 @@ class Display : public DataListener {
     thermostat = nullptr;
     Redraw();
   }
-  void OnDataSourceProviderChanging(IDataSourceProvider* /*next*/) override {}
+  void OnDataSourceProviderChanging(IDataSourceProvider* /*next*/) override {
+    // leave the former scope
+    if (IDataSourceProvider* former = GetDataSourceProvider()) former->RemoveDataListener(this);
+  }
 
   const char* label;
   IDataSource* thermostat = nullptr;
@@ -60,4 +63,5 @@ int main() {
   IDataSource::Destroy(thermostat);
 
   kitchen->AddDataSource(MakeDataSource<Thermostat>(kitchen.get(), 23.0).release());
+  wall.SetDataSourceProvider(nullptr);  // leaves the kitchen, by the override above
 }
