@@ -19,9 +19,20 @@ class Outline : public NamedDataSource {
   }
 };
 
+class Disk : public NamedDataSource {
+ public:
+  explicit Disk(const VtrString& mountedAt)
+      : NamedDataSource(L"Disk"), path(this, L"Path", mountedAt) {}
+
+  ReadOnlyProperty<VtrString> path;
+};
+
 // At namespace scope, most often: the constructor is there as long as its module.
 const DataSourceConstructor<Clock> clocks(L"Clock", L"root");
 const DataSourceConstructor<Outline> outlines(L"Outline", L"letter, report");
+const DataSourceConstructor<Disk> disks(L"Disk", L"root", Placement::Back, [](auto* scope) {
+  return MakeDataSource<Disk>(scope, L"/");
+});
 
 int main() {
   IDataSourceRegistrar& registrar = IDataSourceRegistrar::GetInstance();
@@ -36,6 +47,8 @@ int main() {
 
   letter->GetDataSource(L"Outline");  // built in the letter
   std::cout << "in a memo: " << (memo->GetDataSource(L"Outline") != nullptr) << '\n';
+  IDataSource* disk = memo->GetDataSource(L"Disk");  // built in the root, by the factory
+  std::cout << "a disk at " << GetProperty<VtrString>(disk, L"Path")->ToUtf8() << '\n';
 
   for (const VtrString& name : letter->GetRegisteredDataSources()) {
     std::cout << "a letter could build " << name.ToUtf8() << '\n';
