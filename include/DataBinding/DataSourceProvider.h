@@ -2,11 +2,12 @@
 ///
 /// Re-entrancy: from inside its ConnectToDatasource or DisconnectFromDatasource a listener must not
 /// add or remove listeners or sources of the provider that calls it, nor look up a name that this
-/// provider would have to build; debug builds assert it. A listener may end there, itself or
-/// another one: it is then not called any more. Binds may be connected there; they wait until the
-/// provider has called the others. Entries of listeners know whether their listener lives, so one
-/// that was left behind (the listener moved to another provider, or a scope between them was shut
-/// down) is dropped silently. One thread.
+/// provider would have to build, nor reach it by way of a scope within it, which passes on names
+/// and listeners that it does not serve. Debug builds assert it, but for taking a listener off. A
+/// listener may end there, itself or another one: it is then not called any more. Binds may be
+/// connected there; they wait until the provider has called the others. An entry that was left
+/// behind, because its listener moved to another provider or a scope between them was shut down,
+/// knows whether the listener lives, and is dropped silently when it does not. One thread.
 #pragma once
 
 #include <cstdint>

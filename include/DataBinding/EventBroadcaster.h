@@ -110,7 +110,7 @@ class DATABINDING_API EventBroadcaster {
   ~EventBroadcaster();
 
   /// Undoes one DisableEvent. When that was the last one, the event held meanwhile is delivered at
-  /// once or dropped. Does nothing for a name that is not disabled.
+  /// once or dropped. Does nothing for a name that is not disabled, or by EventHolds only.
   void EnableEvent(const VtrString& name, bool fireHeldEvent);
   /// Holds the name's events back from now on, also those that are queued already. Counts.
   void DisableEvent(const VtrString& name);

@@ -1,9 +1,9 @@
-/// Holds an event back for a scope: while it lives the name is disabled, and the newest event of it
-/// is kept.
+/// Holds an event back for the length of a block: while it lives the name is disabled, and the
+/// newest event of it is kept.
 ///
 /// At its end, if nobody else disables the name, the held event is delivered at once, unless Drop
-/// was called. Holds nest and count. One that outlives its broadcaster does nothing to the next
-/// one. For the delivering thread.
+/// was called. Holds nest and count. EnableEvent does nothing where only holds disable the name. A
+/// hold that outlives its broadcaster does nothing to the next one. For the delivering thread.
 ///
 ///   const EventHold pause(loadChanged);
 #pragma once

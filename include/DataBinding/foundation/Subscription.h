@@ -1,9 +1,10 @@
 /// A registration's other end: while it lives the registration stands.
 ///
 /// Dropping it, assigning another over it or calling Cancel ends the registration, once. It may
-/// outlive what it was registered with. Cancel may run inside the registered callback and on any
-/// thread; one Subscription object is not to be used by two threads at once. The callback that
-/// ends the registration must not throw.
+/// outlive what it was registered with. Cancel may run inside the registered callback. On which
+/// thread depends on what was registered: any thread for callbacks of properties, events and binds,
+/// that of the tree for destruction handlers. One Subscription object is not to be used by two
+/// threads at once. The callback that ends the registration must not throw.
 #pragma once
 
 #include <utility>
