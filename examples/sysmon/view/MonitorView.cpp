@@ -26,7 +26,7 @@ constexpr Column interfaceColumns[] = {
 constexpr RowKind interfaceRows{L"interface", L"Interface", L"Host", L"InterfacesChanged",
                                 interfaceColumns};
 
-constexpr wchar_t help[] = L"enter open  cmpn sort  r reverse  a alarm  l log  space pause  q quit";
+constexpr wchar_t help[] = L"enter open  c/m/p/n sort  r flip  a alarm  l log  space pause  q quit";
 
 /// Of a reason that is too long the end is what helps: it says what would do.
 VtrString LastPart(const VtrString& text, int width) {
@@ -107,9 +107,10 @@ void MonitorView::Draw() {
 
 /// Help, a message, or what is being edited; and how many cells the rest of this drawing took.
 void MonitorView::DrawFooter() {
-  constexpr int counterWidth = 11;
+  const bool isWide = layout.footer.width >= 90;
+  const int counterWidth = isWide ? 20 : 11;
   VtrString counter;
-  counter.Format(L"%d cells", surface.TakeCellsWritten());
+  counter.Format(isWide ? L"%d cells redrawn" : L"%d cells", surface.TakeCellsWritten());
   const int textWidth = layout.footer.width - counterWidth;
   const VtrString text = FooterText(textWidth);
   const Style style = editor != nullptr || isPaused ? Style::Chosen : Style::Label;
