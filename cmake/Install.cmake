@@ -14,9 +14,13 @@ install(TARGETS DataBinding EXPORT DataBindingTargets
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/DataBinding DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         COMPONENT Development FILES_MATCHING PATTERN "*.h")
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
+# The documents link each other, and the programs of the guide.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
         COMPONENT Development)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Development)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Development
+        PATTERN Doxyfile EXCLUDE PATTERN doxygen-filter.py EXCLUDE)
+install(DIRECTORY examples/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+        COMPONENT Development FILES_MATCHING PATTERN "*.cpp" PATTERN "*.h")
 
 install(EXPORT DataBindingTargets NAMESPACE DataBinding:: DESTINATION ${databindingPackageDir}
         COMPONENT Development)
