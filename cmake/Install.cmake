@@ -55,9 +55,9 @@ else()
   install(FILES debuggers/databinding_gdb.py DESTINATION ${CMAKE_INSTALL_DATADIR}/DataBinding
           COMPONENT Development)
 endif()
-# Visual Studio takes its views from the projects that it opens.
-install(FILES debuggers/DataBinding.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/DataBinding
-        COMPONENT Development)
+# Visual Studio takes its views from the projects that it opens; Valgrind is given its file.
+install(FILES debuggers/DataBinding.natvis debuggers/valgrind.supp
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/DataBinding COMPONENT Development)
 if(MSVC)
   target_sources(DataBinding INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/debuggers/DataBinding.natvis>
