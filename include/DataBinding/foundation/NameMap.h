@@ -17,7 +17,9 @@
 
 namespace VtrUtils {
 
+/// Hashes all characters of a name, whatever kind of text holds it.
 struct NameHash {
+  /// Lets a map be asked without making a string.
   using is_transparent = void;
   /// Deliberately not noexcept: libstdc++ keeps the hashes beside the names then, and need not read
   /// the names themselves of those that a search passes.
@@ -26,14 +28,18 @@ struct NameHash {
   }
 };
 
+/// Tells names apart exactly, whatever kinds of text hold them.
 struct NameEqual {
+  /// Lets a map be asked without making a string.
   using is_transparent = void;
+  /// True for the same characters, case included.
   [[nodiscard]] bool operator()(VtrPlatform::VtrStringView left,
                                 VtrPlatform::VtrStringView right) const noexcept {
     return left == right;
   }
 };
 
+/// Nodes are made before they are filed where filing must not fail: see ReserveOneMore.
 template <class Value>
 using NameMap = std::unordered_map<VtrPlatform::VtrString, Value, NameHash, NameEqual>;
 
