@@ -4,7 +4,8 @@
 /// it raises: a thread that both raises and delivers asks the heap for nothing once it has run for
 /// a while. A block may end on another thread than the one that took it. Large or specially aligned
 /// blocks, what a thread keeps when it ends, and on Windows all of them go to the heap. Taking one
-/// throws std::bad_alloc; giving one back throws nothing. Any thread; no locks. AppEvent is its user.
+/// throws std::bad_alloc; giving one back throws nothing. Any thread; no locks. AppEvent is its
+/// user.
 #pragma once
 
 #include <cstddef>

@@ -5,8 +5,8 @@
 /// with the CMake option DATABINDING_FAULT_GUARD. A faulting listener is abandoned where it stood:
 /// the destructors of its frames do not run, so locks stay held and memory leaks. A stack overflow
 /// is survived on Windows, but for announcements that nest without end, and elsewhere only on a
-/// thread that has an alternate signal stack. Thread cancellation passes through. All functions here
-/// may be called on any thread.
+/// thread that has an alternate signal stack. Thread cancellation passes through. All functions
+/// here may be called on any thread.
 #pragma once
 
 #include <cstdint>
