@@ -31,12 +31,12 @@ inline constexpr Categories categoryLists[] = {
 inline constexpr int rootCategories = 7;
 struct ConstructorTraits {
   int name = 0;
-  Categories categories;
   int placement = 0;
+  Categories categories;
 };
 inline constexpr ConstructorTraits constructorTraits[] = {
-    {1, {L"A", "A"}, 2},       {2, {L"B, A", "BA"}, 1}, {1, {L"B,C", "BC"}, 2},
-    {0, {L"root,C", "rC"}, 1}, {3, {L"", ""}, 2},       {4, {L"A", "A"}, 0},
+    {1, 2, {L"A", "A"}},       {2, 1, {L"B, A", "BA"}}, {1, 2, {L"B,C", "BC"}},
+    {0, 1, {L"root,C", "rC"}}, {3, 2, {L"", ""}},       {4, 0, {L"A", "A"}},
 };
 inline constexpr int constructorCount = 6;
 

@@ -101,7 +101,7 @@ class DataModel : public SourceModel {
     Tell("former", std::exchange(providers[slot].custom[key % 2], value));
   }
   void RegisterConstructor(int which, int, int) {
-    const auto& [name, categories, placement] = constructorTraits[which];
+    const auto& [name, placement, categories] = constructorTraits[which];
     if (filed.try_emplace(name, which).second) Tell("registered", which);
     for (const int slot : attached) {
       if (Match(categories.letters, providers[slot].categories)) Tell("attached", which, slot);
@@ -183,14 +183,14 @@ class DataModel : public SourceModel {
     int life = 0;
   };
 
-  bool IsThere(int slot) const { return providers.contains(slot); }
-  bool IsOpen(int slot) const { return IsThere(slot) && slot != ending; }
+  [[nodiscard]] bool IsThere(int slot) const { return providers.contains(slot); }
+  [[nodiscard]] bool IsOpen(int slot) const { return IsThere(slot) && slot != ending; }
   static bool Match(std::string_view one, std::string_view other) {
     return one.find_first_of(other) != one.npos;
   }
   /// Listeners take Doc and doc for one name.
   static int Folded(int name) { return name == 4 ? 1 : name; }
-  bool IsOwned(int source) const {
+  [[nodiscard]] bool IsOwned(int source) const {
     return std::ranges::any_of(providers, [&](const auto& each) {
       return std::ranges::count(each.second.owned, source) != 0;
     });

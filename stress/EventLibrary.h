@@ -173,7 +173,9 @@ class EventLibrary : public Player<EventLibrary> {
 
   static std::size_t At(int index) { return static_cast<std::size_t>(index); }
   static IAppEventBroadcaster& Broadcaster() { return IAppEventBroadcaster::GetInstance(); }
-  const void* KeyOf(int owner) const { return owner == 2 ? ThisModule() : &owners[owner]; }
+  [[nodiscard]] const void* KeyOf(int owner) const {
+    return owner == 2 ? ThisModule() : &owners[owner];
+  }
   static int NumberOf(const VtrString& name) {
     int number = 0;
     while (events[number].Name() != name) ++number;

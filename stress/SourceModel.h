@@ -58,7 +58,7 @@ class SourceModel : public Player<DataModel> {
     sources[++lastSource] = {name};
     return lastSource;
   }
-  int Choose(int chosen) const {
+  [[nodiscard]] int Choose(int chosen) const {
     if (sources.empty()) return 0;
     return std::next(sources.begin(), chosen % static_cast<int>(sources.size()))->first;
   }
