@@ -50,6 +50,17 @@ struct World : Scopes {
     gauge->level.Set(level);
     return Marks();
   }
+  /// Once more where only the listener lacked memory; nobody listens to a source that is not there.
+  void AddToChild(IDataSource* source) {
+    child->RemoveDataSource(source);
+    try {
+      child->AddDataSource(source);
+    } catch (const std::bad_alloc&) {
+      const auto* there = child->GetLocalDataSourceInstance(source->GetDataSourceName());
+      EXPECT_TRUE(there != nullptr || !source->AreListenersAvailable(L"Level"));
+      throw;
+    }
+  }
   void Open(std::unique_ptr<Bind>& bind, char mark) {
     auto opened = std::make_unique<Bind>(child.get(), L"Gauge", L"Level");
     watch = opened->SubscribeToChanges(Mark(mark));
@@ -125,16 +136,7 @@ TEST(FailingAllocations, InListenersConnectEachOnce) {
     EXPECT_EQ(w.Changed(2), "vv");
     attempt([&] { lost.reset(); });
     EXPECT_EQ(w.Changed(3), "v");
-    attempt([&] {
-      w.child->RemoveDataSource(other.get());  // where only the listener lacked memory
-      try {
-        w.child->AddDataSource(other.get());
-      } catch (const std::bad_alloc&) {
-        const bool isThere = w.child->GetLocalDataSourceInstance(L"Other") != nullptr;
-        EXPECT_TRUE(isThere || !other->AreListenersAvailable(L"Level"));
-        throw;
-      }
-    });
+    attempt([&] { w.AddToChild(other.get()); });
     other->UpdateListeners(L"Level");
     EXPECT_EQ(w.Marks(), "o");
     attempt([&] { w.child->RemoveDataSource(other.get()); });
