@@ -191,6 +191,7 @@ void DataSourceProvider::TellListenersOfTheEnd() {
     told = listeners;
   } catch (const std::bad_alloc&) {
     told.swap(listeners);
+    waiting.clear();
   }
   for (const auto& [listener, entry] : told) {
     if (!entry.liveness.IsValid()) continue;
