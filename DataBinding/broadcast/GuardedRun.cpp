@@ -61,12 +61,6 @@ void Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t
   }
 }
 
-/// Called within the catch block, or with the code of a fault.
-void ReportFailure(const VtrString& property, std::uint32_t code) {
-  if (!handlerIsSet.load(std::memory_order_acquire)) return;
-  CatchAll([&] { Tell(property, std::current_exception(), code); }, [] {});
-}
-
 struct GuardedStep {
   void (*step)(void* context);
   void* context;
@@ -76,12 +70,18 @@ struct GuardedStep {
     const auto& guarded = *static_cast<GuardedStep*>(self);
     for (bool done = false; !done;) {
       CatchAll([&] { guarded.step(guarded.context), done = true; },
-               [&] { ReportFailure(guarded.property, 0); });
+               [&] { details::ReportFailure(guarded.property, std::current_exception()); });
     }
   }
 };
 
 }  // namespace
+
+void details::ReportFailure(const VtrString& name, const std::exception_ptr& exception,
+                            std::uint32_t code) {
+  if (!handlerIsSet.load(std::memory_order_acquire)) return;
+  CatchAll([&] { Tell(name, exception, code); }, [] {});
+}
 
 void SetListenerFailureHandler(const FailureHandler& handler) {
   HandlerSlot& slot = Handler();
@@ -117,7 +117,9 @@ void RunUntrapped(void (*run)(void*), void* context) { run(context); }
 void RunGuarded(void (*step)(void*), void* context, const VtrString& property) {
   GuardedStep guarded{step, context, property};
   if (!IsHardwareFaultGuardOn()) return RunUntrapped(&GuardedStep::Run, &guarded);
-  while (const auto code = RunTrapping(&GuardedStep::Run, &guarded)) ReportFailure(property, code);
+  while (const auto code = RunTrapping(&GuardedStep::Run, &guarded)) {
+    ReportFailure(property, nullptr, code);
+  }
 }
 
 }  // namespace details

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Change.h"
+#include "Construction.h"
 #include "DataBinding/IDataListener.h"
 #include "DataBinding/IDataSource.h"
 #include "DataBinding/IDataSourceConstructor.h"
@@ -58,6 +59,7 @@ void DataSourceProvider::RemoveChild(IDataSourceProvider* child) { children.eras
 IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
   if (name == nullptr) return nullptr;
   if (IDataSource* held = FindLocal(name)) return held;
+  if (Construction::IsAskedForItself(*this, name)) return nullptr;
   if (IDataSource* built = BuildDataSource(name)) return built;
   return parent == nullptr ? nullptr : parent->GetDataSource(name);
 }
@@ -85,6 +87,7 @@ IDataSource* DataSourceProvider::FindLocal(const wchar_t* name) const {
 IDataSource* DataSourceProvider::BuildDataSource(const wchar_t* name) {
   IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
   if (!CanBuild(constructor)) return nullptr;
+  const Construction underWay(*this, name);
   IDataSource* built = constructor->CreateDataSource(this);
   try {
     AddDataSource(built);

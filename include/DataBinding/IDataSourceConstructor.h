@@ -27,6 +27,8 @@ class DATABINDING_API IDataSourceConstructor {
   /// The name of the sources that it builds.
   virtual const wchar_t* GetName() = 0;
   /// Builds a source that knows this provider; null when it will not. The provider takes it over.
+  /// It may ask the provider for other sources. Two constructors that ask for each other do not
+  /// both get what they ask for: the second one gets null.
   virtual IDataSource* CreateDataSource(IDataSourceProvider* provider) = 0;
   /// Offers a provider of a matching category, for constructors that add something to each.
   virtual void OnProviderAttached(IDataSourceProvider* provider) = 0;

@@ -42,7 +42,9 @@ class DATABINDING_API IDataSourceProvider {
                                                                       IDataContext* context) = 0;
   /// The enclosing scope, or null for a root.
   [[nodiscard]] virtual IDataSourceProvider* GetParent() const = 0;
-  /// The source of that name: held here, built here, or the parent's answer; else null.
+  /// The source of that name: held here, built here, or the parent's answer; else null. A source
+  /// that is just being built here cannot be had yet: when its building asks for it, by way of
+  /// other constructors too, the answer is null, and the failure handler is told (ListenerGuard.h).
   virtual IDataSource* GetDataSource(const wchar_t* name) = 0;
   /// As GetDataSource. Throws a VtrString, "No constructor found for data source %s.", for none.
   virtual IDataSource& GetDataSourceReference(const wchar_t* name) = 0;

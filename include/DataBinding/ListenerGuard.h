@@ -18,9 +18,9 @@
 
 namespace DataBinding {
 
-/// What a listener let out.
+/// What a listener let out, or that the building of a data source asks for that source.
 struct ListenerFailure {
-  /// The name that was announced.
+  /// The name that was announced; for a data source that asks for itself, the source's name.
   VtrString property;
   /// The exception, or null for a hardware fault.
   std::exception_ptr exception;
@@ -42,5 +42,13 @@ DATABINDING_API void SetListenerFailureHandler(
 DATABINDING_API void SetHardwareFaultGuard(bool on) noexcept;
 /// False as well where the library was built without the guard.
 [[nodiscard]] DATABINDING_API bool IsHardwareFaultGuardOn() noexcept;
+
+namespace details {
+
+/// Tells the failure handler of an exception that goes nowhere else, or of a hardware fault.
+void ReportFailure(const VtrString& name, const std::exception_ptr& exception,
+                   std::uint32_t code = 0);
+
+}  // namespace details
 
 }  // namespace DataBinding

@@ -172,6 +172,37 @@ TEST_F(Registrar, TypedConstructorRefusesATakenNameAndLeavesTheFirstInPlace) {
   EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Host"), nullptr);
 }
 
+class Seeker : public NamedDataSource {
+ public:
+  Seeker(IDataSourceProvider* scope, const wchar_t* name, const wchar_t* sought)
+      : NamedDataSource(name), found(scope->GetDataSource(sought)) {}
+  IDataSource* found;
+};
+
+TEST_F(Registrar, OfTwoSourcesThatAskForEachOtherWhileBuiltTheInnerOneGetsNull) {
+  using Seekers = DataSourceConstructor<Seeker>;
+  const auto seeking = [](const wchar_t* name, const wchar_t* sought) {
+    return [=](auto* scope) { return MakeDataSource<Seeker>(scope, scope, name, sought); };
+  };
+  const Seekers inner(L"Egg", L"C", Placement::Back, seeking(L"Egg", L"Hen"));
+  const Seekers outer(L"Hen", L"A,C", Placement::Back, seeking(L"Hen", L"Egg"));
+  SetListenerFailureHandler([this](const ListenerFailure& failure) {
+    try {
+      std::rethrow_exception(failure.exception);
+    } catch (const std::logic_error& error) {
+      log.append(failure.property.ToUtf8()).append(": ").append(error.what());
+    }
+  });
+  auto* hen = static_cast<Seeker*>(child->GetDataSource(L"Hen"));
+  SetListenerFailureHandler(nullptr);
+  auto* egg = static_cast<Seeker*>(hen->found);
+  EXPECT_EQ(egg, child->GetDataSource(L"Egg"));
+  EXPECT_EQ(egg->found, nullptr);  // and no hen is built in the parent, which could
+  EXPECT_EQ(log,
+            "Hen: Data source \"Hen\" is being built and cannot be had yet, but the building of "
+            "\"Egg\" asks for it.");
+}
+
 TEST_F(Registrar, DetachingGoesNoFurtherWhenTheProviderEnds) {
   LoggedConstructor art(log, "art", L"Art", L"C");
   LoggedConstructor map(log, "map", L"Map", L"C");
