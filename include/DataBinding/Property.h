@@ -25,7 +25,8 @@ namespace DataBinding {
 /// What a property does beside keeping its value.
 template <class T>
 struct PropertyOptions {
-  /// Answers why a value is refused, or an empty text to accept it.
+  /// Answers why a value is refused, or an empty text to accept it. One of BindWeak refuses every
+  /// value once its object is gone.
   RepeatingCallback<VtrString(const T& value)> validate = {};
   /// Runs after the value has changed and before the listeners do.
   RepeatingCallback<void(const T& before, const T& now)> changed = {};
@@ -51,10 +52,8 @@ class StoredProperty : public TypedProperty<T, Filed> {
   ~StoredProperty() { this->InvalidateWeakPtrs(); }
 
   SetResult Store(T wanted) {
-    if (options.validate) {
-      const VtrString reason = options.validate(wanted);
-      if (!reason.IsEmpty()) return this->RefusedResult(reason);
-    }
+    const VtrString reason = ReasonAgainst(wanted, options.validate);
+    if (!reason.IsEmpty()) return this->RefusedResult(reason);
     if constexpr (std::equality_comparable<T>) {
       if (value == wanted) return {};
     }

@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/String.h"
 
 namespace DataBinding {
@@ -58,5 +59,18 @@ struct PropertyValue {
   const T* operator->() const { return &*value; }
   ///@}
 };
+
+namespace details {
+
+/// Why a validator refuses a value; empty where it accepts the value, or there is no validator. One
+/// that is bound to an object refuses everything once the object is gone.
+template <class T>
+[[nodiscard]] VtrString ReasonAgainst(const T& value,
+                                      const RepeatingCallback<VtrString(const T&)>& validate) {
+  if (!validate) return {};
+  return validate.IsCancelled() ? VtrString(L"its validator is gone") : validate(value);
+}
+
+}  // namespace details
 
 }  // namespace DataBinding

@@ -72,6 +72,19 @@ TEST_F(PropertyTest, RefusedValueChangesNothingAndGivesTheReason) {
   EXPECT_EQ(log, "");
 }
 
+TEST_F(PropertyTest, ValidatorWhoseObjectIsGoneRefusesEverything) {
+  struct Rules : SupportsWeakPtr<Rules> {
+    VtrString Check(const int& /*value*/) { return {}; }
+  };
+  auto rules = std::make_unique<Rules>();
+  Property<int> depth(box.get(), L"Depth", 1,
+                      {.validate = BindWeak(rules->AsWeakPtr(), &Rules::Check)});
+  EXPECT_TRUE(depth.Set(2).changed);
+  rules.reset();
+  EXPECT_EQ(depth.Set(3).reason, L"its validator is gone");
+  EXPECT_EQ(*depth, 2);
+}
+
 TEST_F(PropertyTest, ReadOnlyPropertyIsSetByItsOwnSourceOnly) {
   const auto other = MakeDataSource<Box>(nullptr);
   EXPECT_TRUE(box->Rename(L"crate").changed);
