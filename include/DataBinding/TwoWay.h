@@ -3,8 +3,8 @@
 /// The widget is a pair of functions. `write` is called at once and on each change of the bind;
 /// when the user has finished an edit, the application calls Commit, which converts, validates and
 /// sets what `read` gives. A refused edit leaves the widget alone and says why. The join owns the
-/// functions and neither bind nor widget; bind and join may end in any order, the join even inside
-/// its own functions. One thread, that of the provider tree.
+/// functions and neither bind nor widget; bind and join may end in any order, also inside the
+/// join's own functions: none of them is called after that. One thread, that of the provider tree.
 ///
 ///   auto size = TwoWay(bind, [&] { return box.Text(); }, [&](const VtrString& t) { box.Show(t); },
 ///                      TextConverter<int>());
@@ -61,91 +61,125 @@ class TwoWayState {
         converter(std::move(conversion)),
         validate(std::move(check)) {}
 
+  /// Shows the value now, and at each change until the end.
+  void Begin(Subscription toChanges) {
+    subscription = std::move(toChanges);
+    Show();
+  }
+  /// The join is gone, and the widget may be: none of the functions is called from now on.
+  void End() {
+    bind = nullptr;
+    subscription.Cancel();
+  }
   /// Shows the bind's value, or that there is none. An edit of ours is looked at when it is over.
   void Show() {
-    isChanged = true;
-    if (isSetting || !bindLiveness.IsValid()) return;
-    const auto value = bind->Get();
-    return value ? Write(*value) : TellAbsent();
+    if (step == Step::Setting) step = Step::SettingAndChanged;
+    if (step != Step::SettingAndChanged && IsJoined()) Tell(bind->Get());
   }
   void WhenAbsent(RepeatingCallback<void()> callback) {
     absent = std::move(callback);
-    if (bindLiveness.IsValid() && bind->HasValue()) return;
-    isAbsent = true;
-    absent();
+    if (IsJoined() && bind->HasValue()) return;
+    widget = Widget::Edited;
+    TellAbsent();
   }
   SetResult Commit() {
-    if (isWriting || isCommitting) return {};
-    const Meanwhile committing(isCommitting, true);
-    isChanged = isWritten = false;
+    if (step != Step::None) return {};
+    const Meanwhile committing(step, Step::Committing);
+    if (widget == Widget::Written) widget = Widget::Edited;
+    if (read.IsCancelled()) return Refused(L"The widget is gone.");
     const W typed = read();
-    if (shown.Is(typed) && bindLiveness.IsValid() && bind->HasValue()) return {};
-    const PropertyValue<T> edited = converter.parse(typed);
+    if (!IsJoined()) return Gone();
+    if (shown.Is(typed) && bind->HasValue()) return {};
+    const PropertyValue<T> edited = Parse(typed);
     if (!edited) return Refused(edited.text);
-    const VtrString reason = validate ? validate(*edited) : VtrString();
+    if (!IsJoined()) return Gone();
+    const VtrString reason = ReasonAgainst(*edited, validate);
     if (!reason.IsEmpty()) return Refused(reason);
     return Set(*edited, typed);
   }
 
  private:
+  /// What the join is doing.
+  enum class Step {
+    None,
+    Committing,         ///< reads, converts and checks an edit
+    Setting,            ///< sets it, and shows no change meanwhile
+    SettingAndChanged,  ///< the same, and there was a change
+    Telling             ///< tells the widget of a value, or that there is none
+  };
+  /// What the widget holds.
+  enum class Widget {
+    Edited,     ///< what it began with, or what the user made of what was written
+    Written,    ///< what was written
+    ToldAbsent  ///< anything; it was told that there is no value, and not yet of another one
+  };
+
+  /// False once the join or its bind has ended, which any function that is called may have done.
+  [[nodiscard]] bool IsJoined() const noexcept { return bind != nullptr && bindLiveness.IsValid(); }
+  [[nodiscard]] SetResult Gone() const {
+    const wchar_t* const text = bind == nullptr ? L"The join is gone." : L"The bind is gone.";
+    return {false, PropertyError::NoSource, text};
+  }
   static SetResult Refused(const VtrString& reason) {
     return {false, PropertyError::Refused, reason, reason};
   }
+  [[nodiscard]] PropertyValue<T> Parse(const W& typed) const {
+    if (!converter.parse.IsCancelled()) return converter.parse(typed);
+    return {{}, PropertyError::Refused, L"The converter is gone."};
+  }
   /// A bind that throws may have changed all the same.
   SetResult Set(const T& edited, const W& typed) {
-    if (!bindLiveness.IsValid()) return {false, PropertyError::NoSource, L"The bind is gone."};
+    if (!IsJoined()) return Gone();
     SetResult result;
     bool isAccepted = false;
     FirstFailure failure;
+    step = Step::Setting;
     failure.Try([&] {
-      const Meanwhile setting(isSetting, true);
       result = bind->Set(edited);
       isAccepted = result.IsAccepted();
     });
+    const bool isChanged = std::exchange(step, Step::Committing) == Step::SettingAndChanged;
     if (isAccepted || isChanged) failure.Try([&] { ShowUnlessSame(edited, typed); });
     failure.Rethrow();
     return result;
   }
+  /// The source may have made something else of the value, and the widget may have been told of
+  /// another one, or of none, since it was read.
+  void ShowUnlessSame(const T& edited, const W& typed) {
+    if (!IsJoined()) return;
+    const auto now = bind->Get();
+    if constexpr (std::equality_comparable<T>) {
+      if (now && *now == edited && widget == Widget::Edited) return shown.Note(typed);
+    }
+    Tell(now);
+  }
+  void Tell(const PropertyValue<T>& now) { return now ? Write(*now) : TellAbsent(); }
   void Write(const T& value) {
-    const Meanwhile writing(isWriting, true);
-    isAbsent = false;
+    const Meanwhile telling(step, Step::Telling);
+    if (converter.show.IsCancelled()) return;
     const W form = converter.show(value);
+    if (!IsJoined()) return;
     shown.Note(form);
-    isWritten = true;
+    widget = Widget::Written;
     write(form);
   }
   void TellAbsent() {
+    const Meanwhile telling(step, Step::Telling);
     shown.Forget();
-    if (std::exchange(isAbsent, true)) return;
-    absent();
-  }
-  /// The source may have made something else of the value, and the widget may have been given
-  /// another one since it was read.
-  void ShowUnlessSame(const T& edited, const W& typed) {
-    if (!bindLiveness.IsValid()) return;
-    const auto now = bind->Get();
-    if (!now) return TellAbsent();
-    if constexpr (std::equality_comparable<T>) {
-      if (!isWritten && *now == edited) return shown.Note(typed);
-    }
-    Write(*now);
+    if (std::exchange(widget, Widget::ToldAbsent) != Widget::ToldAbsent) absent();
   }
 
   Framework::IDataBind<T>* bind;
   WeakReference bindLiveness;
+  Subscription subscription;
   RepeatingCallback<W()> read;
   RepeatingCallback<void(const W&)> write;
   RepeatingCallback<void()> absent;
   Converter<T, W> converter;
   RepeatingCallback<VtrString(const T&)> validate;
   ShownForm<W> shown;
-  bool isCommitting = false;
-  bool isSetting = false;
-  bool isWriting = false;
-  /// What happened since the commit began.
-  bool isChanged = false;
-  bool isWritten = false;
-  bool isAbsent = false;
+  Step step = Step::None;
+  Widget widget = Widget::Edited;
 };
 
 }  // namespace details
@@ -161,8 +195,8 @@ class [[nodiscard]] TwoWayJoin {
              RepeatingCallback<VtrString(const T&)> validate)
       : state(std::make_shared<details::TwoWayState<T, W>>(
             bind, std::move(read), std::move(write), std::move(converter), std::move(validate))),
-        subscription(bind.SubscribeToChanges([shared = state] { shared->Show(); })) {
-    state->Show();
+        ending([shared = state] { shared->End(); }) {
+    state->Begin(bind.SubscribeToChanges([shared = state] { shared->Show(); }));
   }
 
   /// Calls the function when the bind has no value any more, and now if it has none, so that a
@@ -177,9 +211,10 @@ class [[nodiscard]] TwoWayJoin {
   /// and `changed` false where there was nothing to change. `write` is not called for it, unless
   /// the data source made another value of it; values without == count as another each time.
   /// Where the widget holds what stands for the value already, nothing is converted or set, so that
-  /// who only passes through loses no digits. Does nothing inside `write`, inside a commit, and on
-  /// a join that was moved from, so that widgets which announce programmatic changes as edits do no
-  /// harm.
+  /// who only passes through loses no digits. Does nothing inside `write`, inside the function of
+  /// WhenAbsent, inside a commit, and on a join that was moved from, so that widgets which announce
+  /// programmatic changes as edits do no harm. Stops as soon as one of the functions has ended the
+  /// join or the bind, and refuses where a function of BindWeak that it needs has lost its object.
   SetResult Commit() {
     const auto keep = state;
     return keep == nullptr ? SetResult() : keep->Commit();
@@ -187,11 +222,12 @@ class [[nodiscard]] TwoWayJoin {
 
  private:
   std::shared_ptr<details::TwoWayState<T, W>> state;
-  Subscription subscription;
+  Subscription ending;
 };
 
 /// Joins a bind of values of type T to a widget that shows them as the converter says. What the
-/// validator answers is why an edit is refused; an empty text accepts it.
+/// validator answers is why an edit is refused; an empty text accepts it. One of BindWeak refuses
+/// every edit once its object is gone.
 template <class T, class Read, class Write, class W = std::invoke_result_t<Read&>>
 [[nodiscard]] TwoWayJoin<T, W> TwoWay(
     Framework::IDataBind<T>& bind, Read read, Write write, Converter<T, W> converter,

@@ -229,13 +229,7 @@ TEST_F(DataBinds, SubscriberOfALossIsNotToldOfAShadow) {
 }
 
 TEST_F(DataBinds, FindAPropertyThatComesAndGoesWhileItsSourceStays) {
-  class Drawer : public NamedDataSource {
-   public:
-    Drawer() : NamedDataSource(L"Drawer") {}
-    std::optional<Property<int>> Level;
-  };
-  auto* drawer = MakeDataSource<Drawer>(child.get()).release();
-  child->AddDataSource(drawer);
+  auto* drawer = AddDrawer(child);
   DataBind<int> bind(child.get(), L"Drawer", L"Level");
   const auto watch = Watch(bind);
   for (const int level : {1, 2}) {

@@ -1,6 +1,7 @@
 /// A data source for binds, and a note of what a bind's subscriber sees.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "../support/Scopes.h"
@@ -26,6 +27,14 @@ class Gauge : public NamedDataSource {
   Property<VtrString> Unit{this, L"Unit", L"kg"};
 };
 
+/// Has its property only sometimes.
+class Drawer : public NamedDataSource {
+ public:
+  Drawer() : NamedDataSource(L"Drawer") {}
+
+  std::optional<Property<int>> Level;
+};
+
 class BindTest : public Scopes {
  protected:
   static Gauge* AddGauge(const ProviderPtr& provider, int level = 1,
@@ -33,6 +42,11 @@ class BindTest : public Scopes {
     auto* gauge = MakeDataSource<Gauge>(provider.get(), name, level).release();
     provider->AddDataSource(gauge);
     return gauge;
+  }
+  static Drawer* AddDrawer(const ProviderPtr& provider) {
+    auto* drawer = MakeDataSource<Drawer>(provider.get()).release();
+    provider->AddDataSource(drawer);
+    return drawer;
   }
   /// Notes the value, or "-", at each notification.
   Subscription Watch(Framework::IDataBind<int>& bind) {

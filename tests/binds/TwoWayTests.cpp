@@ -1,3 +1,4 @@
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -101,6 +102,59 @@ TEST_F(TwoWayBinds, CommitInsideTheJoinsFunctionsDoesNothing) {
   EXPECT_EQ(*gauge->Level, 3);
   EXPECT_TRUE(Edit(*join, L"4").changed);
   EXPECT_EQ(*gauge->Level, 4);
+  join->WhenAbsent([&] { EXPECT_TRUE(join->Commit().IsAccepted()); });
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+}
+
+/// The functions note themselves: r(ead), p(arse), v(alidate), s(how), w(rite); c is a change.
+TEST_F(TwoWayBinds, CommitCallsNoneOfTheFunctionsOnceOneHasEndedTheJoin) {
+  auto* gauge = AddGauge(child);
+  std::optional<TwoWayJoin<int, int>> join;
+  char ending = 0;
+  const auto note = [&](char function) {
+    log += function;
+    if (function == ending) join.reset();
+  };
+  const auto watch = gauge->Register([&] { note('c'); }, L"Level");
+  const Converter<int, int> converter{[&](const int& level) { return note('s'), level; },
+                                      [&](const int& typed) {
+                                        note('p');
+                                        return SameValue<int>().parse(typed);
+                                      }};
+  for (const auto* each : {"r", "p", "v", "c"}) {
+    join.emplace(TwoWay(
+        *bind, [&] { return note('r'), 250; }, [&](int) { note('w'); }, converter,
+        [&](const int&) { return note('v'), VtrString(); }));
+    ending = *each;
+    EXPECT_EQ(join->Commit().text, ending == 'c' ? L"" : L"The join is gone.");
+    log += ' ';
+  }
+  EXPECT_EQ(log, "swr swrp swrpv swrpvcc ");
+}
+
+TEST_F(TwoWayBinds, CommitRefusesWhatNeedsAnObjectThatIsGone) {
+  struct Box : SupportsWeakPtr<Box> {
+    int Read() { return 7; }
+    int Show(const int& level) { return level; }
+    PropertyValue<int> Parse(const int& typed) { return SameValue<int>().parse(typed); }
+    VtrString Check(const int& /*level*/) { return {}; }
+  };
+  auto* gauge = AddGauge(child);
+  int writes = 0;
+  const auto write = [&](const int&) { ++writes; };
+  const auto read = [] { return 7; };
+  auto box = std::make_unique<Box>();
+  const auto weak = box->AsWeakPtr();
+  std::array joins{
+      TwoWay(*bind, BindWeak(weak, &Box::Read), write),
+      TwoWay(*bind, read, write, {SameValue<int>().show, BindWeak(weak, &Box::Parse)}),
+      TwoWay(*bind, read, write, SameValue<int>(), BindWeak(weak, &Box::Check)),
+      TwoWay(*bind, read, write, {BindWeak(weak, &Box::Show), SameValue<int>().parse})};
+  box.reset();
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_FALSE(joins[i].Commit().reason.IsEmpty());
+  EXPECT_EQ(*gauge->Level, 1);
+  gauge->Level.Set(2);
+  EXPECT_EQ(writes, 7) << "nothing for the one that cannot convert any more";
 }
 
 TEST_F(TwoWayBinds, ChangeDuringACommitIsShownAndTheWidgetAgreesWithTheBindAfterwards) {
@@ -145,6 +199,20 @@ TEST_F(TwoWayBinds, AbsenceIsToldAtOnceAndWheneverTheValueGoes) {
   EXPECT_TRUE(Edit(join, L"5").changed);
   bind->Connect(parent.get());
   EXPECT_EQ(Notes(), "- 1 -");
+}
+
+/// A property that comes and goes while its source stays announces neither.
+TEST_F(TwoWayBinds, EditFindsOutThatTheValueHasGoneOrComeInSilence) {
+  auto* drawer = AddDrawer(child);
+  drawer->Level.emplace(drawer, PropertyName(L"Level"), 1);
+  bind.emplace(child.get(), L"Drawer", L"Level");
+  auto join = MakeJoin(*bind);
+  drawer->Level.reset();
+  EXPECT_EQ(Edit(join, L"1").error, PropertyError::Absent) << "though it is what was shown";
+  join.WhenAbsent([this] { log += "- "; });
+  drawer->Level.emplace(drawer, PropertyName(L"Level"), 5);
+  EXPECT_TRUE(Edit(join, L"7").changed);
+  EXPECT_EQ(Notes(), "1 - 7") << "which says that there is a value again";
 }
 
 TEST_F(TwoWayBinds, BindThatIsEndingIsGone) {
