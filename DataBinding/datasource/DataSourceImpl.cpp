@@ -27,7 +27,13 @@ DataSourceImpl::~DataSourceImpl() = default;
 void DataSourceImpl::Destroy() { delete this; }
 
 IDataContext* DataSourceImpl::GetDataContext() const {
-  return dataSourceProvider == nullptr ? nullptr : dataSourceProvider->GetDataContext();
+  IDataSourceProvider* const provider = GetDataSourceProvider();
+  return provider == nullptr ? nullptr : provider->GetDataContext();
+}
+
+void DataSourceImpl::SetDataSourceProvider(IDataSourceProvider* newProvider) {
+  dataSourceProvider = {};
+  if (newProvider != nullptr) dataSourceProvider = {newProvider->GetLiveness(), newProvider};
 }
 
 void DataSourceImpl::UpdateListeners(const VtrString& names) {

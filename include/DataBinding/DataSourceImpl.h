@@ -25,9 +25,10 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
  public:
   DataSourceImpl();
 
-  /// The provider that the source belongs to, or null. Not owned.
+  /// The provider that the source belongs to, or null: also once that provider has ended. Not
+  /// owned.
   [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept {
-    return dataSourceProvider;
+    return dataSourceProvider.Get();
   }
   /// The provider's context, or null without a provider.
   [[nodiscard]] IDataContext* GetDataContext() const override;
@@ -48,9 +49,7 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   template <class Property, class Value>
   auto Assign(Property& property, Value&& value);
   /// Stores the provider; tells nobody.
-  void SetDataSourceProvider(IDataSourceProvider* newProvider) noexcept {
-    dataSourceProvider = newProvider;
-  }
+  void SetDataSourceProvider(IDataSourceProvider* newProvider);
 
  private:
   friend class details::DataSourceAccess;
@@ -58,7 +57,7 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   void Destroy() override;
   void UpdateAllBut(const std::set<VtrString>& excluded, const details::WeakReference& self);
 
-  IDataSourceProvider* dataSourceProvider = nullptr;
+  WeakPtr<IDataSourceProvider> dataSourceProvider;
   details::PropertyChanges propertyChanges;
   details::WeakReferenceOwner sourceLiveness;
 };

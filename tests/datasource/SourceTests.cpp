@@ -102,6 +102,18 @@ TEST(DataSource, IsSilentUntilItIsPostConstructedAndAbsentInItsDestructionHandle
   EXPECT_EQ(calls, 2);
 }
 
+TEST_F(Sources, AnswerNoScopeAndNoContextOnceTheirScopeHasEnded) {
+  int context = 0;
+  std::optional<DataSourceProvider> scope(std::in_place, nullptr, nullptr,
+                                          reinterpret_cast<IDataContext*>(&context));
+  source = MakeDataSource<LoggedSource>(&*scope, L"Doc", log);
+  EXPECT_EQ(source->GetDataSourceProvider(), &*scope);
+  EXPECT_EQ(source->GetDataContext(), scope->GetDataContext());
+  scope.reset();
+  EXPECT_EQ(source->GetDataSourceProvider(), nullptr);
+  EXPECT_EQ(source->GetDataContext(), nullptr);
+}
+
 TEST_F(Sources, AreFoundByTheirOwnIdentifierOnly) {
   Make();
   IVantorGeneric& generic = *source;
