@@ -22,15 +22,19 @@ class EventNames {
     std::string key = TypeKey(signature);
     const WriteLock guard(lock);
     EventName& found = Obtain(name);
+    ThrowUnlessFree(found, key, signature);
     if (found.signatureKey.empty()) {
       found.signatureText = ReadableTypeName(signature);
       found.signatureKey = std::move(key);
-    } else if (found.signatureKey != key) {
-      throw std::logic_error("the application event \"" + found.text.ToUtf8() +
-                             "\" is used with the signature " + ReadableTypeName(signature) +
-                             ", but was first used with " + found.signatureText);
     }
     return found;
+  }
+
+  void Check(VtrStringView name, const std::type_info& signature) {
+    const std::string key = TypeKey(signature);
+    const ReadLock guard(lock);
+    const auto known = names.find(VtrString(name));
+    if (known != names.end()) ThrowUnlessFree(*known->second, key, signature);
   }
 
   const wchar_t* Keep(VtrStringView name) {
@@ -39,6 +43,14 @@ class EventNames {
   }
 
  private:
+  /// Passes a name that has this signature, or none yet.
+  static void ThrowUnlessFree(const EventName& name, const std::string& key,
+                              const std::type_info& signature) {
+    if (name.signatureKey.empty() || name.signatureKey == key) return;
+    throw std::logic_error("the application event \"" + name.text.ToUtf8() +
+                           "\" is used with the signature " + ReadableTypeName(signature) +
+                           ", but was first used with " + name.signatureText);
+  }
   EventName& Obtain(VtrStringView name) DATABINDING_REQUIRES(lock) {
     const VtrString text(name);
     const auto known = names.find(text);
@@ -53,6 +65,10 @@ class EventNames {
 
 const EventName& EventName::Find(VtrStringView name, const std::type_info& signature) {
   return EventNames::Get().Find(name, signature);
+}
+
+void EventName::Check(VtrStringView name, const std::type_info& signature) {
+  EventNames::Get().Check(name, signature);
 }
 
 const wchar_t* EventName::Keep(VtrStringView name) { return EventNames::Get().Keep(name); }

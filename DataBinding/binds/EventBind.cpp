@@ -7,6 +7,12 @@
 
 namespace DataBinding::Framework {
 
+namespace {
+
+const std::type_info& signature = typeid(void(IDataContext*));
+
+}  // namespace
+
 EventBind::EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
                      const void* ownerKey)
     : IEventBind(context, source, eventName), owner(ownerKey) {}
@@ -18,9 +24,8 @@ void EventBind::Connect(IDataSourceProvider* provider) {
 }
 
 BindStatus EventBind::Status() const {
-  BindStatus fault;
-  if (FindEvent(fault) == nullptr) return fault;
-  if (FindContext()) return {BindState::Connected, {}};
+  BindStatus status = EventStatus();
+  if (!status.IsConnected() || FindContext()) return status;
   if (const auto* followed = DataContextBind()) return followed->Status();
   if (Scope() == nullptr) {
     return {BindState::NoProvider,
@@ -36,34 +41,29 @@ BindStatus EventBind::Status() const {
 VtrString EventBind::EventName() const { return Path() == nullPathMarker ? VtrString() : Path(); }
 
 bool EventBind::CanRaise() const {
-  BindStatus fault;
-  return FindEvent(fault) != nullptr && FindContext().has_value();
+  return EventStatus().IsConnected() && FindContext().has_value();
 }
 
 void EventBind::Raise() {
   using Event = details::TypedEvent<IDataContext*>;
-  BindStatus fault;
-  const details::EventName* event = FindEvent(fault);
   const auto context = FindContext();
-  if (event == nullptr || !context) return;
-  details::NamedEvent::Queue(*event, std::make_shared<Event>(*event, owner, *context), false);
+  if (!context || !EventStatus().IsConnected()) return;
+  known = &details::EventName::Find(EventName(), signature);
+  details::NamedEvent::Queue(*known, std::make_shared<Event>(*known, owner, *context), false);
 }
 
 IDataContext* EventBind::DataContext() const { return FindContext().value_or(nullptr); }
 
-const details::EventName* EventBind::FindEvent(BindStatus& fault) const {
+BindStatus EventBind::EventStatus() const {
   const VtrString name = EventName();
-  if (name.IsEmpty()) {
-    fault = {BindState::Unbound, L"The bind names no event."};
-    return nullptr;
-  }
-  if (known != nullptr && known->Text() == name) return known;
+  if (name.IsEmpty()) return {BindState::Unbound, L"The bind names no event."};
+  if (known != nullptr && known->Text() == name) return {BindState::Connected, {}};
   try {
-    return known = &details::EventName::Find(name, typeid(void(IDataContext*)));
+    details::EventName::Check(name, signature);
+    return {BindState::Connected, {}};
   } catch (const std::logic_error& clash) {
-    fault = {BindState::WrongType, VtrString().Format(L"The bind cannot raise its event: %s.",
-                                                      VtrString::FromUtf8(clash.what()))};
-    return nullptr;
+    return {BindState::WrongType, VtrString().Format(L"The bind cannot raise its event: %s.",
+                                                     VtrString::FromUtf8(clash.what()))};
   }
 }
 

@@ -45,8 +45,8 @@ class DATABINDING_API EventBind final : public IEventBind {
   [[nodiscard]] BindStatus Status() const override;
   /// The path, or an empty name for the null-path marker.
   [[nodiscard]] VtrString EventName() const override;
-  /// Asking fixes the signature of the event.
   [[nodiscard]] bool CanRaise() const override;
+  /// Fixes the signature of the event, unlike the questions.
   void Raise() override;
   [[nodiscard]] IDataContext* DataContext() const override;
 
@@ -54,8 +54,8 @@ class DATABINDING_API EventBind final : public IEventBind {
   EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
             const void* ownerKey);
 
-  /// The event, or null and why there is none that may be raised.
-  [[nodiscard]] const details::EventName* FindEvent(BindStatus& fault) const;
+  /// Unbound or WrongType where there is no event that may be raised, else Connected.
+  [[nodiscard]] BindStatus EventStatus() const;
   [[nodiscard]] IDataSourceProvider* Scope() const;
   [[nodiscard]] IDataSourceProvider* ContextScope() const;
   /// The context to raise the event for, if there is one, be it null.
@@ -63,7 +63,8 @@ class DATABINDING_API EventBind final : public IEventBind {
 
   const void* owner;
   std::unique_ptr<details::EventAnchor> anchor;
-  mutable const details::EventName* known = nullptr;
+  /// The event that was raised last.
+  const details::EventName* known = nullptr;
 };
 
 }  // namespace Framework

@@ -24,6 +24,8 @@ class DATABINDING_API EventName {
   /// The event of that name. Throws std::logic_error, naming the event and both signatures, when
   /// the name was first used with another signature.
   [[nodiscard]] static const EventName& Find(VtrStringView name, const std::type_info& signature);
+  /// Throws where Find would, but fixes no signature and keeps no name.
+  static void Check(VtrStringView name, const std::type_info& signature);
   /// The text of a name, to be kept forever. Fixes no signature.
   [[nodiscard]] static const wchar_t* Keep(VtrStringView name);
 

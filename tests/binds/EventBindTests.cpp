@@ -89,10 +89,12 @@ TEST_F(EventBindTest, RaisesTheEventOfItsPathForItsContextAndItsModule) {
 }
 
 TEST_F(EventBindTest, RaisesNoEventOfAnotherSignature) {
-  const AppEvent<int> other(L"EventBindTest.Counted");
-  const auto subscription = other.Subscribe([](int) {});
   EventBind bind(L"", L"", L"EventBindTest.Counted");
   bind.Connect(scope);
+  EXPECT_TRUE(bind.CanRaise());
+  EXPECT_EQ(Diagnose(*scope).at(0).status.state, BindState::Connected);
+  const AppEvent<int> other(L"EventBindTest.Counted");
+  const auto subscription = other.Subscribe([](int) {});  // asking has fixed nothing
   bind.Raise();
   EXPECT_FALSE(bind.CanRaise());
   EXPECT_EQ(bind.Status().state, BindState::WrongType);
