@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 
 #if defined(__GNUC__)
 #include <cxxabi.h>
@@ -10,14 +11,28 @@
 
 namespace VtrUtils {
 
+namespace {
+
+/// Calls the string by the name that everybody writes.
+std::string WithShortString(std::string text) {
+  constexpr std::string_view full = "VtrPlatform::VtrStringT<wchar_t>";
+  constexpr std::string_view usual = "VtrString";
+  for (auto at = text.find(full); at != std::string::npos; at = text.find(full, at)) {
+    text.replace(at, full.size(), usual);
+  }
+  return text;
+}
+
+}  // namespace
+
 std::string ReadableTypeName(const std::type_info& type) {
 #if defined(__GNUC__)
   int status = 0;
   const std::unique_ptr<char, void (*)(void*)> text(
       abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
-  if (text != nullptr) return text.get();
+  if (text != nullptr) return WithShortString(text.get());
 #endif
-  return type.name();
+  return WithShortString(type.name());
 }
 
 std::string TypeKey(std::type_index type) {

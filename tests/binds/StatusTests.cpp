@@ -55,6 +55,8 @@ const std::vector<Case>& Cases() {
        L"Data source \"Gauge\" has no property \"level\", but one named \"Level\"."},
       {L"", L"Gauge", L"Ratio", BindState::WrongType,
        L"Property \"Ratio\" of data source \"Gauge\" has type double, not int."},
+      {L"", L"Gauge", L"Unit", BindState::WrongType,
+       L"Property \"Unit\" of data source \"Gauge\" has type VtrString, not int."},
       {L"", L"Gauge", L"Depth", BindState::NoProperty,
        L"Data source \"Gauge\" has no property \"Depth\" (wanted type int, actual none)."}};
   return cases;
