@@ -124,7 +124,9 @@ Framework::BindStatus BindConnection::Status() const {
   const std::size_t context = ContextIndex();
   IDataSourceProvider* scope = context < links.size() ? links[context]->Scope() : nullptr;
   if (scope == nullptr) return ExplainNoContext(wish, contextName);
-  if (source == nullptr) return ExplainMissing(wish, *scope);
+  // A source that ends without its scope's knowledge tells one bind after the other.
+  const bool isThere = source != nullptr && !ReflectionAccess::IsEnding(*source);
+  if (!isThere) return ExplainMissing(wish, *scope);
   const Framework::BindStatus status = ExplainFound(wish, *scope, *source);
   // An accessor of another kind may be filed under the type that is wanted.
   return status.IsConnected() && !HasValue() ? ExplainUnreachable(wish, *source) : status;

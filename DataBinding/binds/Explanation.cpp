@@ -18,14 +18,14 @@ using Framework::BindState;
 using Framework::BindStatus;
 
 /// Calls visit(source, its name, its scope) for the sources that the scope and those further out
-/// own, but for those that are just going.
+/// own, but for those that are just going, be it without the scope's knowledge.
 template <class Visitor>
 void VisitOwned(IDataSourceProvider& nearest, const Visitor& visit) {
   for (IDataSourceProvider* scope = &nearest; scope != nullptr; scope = scope->GetParent()) {
     const auto* owner = dynamic_cast<const DataSourceProvider*>(scope);
     if (owner == nullptr) continue;
     owner->VisitDataSources([&](IDataSource& source) {
-      if (ProviderDoor::IsLeaving(*owner, source)) return;
+      if (ProviderDoor::IsLeaving(*owner, source) || ReflectionAccess::IsEnding(source)) return;
       if (const wchar_t* name = source.GetDataSourceName()) visit(source, VtrString(name), *owner);
     });
   }

@@ -41,9 +41,13 @@ class DATABINDING_API ReflectionAccess {
   /// The text for a property whose source is gone, or going.
   [[nodiscard]] static VtrString ExplainGone(const VtrString& name,
                                              const runtime_type_base& wanted);
-  /// The source's name for a message; empty while its destruction handlers run.
+  /// True once the source's destruction handlers run, when it has no name any more.
+  [[nodiscard]] static bool IsEnding(const IDataSource& source) noexcept {
+    return source.reflectable.IsEnding();
+  }
+  /// The source's name for a message; empty while it is ending.
   [[nodiscard]] static VtrString NameOf(IDataSource& source) {
-    return source.reflectable.IsEnding() ? VtrString() : VtrString(source.GetDataSourceName());
+    return IsEnding(source) ? VtrString() : VtrString(source.GetDataSourceName());
   }
   static void File(IReflectable& table, const VtrString& name,
                    const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {

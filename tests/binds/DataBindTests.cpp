@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "Gauge.h"
 
@@ -226,6 +227,26 @@ TEST_F(DataBinds, SubscriberOfALossIsNotToldOfAShadow) {
   const std::array asking{bind.SubscribeToChanges(ask), other.SubscribeToChanges(ask)};
   child->RemoveDataSource(gauge.get());
   EXPECT_EQ(log.find('8'), std::string::npos) << log;
+}
+
+/// Lies in a place of its own, so that its scope cannot end it, but others can.
+class Lodger final : public Gauge {
+  void Destroy() override {}
+};
+
+TEST_F(DataBinds, SubscribersMayAskWhileASourceEndsBehindItsScopesBack) {
+  std::optional<Lodger> lodger(std::in_place);
+  child->AddDataSource(&*lodger);
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  DataBind<int> other(bind);
+  std::vector<VtrString> told;
+  const auto ask = [&] { told.insert(told.end(), {bind.Get().text, other.Status().text}); };
+  const std::array asking{bind.SubscribeToChanges(ask), other.SubscribeToChanges(ask)};
+  lodger.reset();
+  const VtrString missing = L"There is no data source \"Gauge\" to have a property \"Level\".";
+  EXPECT_EQ(told, std::vector(4, missing));
+  lodger.emplace();  // where the scope goes on to see one, until it lets it go
+  child->DeleteLocalDataSourceInstance(L"Gauge");
 }
 
 TEST_F(DataBinds, FindAPropertyThatComesAndGoesWhileItsSourceStays) {
