@@ -45,26 +45,21 @@ void DataSourceRegistrar::RegisterDataSource(IDataSourceConstructor* constructor
   List(constructor);
 }
 
-/// Puts a constructor where it wants to be in each of its categories, or in none. What GetPlacement
-/// registers meanwhile is in none of them.
+/// Puts a constructor where it wants to be in each of its categories. All that takes memory comes
+/// first, so that without any the constructor is in none of them; GetPlacement is asked afterwards,
+/// since it may register others, which belong into the same lists.
 void DataSourceRegistrar::List(IDataSourceConstructor* constructor) {
-  std::map<VtrString, ConstructorList> lists;
+  std::vector<ConstructorList*> lists;
+  ConstructorList places;
   for (const auto category : String::SplitView(constructor->GetCategories(), L",", false, true)) {
-    const VtrString name(category);
-    ConstructorList& list = lists.try_emplace(name, categoryConstructors[name]).first->second;
-    switch (static_cast<Placement>(constructor->GetPlacement())) {
-      case Placement::Front:
-        list.insert(list.begin(), constructor);
-        break;
-      case Placement::Back:
-        list.push_back(constructor);
-        break;
-      case Placement::Nowhere:
-      default:
-        break;
-    }
+    lists.push_back(&categoryConstructors[VtrString(category)]);
+    places.push_back(constructor);
   }
-  for (auto& [name, list] : lists) categoryConstructors.find(name)->second.swap(list);
+  for (ConstructorList* list : lists) {
+    const auto placement = static_cast<Placement>(constructor->GetPlacement());
+    if (placement == Placement::Front) list->splice(list->begin(), places, places.begin());
+    if (placement == Placement::Back) list->splice(list->end(), places, places.begin());
+  }
 }
 
 /// Without the memory to look up its categories, a constructor is taken off all lists.
@@ -82,20 +77,20 @@ void DataSourceRegistrar::UnregisterDataSource(IDataSourceConstructor* construct
   if (constructor == nullptr || constructor->GetName() == nullptr) return;
   const auto filed = constructors.find(VtrStringView(constructor->GetName()));
   if (filed == constructors.end()) return;
-  // It is about to end: from here on nothing needs memory. Without any, the providers that are
-  // attached are walked as they stand.
   const VtrString name = filed->first;
+  FirstFailure failure;
+  Unlist(constructor);
+  // The constructor may be gone after this.
+  failure.Try([&] { filed->second->OnUnregistered(); });
+  constructors.erase(name);
+  // Since it is gone, this completes without memory, too: then the attached providers are walked as
+  // they stand.
   std::map<IDataSourceProvider*, details::WeakReference> copy;
   try {
     copy = providers;
   } catch (const std::bad_alloc&) {
   }
   const auto& walked = copy.size() == providers.size() ? copy : providers;
-  FirstFailure failure;
-  Unlist(constructor);
-  // The constructor may be gone after this.
-  failure.Try([&] { filed->second->OnUnregistered(); });
-  constructors.erase(name);
   for (auto next = walked.begin(); next != walked.end();) {
     IDataSourceProvider* const provider = next->first;
     const auto attached = providers.find(provider);

@@ -5,6 +5,7 @@
 /// source may unregister a constructor when it ends, and OnUnregistered may delete its constructor.
 #pragma once
 
+#include <list>
 #include <map>
 #include <vector>
 
@@ -33,7 +34,7 @@ class DATABINDING_API DataSourceRegistrar final : public IDataSourceRegistrar {
   void Shutdown() override;
 
  private:
-  using ConstructorList = std::vector<IDataSourceConstructor*>;
+  using ConstructorList = std::list<IDataSourceConstructor*>;
 
   void List(IDataSourceConstructor* constructor);
   void Unlist(IDataSourceConstructor* constructor);

@@ -24,7 +24,8 @@ class DATABINDING_API IDataSourceConstructor {
   /// Called once when the constructor is taken off its name. It may delete itself here,
   /// if its destructor does not unregister it once more.
   virtual void OnUnregistered() = 0;
-  /// The name of the sources that it builds.
+  /// The name of the sources that it builds, under which it is filed. It should not change while
+  /// the constructor is registered.
   virtual const wchar_t* GetName() = 0;
   /// Builds a source that knows this provider; null when it will not. The provider takes it over.
   /// It may ask the provider for other sources. Two constructors that ask for each other do not
@@ -32,7 +33,8 @@ class DATABINDING_API IDataSourceConstructor {
   virtual IDataSource* CreateDataSource(IDataSourceProvider* provider) = 0;
   /// Offers a provider of a matching category, for constructors that add something to each.
   virtual void OnProviderAttached(IDataSourceProvider* provider) = 0;
-  /// A value of Placement; any other means Nowhere.
+  /// A value of Placement; any other means Nowhere. Asked anew for each category. It may register
+  /// other constructors.
   virtual int GetPlacement() = 0;
   /// The comma-separated categories of the providers in which it builds.
   virtual const wchar_t* GetCategories() = 0;

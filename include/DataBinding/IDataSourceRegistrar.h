@@ -23,7 +23,9 @@ class DATABINDING_API IDataSourceRegistrar {
   /// Files a constructor under its name and offers it the attached providers that match. A second
   /// constructor of a taken name is not filed, but deliberately offered and listed all the same.
   virtual void RegisterDataSource(IDataSourceConstructor* constructor) = 0;
-  /// Takes the constructor's name off, and deletes the sources of that name in attached providers.
+  /// Takes the constructor's name off, calls its OnUnregistered, and deletes the sources of that
+  /// name in the providers that are attached then. Completes although one of these refuses to end,
+  /// then throws the first exception.
   /// What is filed under the name is unregistered, even if it is another constructor; a second
   /// constructor of one name is therefore to end after the first.
   virtual void UnregisterDataSource(IDataSourceConstructor* constructor) = 0;
@@ -32,7 +34,9 @@ class DATABINDING_API IDataSourceRegistrar {
   /// Adds a provider and offers it the constructors of its categories; attaching it again
   /// deliberately offers them again.
   virtual void AttachProvider(IDataSourceProvider* provider) = 0;
-  /// Takes an attached provider off and deletes the registered sources that it holds.
+  /// Takes an attached provider off and deletes the sources that it holds under the names by which
+  /// constructors are filed. A constructor whose GetName answers otherwise by now is not asked
+  /// again, deliberately: sources are found by the name of the filing.
   virtual void DetachProvider(IDataSourceProvider* provider) = 0;
   /// The constructor of exactly that name, or null.
   virtual IDataSourceConstructor* FindConstructor(const wchar_t* name) = 0;

@@ -123,6 +123,20 @@ TEST(FailingAllocations, InScopesLeaveEachSourceWhereItBelongs) {
     w.child->VisitChildren([](auto& /*left*/) { ADD_FAILURE(); });
   });
 }
+TEST(FailingAllocations, InARegistrationOfferTheConstructorOnceInEachCategory) {
+  Attempts::Of([](Attempts& attempt) {
+    World w;
+    LoggedConstructor doc(w.log, "doc", L"Doc", L"A,B");
+    attempt([&] { w.registrar.RegisterDataSource(&doc); });
+    w.log.clear();
+    w.registrar.AttachProvider(w.parent.get());
+    EXPECT_EQ(w.Marks(), "doc:attached doc:attached ");
+    attempt([&] { w.registrar.UnregisterDataSource(&doc); });
+    w.registrar.AttachProvider(w.parent.get());
+    EXPECT_EQ(w.Marks().find("attached"), std::string::npos);
+  });
+}
+
 
 TEST(FailingAllocations, InListenersConnectEachOnce) {
   Attempts::Of([](Attempts& attempt) {

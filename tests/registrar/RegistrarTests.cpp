@@ -16,17 +16,30 @@ TEST_F(Registrar, OffersConstructorsByCategoryAndPlacementEachTimeAProviderIsAtt
     registrar.RegisterDataSource(constructor);
   }
   log.clear();
-  registrar.AttachProvider(parent.get());
-  registrar.AttachProvider(parent.get());
-  EXPECT_EQ(Notes(),
-            "front:attached doc:attached doc:attached "
-            "front:attached doc:attached doc:attached");
+  for (int times = 0; times < 2; ++times) {
+    registrar.AttachProvider(parent.get());
+    EXPECT_EQ(Notes(), "front:attached doc:attached doc:attached");
+  }
   registrar.UnregisterDataSource(&doc);
   registrar.AttachProvider(parent.get());
   EXPECT_EQ(Notes(), "doc:unregistered front:attached");
+}
+
+TEST_F(Registrar, OffersALateConstructorToAttachedProvidersWhateverItsPlacement) {
   LoggedConstructor late(log, "late", L"Late", L"x,B", 0);
+  registrar.AttachProvider(parent.get());
+  registrar.AttachProvider(child.get());
   registrar.RegisterDataSource(&late);
   EXPECT_EQ(Notes(), "late:registered late:attached");
+}
+
+TEST_F(Registrar, ListsAConstructorBesideThoseThatItRegistersWhenItIsPlaced) {
+  LoggedConstructor map(log, "map", L"Map", L"A,B", 1);
+  doc.onPlaced = [&] { registrar.RegisterDataSource(&map); };
+  registrar.RegisterDataSource(&doc);
+  log.clear();
+  registrar.AttachProvider(parent.get());
+  EXPECT_EQ(Notes(), "map:attached doc:attached map:attached doc:attached");
 }
 
 TEST_F(Registrar, SecondConstructorOfANameIsOfferedButNotFiled) {
@@ -39,9 +52,14 @@ TEST_F(Registrar, SecondConstructorOfANameIsOfferedButNotFiled) {
   EXPECT_EQ(Notes(), "doc:attached doc:attached twin:attached");
   EXPECT_EQ(registrar.FindConstructor(L"Doc"), &doc);
   EXPECT_EQ(registrar.FindConstructor(L"doc"), nullptr);
+}
+
+TEST_F(Registrar, UnregistersWhatIsFiledUnderTheNameEvenIfItIsAnotherConstructor) {
+  LoggedConstructor twin(log, "twin", L"Doc", L"B");
+  registrar.RegisterDataSource(&doc);
   registrar.UnregisterDataSource(&twin);
   registrar.UnregisterDataSource(&twin);
-  EXPECT_EQ(Notes(), "doc:unregistered");
+  EXPECT_EQ(Notes(), "doc:registered doc:unregistered");
   EXPECT_EQ(registrar.FindConstructor(L"Doc"), nullptr);
 }
 
@@ -76,6 +94,32 @@ TEST_F(Registrar, UnregisteringDeletesTheSourcesOfProvidersThatAreStillAttached)
   EXPECT_EQ(Notes(), "doc:unregistered ~Doc ~Doc");
   EXPECT_NE(parent == nullptr, other == nullptr);
   EXPECT_NE(unattached->GetLocalDataSourceInstance(L"Doc"), nullptr);
+}
+
+TEST_F(Registrar, UnregisteringReachesProvidersThatOnUnregisteredAttaches) {
+  registrar.RegisterDataSource(&doc);
+  static_cast<void>(parent->GetDataSource(L"Doc"));
+  doc.onUnregistered = [&] { registrar.AttachProvider(parent.get()); };
+  registrar.UnregisterDataSource(&doc);
+  EXPECT_EQ(Notes(), "doc:registered doc:unregistered ~Doc");
+}
+
+TEST_F(Registrar, UnregisteringCompletesAndTellsThatASourceRefusesToEnd) {
+  const ProviderPtr other = MakeProvider(nullptr, L"A");
+  registrar.RegisterDataSource(&doc);
+  DataSourcePtr<LoggedSource> survivors[2];
+  for (auto* provider : {parent.get(), other.get()}) {
+    registrar.AttachProvider(provider);
+    auto& survivor = survivors[provider == other.get() ? 1 : 0];
+    survivor.reset(static_cast<LoggedSource*>(provider->GetDataSource(L"Doc")));
+    survivor->onPreDestroy = [] { throw 7; };
+  }
+  EXPECT_THROW(registrar.UnregisterDataSource(&doc), int);
+  EXPECT_EQ(registrar.FindConstructor(L"Doc"), nullptr);
+  for (auto* provider : {parent.get(), other.get()}) {
+    EXPECT_EQ(provider->GetLocalDataSourceInstance(L"Doc"), nullptr);
+  }
+  for (auto& survivor : survivors) survivor->onPreDestroy = nullptr;
 }
 
 TEST_F(Registrar, ConstructorsMayRegisterAndEndWhileAProviderIsAttached) {
@@ -115,22 +159,26 @@ TEST_F(Registrar, ProvidersMayBeDetachedAndNamesUnregisteredWhileAConstructorIsO
             "art:unregistered ~Art map:attached");
 }
 
-TEST_F(Registrar, MakesAndEndsTheRootProvider) {
+TEST_F(Registrar, RootProviderIsThereFromInitializeToShutdown) {
   LoggedConstructor root(log, "root", L"Root", L"root");
   registrar.RegisterDataSource(&root);
+  EXPECT_EQ(registrar.GetRootProvider(), nullptr);
   registrar.Initialize();
   EXPECT_NE(registrar.GetRootProvider()->GetDataSource(L"Root"), nullptr);
   registrar.Shutdown();
   registrar.Shutdown();
   EXPECT_EQ(registrar.GetRootProvider(), nullptr);
   EXPECT_EQ(Notes(), "root:registered root:attached ~Root");
+}
+
+TEST_F(Registrar, RootThatEndsWhileAnotherRegistrarIsInstalledIsAttachedNoMore) {
+  LoggedConstructor root(log, "root", L"Root", L"root");
   registrar.Initialize();
   IDataSourceRegistrar::SetInstanceForTests(nullptr);
   EXPECT_NE(&IDataSourceRegistrar::GetInstance(), &registrar);
-  registrar.Shutdown();  // forgets the root all the same
-  registrar.UnregisterDataSource(&root);
+  registrar.Shutdown();
   registrar.RegisterDataSource(&root);
-  EXPECT_EQ(Notes(), "root:attached root:unregistered root:registered");
+  EXPECT_EQ(Notes(), "root:registered");
 }
 
 TEST_F(Registrar, IgnoresNulls) {
@@ -157,16 +205,25 @@ class Host : public NamedDataSource {
 using HostConstructor = DataSourceConstructor<Host>;
 
 TEST_F(Registrar, TypedConstructorRefusesATakenNameAndLeavesTheFirstInPlace) {
+  const HostConstructor host(L"Host", L"A");
+  EXPECT_THROW(HostConstructor(L"Host", L"B"), std::invalid_argument);
+  EXPECT_THROW(HostConstructor(nullptr, L"B"), std::invalid_argument);
+  EXPECT_EQ(registrar.FindConstructor(L"Host"), &host);
+}
+
+TEST_F(Registrar, TypedConstructorTellsTheSourceItsScope) {
+  const HostConstructor host(L"Host", L"A");
+  auto* built = static_cast<Host*>(parent->GetDataSource(L"Host"));
+  EXPECT_EQ(built->seen, parent.get());
+  EXPECT_EQ(built->GetDataSourceProvider(), parent.get());
+}
+
+TEST_F(Registrar, TypedConstructorUnregistersWhereItRegistered) {
   registrar.AttachProvider(parent.get());
   {
     const HostConstructor host(L"Host", L"A");
-    EXPECT_THROW(HostConstructor(L"Host", L"B"), std::invalid_argument);
-    EXPECT_THROW(HostConstructor(nullptr, L"B"), std::invalid_argument);
-    EXPECT_EQ(registrar.FindConstructor(L"Host"), &host);
-    auto* built = static_cast<Host*>(parent->GetDataSource(L"Host"));
-    EXPECT_EQ(built->seen, parent.get());
-    EXPECT_EQ(built->GetDataSourceProvider(), parent.get());
-    IDataSourceRegistrar::SetInstanceForTests(nullptr);  // it unregisters where it registered
+    static_cast<void>(parent->GetDataSource(L"Host"));
+    IDataSourceRegistrar::SetInstanceForTests(nullptr);
   }
   EXPECT_EQ(registrar.FindConstructor(L"Host"), nullptr);
   EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Host"), nullptr);

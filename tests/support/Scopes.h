@@ -93,11 +93,15 @@ class LoggedConstructor final : public IDataSourceConstructor {
     log += tag + ":attached ";
     if (onAttached) onAttached();
   }
-  int GetPlacement() override { return placement; }
+  int GetPlacement() override {
+    if (const auto run = std::exchange(onPlaced, nullptr)) run();
+    return placement;
+  }
   const wchar_t* GetCategories() override { return categories; }
 
   std::function<void()> onUnregistered;
   std::function<void()> onAttached;
+  std::function<void()> onPlaced;
   bool refuses = false;
 
  private:
