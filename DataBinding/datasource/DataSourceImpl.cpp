@@ -41,7 +41,7 @@ void DataSourceImpl::UpdateListeners(const VtrString& names) {
   if (IsOneName(names)) return broadcaster.UpdateListeners(names);
 
   const auto pieces = String::Split(names, L',', false, true);
-  const auto self = sourceLiveness.GetRef();
+  const auto self = GetLiveness();
   if (!pieces.empty() && pieces.front().Compare(everyProperty) != 0) {
     for (const auto& piece : pieces) {
       if (!self.IsValid()) return;

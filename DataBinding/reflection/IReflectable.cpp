@@ -10,7 +10,8 @@ IReflectable::IReflectable()
                     return GetDynamicType(name);
                   }) {}
 
-IReflectable::~IReflectable() = default;
+// The references end before the table tells its destruction handlers.
+IReflectable::~IReflectable() { liveness.Invalidate(); }
 
 bool IReflectable::IsProperty(const VtrString& name) const { return reflectable.IsProperty(name); }
 

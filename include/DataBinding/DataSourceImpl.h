@@ -59,7 +59,6 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
 
   WeakPtr<IDataSourceProvider> dataSourceProvider;
   details::PropertyChanges propertyChanges;
-  details::WeakReferenceOwner sourceLiveness;
 };
 
 namespace details {
@@ -78,7 +77,7 @@ class DATABINDING_API DataSourceAccess {
     return source.propertyChanges;
   }
   [[nodiscard]] static WeakReference Liveness(const DataSourceImpl& source) {
-    return source.sourceLiveness.GetRef();
+    return source.GetLiveness();
   }
 };
 

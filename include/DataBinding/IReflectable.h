@@ -26,6 +26,7 @@
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/Subscription.h"
 
+#include "DataBinding/foundation/WeakPtr.h"
 namespace DataBinding {
 
 namespace details {
@@ -117,6 +118,14 @@ class DATABINDING_API IReflectable {
   IReflectable& operator=(const IReflectable&) = delete;
 
   /// False only for names that are known as functions.
+  /// Tells whether the object is still there, for those that keep a pointer to it. The reference
+  /// may be asked after the object's end; it ends before the destruction handlers run, since the
+  /// derived classes are gone then. `WeakPtr<IDataSource>(source->GetLiveness(), source)` carries
+  /// the pointer along.
+  [[nodiscard]] details::WeakReference GetLiveness() const {
+    return reflectable.IsEnding() ? details::WeakReference() : liveness.GetRef();
+  }
+
   [[nodiscard]] virtual bool IsProperty(const VtrString& name) const;
   /// False only for names that are known as functions or as read-only.
   [[nodiscard]] virtual bool IsWritableProperty(const VtrString& name) const;
@@ -174,3 +183,4 @@ class DATABINDING_API IReflectable {
 };
 
 }  // namespace DataBinding
+  details::WeakReferenceOwner liveness;
