@@ -1,9 +1,11 @@
 #include "DataBinding/DataSourceImpl.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/foundation/StringSplit.h"
+#include "SilentSource.h"
 
 namespace DataBinding {
 
@@ -37,7 +39,8 @@ void DataSourceImpl::SetDataSourceProvider(IDataSourceProvider* newProvider) {
 }
 
 void DataSourceImpl::UpdateListeners(const VtrString& names) {
-  if (!postConstructed || names.IsEmpty()) return;
+  if (names.IsEmpty()) return;
+  if (!postConstructed) return NoteSilence(typeid(*this), broadcaster, names);
   if (IsOneName(names)) return broadcaster.UpdateListeners(names);
 
   const auto pieces = String::Split(names, L',', false, true);

@@ -36,7 +36,7 @@ void Follow(IDataSourceProvider& scope) {
     if (const auto value = followed.Get()) std::cout << "limit: " << *value << '\n';
   });
 
-  scope.AddDataSource(MakeDataSource<Cpu>(&scope).release());  // both binds connect
+  Emplace<Cpu>(scope);  // both binds connect
   followed.Set(95.0);
   std::cout << "the other one: " << *limit.Get() << '\n';
 }
@@ -69,14 +69,13 @@ void Edit(IDataSourceProvider& scope) {
 
 void Press(IDataSourceProvider& scope) {
   IDataContext letter{"letter"};
-  auto* selection = MakeDataSource<Selection>(&scope).release();
-  scope.AddDataSource(selection);
+  auto& selection = Emplace<Selection>(scope);
 
   Framework::EventBind remove(L"", L"", L"RemoveItem");
   remove.SetDataContextBind(
       std::make_unique<Framework::DataBind<IDataContext*>>(&scope, L"Selection", L"Current"),
       [](auto* bind, auto*) { std::cout << "button: " << bind->CanRaise() << '\n'; });
-  selection->current.Set(&letter);  // the button hears of it
+  selection.current.Set(&letter);  // the button hears of it
 
   const Subscription heard = removeItem.Subscribe(
       [](IDataContext* context) { std::cout << "remove the " << context->title << '\n'; });

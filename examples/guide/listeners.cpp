@@ -48,20 +48,19 @@ int main() {
   DataSourceProvider house(nullptr, L"house", nullptr);
   const DataSourceProviderPtr kitchen(house.CreateDataSourceProvider(L"room", nullptr));
 
-  auto* thermostat = MakeDataSource<Thermostat>(&house, 19.5).release();
+  Thermostat* thermostat = nullptr;
   {
     Display hall("hall");
-    hall.SetDataSourceProvider(&house);  // nothing to connect to yet
-    house.AddDataSource(thermostat);     // connects it
-  }                                      // a listener that ends takes itself off
+    hall.SetDataSourceProvider(&house);              // nothing to connect to yet
+    thermostat = &Emplace<Thermostat>(house, 19.5);  // connects it
+  }                                                  // a listener that ends takes itself off
 
   Display wall("kitchen");
   wall.SetDataSourceProvider(kitchen.get());  // connects to the house's, further out
   thermostat->actual.Set(20.0);
 
-  house.RemoveDataSource(thermostat);  // disconnects, and gives the source back
-  IDataSource::Destroy(thermostat);
-
-  kitchen->AddDataSource(MakeDataSource<Thermostat>(kitchen.get(), 23.0).release());
+  DataSourcePtr<Thermostat> taken = TakeDataSource(house, thermostat);  // disconnects it
+  taken->actual.Set(23.0);  // the display does not hear it
+  GiveDataSource(*kitchen, std::move(taken));
   wall.SetDataSourceProvider(nullptr);  // leaves the kitchen, by the override above
 }

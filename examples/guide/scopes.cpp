@@ -12,10 +12,6 @@ class Named : public NamedDataSource {
   Property<VtrString> value;
 };
 
-void Add(IDataSourceProvider& scope, const wchar_t* name, const wchar_t* value) {
-  scope.AddDataSource(MakeDataSource<Named>(&scope, name, value).release());
-}
-
 void Ask(IDataSourceProvider& scope, const wchar_t* name) {
   const auto value = GetProperty<VtrString>(scope.GetDataSource(name), L"Value");
   std::cout << VtrString(name).ToUtf8() << ": " << (value ? value->ToUtf8() : "nothing") << '\n';
@@ -31,9 +27,9 @@ int main() {
   DataSourceProvider application(nullptr, L"application", nullptr);
   const DataSourceProviderPtr document(application.CreateDataSourceProvider(L"document", nullptr));
 
-  Add(application, L"Language", L"English");
-  Add(application, L"Title", L"Editor");
-  Add(*document, L"Title", L"Letter");
+  Emplace<Named>(application, L"Language", L"English");
+  Emplace<Named>(application, L"Title", L"Editor");
+  Named& title = Emplace<Named>(*document, L"Title", L"Letter");
 
   Ask(*document, L"Title");     // held by the document
   Ask(*document, L"Language");  // held further out
@@ -41,8 +37,11 @@ int main() {
   std::cout << "held here: " << (document->GetLocalDataSourceInstance(L"Language") != nullptr)
             << '\n';
 
-  document->DeleteLocalDataSourceInstance(L"Title");
+  DataSourcePtr<Named> taken = TakeDataSource(*document, &title);
   Ask(*document, L"Title");  // the application's is seen again
+  taken->value.Set(L"Report");
+  GiveDataSource(*document, std::move(taken));
+  Ask(*document, L"Title");
 
   Theme dark{"white"};
   application.GetCustomData().Set(themeKey, &dark);

@@ -3,7 +3,9 @@
 /// A source is built, given its provider, post-constructed, and handed to a provider that owns it
 /// from then on; MakeDataSource does the first three. Until it is post-constructed its
 /// announcements reach nobody, deliberately: a source that is still being built has nothing to
-/// tell.
+/// tell. Because a source that was never post-constructed stays silent for good, debug builds say
+/// so on standard error, once for each class, when it announces a property that somebody is
+/// registered for.
 #pragma once
 
 #include <set>
@@ -73,6 +75,9 @@ class DATABINDING_API DataSourceAccess {
   /// Gives a new source its provider and post-constructs it, even where an override of
   /// PostConstruct forgets its base.
   static void Complete(DataSourceImpl& source, IDataSourceProvider* provider);
+  static void SetProvider(DataSourceImpl& source, IDataSourceProvider* provider) noexcept {
+    source.SetDataSourceProvider(provider);
+  }
   [[nodiscard]] static PropertyChanges& Changes(DataSourceImpl& source) noexcept {
     return source.propertyChanges;
   }

@@ -103,7 +103,7 @@ TEST(FailingAllocations, InScopesLeaveEachSourceWhereItBelongs) {
   Attempts::Of([](Attempts& attempt) {
     World w;
     ProviderPtr scope;
-    DataSourcePtr<NamedDataSource> made;
+    DataSourcePtr<IDataSource> made;
     std::optional<DataSourceConstructor<Gauge>> constructor;
     attempt([&] { scope = MakeProvider(w.child.get(), L"D, E"); });
     attempt([&] { w.registrar.AttachProvider(scope.get()); });
@@ -112,9 +112,8 @@ TEST(FailingAllocations, InScopesLeaveEachSourceWhereItBelongs) {
     attempt([&] { EXPECT_NE(scope->GetDataSource(L"Gauge"), w.gauge); });
     attempt([&] { EXPECT_EQ(Joined(scope->GetRegisteredDataSources()), "Gauge"); });
     attempt([&] { scope->SetCustomData(Guid(), &w); });
-    attempt([&] { made = MakeDataSource<NamedDataSource>(scope.get(), L"Other"); });
-    attempt([&] { return scope->AddDataSource(made.get()), made.release() != nullptr; });
-    attempt([&] { scope->DeleteLocalDataSourceInstance(L"Other"); });
+    attempt([&] { Emplace<NamedDataSource>(*scope, L"Other"); });
+    attempt([&] { made = TakeDataSource(*scope, scope->GetLocalDataSourceInstance(L"Other")); });
     EXPECT_EQ(scope->GetDataSource(L"Other"), nullptr);
     attempt([&] { constructor.reset(); });
     EXPECT_EQ(w.registrar.FindConstructor(L"Gauge"), nullptr);
@@ -123,6 +122,7 @@ TEST(FailingAllocations, InScopesLeaveEachSourceWhereItBelongs) {
     w.child->VisitChildren([](auto& /*left*/) { ADD_FAILURE(); });
   });
 }
+
 TEST(FailingAllocations, InARegistrationOfferTheConstructorOnceInEachCategory) {
   Attempts::Of([](Attempts& attempt) {
     World w;
@@ -136,7 +136,6 @@ TEST(FailingAllocations, InARegistrationOfferTheConstructorOnceInEachCategory) {
     EXPECT_EQ(w.Marks().find("attached"), std::string::npos);
   });
 }
-
 
 TEST(FailingAllocations, InListenersConnectEachOnce) {
   Attempts::Of([](Attempts& attempt) {
