@@ -61,7 +61,7 @@ HEADERS = {
     },
     "registrar": {"DataSourceRegistrar.h", "IDataSourceConstructor.h", "IDataSourceRegistrar.h"},
     "typed": {
-        "DataSourceConstructor.h", "Property.h", "PropertyAccess.h", "PropertyBase.h",
+        "DataSourceConstructor.h", "DelegateAccess.h", "Property.h", "PropertyAccess.h", "PropertyBase.h",
         "PropertyBatch.h", "PropertyName.h",
     },
     "binds": {"DataBind.h", "Diagnose.h", "EventBind.h", "TextConverter.h", "TwoWay.h"},

@@ -18,6 +18,7 @@
 #include "DataBinding/DataSourceImpl.h"
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/DataSourceRegistrar.h"
+#include "DataBinding/DelegateAccess.h"
 #include "DataBinding/Diagnose.h"
 #include "DataBinding/EventBind.h"
 #include "DataBinding/EventBroadcaster.h"

@@ -75,7 +75,7 @@ class DATABINDING_API DataSourceAccess {
   /// Gives a new source its provider and post-constructs it, even where an override of
   /// PostConstruct forgets its base.
   static void Complete(DataSourceImpl& source, IDataSourceProvider* provider);
-  static void SetProvider(DataSourceImpl& source, IDataSourceProvider* provider) noexcept {
+  static void SetProvider(DataSourceImpl& source, IDataSourceProvider* provider) {
     source.SetDataSourceProvider(provider);
   }
   [[nodiscard]] static PropertyChanges& Changes(DataSourceImpl& source) noexcept {

@@ -17,6 +17,7 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <type_traits>
 #include <utility>
 
 #include "DataBinding/Export.h"
@@ -25,8 +26,8 @@
 #include "DataBinding/foundation/Event.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/Subscription.h"
-
 #include "DataBinding/foundation/WeakPtr.h"
+
 namespace DataBinding {
 
 namespace details {
@@ -117,7 +118,6 @@ class DATABINDING_API IReflectable {
   IReflectable(const IReflectable&) = delete;
   IReflectable& operator=(const IReflectable&) = delete;
 
-  /// False only for names that are known as functions.
   /// Tells whether the object is still there, for those that keep a pointer to it. The reference
   /// may be asked after the object's end; it ends before the destruction handlers run, since the
   /// derived classes are gone then. `WeakPtr<IDataSource>(source->GetLiveness(), source)` carries
@@ -126,6 +126,7 @@ class DATABINDING_API IReflectable {
     return reflectable.IsEnding() ? details::WeakReference() : liveness.GetRef();
   }
 
+  /// False only for names that are known as functions.
   [[nodiscard]] virtual bool IsProperty(const VtrString& name) const;
   /// False only for names that are known as functions or as read-only.
   [[nodiscard]] virtual bool IsWritableProperty(const VtrString& name) const;
@@ -150,6 +151,13 @@ class DATABINDING_API IReflectable {
   IReflectable();
   virtual ~IReflectable();
 
+  /// Adds a delegate, which FindDelegate finds by its name and signature (DelegateAccess.h), or
+  /// overwrites the member of that name. Give the signature: AddDelegate<int(int)>(L"Twice", ...).
+  template <class Signature>
+  requires std::is_function_v<Signature>
+  void AddDelegate(const VtrString& name, const RepeatingCallback<Signature>& callback) {
+    _AddDelegate(name, callback.GetMemento(), runtime_type<Signature>::Get());
+  }
   /// Adds a member with a callback, or overwrites the one of that name.
   virtual void _AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
                             const runtime_type_base& type);
@@ -179,8 +187,8 @@ class DATABINDING_API IReflectable {
  private:
   friend class details::ReflectionAccess;
 
+  details::WeakReferenceOwner liveness;
   details::Reflectable reflectable;
 };
 
 }  // namespace DataBinding
-  details::WeakReferenceOwner liveness;

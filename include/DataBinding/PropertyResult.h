@@ -1,4 +1,5 @@
-/// What comes of reading or setting a property: the outcome, and a text for people where it failed.
+/// What comes of reading or setting a property, or of calling a delegate: the outcome, and a text
+/// for people where it failed.
 ///
 /// Plain values: they may be copied, kept and handed to other threads. The text says what was
 /// wanted and what was found, and is empty where nothing failed.
@@ -14,13 +15,13 @@
 
 namespace DataBinding {
 
-/// Why a property could not be read or set.
+/// Why a property could not be read or set, or a delegate not be called.
 enum class PropertyError {
   None,
   NoSource,    ///< the source given was null
-  Absent,      ///< the source has no such property, or its property is gone
-  WrongType,   ///< the property has another type, or is a delegate or an event source
-  NoAccessor,  ///< the property was declared with a type only, so its value cannot be reached
+  Absent,      ///< the source has no such member, or it is gone
+  WrongType,   ///< the member has another type, or is of another kind
+  NoAccessor,  ///< the member was declared with a type only, so there is nothing to read or call
   ReadOnly,    ///< only the source itself may set the property
   Refused      ///< the property's validator refused the value
 };
@@ -41,7 +42,7 @@ struct SetResult {
   [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }
 };
 
-/// The value of a property, or why there is none.
+/// The value of a property or the result of a delegate, or why there is none.
 template <class T>
 struct PropertyValue {
   /// A copy; empty where there is none.
@@ -58,6 +59,18 @@ struct PropertyValue {
   const T& operator*() const { return *value; }
   const T* operator->() const { return &*value; }
   ///@}
+};
+
+/// Whether a delegate that gives no result was called.
+template <>
+struct PropertyValue<void> {
+  /// Why it was not called.
+  PropertyError error = PropertyError::None;
+  /// As in SetResult.
+  VtrString text;
+
+  /// True when it was called.
+  explicit operator bool() const noexcept { return error == PropertyError::None; }
 };
 
 namespace details {

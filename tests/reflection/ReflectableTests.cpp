@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "DataBinding/IReflectable.h"
+#include "DataBinding/MakeDataSource.h"
+#include "DataBinding/NamedDataSource.h"
 
 namespace DataBinding {
 namespace {
@@ -28,6 +30,7 @@ class Members : public IReflectable {
   using IReflectable::_AddType;
   using IReflectable::_GetDelegate;
   using IReflectable::_GetType;
+  using IReflectable::AddDelegate;
 
   RepeatingCallbackMemento GetDynamicDelegate(const VtrString& name,
                                               const runtime_type_base& type) override {
@@ -70,7 +73,7 @@ TEST(Reflection, TellsPropertiesFromFunctionsAndReadOnlyOnes) {
   EXPECT_FALSE(number.IsSameType(nullptr) || number.IsSameType(&none) || number.IsSameType(&fixed));
 }
 
-TEST(Reflection, LookUpEndsAtTheFirstKnownName) {
+TEST(Reflection, DelegateLookUpEndsAtTheFirstKnownName) {
   Members members;
   const RepeatingCallback<void()> ring = [&] { members.log += "ring;"; };
   members._AddDelegate(L"Ring", ring.GetMemento(), event);
@@ -87,18 +90,22 @@ TEST(Reflection, LookUpEndsAtTheFirstKnownName) {
   EXPECT_EQ(find({}), std::pair(notFound, false));
   EXPECT_TRUE(members.Call(L"Ring") && members.Call(L"Late") && !members.Call(L"Count"));
   EXPECT_EQ(members.log, "ring;late;");
-  EXPECT_EQ(members._GetType({L"Absent", L"Late", L"Ring"}).first, 1U);
+}
+
+TEST(Reflection, TypeLookUpEndsAtTheFirstKnownName) {
+  Members members;
+  members._AddType(L"Size", number);
+  EXPECT_EQ(members._GetType({L"Absent", L"Late", L"Size"}).first, 1U);
   EXPECT_EQ(members._GetType({}).first, notFound);
+  EXPECT_TRUE(members.GetDelegatesType({L"Absent", L"Size"}).IsSameType(&number));
   EXPECT_TRUE(members.GetDelegatesType({L"Absent"}).IsSameType(&none));
 }
 
 TEST(Reflection, LastRegistrationOfANameWinsAndReleasesTheFormer) {
   Members members;
   const auto witness = std::make_shared<int>();
-  for (const wchar_t* name : {L"b", L"a", L"B", L"a"}) {
-    const RepeatingCallback<void()> ring = [witness] {};
-    members._AddDelegate(name, ring.GetMemento(), event);
-  }
+  for (const wchar_t* name : {L"b", L"a", L"B", L"a"})
+    members.AddDelegate<void()>(name, [witness] {});
   EXPECT_EQ(witness.use_count(), 4);
   members._AddType(L"a", number);
   members.MakeEventSource(L"B");
@@ -109,22 +116,65 @@ TEST(Reflection, LastRegistrationOfANameWinsAndReleasesTheFormer) {
   EXPECT_EQ(order, "Bab");
 }
 
+/// Uses the table, by which it is held, when it is released.
+struct Reentrant {
+  Members& members;
+  ~Reentrant() {
+    members.Call(L"Ring");
+    members.MakeEventSource(L"Ring");
+  }
+};
+
+TEST(Reflection, CapturesOfAReplacedDelegateEndWhenTheNewOneIsInTheTable) {
+  Members members;
+  auto captured = std::make_shared<Reentrant>(members);
+  members.AddDelegate<void()>(L"Ring", [captured] {});
+  captured.reset();
+  members.AddDelegate<void()>(L"Ring", [&] { members.log += "new;"; });
+  EXPECT_EQ(members.log, "new;");
+  EXPECT_FALSE(members.Call(L"Ring"));  // what the captures did last holds
+}
+
 TEST(Reflection, EndIsToldToAllHandlersInOrderWhileTheTableStands) {
   std::string log;
   std::vector<Subscription> handlers;
   auto members = std::make_unique<Members>();
   IReflectable* const base = members.get();
   members->_AddType(L"Size", number);
+  const auto alive = members->GetLiveness();
   handlers.push_back(members->AddOnDestroyedHandler([&] { log += "destroyed;"; }));
   handlers.push_back(members->AddOnDestroyHandler([&] {
     log += base->begin()->first.ToUtf8() + ";";
+    log += alive.IsValid() || base->GetLiveness().IsValid() ? "alive;" : "";
     handlers[2].Cancel();
     throw std::runtime_error("handler");
   }));
   handlers.push_back(members->AddOnDestroyHandler([&] { log += "cancelled;"; }));
   handlers.push_back(members->AddOnDestroyHandler([&] { log += "second;"; }));
+  EXPECT_TRUE(alive.IsValid());
   members.reset();
   EXPECT_EQ(log, "Size;second;destroyed;");
+}
+
+/// Ends a source and says what that has thrown.
+std::string EndOf(IDataSource* source) {
+  try {
+    IDataSource::Destroy(source);
+    return "nothing";
+  } catch (const char* thrown) {
+    return thrown;
+  }
+}
+
+TEST(Reflection, OfSourcesThatEndOneWithinTheOtherEachThrowsWhatItsOwnHandlersThrew) {
+  IDataSource* const inner = MakeDataSource<NamedDataSource>(nullptr, L"Inner").release();
+  IDataSource* const outer = MakeDataSource<NamedDataSource>(nullptr, L"Outer").release();
+  std::string fromInner;
+  const auto first = inner->AddOnDestroyHandler([] { throw "inner"; });
+  const auto second = outer->AddOnDestroyHandler([&] { fromInner = EndOf(inner); });
+  const auto third = outer->AddOnDestroyedHandler([] { throw "outer"; });
+  EXPECT_EQ(EndOf(outer), "outer");
+  EXPECT_EQ(fromInner, "inner");
 }
 
 }  // namespace
