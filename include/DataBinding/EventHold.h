@@ -19,10 +19,10 @@ namespace DataBinding {
 class DATABINDING_API EventHold {
  public:
   /// Disables the name from now on.
-  explicit EventHold(const VtrString& eventName);
+  [[nodiscard]] explicit EventHold(const VtrString& eventName);
   /// Disables the event's name from now on.
   template <class... Args>
-  explicit EventHold(const AppEvent<Args...>& event) : EventHold(event.Name()) {}
+  [[nodiscard]] explicit EventHold(const AppEvent<Args...>& event) : EventHold(event.Name()) {}
   /// The hold goes along; the other one holds nothing then. What was held before is let go.
   ///@{
   EventHold(EventHold&& other) noexcept;
