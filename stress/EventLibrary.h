@@ -1,6 +1,7 @@
 /// The library's side of the event scripts: carries each operation out and notes what it brings.
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 #include "DataBinding/DataBinding.h"
@@ -28,11 +29,10 @@ class EventLibrary : public Player<EventLibrary> {
   void Send(int event, int, int) { events[event].Send(++lastValue); }
   void Dispatch(int, int, int) { Broadcaster().DispatchPendingEvents(); }
   void Run(int, int, int) {
-    try {
-      idle.Run();
-    } catch (const Thrown&) {
-      Tell("threw", static_cast<int>(idle.DroppedFailures()));
-    }
+    Pass([this] { idle.Run(); });
+  }
+  void RunFor(int all, int, int) {
+    Pass([this, all] { idle.RunFor(all != 0 ? std::chrono::hours(1) : std::chrono::hours(0)); });
   }
   void Subscribe(int slot, int event, int) {
     subscriptions[At(slot)] = events[event].Subscribe(
@@ -117,6 +117,15 @@ class EventLibrary : public Player<EventLibrary> {
   }
 
  private:
+  template <class Dispatch>
+  void Pass(Dispatch dispatch) {
+    try {
+      dispatch();
+    } catch (const Thrown&) {
+      Tell("threw", static_cast<int>(idle.DroppedFailures()));
+    }
+  }
+
   /// An event of the application's own kind, which itself is what listens to it.
   class OwnEvent : public PendingEventBase, public std::enable_shared_from_this<OwnEvent> {
    public:

@@ -31,15 +31,10 @@ class EventModel : public Player<EventModel> {
   void Send(int event, int, int) { DeliverNow(Obtain(), {event, ++lastValue}); }
   void Dispatch(int, int, int) { DispatchAll(Obtain()); }
   void Run(int, int, int) {
-    isRequested = false;
-    const Pointer events = current;
-    if (events == nullptr) return;
-    DispatchAll(events);
-    if (events->isGone) return;
-    if (!events->queue.empty()) Request();
-    if (events->failedEvent == -1 || events->deliveries > 0) return;
-    Tell("threw", events->moreFailures);
-    events->failedEvent = -1;
+    Pass([&](const Pointer& events) { DispatchAll(events); });
+  }
+  void RunFor(int all, int, int) {
+    Pass([&](const Pointer& events) { DispatchSingly(events, all != 0); });
   }
   void Subscribe(int slot, int event, int) {
     const int token = Listen(event, "heard", slot);
@@ -212,6 +207,31 @@ class EventModel : public Player<EventModel> {
     }
     --events->deliveries;
     events->batches.erase(own);
+  }
+  /// Delivers the first event in the queue, or one by one all that are in it now.
+  void DispatchSingly(const Pointer& events, bool all) {
+    const int newest = lastValue;
+    auto& queue = events->queue;
+    ++events->deliveries;
+    for (bool more = true; more && !queue.empty() && queue.front().value <= newest;) {
+      const Event event = queue.front();
+      queue.erase(queue.begin());
+      Deliver(events, event);
+      more = all && !events->isGone;
+    }
+    --events->deliveries;
+  }
+  template <class Dispatch>
+  void Pass(Dispatch dispatch) {
+    isRequested = false;
+    const Pointer events = current;
+    if (events == nullptr) return;
+    dispatch(events);
+    if (events->isGone) return;
+    if (!events->queue.empty()) Request();
+    if (events->failedEvent == -1 || events->deliveries > 0) return;
+    Tell("threw", events->moreFailures);
+    events->failedEvent = -1;
   }
   void DeliverNow(const Pointer& events, const Event& event) {
     const bool hadFailed = events->failedEvent != -1;

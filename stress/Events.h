@@ -25,6 +25,7 @@ std::vector<Operation<World>> EventOperations() {
       {"Send", "e3", &World::Send, 8},
       {"Dispatch", "", &World::Dispatch, 8},
       {"Run", "", &World::Run, 10},
+      {"RunFor", "b2", &World::RunFor, 10},
       {"Subscribe", "s5e3", &World::Subscribe, 12, Wiring},
       {"Cancel", "s5", &World::Cancel, 4, Wiring},
       {"RenewListener", "l3e3m2", &World::RenewListener, 6, Wiring},

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DataBinding/EventBroadcaster.h"
+#include "DataBinding/foundation/Meanwhile.h"
 #include "PendingEvents.h"
 
 namespace DataBinding::details {
@@ -31,21 +32,30 @@ class DeliveryScope {
     event = &owned;
     owned->Dispatch(*broadcaster);
   }
-  /// Dispatches one after the other, until the broadcaster is released.
+  /// Dispatches one after the other, until the broadcaster is released. What ends the events
+  /// afterwards finds the batch no longer here.
   void Dispatch(PendingEvents::Batch& whole) {
-    batch = &whole;
-    whole.Visit([this](const PolicyEventBroadcaster::EventPtr& next) {
-      Dispatch(next);
-      return !IsBroadcasterGone();
-    });
+    const Meanwhile delivering(batch, &whole);
+    while (const auto* next = whole.Next()) {
+      Dispatch(*next);
+      if (IsBroadcasterGone()) return;
+    }
   }
-  /// Takes the events that match, and are still to come, out of the batches under way.
+  /// Moves the events of which matches(name, event) is true, and which are still to come in the
+  /// batches under way, to `dropped`.
   template <class Matches>
-  static void Drop(DeliveryScope* innermost, Matches matches) {
-    std::vector<PolicyEventBroadcaster::EventPtr> dropped;
+  static void Drop(DeliveryScope* innermost, const Matches& matches,
+                   std::vector<PolicyEventBroadcaster::EventPtr>& dropped) {
     for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
       if (scope->batch != nullptr) scope->batch->Drop(*scope->event, matches, dropped);
     }
+  }
+  /// True when the batches under way have events still to come.
+  [[nodiscard]] static bool IsAnyToCome(DeliveryScope* innermost) noexcept {
+    for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
+      if (scope->batch != nullptr && scope->batch->Peek() != nullptr) return true;
+    }
+    return false;
   }
   [[nodiscard]] bool IsBroadcasterGone() const noexcept { return broadcaster == nullptr; }
   /// The owner of the event that is being dispatched.

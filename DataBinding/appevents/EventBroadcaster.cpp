@@ -154,6 +154,34 @@ void EventBroadcaster<Update, Threading>::DispatchPendingEvents() {
 }
 
 template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::DispatchPendingEventsFor(
+    std::chrono::nanoseconds budget) {
+  using Clock = std::chrono::steady_clock;
+  if (!HasPendingEvents()) return;
+  const auto begin = Clock::now();
+  details::DeliveryScope scope(*this);
+  const auto pass = [this] {
+    const QueueLock guard(threadingPolicy);
+    return pendingEvents->BeginPass();
+  }();
+  const auto deliverNext = [&] {
+    const EventPtr next = TakeFirst(pass);
+    if (next != nullptr) scope.Dispatch(next);
+    return next != nullptr;
+  };
+  while (deliverNext() && !scope.IsBroadcasterGone() && Clock::now() - begin < budget) {
+  }
+}
+
+template <class Update, class Threading>
+auto EventBroadcaster<Update, Threading>::TakeFirst(std::uint32_t pass) -> EventPtr {
+  const QueueLock guard(threadingPolicy);
+  EventPtr first = pendingEvents->TakeFirst(pass);
+  anyPending.store(!pendingEvents->IsEmpty(), std::memory_order_relaxed);
+  return first;
+}
+
+template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::Deliver(const EventPtr& event) {
   const auto alive = GetWeakPtr();
   const bool hadFailure = HasFailure();
@@ -207,15 +235,6 @@ inline void EventBroadcaster<Update, Threading>::Append(const Name& name, bool r
 }
 
 template <class Update, class Threading>
-bool EventBroadcaster<Update, Threading>::RemoveLastEvent(const VtrString& name) {
-  EventPtr removed;  // released without the lock
-  const QueueLock guard(threadingPolicy);
-  removed = pendingEvents->RemoveLast(name, details::PendingEvents::Hash(name));
-  anyPending = !pendingEvents->IsEmpty();
-  return removed != nullptr;
-}
-
-template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::QueueEvent(const VtrString& name, EventPtr event,
                                                      bool replaceLast) {
   NotifyListenersOnIdleImpl(name, replaceLast, std::move(event));
@@ -227,26 +246,35 @@ bool EventBroadcaster<Update, Threading>::HasPendingEvents() const noexcept {
 }
 
 template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::HasUndeliveredEvents() const noexcept {
+  return HasPendingEvents() || details::DeliveryScope::IsAnyToCome(delivery);
+}
+
+template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DropEvents(const VtrString& name) {
-  while (RemoveLastEvent(name)) {
-  }
-  static_cast<void>(heldEvents.extract(name));
-  details::DeliveryScope::Drop(delivery, [&](const auto& entry) { return entry.Name() == name; });
+  Drop([&name](const VtrString& dropped, const PendingEventBase&) { return dropped == name; });
 }
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DropOwner(const void* owner) {
   if (owner == nullptr) return;
-  const auto isOwned = [&](const auto& entry) { return entry.event->Owner() == owner; };
-  std::vector<EventPtr> dropped;  // released at the end: they may own what looks at the queue
+  Drop([owner](const VtrString&, const PendingEventBase& event) { return event.Owner() == owner; });
+}
+
+/// Takes all events that match out before it ends the first of them: what an event owns may drop
+/// others while it ends, deliver, or release this broadcaster.
+template <class Update, class Threading>
+template <class Matches>
+void EventBroadcaster<Update, Threading>::Drop(Matches matches) {
+  std::vector<EventPtr> dropped;
   for (auto held = heldEvents.begin(); held != heldEvents.end();) {
-    const bool matches = held->second->Owner() == owner;
-    if (matches) dropped.push_back(held->second);
-    held = matches ? heldEvents.erase(held) : std::next(held);
+    const bool isDropped = matches(held->first, *held->second);
+    if (isDropped) dropped.push_back(held->second);
+    held = isDropped ? heldEvents.erase(held) : std::next(held);
   }
-  details::DeliveryScope::Drop(delivery, isOwned);
+  details::DeliveryScope::Drop(delivery, matches, dropped);
   const QueueLock guard(threadingPolicy);
-  pendingEvents->Drop(isOwned, dropped);
+  pendingEvents->Drop(matches, dropped);
   anyPending = !pendingEvents->IsEmpty();
 }
 
@@ -266,7 +294,7 @@ DATABINDING_CATCHES_CANCELLATION void EventBroadcaster<Update, Threading>::Repor
     const VtrString& name) {
   EventFailure thrown{name, std::current_exception(), 0};
   const details::DeliveryScope scope(*this);
-  if (const ErrorHandler handler = errorHandler) {
+  if (const ErrorHandler handler = errorHandler; !handler.IsCancelled()) {
     try {
       return handler(name, thrown.exception);
     }

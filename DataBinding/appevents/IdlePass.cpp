@@ -85,6 +85,15 @@ IdlePass::~IdlePass() {
 }
 
 void IdlePass::Run() {
+  Deliver([](IAppEventBroadcaster& events) { events.DispatchPendingEvents(); });
+}
+
+void IdlePass::RunFor(std::chrono::nanoseconds budget) {
+  Deliver([budget](IAppEventBroadcaster& events) { events.DispatchPendingEventsFor(budget); });
+}
+
+template <class Dispatch>
+void IdlePass::Deliver(Dispatch dispatch) {
   const auto keep = state;  // the pass may end meanwhile
   keep->Begin();
   if (!IAppEventBroadcaster::HasInstance()) return;
@@ -92,7 +101,7 @@ void IdlePass::Run() {
   if (!IsAnythingToDo(events)) return;
   const auto alive = events.GetWeakPtr();
   try {
-    events.DispatchPendingEvents();
+    dispatch(events);
   } catch (...) {
     if (alive && IsAnythingToDo(events)) keep->Request();
     throw;

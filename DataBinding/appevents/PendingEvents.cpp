@@ -9,45 +9,52 @@ namespace {
 constexpr std::size_t smallestIndex = 64;
 }
 
-PendingEvents::EventPtr PendingEvents::RemoveLast(const VtrString& name, std::uint64_t hash) {
-  const std::uint32_t found = FindLast(name, hash);
-  if (found == none) return nullptr;
-  EventPtr removed = std::exchange(entries[found].event, nullptr);
-  --events;
-  if (events < entries.size() / 2) CloseHoles();
-  return removed;
+PendingEvents::EventPtr PendingEvents::TakeFirst(std::uint32_t ofPass) noexcept {
+  const std::size_t oldest = first == none ? indexed : first;
+  if (oldest >= entries.size() || !entries[oldest].IsBefore(ofPass)) return nullptr;
+  if (first == none) {
+    ++indexed;
+  } else {
+    Unlink(first);
+  }
+  EventPtr taken = std::exchange(entries[oldest].event, nullptr);
+  if (++holes == entries.size()) {
+    entries.clear();
+    holes = 0;
+    ClearIndex();
+  }
+  return taken;
 }
 
 void PendingEvents::Take(Batch& batch) noexcept {
   entries.swap(batch.entries);
   batch.first = std::exchange(first, none);
-  batch.linked = indexed;
+  batch.rest = indexed;
   last = none;
-  events = 0;
+  holes = 0;
   ClearIndex();
 }
 
-/// Keeps the entries that still have their events, in their order.
-void PendingEvents::CloseHoles() {
-  std::vector<Entry> kept;
-  kept.reserve(events);
-  const auto keep = [&](std::size_t at) {
-    if (entries[at].event != nullptr) kept.push_back(std::move(entries[at]));
-  };
-  for (std::uint32_t at = first; at != none; at = entries[at].next) keep(at);
-  for (std::size_t at = indexed; at < entries.size(); ++at) keep(at);
-  entries.swap(kept);
-  first = none;
-  last = none;
-  ClearIndex();
+/// Memory for what is in the queue, and for as much as it may yet take in.
+std::vector<PendingEvents::Entry> PendingEvents::Room() const {
+  std::vector<Entry> room;
+  room.reserve(entries.capacity());
+  return room;
+}
+
+/// Moves the entries that have their events to where there is room for them, in their order.
+void PendingEvents::CloseHoles(std::vector<Entry> room) noexcept {
+  Batch whole;
+  Take(whole);
+  for (; whole.Peek() != nullptr; whole.Step()) room.push_back(std::move(whole.Current()));
+  entries.swap(room);
 }
 
 /// The newest entry of a name that still has its event, or none.
 std::uint32_t PendingEvents::FindLast(const VtrString& name, std::uint64_t hash) {
   IndexRest();
-  std::uint32_t found = newest.empty() ? none : Slot(name, hash);
-  while (found != none && entries[found].event == nullptr) found = entries[found].older;
-  return found;
+  const std::uint32_t found = newest.empty() ? none : Slot(name, hash);
+  return found == none || entries[found].event == nullptr ? none : found;
 }
 
 /// Enters what was appended since the index was last used.
@@ -60,7 +67,7 @@ void PendingEvents::IndexRest() {
     entry.hash = static_cast<std::uint32_t>(hash);
     std::uint32_t& place = Slot(entry.Name(), hash);
     if (place == none) ++names;
-    entry.older = std::exchange(place, static_cast<std::uint32_t>(indexed));
+    place = static_cast<std::uint32_t>(indexed);
     Link(place);
   }
 }

@@ -3,9 +3,15 @@
 /// Replacing the newest entry of a name puts the new event into that entry and links the entry to
 /// the end of the order, so that nothing moves and nothing is scanned. Index and links are made
 /// only when a name is first sought, and only over what came since: plain appending does not pay
-/// for them. The owner's lock guards all of it.
+/// for them. Taking events singly leaves empty entries behind, until the queue is empty or its
+/// memory would have to grow. The owner's lock guards all of it.
+///
+/// 1. An entry before `indexed` is linked or empty. The others have events and follow the linked.
+/// 2. `newest` knows the last entry of each name among those before `indexed`. Where that one is
+///    empty, no event of the name is among them: events leave from the front.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -35,12 +41,14 @@ class PendingEvents {
   /// that one; appends it and gives null where there is none.
   template <class Name>
   [[nodiscard]] EventPtr Replace(const Name& name, std::uint64_t hash, EventPtr&& event);
-  /// Takes out the newest event of a name, or null.
-  [[nodiscard]] EventPtr RemoveLast(const VtrString& name, std::uint64_t hash);
-  [[nodiscard]] bool IsEmpty() const noexcept { return events == 0; }
+  /// Begins a pass and gives its number: events that are queued from now on come after it.
+  [[nodiscard]] std::uint32_t BeginPass() noexcept { return ++pass; }
+  /// Takes out the oldest event that was queued before that pass began, or null.
+  [[nodiscard]] EventPtr TakeFirst(std::uint32_t ofPass) noexcept;
+  [[nodiscard]] bool IsEmpty() const noexcept { return entries.size() == holes; }
   /// Exchanges all entries for an empty batch, whose memory is used on.
   void Take(Batch& batch) noexcept;
-  /// Moves the events that match to `dropped`.
+  /// Moves the events of which matches(name, event) is true to `dropped`.
   template <class Matches>
   void Drop(Matches matches, std::vector<EventPtr>& dropped);
 
@@ -50,7 +58,8 @@ class PendingEvents {
   void IndexRest();
   void GrowIndex();
   void ClearIndex() noexcept;
-  void CloseHoles();
+  void CloseHoles(std::vector<Entry> room) noexcept;
+  [[nodiscard]] std::vector<Entry> Room() const;
   void Link(std::uint32_t entry) noexcept;
   void Unlink(std::uint32_t entry) noexcept;
   [[nodiscard]] std::uint32_t& Slot(const VtrString& name, std::uint64_t hash);
@@ -60,7 +69,8 @@ class PendingEvents {
   static const VtrString& TextOf(const EventName& name) noexcept { return name.Text(); }
 
   std::vector<Entry> entries;
-  std::size_t events = 0;
+  std::size_t holes = 0;
+  std::uint32_t pass = 0;
   /// The order of those entries that are indexed; the others follow as they stand.
   std::uint32_t first = none;
   std::uint32_t last = none;
@@ -76,10 +86,10 @@ class PendingEvents {
 
 class PendingEvents::Entry {
  public:
-  Entry(VtrString name, EventPtr&& queued) noexcept
-      : event(std::move(queued)), ownName(std::move(name)) {}
-  Entry(const EventName& name, EventPtr&& queued) noexcept
-      : event(std::move(queued)), permanentName(&name.Text()) {}
+  Entry(VtrString name, EventPtr&& queued, std::uint32_t current) noexcept
+      : event(std::move(queued)), ownName(std::move(name)), pass(current) {}
+  Entry(const EventName& name, EventPtr&& queued, std::uint32_t current) noexcept
+      : event(std::move(queued)), permanentName(&name.Text()), pass(current) {}
 
   [[nodiscard]] const VtrString& Name() const noexcept {
     return permanentName == nullptr ? ownName : *permanentName;
@@ -87,6 +97,15 @@ class PendingEvents::Entry {
   /// Looks at the texts only where it must: they lie elsewhere.
   [[nodiscard]] bool IsNamed(const VtrString& name) const noexcept {
     return permanentName == &name || Name() == name;
+  }
+
+  /// Numbers may wrap around between two passes.
+  [[nodiscard]] bool IsBefore(std::uint32_t ofPass) const noexcept {
+    return static_cast<std::int32_t>(pass - ofPass) < 0;
+  }
+  template <class Matches>
+  [[nodiscard]] bool Fits(const Matches& matches) const {
+    return event != nullptr && matches(Name(), *event);
   }
 
   EventPtr event;  // null once it was taken out
@@ -97,8 +116,8 @@ class PendingEvents::Entry {
 
   VtrString ownName;
   const VtrString* permanentName = nullptr;  // one that is never destroyed needs no counting
+  std::uint32_t pass;  // the last one that had begun when the event was queued
   std::uint32_t hash = 0;
-  std::uint32_t older = none;  // the entry of the same name before this one
   std::uint32_t previous = none;
   std::uint32_t next = none;
 };
@@ -106,22 +125,23 @@ class PendingEvents::Entry {
 /// What is dispatched at one time.
 class PendingEvents::Batch {
  public:
-  /// Calls visit(event) for each in order, until it answers false.
-  template <class Visitor>
-  void Visit(Visitor visit) const {
-    for (std::uint32_t at = first; at != none; at = entries[at].next) {
-      if (entries[at].event != nullptr && !visit(entries[at].event)) return;
-    }
-    for (std::size_t at = linked; at < entries.size(); ++at) {
-      if (entries[at].event != nullptr && !visit(entries[at].event)) return;
-    }
+  /// The next event in order, or null at the end.
+  [[nodiscard]] const EventPtr* Next() noexcept {
+    const EventPtr* const next = Peek();
+    if (next != nullptr) Step();
+    return next;
+  }
+  /// What Next will give.
+  [[nodiscard]] const EventPtr* Peek() noexcept {
+    while (!IsAtEnd() && Current().event == nullptr) Step();
+    return IsAtEnd() ? nullptr : &Current().event;
   }
   void Clear() noexcept { entries.clear(); }
   /// Moves the events that match, but for the current one, to `dropped`.
   template <class Matches>
-  void Drop(const EventPtr& current, Matches matches, std::vector<EventPtr>& dropped) {
+  void Drop(const EventPtr& current, const Matches& matches, std::vector<EventPtr>& dropped) {
     for (Entry& entry : entries) {
-      if (entry.event == nullptr || entry.event == current || !matches(entry)) continue;
+      if (entry.event == current || !entry.Fits(matches)) continue;
       dropped.push_back(nullptr);
       dropped.back().swap(entry.event);
     }
@@ -130,15 +150,26 @@ class PendingEvents::Batch {
  private:
   friend class PendingEvents;
 
+  [[nodiscard]] bool IsAtEnd() const noexcept { return first == none && rest >= entries.size(); }
+  [[nodiscard]] Entry& Current() noexcept { return entries[first == none ? rest : first]; }
+  void Step() noexcept {
+    if (first == none) {
+      ++rest;
+    } else {
+      first = entries[first].next;
+    }
+  }
+
   std::vector<Entry> entries;
+  /// The next of the linked entries, and of those that follow them.
   std::uint32_t first = none;
-  std::size_t linked = 0;
+  std::size_t rest = 0;
 };
 
 template <class Name>
 void PendingEvents::Append(const Name& name, EventPtr&& event) {
-  entries.emplace_back(name, std::move(event));
-  ++events;
+  if (entries.size() == entries.capacity() && holes > entries.size() / 2) CloseHoles(Room());
+  entries.emplace_back(name, std::move(event), pass);
 }
 
 template <class Name>
@@ -151,18 +182,21 @@ PendingEvents::EventPtr PendingEvents::Replace(const Name& name, std::uint64_t h
   }
   Unlink(found);
   Link(found);
+  entries[found].pass = pass;
   return std::exchange(entries[found].event, std::move(event));
 }
 
 template <class Matches>
 void PendingEvents::Drop(Matches matches, std::vector<EventPtr>& dropped) {
+  const auto fits = [&matches](const Entry& entry) { return entry.Fits(matches); };
+  const auto count = static_cast<std::size_t>(std::ranges::count_if(entries, fits));
+  if (count == 0) return;
+  dropped.reserve(dropped.size() + count);
+  auto room = Room();
   for (Entry& entry : entries) {
-    if (entry.event == nullptr || !matches(entry)) continue;
-    dropped.push_back(nullptr);
-    dropped.back().swap(entry.event);
-    --events;
+    if (fits(entry)) dropped.push_back(std::move(entry.event));
   }
-  CloseHoles();
+  CloseHoles(std::move(room));
 }
 
 }  // namespace DataBinding::details

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -130,19 +131,31 @@ class DATABINDING_API EventBroadcaster {
   /// Delivers what is queued so far. What is raised meanwhile waits for the next call; a call from
   /// inside a delivery delivers what was raised since, before the rest of the outer batch.
   void DispatchPendingEvents();
+  /// Delivers one event after the other, at least one, until as much time has passed; the others
+  /// stay queued, for the caller to come back to. As above, it delivers nothing that is raised
+  /// meanwhile. What has not been reached counts as queued: RaiseLatest replaces it, a call from
+  /// inside delivers it, and an exception out of an event of another kind leaves it for later.
+  /// Looks at the clock after each event.
+  void DispatchPendingEventsFor(std::chrono::nanoseconds budget);
 
   /// Queues an event of the caller's own kind. Any thread. With `replaceLast` it takes the place of
   /// the newest queued event of its name, at the end of the queue. Ignores null. What the UpdateUI
   /// callback throws comes out of here, with the event queued; the next event runs it again.
   void QueueEvent(const VtrString& name, EventPtr event, bool replaceLast = false);
-  /// Any thread.
+  /// True while events are queued; false already while a batch with the last of them is under
+  /// delivery. Any thread.
   [[nodiscard]] bool HasPendingEvents() const noexcept;
+  /// True while events are queued or still to come in a batch under delivery. Those that are being
+  /// delivered are not counted, nor those that are held.
+  [[nodiscard]] bool HasUndeliveredEvents() const noexcept;
   /// Drops the name's events, or the owner's, that are queued, held, or still to come in a batch
-  /// under delivery, for example those of a plug-in which is about to be unloaded.
+  /// under delivery, for example those of a plug-in which is about to be unloaded. What they own
+  /// may drop others while it ends, and may release the broadcaster. The whole queue is looked at.
   void DropEvents(const VtrString& name);
   /// The same for the events of an owner, whatever their names. None for null.
   void DropOwner(const void* owner);
-  /// Takes what listeners and hooks throw. Without one (null) the first exception is kept for
+  /// Takes what listeners and hooks throw. Without one (null, or bound to an object that has gone
+  /// since) the first exception is kept for
   /// TakeFailure; outside a dispatch an idle pass is asked for, so that it comes to light. What the
   /// handler itself throws is kept in the place of what it was given, which counts as another.
   void SetErrorHandler(ErrorHandler handler);
@@ -152,8 +165,6 @@ class DATABINDING_API EventBroadcaster {
   [[nodiscard]] EventFailure TakeFailure();
   /// True while an event is dispatched, on the delivering thread.
   [[nodiscard]] bool IsDelivering() const noexcept { return delivery != nullptr; }
-  /// The application's message number is kept here.
-  [[nodiscard]] UpdatePolicyType& GetUpdatePolicy() noexcept { return updatePolicy; }
   /// Tells whether this broadcaster, and not a later one, is still there.
   [[nodiscard]] WeakPtr<EventBroadcaster> GetWeakPtr() const { return weakFactory.GetWeakPtr(); }
 
@@ -167,10 +178,12 @@ class DATABINDING_API EventBroadcaster {
   friend class EventHold;
 
   void NotifyListenersOnIdleImpl(const VtrString& name, bool replaceLast, EventPtr event);
-  bool RemoveLastEvent(const VtrString& name);
   void QueueNamed(const details::EventName& name, bool replaceLast, EventPtr&& event);
   template <class Name>
   void Append(const Name& name, bool replaceLast, EventPtr&& event);
+  [[nodiscard]] EventPtr TakeFirst(std::uint32_t pass);
+  template <class Matches>
+  void Drop(Matches matches);
   void Deliver(const EventPtr& event);
   void AskForPass();
   void Keep(const VtrString& name, EventPtr event);

@@ -79,5 +79,26 @@ TEST_F(Deliveries, HandlerMayThrowReplaceItselfAndReleaseTheBroadcaster) {
   EXPECT_FALSE(IAppEventBroadcaster::HasInstance());
 }
 
+/// Whose method is an error handler.
+struct Journal : SupportsWeakPtr<Journal> {
+  void Note(const VtrString& /*name*/, const std::exception_ptr& failure) {
+    log += Events::What(failure);
+  }
+  explicit Journal(std::string& notes) : log(notes) {}
+  std::string& log;
+};
+
+TEST_F(Deliveries, FailureIsKeptOnceTheObjectOfItsHandlerHasGone) {
+  Listen('a', [] { throw std::runtime_error("!"); });
+  {
+    Journal journal(log);
+    events().SetErrorHandler(BindWeak(journal.AsWeakPtr(), &Journal::Note));
+    moved.Send(1);
+    EXPECT_EQ(Notes(), "a1!");
+  }
+  moved.Send(2);
+  EXPECT_EQ(What(events().TakeFailure().exception), "!");
+}
+
 }  // namespace
 }  // namespace DataBinding::Testing

@@ -19,6 +19,7 @@ namespace DataBinding::Testing {
 
 inline constinit const AppEvent<int> moved{L"Moved"};
 inline constinit const AppEvent<> closed{L"Closed"};
+inline constinit const AppEvent<std::shared_ptr<void>> ending{L"Ending"};
 
 /// A broadcaster beside that of the process.
 class OwnBroadcaster final : public PolicyEventBroadcaster {};
@@ -60,6 +61,10 @@ class Events : public ::testing::Test {
   }
   void Queue(const wchar_t* name, const std::string& mark, NotedEvent::Act act = nullptr) {
     events().QueueEvent(name, std::make_shared<NotedEvent>(log, mark, std::move(act)));
+  }
+  /// An argument that acts when the last copy of it ends.
+  static std::shared_ptr<void> AtEnd(std::function<void()> act) {
+    return {nullptr, [run = std::move(act)](void*) { run(); }};
   }
   void CountWakes() {
     AEB::UpdatePolicy::SetUpdateUICallback([this] { ++wakes; });

@@ -1,12 +1,15 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <map>
 
 #include "Events.h"
 
 namespace DataBinding::Testing {
 namespace {
+
+using namespace std::chrono_literals;
 
 class IdlePasses : public Events {
  protected:
@@ -119,6 +122,76 @@ TEST_F(IdlePasses, LetAForeignEventsExceptionThroughAndComeBackForWhatRemains) {
   EXPECT_EQ(pass->DroppedFailures(), 1u);
 }
 
+TEST_F(IdlePasses, DeliverOneEventAtLeastAndKeepTheOthersWhenTheTimeIsUp) {
+  const auto pass = Pass();
+  Listen('a');
+  for (const int value : {1, 2, 3}) moved.Raise(value);
+  closed.RaiseLatest();
+  moved.RaiseLatest(4);  // takes the place of 3
+  for (const auto* heard : {"a1", "a2", "", "a4"}) {
+    EXPECT_TRUE(pass->IsRequested() && events().HasUndeliveredEvents());
+    pass->RunFor(0ns);
+    EXPECT_EQ(Notes(), heard);
+  }
+  EXPECT_FALSE(pass->IsRequested() || events().HasUndeliveredEvents());
+  EXPECT_EQ(wakes, 4);
+}
+
+TEST_F(IdlePasses, WithTimeLeftDeliverNothingThatIsRaisedMeanwhile) {
+  const auto pass = Pass();
+  Listen('a', [&] {
+    if (log == "a1") moved.RaiseLatest(3);  // in place of 2
+    if (log == "a1") events().DropEvents(closed.Name());
+    moved.Raise(4);
+  });
+  moved.Raise(1);
+  closed.Raise();
+  moved.Raise(2);
+  pass->RunFor(std::chrono::nanoseconds::max());
+  EXPECT_EQ(Notes(), "a1");
+  EXPECT_TRUE(pass->IsRequested());
+  pass->RunFor(1h);
+  EXPECT_EQ(Notes(), "a3a4");
+}
+
+TEST_F(IdlePasses, WithTimeLeftFeedAModalLoopWithTheRestInOrder) {
+  const auto pass = Pass();
+  Listen('a', [&] {
+    if (log != "a1") return;
+    moved.Raise(4);
+    pass->RunFor(0ns);
+    EXPECT_TRUE(pass->IsRequested());
+    pass->Run();
+    log += "modal over ";
+  });
+  for (const int value : {1, 2, 3}) moved.Raise(value);
+  pass->RunFor(1h);
+  EXPECT_EQ(Notes(), "a1a2a3a4modal over ");
+}
+
+TEST_F(IdlePasses, WithTimeLeftKeepWhatIsBehindAForeignEventsException) {
+  const auto pass = Pass();
+  Queue(L"A", "f", [](auto&) { throw std::runtime_error("foreign"); });
+  Queue(L"A", "kept");
+  EXPECT_EQ(Thrown([&] { pass->RunFor(1h); }), "foreign");
+  EXPECT_TRUE(pass->IsRequested());
+  EXPECT_EQ(Run(*pass), "fkept");
+}
+
+TEST_F(IdlePasses, TellWhetherAnythingIsStillToCome) {
+  const auto pass = Pass();
+  Listen('a', [this] { log += events().HasUndeliveredEvents() ? "+" : "."; });
+  for (const int value : {1, 2, 3}) moved.Raise(value);
+  Queue(L"A", "b", [this](auto& broadcaster) {
+    moved.Send(4);
+    broadcaster.DropEvents(L"Moved");
+    moved.Send(5);
+  });
+  moved.Raise(6);
+  EXPECT_EQ(Run(*pass), "a1+a2+a3+ba4+a5.");
+  EXPECT_FALSE(events().HasUndeliveredEvents());
+}
+
 TEST_F(IdlePasses, WokenInVainAreWokenByAReplacingEventToo) {
   bool isLoopFull = true;
   IdlePass pass([&] {
@@ -144,7 +217,8 @@ TEST_F(IdlePasses, ThatCannotBeMadeSinceTheWakeThrowsLeaveTheCallbackAsItWas) {
 }
 
 TEST_F(IdlePasses, MayEndAndReleaseTheBroadcasterWhileTheyRun) {
-  for (const bool releases : {false, true}) {
+  for (const int variant : {0, 1, 2, 3}) {
+    const bool releases = variant % 2 == 1;
     auto pass = Pass();
     Listen('a', [&] {
       moved.Raise(2);
@@ -153,7 +227,8 @@ TEST_F(IdlePasses, MayEndAndReleaseTheBroadcasterWhileTheyRun) {
     });
     moved.Raise(1);
     auto* const running = pass.get();
-    EXPECT_EQ(ThrownBy(*running), releases ? "" : "listener");
+    EXPECT_EQ(Thrown([&] { variant < 2 ? running->Run() : running->RunFor(1h); }),
+              releases ? "" : "listener");
     EXPECT_EQ(Notes(), "a1");
     EXPECT_EQ(IAppEventBroadcaster::HasInstance(), !releases);
     subscriptions.clear();

@@ -101,6 +101,31 @@ TEST_F(Events, DroppedInADeliveryAreNotReachedAnyMore) {
   EXPECT_EQ(Dispatched(), "ad");
 }
 
+TEST_F(Events, MayDropOthersDeliverAndReleaseTheBroadcasterWhileTheirArgumentsEnd) {
+  const std::function<void()> acts[] = {[] { events().DropEvents(L"Ending"); },
+                                        [] { events().DropOwner(ThisModule()); },
+                                        [] { events().DispatchPendingEvents(); },
+                                        [] { IAppEventBroadcaster::ReleaseInstance(false); }};
+  const auto abandon = [this] {
+    EXPECT_EQ(Thrown([] { events().DispatchPendingEvents(); }), "foreign");
+  };
+  const std::function<void()> ends[] = {acts[0], acts[1], acts[2], abandon};
+  for (const auto& act : acts) {
+    for (const auto& end : ends) {
+      events().DisableEvent(L"Ending");
+      int ended = 0;
+      ending.Send(AtEnd([&] { ++ended, act(); }));
+      Queue(L"A", "", [&](auto&) {
+        if (&end == &ends[3]) throw std::runtime_error("foreign");
+      });
+      for (int i = 0; i < 3; ++i) ending.Raise(AtEnd([&] { ++ended, act(); }));
+      end();
+      IAppEventBroadcaster::ReleaseInstance(false);
+      EXPECT_EQ(ended, 4);
+    }
+  }
+}
+
 TEST_F(Events, ThatAreLeftWhenTheBroadcasterEndsInADispatchAreReleasedUndelivered) {
   const auto queued = std::make_shared<NotedEvent>(log, "queued");
   const auto held = std::make_shared<NotedEvent>(log, "held");
