@@ -125,7 +125,7 @@ def is_known(value):
 def filed_name(member):
     """The name of a property, as text."""
     base = part(member, "DataBinding::details::PropertyBase")
-    return name_text(base["link"]["name"]) if is_known(base) else "property"
+    return name_text(base["filedName"]) if is_known(base) else "property"
 
 
 def own_members(value, ends):

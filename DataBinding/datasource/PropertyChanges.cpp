@@ -3,19 +3,18 @@
 namespace DataBinding::details {
 
 void PropertyChanges::Add(PropertyLink& property) noexcept {
-  if (property.isChanged) return;
-  property.isChanged = true;
+  property.place = PropertyLink::Place::Noted;
+  if (!property.IsComputed()) property.turn = ++lastChange;
   property.previous = last;
   (last == nullptr ? first : last->next) = &property;
   last = &property;
 }
 
 void PropertyChanges::Remove(PropertyLink& property) noexcept {
-  if (!property.isChanged) return;
   (property.previous == nullptr ? first : property.previous->next) = property.next;
   (property.next == nullptr ? last : property.next->previous) = property.previous;
   property.next = property.previous = nullptr;
-  property.isChanged = false;
+  property.place = PropertyLink::Place::None;
 }
 
 PropertyLink* PropertyChanges::TakeFirst() noexcept {

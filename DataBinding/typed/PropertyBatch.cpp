@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "DataBinding/foundation/FirstFailure.h"
+#include "PropertyAnnouncement.h"
 
 namespace DataBinding {
 
@@ -14,22 +15,14 @@ PropertyBatch::PropertyBatch(DataSourceImpl& changingSource)
 }
 
 PropertyBatch::~PropertyBatch() noexcept(false) {
-  if (!liveness.IsValid()) return;
-  if (!details::DataSourceAccess::Changes(source).Close()) return;
+  if (liveness.IsValid() && !details::DataSourceAccess::Changes(source).Close()) return;
+  details::PropertyAnnouncement announcement;
+  if (liveness.IsValid()) announcement.Take(details::DataSourceAccess::Changes(source));
   if (std::uncaught_exceptions() == uncaughtBefore) {
-    Notify();
+    announcement.Run();
   } else {
     FirstFailure dropped;  // another exception is on its way
-    dropped.Try([this] { Notify(); });
-  }
-}
-
-void PropertyBatch::Notify() {
-  details::PropertyChanges& changes = details::DataSourceAccess::Changes(source);
-  while (liveness.IsValid() && !changes.IsOpen()) {
-    const details::PropertyLink* property = changes.TakeFirst();
-    if (property == nullptr) return;
-    source.UpdateListeners(VtrString(property->name));
+    dropped.Try([&] { announcement.Run(); });
   }
 }
 

@@ -41,6 +41,9 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   /// whatever it is, deliberately, so that "*,-Size" and "*,!Size" both read naturally. "*" in a
   /// later place is a name like any other. A listener may destroy the source: the rest of the list
   /// is then dropped. Listeners' exceptions do not arrive here.
+  ///
+  /// Typed properties call it once for each of their names that is announced, also at the end of a
+  /// PropertyBatch: an override hears of every change.
   void UpdateListeners(const VtrString& names) override;
 
  protected:

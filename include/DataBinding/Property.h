@@ -124,7 +124,8 @@ class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
 /// A property whose value is a function of other properties.
 ///
 /// It is computed each time it is read. Its listeners are notified whenever one of the others
-/// changes, equal result or not; at the end of the batch if they belong to one source. Others of
+/// changes, equal result or not: once for each change, after the listeners of all that it follows,
+/// and, where one of those waits for the end of a PropertyBatch, when that is over. Others of
 /// another source must be cared for by the function: it may be called after they are gone.
 template <std::copyable T>
 class ComputedProperty final : public details::TypedProperty<T, const T> {

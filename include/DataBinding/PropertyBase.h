@@ -39,16 +39,20 @@ class PropertyAccess {
 template <class T>
 using PropertyAccessor = RepeatingCallback<PropertyAccess<T>*()>;
 
-class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase> {
+class PropertyAnnouncement;
+
+class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, private PropertyLink {
  public:
   PropertyBase(const PropertyBase&) = delete;
   PropertyBase& operator=(const PropertyBase&) = delete;
 
-  [[nodiscard]] const VtrString& Name() const noexcept { return link.name; }
+  [[nodiscard]] const VtrString& Name() const noexcept { return filedName; }
 
-  /// Tells the listeners of this property, and of those that are computed from it, that the value
-  /// has changed; at the end of the batch where one is open on the source. The source, and this
-  /// property with it, may be gone when this returns.
+  /// Tells the listeners of this property that the value has changed, then those of all that is
+  /// computed from it, directly or not, each property once and after all that it is computed from.
+  /// It calls UpdateListeners of the source once for each name. Where a PropertyBatch is open on a
+  /// source, its properties, and what is computed from those, wait for its end. This property, its
+  /// source or others may be gone when this returns.
   void NotifyChanged();
 
  protected:
@@ -57,23 +61,20 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase> {
 
   void File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type);
   /// Notifies of this property whenever one of those changes.
-  void DependOn(std::initializer_list<PropertyBase*> others);
+  void DependOn(std::initializer_list<const PropertyBase*> others);
   [[nodiscard]] DataSourceImpl& Owner() const noexcept { return owner; }
   [[nodiscard]] SetResult ReadOnlyResult(const runtime_type_base& wanted) const;
   [[nodiscard]] SetResult RefusedResult(const VtrString& reason) const;
 
  private:
   friend DataSourceAccess;
-  class DependentsCalled;
-
-  void ForgetDependent(const PropertyBase* ending) noexcept;
+  friend PropertyAnnouncement;
 
   DataSourceImpl& owner;
-  PropertyLink link;
-  /// Those that are computed from this one; null where one ended while they are called.
-  std::vector<PropertyBase*> dependents;
-  std::vector<PropertyBase*> dependencies;
-  int callsToDependents = 0;
+  VtrString filedName;
+  /// Those that are computed from this one. Following a property does not change it.
+  mutable std::vector<PropertyBase*> dependents;
+  std::vector<const PropertyBase*> dependencies;
 };
 
 /// Files a property under its name. Filed is `const T` for one that only its source may set.

@@ -1,9 +1,10 @@
-/// A scope in which a source's changed properties are noted, to be notified once each at its end,
-/// in order of their first change.
+/// A scope in which a source's changed properties are noted, to be announced at its end by one call
+/// of UpdateListeners each: those that were set, in order of their first change, then what is
+/// computed from them, in this source or others, in the order in which those properties were made.
 ///
-/// Properties that are computed from them are noted with them. Batches on one source may nest: the
-/// outermost notifies. What the source announces itself, by UpdateListeners, is not held back. The
-/// source may end within the scope: nobody is notified then.
+/// Batches on one source may nest: the outermost announces. What the source announces itself, by
+/// UpdateListeners, is not held back. The source may end within the scope: nothing of it is
+/// announced then.
 ///
 ///   PropertyBatch batch(source);
 ///   source.width.Set(4);
@@ -22,13 +23,12 @@ class DATABINDING_API PropertyBatch {
   [[nodiscard]] explicit PropertyBatch(DataSourceImpl& changingSource);
   PropertyBatch(const PropertyBatch&) = delete;
   PropertyBatch& operator=(const PropertyBatch&) = delete;
-  /// Notifies. What an overridden UpdateListeners throws, or a thread's cancellation, goes through,
-  /// unless an exception ends the scope; what was not notified then is, by the next batch.
+  /// Announces. The first exception that an overridden UpdateListeners throws goes through when all
+  /// is announced, unless another one ends the scope. A thread's cancellation goes through at once;
+  /// what is left then is announced with the next change of its source.
   ~PropertyBatch() noexcept(false);
 
  private:
-  void Notify();
-
   DataSourceImpl& source;
   details::WeakReference liveness;
   int uncaughtBefore;

@@ -1,25 +1,39 @@
-/// The properties of one data source that have changed while a PropertyBatch is open on it, in
-/// order of their first change.
+/// The properties of one data source that have changed and wait to be announced, in order of their
+/// first change: while a PropertyBatch is open on the source, or while something that they are
+/// computed from waits.
 ///
 /// The properties bring their links along, so that noting a change allocates nothing. A property
 /// that ends takes itself out.
 #pragma once
 
-#include <utility>
+#include <cstdint>
 
 #include "DataBinding/Export.h"
-#include "DataBinding/foundation/String.h"
 
 namespace DataBinding::details {
 
-/// What a property brings along to be noted as changed.
+/// What a property brings along to be noted as changed and to be announced: it stands in at most
+/// one place at a time.
 struct PropertyLink {
-  explicit PropertyLink(VtrString propertyName) noexcept : name(std::move(propertyName)) {}
+  enum class Place : std::uint8_t {
+    None,
+    Noted,  ///< in the PropertyChanges of its source
+    Due     ///< among those that this thread is about to announce
+  };
+  /// Computed properties have a turn from here on, given in the order in which they are made.
+  static constexpr auto firstComputedTurn = std::uint64_t{1} << 63;
 
-  VtrString name;
+  [[nodiscard]] bool IsComputed() const noexcept { return turn >= firstComputedTurn; }
+
   PropertyLink* next = nullptr;
   PropertyLink* previous = nullptr;
-  bool isChanged = false;
+  PropertyLink* child = nullptr;
+  /// Of two that are due in one announcement the lesser turn is first. That of a property which is
+  /// not computed is the number of its change.
+  std::uint64_t turn = 0;
+  /// The announcement that it is due in: 1 for the outermost one, more for nested ones.
+  std::uint32_t depth = 0;
+  Place place = Place::None;
 };
 
 class DATABINDING_API PropertyChanges {
@@ -34,15 +48,16 @@ class DATABINDING_API PropertyChanges {
   [[nodiscard]] bool Close() noexcept { return --openBatches == 0; }
   [[nodiscard]] bool IsOpen() const noexcept { return openBatches != 0; }
 
-  /// Notes a property, once.
+  /// Notes a property that stands nowhere.
   void Add(PropertyLink& property) noexcept;
-  /// Takes a property out if it is in.
+  /// Takes out a property that is noted here.
   void Remove(PropertyLink& property) noexcept;
   /// Takes the first one out; null when there is none.
   [[nodiscard]] PropertyLink* TakeFirst() noexcept;
 
  private:
   unsigned openBatches = 0;
+  std::uint64_t lastChange = 0;
   PropertyLink* first = nullptr;
   PropertyLink* last = nullptr;
 };

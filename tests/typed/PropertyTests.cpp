@@ -106,7 +106,7 @@ TEST_F(PropertyTest, BatchNotifiesEachChangedNameOnceAtItsEnd) {
     }
     EXPECT_EQ(log, "");
   }
-  EXPECT_EQ(log, "HAW");
+  EXPECT_EQ(log, "HWA");
   EXPECT_EQ(*box->Area, 42);
 }
 
