@@ -1,5 +1,3 @@
-#include <utility>
-
 #include "DataBinding/IBroadcaster.h"
 #include "WListenersImpl.h"
 
@@ -7,23 +5,27 @@ namespace DataBinding {
 
 namespace details {
 
-Broadcaster::Broadcaster(const Broadcaster& other) noexcept : registry(other.registry) {
-  if (registry != nullptr) registry->AddOwner();
+Broadcaster::Broadcaster(const Broadcaster& other) noexcept : registry(other.Existing()) {
+  if (WListenersImpl* shared = Existing()) shared->AddOwner();
 }
 
 Broadcaster& Broadcaster::operator=(const Broadcaster& other) noexcept {
   Broadcaster copy(other);
-  std::swap(registry, copy.registry);
+  copy.registry = registry.exchange(copy.Existing());
   return *this;
 }
 
 Broadcaster::~Broadcaster() {
-  if (registry != nullptr) registry->DropOwner();
+  if (WListenersImpl* owned = Existing()) owned->DropOwner();
 }
 
 WListenersImpl& Broadcaster::Listeners() const {
-  if (registry == nullptr) registry = new WListenersImpl;
-  return *registry;
+  WListenersImpl* existing = Existing();
+  if (existing != nullptr) return *existing;
+  auto* const made = new WListenersImpl;
+  if (registry.compare_exchange_strong(existing, made)) return *made;
+  made->DropOwner();  // another thread was first
+  return *existing;
 }
 
 Subscription Broadcaster::Register(const RepeatingCallback<void()>& callback,
@@ -40,12 +42,14 @@ std::uint64_t Broadcaster::GetNumRegistered(const VtrString& property) const {
 }
 
 bool Broadcaster::AreListenersAvailable(const VtrString& property) const {
-  return registry != nullptr && registry->AreListenersAvailable(property);
+  WListenersImpl* const existing = Existing();
+  return existing != nullptr && existing->AreListenersAvailable(property);
 }
 
 std::vector<VtrString> Broadcaster::GetRegisteredProperties() const {
-  if (registry == nullptr) return {};
-  return registry->GetRegisteredProperties();
+  WListenersImpl* const existing = Existing();
+  if (existing == nullptr) return {};
+  return existing->GetRegisteredProperties();
 }
 
 }  // namespace details

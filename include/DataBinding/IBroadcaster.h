@@ -1,14 +1,15 @@
 /// Property-change notification: callbacks registered for a property name are run when somebody
 /// announces a change of exactly that name.
 ///
-/// Register, cancel, query and announce from any thread; only the very first use of a broadcaster
-/// must not race with another first use. Callbacks run on the announcing thread, in order of
-/// registration, with no lock held: they may register, cancel, announce, or destroy the
-/// broadcaster. An announcement runs those that were registered when it began: one that is
-/// cancelled meanwhile still runs once, one that registers meanwhile waits for the next. What a
-/// callback throws is swallowed and the next one runs (see ListenerGuard.h).
+/// Register, cancel, query and announce from any thread, for the first time too; only copying,
+/// assigning and ending a broadcaster must not race with its other uses. Callbacks run on the
+/// announcing thread, in order of registration, with no lock held: they may register, cancel,
+/// announce, or end the broadcaster. An announcement runs those that were registered when it began:
+/// one that is cancelled meanwhile still runs once, one that registers meanwhile waits for the
+/// next. What a callback throws is swallowed and the next one runs (see ListenerGuard.h).
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -39,8 +40,12 @@ class DATABINDING_API Broadcaster {
 
  private:
   WListenersImpl& Listeners() const;
+  [[nodiscard]] WListenersImpl* Existing() const noexcept {
+    return registry.load(std::memory_order_acquire);
+  }
 
-  mutable WListenersImpl* registry = nullptr;
+  /// Set once, by whichever thread uses the broadcaster first.
+  mutable std::atomic<WListenersImpl*> registry{nullptr};
 };
 
 }  // namespace details

@@ -24,6 +24,18 @@ void OnThreads(int count, Work work) {
   }
 }
 
+TEST(BroadcasterThreads, FirstUsesOnSeveralThreadsShareOneRegistry) {
+  for (int round = 0; round < 500; ++round) {
+    Notifier notifier;
+    std::array<Subscription, 3> subscriptions;
+    OnThreads(4, [&](int thread) {
+      if (thread == 3) return notifier.UpdateListeners(L"A");
+      subscriptions[static_cast<std::size_t>(thread)] = notifier.Register([] {}, L"A");
+    });
+    ASSERT_EQ(notifier.GetNumRegistered(L"A"), 3u);
+  }
+}
+
 TEST(BroadcasterThreads, RegisterCancelAndAnnounceOnFourThreadsAtOnce) {
   Notifier notifier;
   notifier.UpdateListeners(L"A");
