@@ -1,6 +1,9 @@
 #include "GuardedRun.h"
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstdio>
 #include <exception>
 
 #include "DataBinding/ListenerGuard.h"
@@ -61,6 +64,42 @@ void Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t
   }
 }
 
+#if !defined(NDEBUG)
+
+/// Writes without allocating, since a fault may have left the heap locked.
+void Show(const VtrString& name, const char* failure) {
+  std::array<char, 64> inAscii{};
+  const auto length = std::min(static_cast<std::size_t>(name.GetLength()), inAscii.size() - 1);
+  for (std::size_t i = 0; i < length; ++i) {
+    const wchar_t character = name[i];
+    inAscii[i] = character < 0x80 ? static_cast<char>(character) : '?';
+  }
+  std::fprintf(stderr,
+               "DataBinding: swallowed a failure at \"%s\": %s. Only the first one is shown; "
+               "SetListenerFailureHandler tells of all.\n",
+               inAscii.data(), failure);
+}
+
+/// Shows the first failure of the process that no handler is told of.
+void ShowFirst(const VtrString& name, const std::exception_ptr& exception, std::uint32_t code) {
+  static constinit std::atomic_flag isShown;
+  if (isShown.test_and_set(std::memory_order_relaxed)) return;
+  if (exception == nullptr) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "hardware fault 0x%x", code);
+    return Show(name, text.data());
+  }
+  try {
+    std::rethrow_exception(exception);
+  } catch (const std::exception& thrown) {
+    Show(name, thrown.what());
+  } catch (...) {
+    Show(name, "an exception of a class of its own");
+  }
+}
+
+#endif
+
 struct GuardedStep {
   void (*step)(void* context);
   void* context;
@@ -79,8 +118,12 @@ struct GuardedStep {
 
 void details::ReportFailure(const VtrString& name, const std::exception_ptr& exception,
                             std::uint32_t code) {
-  if (!handlerIsSet.load(std::memory_order_acquire)) return;
-  CatchAll([&] { Tell(name, exception, code); }, [] {});
+  if (handlerIsSet.load(std::memory_order_acquire)) {
+    return CatchAll([&] { Tell(name, exception, code); }, [] {});
+  }
+#if !defined(NDEBUG)
+  ShowFirst(name, exception, code);
+#endif
 }
 
 void SetListenerFailureHandler(const FailureHandler& handler) {

@@ -1,4 +1,6 @@
+#include <cstdlib>
 #include <exception>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -102,6 +104,39 @@ TEST_F(FaultGuard, FaultWithinACatchBlockLeavesNoCurrentExceptionBehind) {
 }
 
 using FaultDeath = FaultGuard;
+
+/// Takes a text that shows this failure and no other, or in a release build no text.
+struct ShowsOnly {
+  using is_gtest_matcher = void;
+  bool MatchAndExplain(const std::string& text, std::ostream* /*why*/) const {
+#if defined(NDEBUG)
+    return text.empty();
+#else
+    const auto shown = text.find("swallowed a failure at \"A\": " + failure);
+    return shown != text.npos && text.find("swallowed", shown + 1) == text.npos;
+#endif
+  }
+  void DescribeTo(std::ostream* out) const { *out << "shows only " << failure; }
+  void DescribeNegationTo(std::ostream* out) const { *out << "does not show only " << failure; }
+
+  std::string failure;
+};
+
+TEST_F(FaultDeath, FirstFailureThatNobodyIsToldOfIsShownByADebugBuild) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto announceTwice = [this](const RepeatingCallback<void()>& failing) {
+    const auto told = notifier.Register(failing, L"A");
+    notifier.UpdateListeners(L"A");
+    SetListenerFailureHandler(nullptr);
+    notifier.UpdateListeners(L"A");
+    notifier.UpdateListeners(L"A");
+    std::exit(0);
+  };
+  const auto throwing = [] { throw std::runtime_error("mine"); };
+  EXPECT_EXIT(announceTwice(throwing), testing::ExitedWithCode(0), ShowsOnly{"mine"});
+  EXPECT_EXIT(announceTwice(&AccessForbiddenMemory), testing::ExitedWithCode(0),
+              ShowsOnly{"hardware fault 0x"});
+}
 
 TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
   const auto listener = notifier.Register(&RunAnIllegalInstruction, L"A");
