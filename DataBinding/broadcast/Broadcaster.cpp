@@ -1,4 +1,7 @@
+#include <utility>
+
 #include "DataBinding/IBroadcaster.h"
+#include "DataBinding/foundation/CallOnce.h"
 #include "WListenersImpl.h"
 
 namespace DataBinding {
@@ -62,6 +65,13 @@ IBroadcaster::~IBroadcaster() = default;
 Subscription IBroadcaster::Register(const RepeatingCallback<void()>& callback,
                                     const VtrString& property) {
   return broadcaster.Register(callback, property);
+}
+
+Subscription IBroadcaster::RegisterOnce(OneShotCallback<void()> callback,
+                                        const VtrString& property) {
+  return details::CallOnce(std::move(callback), [&](const RepeatingCallback<void()>& once) {
+    return Register(once, property);
+  });
 }
 
 void IBroadcaster::UpdateListeners(const VtrString& property) {

@@ -11,6 +11,10 @@ namespace {
 /// Stands at holes and at null callbacks, so that a broadcast need not ask.
 void RunNothing(const BindStateBase* /*state*/) {}
 
+Listener::Function Function(const BindStateBase& state) noexcept {
+  return reinterpret_cast<Listener::Function>(state.Invoke());
+}
+
 constexpr std::uint32_t largestCapacity = std::uint32_t{1} << 30;
 
 }  // namespace
@@ -23,10 +27,7 @@ ListenerArray* ListenerArray::Make(const VtrString& property, std::uint32_t capa
 }
 
 ListenerArray::ListenerArray(const VtrString& name, std::uint32_t size) noexcept
-    : property(name),
-      listeners(reinterpret_cast<Listener*>(this + 1)),
-      marks(reinterpret_cast<ListenerMark*>(listeners + size)),
-      capacity(size) {}
+    : property(name), listeners(reinterpret_cast<Listener*>(this + 1)), capacity(size) {}
 
 void ListenerArray::Destroy(ListenerArray* array) {
   for (std::uint32_t i = 0; i < array->count; ++i) {
@@ -38,13 +39,12 @@ void ListenerArray::Destroy(ListenerArray* array) {
 
 void ListenerArray::Append(std::uint64_t id, const RepeatingCallback<void()>& callback) noexcept {
   const BindStateBase* state = callback.GetBindState();
-  const auto run = reinterpret_cast<decltype(Listener::run)>(callback.polymorphic_invoke());
   if (state != nullptr) state->AddRef();
   const auto ownLoop = state != nullptr ? state->Loop() : nullptr;
   loop = ownLoop != nullptr && (live == 0 || loop == ownLoop) ? ownLoop
                                                               : &VtrUtils::details::MakeCalls;
-  ::new (&listeners[count]) Listener{run != nullptr ? run : &RunNothing, state};
-  ::new (&marks[count]) ListenerMark{id, ListenerMark::never};
+  ::new (&listeners[count]) Listener(state != nullptr ? Function(*state) : &RunNothing, state);
+  ::new (&Marks()[count]) ListenerMark{id, ListenerMark::never};
   ++count;
   ++live;
 }
@@ -52,10 +52,10 @@ void ListenerArray::Append(std::uint64_t id, const RepeatingCallback<void()>& ca
 void ListenerArray::CloseHoles() noexcept {
   std::uint32_t kept = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
-    if (Removal(i) != ListenerMark::never) continue;
+    if (!IsRegistered(i)) continue;
     listeners[kept] = listeners[i];
-    marks[kept].id = marks[i].id;
-    marks[kept].removal.store(ListenerMark::never, std::memory_order_relaxed);
+    Marks()[kept].id = Marks()[i].id;
+    SetRemoval(kept, Removal(i));
     ++kept;
   }
   count = kept;
@@ -64,10 +64,10 @@ void ListenerArray::CloseHoles() noexcept {
 ListenerArray* ListenerArray::Grown(bool pinned) {
   ListenerArray* grown = Make(property, std::max(live * 2, std::uint32_t{2}));
   for (std::uint32_t i = 0; i < count; ++i) {
-    if (Removal(i) != ListenerMark::never) continue;
+    if (!IsRegistered(i)) continue;
     if (pinned && listeners[i].state != nullptr) listeners[i].state->AddRef();
     ::new (&grown->listeners[grown->count]) Listener(listeners[i]);
-    ::new (&grown->marks[grown->count]) ListenerMark{marks[i].id, ListenerMark::never};
+    ::new (&grown->Marks()[grown->count]) ListenerMark{Marks()[i].id, Removal(i)};
     ++grown->count;
   }
   grown->live = live;
@@ -77,26 +77,50 @@ ListenerArray* ListenerArray::Grown(bool pinned) {
 }
 
 std::uint64_t ListenerArray::Removal(std::uint32_t position) const noexcept {
-  return marks[position].removal.load(std::memory_order_relaxed);
+  return Marks()[position].removal.load(std::memory_order_relaxed);
+}
+
+void ListenerArray::SetRemoval(std::uint32_t position, std::uint64_t removal) noexcept {
+  Marks()[position].removal.store(removal, std::memory_order_relaxed);
 }
 
 std::uint32_t ListenerArray::Find(std::uint64_t id) const noexcept {
+  const ListenerMark* const first = Marks();
   const auto* found = std::lower_bound(
-      marks, marks + count, id, [](const auto& mark, auto wanted) { return mark.id < wanted; });
-  return static_cast<std::uint32_t>(found - marks);
+      first, first + count, id, [](const auto& mark, auto wanted) { return mark.id < wanted; });
+  if (found == first + count || found->id != id) return count;
+  return static_cast<std::uint32_t>(found - first);
+}
+
+void ListenerArray::Silence(std::uint32_t position) noexcept {
+  listeners[position].run.store(&RunNothing, std::memory_order_relaxed);
+}
+
+void ListenerArray::Pause(std::uint32_t position) noexcept {
+  if (!IsRegistered(position)) return;
+  SetRemoval(position, Removal(position) - 1);
+  Silence(position);
+}
+
+void ListenerArray::Resume(std::uint32_t position) noexcept {
+  if (!IsRegistered(position) || Removal(position) == ListenerMark::never) return;
+  SetRemoval(position, Removal(position) + 1);
+  const BindStateBase* const state = listeners[position].state;
+  if (Removal(position) != ListenerMark::never || state == nullptr) return;
+  listeners[position].run.store(Function(*state), std::memory_order_relaxed);
 }
 
 comlike_ptr<const BindStateBase> ListenerArray::Vacate(std::uint32_t position) noexcept {
   Listener& listener = listeners[position];
   comlike_ptr<const BindStateBase> state(listener.state);
-  listener = {&RunNothing, nullptr};
+  listener = Listener(&RunNothing, nullptr);
   return state;
 }
 
 comlike_ptr<const BindStateBase> ListenerArray::TakeOut(std::uint64_t id) noexcept {
   const auto position = Find(id);
   auto state = Vacate(position);
-  marks[position].removal.store(ListenerMark::hole, std::memory_order_relaxed);
+  SetRemoval(position, ListenerMark::hole);
   --live;
   while (count > 0 && Removal(count - 1) == ListenerMark::hole) --count;
   if (count / 2 > live) CloseHoles();
@@ -104,15 +128,15 @@ comlike_ptr<const BindStateBase> ListenerArray::TakeOut(std::uint64_t id) noexce
 }
 
 void ListenerArray::MarkRemoved(std::uint64_t id) noexcept {
-  marks[Find(id)].removal.store(++lastRemoval, std::memory_order_relaxed);
+  SetRemoval(Find(id), ++lastRemoval);
   --live;
   ++removed;
 }
 
 void ListenerArray::Sweep(std::span<comlike_ptr<const BindStateBase>> out) noexcept {
   for (std::uint32_t i = 0; removed != 0 && i < count && !out.empty(); ++i) {
-    if (Removal(i) == ListenerMark::hole || Removal(i) == ListenerMark::never) continue;
-    marks[i].removal.store(ListenerMark::hole, std::memory_order_relaxed);
+    if (Removal(i) == ListenerMark::hole || IsRegistered(i)) continue;
+    SetRemoval(i, ListenerMark::hole);
     --removed;
     out.front() = Vacate(i);
     if (out.front()) out = out.subspan(1);

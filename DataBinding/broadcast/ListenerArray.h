@@ -7,6 +7,9 @@
 /// began before still run it, later ones skip it, and the last of the former sweeps it out. With no
 /// pin in the way it is taken out at once and leaves a hole that runs nothing; holes are closed
 /// when they outnumber the listeners. Removing never allocates.
+///
+/// One thing is changed under pins: the function of a listener that is paused, or ended for good,
+/// is exchanged for one that does nothing.
 #pragma once
 
 #include <atomic>
@@ -26,10 +29,12 @@ using Listener = VtrUtils::details::DirectCall;
 /// What writers know of the listener at the same position.
 struct ListenerMark {
   static constexpr std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
+  static constexpr std::uint64_t mostPauses = std::numeric_limits<std::uint32_t>::max();
   static constexpr std::uint64_t hole = 0;
 
   std::uint64_t id;
-  /// The number of the removal, never, or hole. Read by broadcasts while a writer sets it.
+  /// While the listener is registered, never less the number of its pauses; once its place is
+  /// empty, hole; else the number of its removal. Read by broadcasts while a writer sets it.
   std::atomic<std::uint64_t> removal;
 };
 
@@ -44,7 +49,10 @@ class ListenerArray {
 
   [[nodiscard]] const VtrString& Property() const noexcept { return property; }
   [[nodiscard]] const Listener* Listeners() const noexcept { return listeners; }
-  [[nodiscard]] const ListenerMark* Marks() const noexcept { return marks; }
+  /// As many marks, which stand behind the room for listeners.
+  [[nodiscard]] ListenerMark* Marks() const noexcept {
+    return reinterpret_cast<ListenerMark*>(listeners + capacity);
+  }
   /// What runs the listeners: the loop of the module that all of them come from, else the
   /// library's.
   [[nodiscard]] BindStateBase::CallLoop Loop() const noexcept { return loop; }
@@ -70,6 +78,16 @@ class ListenerArray {
   [[nodiscard]] comlike_ptr<const BindStateBase> TakeOut(std::uint64_t id) noexcept;
   /// Marks a listener of a pinned array as removed.
   void MarkRemoved(std::uint64_t id) noexcept;
+  /// Where a listener stands, or stood while this array is pinned; Count() for one that does not.
+  [[nodiscard]] std::uint32_t Find(std::uint64_t id) const noexcept;
+  /// Has broadcasts that come to a position call nothing there.
+  void Silence(std::uint32_t position) noexcept;
+  /// Counts a pause of the listener at a position, or the end of one.
+  ///@{
+  void Pause(std::uint32_t position) noexcept;
+  void Resume(std::uint32_t position) noexcept;
+  ///@}
+
   /// Takes listeners out that were marked as removed, as many as there is room for. None is left
   /// when the last place stays empty.
   void Sweep(std::span<comlike_ptr<const BindStateBase>> out) noexcept;
@@ -77,21 +95,27 @@ class ListenerArray {
   /// How many running broadcasts will report their end, see ListenerPin. Rises under the
   /// registry's lock only.
   std::atomic<std::uint32_t> reports{0};
+  /// How many of the running broadcasts have no place in their threads' records.
+  std::atomic<std::uint32_t> withoutPlace{0};
   /// Set, under the write lock, when the registry lets go of an array that is still running: the
   /// last broadcast to report destroys it.
   bool retired = false;
+  /// The next one in the registry's list of retired arrays.
+  ListenerArray* nextRetired = nullptr;
 
  private:
   ListenerArray(const VtrString& name, std::uint32_t size) noexcept;
   ~ListenerArray() = default;
 
   [[nodiscard]] std::uint64_t Removal(std::uint32_t position) const noexcept;
-  [[nodiscard]] std::uint32_t Find(std::uint64_t id) const noexcept;
+  [[nodiscard]] bool IsRegistered(std::uint32_t position) const noexcept {
+    return Removal(position) >= ListenerMark::never - ListenerMark::mostPauses;
+  }
+  void SetRemoval(std::uint32_t position, std::uint64_t removal) noexcept;
   [[nodiscard]] comlike_ptr<const BindStateBase> Vacate(std::uint32_t position) noexcept;
 
   VtrString property;
   Listener* listeners;
-  ListenerMark* marks;
   BindStateBase::CallLoop loop = nullptr;
   std::uint32_t capacity;
   std::uint32_t count = 0;

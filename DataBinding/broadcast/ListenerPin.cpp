@@ -1,8 +1,17 @@
 #include "ListenerPin.h"
 
+#include <utility>
+
 #include "WListenersImpl.h"
 
 namespace DataBinding::details {
+
+namespace {
+
+/// Those of the calling thread that have no place in its record.
+constinit thread_local ListenerPin* innermostWithoutPlace = nullptr;
+
+}  // namespace
 
 void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& owner,
                        ReaderRecord* ofThread) noexcept {
@@ -10,12 +19,16 @@ void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& owner,
   registry = &owner;
   if (ofThread != nullptr) {
     for (auto& each : ofThread->pins) {
-      if (each.load(std::memory_order_relaxed) != 0) continue;
+      if (each.array.load(std::memory_order_relaxed) != 0) continue;
       pin = &each;
-      pin->store(reinterpret_cast<std::uintptr_t>(array), std::memory_order_release);
+      next = &each.next;
+      next->store(0, std::memory_order_release);
+      pin->array.store(reinterpret_cast<std::uintptr_t>(array), std::memory_order_release);
       return;
     }
   }
+  outer = std::exchange(innermostWithoutPlace, this);
+  array->withoutPlace.fetch_add(1, std::memory_order_relaxed);
   array->reports.fetch_add(1, std::memory_order_relaxed);
   registry->AddKeeper();
 }
@@ -23,7 +36,7 @@ void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& owner,
 std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& owner) noexcept {
   const auto address = reinterpret_cast<std::uintptr_t>(&array);
   for (auto* record = ReaderRecord::First(); record != nullptr; record = record->Next()) {
-    for (auto& pin : record->pins) {
+    for (auto& [pin, next] : record->pins) {
       if (pin.load(std::memory_order_acquire) != address) continue;
       array.reports.fetch_add(1, std::memory_order_relaxed);
       owner.AddKeeper();
@@ -38,11 +51,34 @@ std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& owner)
   return array.reports.load(std::memory_order_acquire);
 }
 
+bool ListenerPin::IsCalledElsewhere(const ListenerArray& array, std::uint32_t position,
+                                    bool fenced) noexcept {
+  const auto address = reinterpret_cast<std::uintptr_t>(&array);
+  const ReaderRecord* const own = ReaderRecord::Existing();
+  for (auto* record = ReaderRecord::First(); record != nullptr; record = record->Next()) {
+    for (const auto& pin : record->pins) {
+      const auto pinned = pin.array.load(std::memory_order_acquire);
+      if ((pinned & ~ReaderRecord::handedOver) != address || record == own) continue;
+      const auto next = pin.next.load(std::memory_order_acquire);
+      if (next == position + 1 || (!fenced && next <= position)) return true;
+    }
+  }
+  std::uint32_t ownWithoutPlace = 0;
+  for (const auto* each = innermostWithoutPlace; each != nullptr; each = each->outer) {
+    if (each->array == &array) ++ownWithoutPlace;
+  }
+  return array.withoutPlace.load(std::memory_order_acquire) != ownWithoutPlace;
+}
+
 void ListenerPin::Release() noexcept {
   if (array == nullptr) return;
-  const bool reports = pin == nullptr || (pin->exchange(0, std::memory_order_acq_rel) &
-                                          ReaderRecord::handedOver) != 0;
-  if (reports) registry->Report(*array);
+  if (pin == nullptr) {
+    innermostWithoutPlace = outer;
+    array->withoutPlace.fetch_sub(1, std::memory_order_release);
+    return registry->Report(*array);
+  }
+  const auto released = pin->array.exchange(0, std::memory_order_acq_rel);
+  if ((released & ReaderRecord::handedOver) != 0) registry->Report(*array);
 }
 
 }  // namespace DataBinding::details

@@ -24,7 +24,12 @@ class alignas(64) ReaderRecord {
   static constexpr std::size_t mostPins = 6;
   /// Set in a pin by a writer that counts on being told when the run ends.
   static constexpr std::uintptr_t handedOver = 1;
-  using Pin = std::atomic<std::uintptr_t>;
+  struct Pin {
+    /// The array, as an address; 0 for none. Only the thread itself sets one.
+    std::atomic<std::uintptr_t> array{0};
+    /// The position behind the listener that the thread is calling.
+    std::atomic<std::uint32_t> next{0};
+  };
 
   /// The calling thread's record, made at its first broadcast, or null when there is no memory or
   /// the thread is ending.
@@ -41,8 +46,13 @@ class alignas(64) ReaderRecord {
 
   /// The registry lock under which this thread looks something up, or null.
   std::atomic<const void*> reading{nullptr};
-  /// The arrays that this thread runs, as addresses; 0 for none. Only the thread itself sets one.
+  /// The arrays that this thread runs.
   std::array<Pin, mostPins> pins{};
+
+  /// Has every other thread of the process pass a memory fence, so that threads which run listeners
+  /// need none: what they wrote before is seen now, and they see what this thread wrote. False
+  /// where the system cannot do that.
+  static bool FenceOthers() noexcept;
 
  private:
   friend class ReaderRecordOwner;

@@ -1,5 +1,11 @@
 #include "ReaderRecord.h"
 
+#if defined(__linux__)
+#include <linux/membarrier.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
+
 namespace DataBinding::details {
 
 namespace {
@@ -28,6 +34,16 @@ ReaderRecord* ReaderRecord::MakeCurrent() noexcept {
   if (threadIsEnding) return nullptr;
   static thread_local ReaderRecordOwner owner;
   return ofThread;
+}
+
+bool ReaderRecord::FenceOthers() noexcept {
+#if defined(__linux__)
+  const auto command = [](int number) { return syscall(SYS_membarrier, number, 0, 0) == 0; };
+  return command(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED) &&
+         command(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
+#else
+  return false;
+#endif
 }
 
 }  // namespace DataBinding::details

@@ -39,4 +39,9 @@ ReaderRecord* ReaderRecord::MakeCurrent() noexcept {
   return ofThread;
 }
 
+bool ReaderRecord::FenceOthers() noexcept {
+  FlushProcessWriteBuffers();
+  return true;
+}
+
 }  // namespace DataBinding::details

@@ -1,9 +1,9 @@
 #include "WListenersImpl.h"
 
 #include <array>
-#include <typeinfo>
 #include <utility>
 
+#include "DataBinding/foundation/Registration.h"
 #include "GuardedRun.h"
 #include "ListenerPin.h"
 
@@ -11,40 +11,41 @@ namespace DataBinding::details {
 
 namespace {
 
-/// The state of the callback that a Subscription holds: ends one registration.
-class Removal final : public BindStateBase {
+/// What the Subscription of a property holds.
+class PropertyRegistration final : public RegistrationState<PropertyRegistration> {
  public:
-  explicit Removal(WListenersImpl& owner)
-      : BindStateBase(reinterpret_cast<InvokeFunction>(&Run), &Destroy, &Ask), registry(owner) {
-    SetSignature(typeid(void()));
+  explicit PropertyRegistration(WListenersImpl& owner) noexcept : registry(owner) {
     registry.AddKeeper();
   }
+  ~PropertyRegistration() { registry.DropKeeper(); }
 
-  void Set(PropertyEntry& registered, std::uint64_t listenerId) noexcept {
-    entry = &registered;
-    id = listenerId;
-  }
+  void Set(const Registered& registered) noexcept { listener = registered; }
+
+  void End() { registry.Remove(listener); }
+  void EndAndWait() { registry.RemoveAndWait(listener); }
+  void Pause() { registry.Pause(listener, &ListenerArray::Pause); }
+  void Resume() { registry.Pause(listener, &ListenerArray::Resume); }
+  [[nodiscard]] bool IsGone() const noexcept { return !registry.HasOwner(); }
 
  private:
-  ~Removal() { registry.DropKeeper(); }
-
-  static const Removal& Of(const BindStateBase* state) noexcept {
-    return *static_cast<const Removal*>(state);
-  }
-  static void Run(const BindStateBase* state) {
-    const Removal& self = Of(state);
-    if (self.entry == nullptr || !self.registry.TryAddOwner()) return;
-    self.registry.Remove(*self.entry, self.id);
-    self.registry.DropOwner();
-  }
-  static void Destroy(const BindStateBase* state) { delete &Of(state); }
-  static bool Ask(const BindStateBase* state, CancellationQueryMode mode) {
-    return Of(state).registry.HasOwner() == (mode == CancellationQueryMode::MaybeValid);
-  }
-
   WListenersImpl& registry;
-  PropertyEntry* entry = nullptr;
-  std::uint64_t id = 0;
+  Registered listener;
+};
+
+/// Takes part in the ownership of a registry for a scope, unless its last owner is gone.
+class AsOwner {
+ public:
+  explicit AsOwner(WListenersImpl& owned) noexcept
+      : registry(owned.TryAddOwner() ? &owned : nullptr) {}
+  AsOwner(const AsOwner&) = delete;
+  AsOwner& operator=(const AsOwner&) = delete;
+  ~AsOwner() {
+    if (registry != nullptr) registry->DropOwner();
+  }
+  [[nodiscard]] operator bool() const noexcept { return registry != nullptr; }
+
+ private:
+  WListenersImpl* registry;
 };
 
 /// One announcement: what it runs, and how far it has come.
@@ -68,35 +69,32 @@ class Broadcast {
   /// Both steps move on before they call out: a listener that throws or faults counts as done.
   static void Step(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
-    self.loop(self.pin.Get()->Listeners(), &self.next, self.count);
+    self.loop(self.pin.Get()->Listeners(), &self.pin.Next(), self.count);
   }
   static void StepOverRemoved(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
     const ListenerArray& array = *self.pin.Get();
-    for (std::uint32_t i = self.next; i < self.count; ++i) {
-      self.next = i + 1;
+    auto& next = self.pin.Next();
+    for (std::uint32_t i = next.load(std::memory_order_relaxed); i < self.count; ++i) {
       const auto removal = array.Marks()[i].removal.load(std::memory_order_relaxed);
-      if (removal > self.lastRemoval) array.Listeners()[i].run(array.Listeners()[i].state);
+      next.store(i, std::memory_order_release);
+      if (removal > self.lastRemoval) self.loop(array.Listeners(), &next, i + 1);
     }
   }
 
   ListenerPin pin;
   BindStateBase::CallLoop loop = nullptr;
   std::uint32_t count = 0;
-  std::uint32_t next = 0;
   std::uint64_t lastRemoval = 0;
   bool skipsRemoved = false;
 };
-
-/// Leaves a running array to the last broadcast that reports. The caller holds the write lock.
-void Retire(ListenerArrayPtr& array) noexcept { array.release()->retired = true; }
 
 }  // namespace
 
 Subscription WListenersImpl::Register(const RepeatingCallback<void()>& callback,
                                       const VtrString& property) {
-  auto* removal = new Removal(*this);
-  OneShotCallback<void()> unsubscribe{comlike_ptr<BindStateBase>(removal)};
+  auto* registration = new PropertyRegistration(*this);
+  OneShotCallback<void()> unsubscribe{comlike_ptr<BindStateBase>(registration)};
   ListenerArrayPtr replaced;
   {
     const RegistryWriteLock guard(lock);
@@ -104,7 +102,7 @@ Subscription WListenersImpl::Register(const RepeatingCallback<void()>& callback,
     if (entry == nullptr) entry = &properties.Insert(property);
     MakeRoom(*entry, replaced);
     entry->array->Append(++lastListenerId, callback);
-    removal->Set(*entry, lastListenerId);
+    registration->Set({entry, lastListenerId});
   }
   return Subscription(std::move(unsubscribe));
 }
@@ -121,19 +119,96 @@ void WListenersImpl::MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) 
   if (running) Retire(replaced);
 }
 
-void WListenersImpl::Remove(PropertyEntry& entry, std::uint64_t id) {
-  comlike_ptr<const BindStateBase> released;
-  std::unique_ptr<PropertyEntry> ended;
+void WListenersImpl::Remove(Registered& listener) {
+  const AsOwner owner(*this);
+  Removed removed;
   const RegistryWriteLock guard(lock);
+  if (owner && listener.entry != nullptr) removed = TakeOut(listener);
+}
+
+WListenersImpl::Removed WListenersImpl::TakeOut(Registered& listener) noexcept {
+  Removed removed;
+  PropertyEntry& entry = *std::exchange(listener.entry, nullptr);
   const bool running = ListenerPin::HandOver(*entry.array, *this) != 0;
   if (running) {
-    entry.array->MarkRemoved(id);
+    entry.array->MarkRemoved(listener.id);
   } else {
-    released = entry.array->TakeOut(id);
+    removed.state = entry.array->TakeOut(listener.id);
   }
-  if (entry.array->Live() != 0) return;
-  ended = properties.Extract(entry);
-  if (running) Retire(ended->array);
+  if (entry.array->Live() != 0) return removed;
+  removed.entry = properties.Extract(entry);
+  if (running) Retire(removed.entry->array);
+  return removed;
+}
+
+void WListenersImpl::RemoveAndWait(Registered& listener) {
+  Place place = Silence(listener);
+  const bool fenced = ReaderRecord::FenceOthers();
+  for (; place.array != nullptr; place = KeepWhereCalled(listener.id, fenced)) {
+    WaitWhile([&] { return ListenerPin::IsCalledElsewhere(*place.array, place.position, fenced); });
+    Report(*place.array);
+  }
+}
+
+/// Has nobody begin a call of the listener any more, and keeps its property's array, if it has one.
+WListenersImpl::Place WListenersImpl::Silence(Registered& listener) {
+  const AsOwner owner(*this);
+  Removed removed;
+  const RegistryWriteLock guard(lock);
+  ChangeInAll(listener, owner, &ListenerArray::Silence);
+  if (!owner) listener.entry = nullptr;
+  if (listener.entry == nullptr) return {};
+  const Place place = Keep(*listener.entry->array, listener.id);
+  removed = TakeOut(listener);
+  return place;
+}
+
+/// Keeps a retired array in which another thread is in the call of the listener.
+WListenersImpl::Place WListenersImpl::KeepWhereCalled(std::uint64_t id, bool fenced) noexcept {
+  const RegistryWriteLock guard(lock);
+  for (auto* array = retired; array != nullptr; array = array->nextRetired) {
+    const auto position = array->Find(id);
+    if (position == array->Count()) continue;
+    if (ListenerPin::IsCalledElsewhere(*array, position, fenced)) return Keep(*array, id);
+  }
+  return {};
+}
+
+WListenersImpl::Place WListenersImpl::Keep(ListenerArray& array, std::uint64_t id) noexcept {
+  array.reports.fetch_add(1, std::memory_order_relaxed);
+  AddKeeper();
+  return {&array, array.Find(id)};
+}
+
+/// Leaves a running array to the last broadcast that reports.
+void WListenersImpl::Retire(ListenerArrayPtr& array) noexcept {
+  array->retired = true;
+  array->nextRetired = retired;
+  retired = array.release();
+}
+
+void WListenersImpl::Forget(const ListenerArray& ended) noexcept {
+  ListenerArray** link = &retired;
+  while (*link != &ended) link = &(*link)->nextRetired;
+  *link = ended.nextRetired;
+}
+
+void WListenersImpl::Pause(Registered& listener, ListenerChange change) {
+  const AsOwner owner(*this);
+  const RegistryWriteLock guard(lock);
+  if (listener.entry != nullptr) ChangeInAll(listener, owner, change);
+}
+
+/// Changes the listener in each array that shows it: that of its property, if the registry has an
+/// owner, and those that were retired while they ran.
+void WListenersImpl::ChangeInAll(const Registered& listener, bool hasOwner,
+                                 ListenerChange change) noexcept {
+  const auto changeIn = [&](ListenerArray& array) {
+    const auto position = array.Find(listener.id);
+    if (position != array.Count()) (array.*change)(position);
+  };
+  if (hasOwner && listener.entry != nullptr) changeIn(*listener.entry->array);
+  for (auto* array = retired; array != nullptr; array = array->nextRetired) changeIn(*array);
 }
 
 void WListenersImpl::Report(ListenerArray& array) noexcept {
@@ -145,7 +220,9 @@ void WListenersImpl::Report(ListenerArray& array) noexcept {
     more = static_cast<bool>(released.back());
     if (more) continue;
     const bool last = array.reports.fetch_sub(1, std::memory_order_acq_rel) == 1;
-    if (last && array.retired) ended.reset(&array);
+    if (!last || !array.retired) continue;
+    Forget(array);
+    ended.reset(&array);
   }
   ended.reset();
   DropKeeper();

@@ -18,6 +18,15 @@
 
 namespace DataBinding::details {
 
+/// What a subscription knows of its listener. The registry's lock guards the entry, which is null
+/// when the listener has ended, and means nothing any more when the registry has no owner.
+struct Registered {
+  PropertyEntry* entry = nullptr;
+  std::uint64_t id = 0;
+};
+
+using ListenerChange = void (ListenerArray::*)(std::uint32_t position) noexcept;
+
 class WListenersImpl {
  public:
   WListenersImpl() = default;
@@ -30,8 +39,13 @@ class WListenersImpl {
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property);
   [[nodiscard]] std::vector<VtrString> GetRegisteredProperties();
 
-  /// Ends one registration. The caller is an owner.
-  void Remove(PropertyEntry& entry, std::uint64_t id);
+  /// Ends one registration, unless it or the registry has ended already.
+  void Remove(Registered& listener);
+  /// The same, but waits for other threads that are in the call of the listener, and sees to it
+  /// that nobody calls it any more. Does that without an owner, too.
+  void RemoveAndWait(Registered& listener);
+  /// Pauses the listener or ends one of its pauses, by ListenerArray::Pause or Resume.
+  void Pause(Registered& listener, ListenerChange change);
   /// The end of a broadcast whose pin was handed over; drops its report and its keeper.
   void Report(ListenerArray& array) noexcept;
 
@@ -46,16 +60,37 @@ class WListenersImpl {
   void DropKeeper() noexcept;
 
  private:
+  /// What is to be released without the lock.
+  struct Removed {
+    comlike_ptr<const BindStateBase> state;
+    std::unique_ptr<PropertyEntry> entry;
+  };
+  /// Where a listener stands in an array that is kept by a report to come; null for nowhere.
+  struct Place {
+    ListenerArray* array = nullptr;
+    std::uint32_t position = 0;
+  };
+
   ~WListenersImpl() = default;
 
   void MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) DATABINDING_REQUIRES(lock);
+  Removed TakeOut(Registered& listener) noexcept DATABINDING_REQUIRES(lock);
+  void Retire(ListenerArrayPtr& array) noexcept DATABINDING_REQUIRES(lock);
+  void Forget(const ListenerArray& ended) noexcept DATABINDING_REQUIRES(lock);
+  Place Keep(ListenerArray& array, std::uint64_t id) noexcept DATABINDING_REQUIRES(lock);
+  Place Silence(Registered& listener);
+  Place KeepWhereCalled(std::uint64_t id, bool fenced) noexcept;
+  void ChangeInAll(const Registered& listener, bool hasOwner, ListenerChange change) noexcept
+      DATABINDING_REQUIRES(lock);
   void Clear() noexcept;
 
   RegistryLock lock;
   PropertyTable properties DATABINDING_GUARDED_BY(lock);
   std::uint64_t lastListenerId DATABINDING_GUARDED_BY(lock) = 0;
+  /// The first of the arrays that broadcasts still run, but no property has any more.
+  ListenerArray* retired DATABINDING_GUARDED_BY(lock) = nullptr;
   std::atomic<std::uint32_t> owners{1};
-  /// All owners together count as one.
+  /// Starts at 1: the owners share one keeper, which is dropped with the last of them.
   std::atomic<std::uint32_t> keepers{1};
 };
 

@@ -4,9 +4,37 @@
 #include <array>
 #include <iterator>
 
+#include "DataBinding/foundation/Registration.h"
+
 namespace VtrUtils {
 
 namespace details {
+
+namespace {
+
+/// What the subscription to a list holds.
+class ListRegistration final : public RegistrationState<ListRegistration> {
+ public:
+  ListRegistration(CallbackListCore* list, std::uint64_t number) noexcept
+      : core(comlike_ptr<CallbackListCore>::Share(list)), token(number) {}
+
+  void End() noexcept { core->Cancel(token); }
+  void EndAndWait() noexcept { core->CancelAndWait(token); }
+  void Pause() noexcept { core->Pause(token, 1); }
+  void Resume() noexcept { core->Pause(token, -1); }
+  [[nodiscard]] bool IsGone() const noexcept { return false; }
+
+ private:
+  comlike_ptr<CallbackListCore> core;
+  std::uint64_t token;
+};
+
+}  // namespace
+
+const void* ThisThread() noexcept {
+  static constinit thread_local char ofThread = 0;
+  return &ofThread;
+}
 
 void CallbackListCoreTraits::Destroy(const CallbackListCore* core) noexcept { delete core; }
 
@@ -22,9 +50,9 @@ void CallbackListCore::Cancel(std::uint64_t token) noexcept {
   const BindStateBase* ended = nullptr;
   {
     const WriteLock guard(lock);
-    const auto found = std::ranges::lower_bound(entries, token, {}, &Entry::token);
-    if (found == entries.end() || found->token != token) return;
-    found->cancelled.store(true, std::memory_order_seq_cst);
+    Entry* const found = Find(token);
+    if (found == nullptr) return;
+    found->silence.fetch_or(Entry::ended, std::memory_order_seq_cst);
     anyCancelled.store(true, std::memory_order_seq_cst);
     if (walks.load(std::memory_order_seq_cst) != 0) return;
     ended = std::exchange(found->state, nullptr);
@@ -33,11 +61,35 @@ void CallbackListCore::Cancel(std::uint64_t token) noexcept {
   if (ended != nullptr) ended->Release();
 }
 
+void CallbackListCore::CancelAndWait(std::uint64_t token) noexcept {
+  Cancel(token);
+  const bool isWalking = walks.load(std::memory_order_seq_cst) != 0 &&
+                         walker.load(std::memory_order_relaxed) == ThisThread();
+  if (!isWalking) WaitWhile([&] { return Holds(token); });
+}
+
+void CallbackListCore::Pause(std::uint64_t token, std::int32_t change) noexcept {
+  const WriteLock guard(lock);
+  if (Entry* const found = Find(token)) found->silence += static_cast<std::uint32_t>(change);
+}
+
+CallbackListCore::Entry* CallbackListCore::Find(std::uint64_t token) noexcept {
+  const auto found = std::ranges::lower_bound(entries, token, {}, &Entry::token);
+  return found == entries.end() || found->token != token ? nullptr : &*found;
+}
+
+/// True until the callback of a token is taken out, which the walk that it was cancelled in does.
+bool CallbackListCore::Holds(std::uint64_t token) noexcept {
+  const ReadLock guard(lock);
+  const Entry* const found = Find(token);
+  return found != nullptr && found->state != nullptr;
+}
+
 void CallbackListCore::Close() noexcept {
   {
     const WriteLock guard(lock);
     closed = true;
-    for (auto& entry : entries) entry.cancelled.store(true, std::memory_order_seq_cst);
+    for (auto& entry : entries) entry.silence.fetch_or(Entry::ended);
     anyCancelled.store(true, std::memory_order_seq_cst);
   }
   if (walks != 0) return;
@@ -66,7 +118,7 @@ std::size_t CallbackListCore::TakeCancelled(std::span<const BindStateBase*> room
   std::size_t count = 0;
   const WriteLock guard(lock);
   for (auto& entry : entries) {
-    if (!entry.cancelled || entry.state == nullptr) continue;
+    if (!entry.IsCancelled() || entry.state == nullptr) continue;
     if (count == room.size()) return count;
     room[count++] = std::exchange(entry.state, nullptr);
   }
@@ -89,10 +141,11 @@ Subscription CallbackListBase::Add(const RepeatingCallbackMemento& callback) {
   untyped.SetMemento(callback);
   if (!untyped) return {};
   if (core == nullptr) core = new details::CallbackListCore;
-  using Core = comlike_ptr<details::CallbackListCore>;
   const auto token = core->Add(comlike_ptr<details::BindStateBase>::Share(untyped.GetBindState()));
   try {
-    return Subscription([shared = Core::Share(core), token] { shared->Cancel(token); });
+    using End = OneShotCallback<void()>;
+    using State = comlike_ptr<details::BindStateBase>;
+    return Subscription(End(State(new details::ListRegistration(core, token))));
   } catch (...) {
     core->Cancel(token);  // nobody else could
     throw;

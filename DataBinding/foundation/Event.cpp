@@ -1,33 +1,58 @@
 #include "DataBinding/foundation/Event.h"
 
-#include "DataBinding/foundation/BindWeak.h"
+#include <utility>
+
+#include "DataBinding/foundation/Registration.h"
 
 namespace VtrUtils {
+
+/// What the subscription to an event holds.
+class EventBase::Registration final : public details::RegistrationState<Registration> {
+ public:
+  Registration(WeakPtr<EventBase> subscribed, unsigned long long number) noexcept
+      : event(std::move(subscribed)), token(number) {}
+
+  void End() {
+    if (event) const auto removed = event->listeners.extract(token);  // released when it is whole
+  }
+  void EndAndWait() { End(); }
+  void Pause() { AddPauses(1); }
+  void Resume() { AddPauses(-1); }
+  [[nodiscard]] bool IsGone() const noexcept { return !event.IsValid(); }
+
+ private:
+  void AddPauses(int change) {
+    if (!event) return;
+    const auto found = event->listeners.find(token);
+    if (found != event->listeners.end()) found->second.pauses += change;
+  }
+
+  WeakPtr<EventBase> event;
+  unsigned long long token;
+};
 
 EventBase::EventBase() = default;
 EventBase::~EventBase() = default;
 
 Subscription EventBase::Subscribe(const RepeatingCallbackMemento& memento) {
   const auto token = lastToken + 1;
-  OneShotCallback<void()> remove = BindWeak(AsWeakPtr(), &EventBase::Remove, token);
-  listeners.emplace(token, memento);
+  OneShotCallback<void()> remove{
+      comlike_ptr<details::BindStateBase>(new Registration(AsWeakPtr(), token))};
+  listeners.emplace(token, Listener{memento});
   lastToken = token;
   return Subscription(std::move(remove));
 }
 
-void EventBase::Remove(unsigned long long token) {
-  const auto removed = listeners.extract(token);  // released when the table is whole again
-}
-
 std::set<unsigned long long> EventBase::GetListenerTokensCopy() const {
   std::set<unsigned long long> tokens;
-  for (const auto& [token, memento] : listeners) tokens.insert(tokens.end(), token);
+  for (const auto& [token, listener] : listeners) tokens.insert(tokens.end(), token);
   return tokens;
 }
 
 RepeatingCallbackMemento EventBase::GetListener(unsigned long long token) const {
   const auto found = listeners.find(token);
-  return found == listeners.end() ? RepeatingCallbackMemento() : found->second;
+  const bool isHeard = found != listeners.end() && found->second.pauses == 0;
+  return isHeard ? found->second.callback : RepeatingCallbackMemento();
 }
 
 }  // namespace VtrUtils

@@ -66,6 +66,10 @@ class DATABINDING_API IBroadcaster {
   /// one callback twice makes two listeners. A null callback is counted and never run.
   virtual Subscription Register(const RepeatingCallback<void()>& callback,
                                 const VtrString& property);
+  /// Registers a callback that is called by one announcement only: the registration ends when it
+  /// has returned or thrown. It is called at most once also where announcements nest or several
+  /// threads announce at a time. It may own its Subscription, by which it can be ended before.
+  Subscription RegisterOnce(OneShotCallback<void()> callback, const VtrString& property);
   /// Runs the property's callbacks. Allocates nothing once the broadcaster has been used.
   virtual void UpdateListeners(const VtrString& property);
   /// True when somebody is registered for the property.

@@ -6,6 +6,7 @@
 /// atomically; the last reference runs the destroy function on whatever thread drops it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <typeinfo>
 #include <utility>
@@ -24,6 +25,9 @@ struct BindStateBaseRefCountTraits {
   static void Destroy(const BindStateBase* state);
 };
 
+/// What a registration can be asked for.
+enum class RegistrationRequest { End, EndAndWait, Pause, Resume };
+
 class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTraits> {
  public:
   /// The two questions that a state is asked about its target.
@@ -31,7 +35,9 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
 
   using InvokeFunction = void (*)();
   using DestroyFunction = void (*)(const BindStateBase*);
-  using CallLoop = void (*)(const DirectCall* calls, std::uint32_t* next, std::uint32_t end);
+  using CallLoop = void (*)(const DirectCall* calls, std::atomic<std::uint32_t>* next,
+                            std::uint32_t end);
+  using RequestHandler = void (*)(const BindStateBase*, RegistrationRequest);
   using CancellationQuery = bool (*)(const BindStateBase*, CancellationQueryMode);
 
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy) noexcept
@@ -49,7 +55,11 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
     return query == nullptr || query(this, CancellationQueryMode::MaybeValid);
   }
   /// MakeCalls of the module that the state comes from; null for a state with another signature.
-  [[nodiscard]] CallLoop Loop() const noexcept { return loop; }
+  [[nodiscard]] CallLoop Loop() const noexcept { return isRegistration ? nullptr : loop; }
+  /// Asks a state that ends a registration, see RegistrationState. Others do nothing.
+  void Request(RegistrationRequest request) const {
+    if (isRegistration) handler(this, request);
+  }
   /// False only when both signatures are known and differ.
   [[nodiscard]] bool FitsSignature(const std::type_info& wanted) const noexcept {
     return signature == nullptr || *signature == wanted;
@@ -59,15 +69,25 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   /// Lets a typed callback recognise a state of its own signature.
   void SetSignature(const std::type_info& type) noexcept { signature = &type; }
   void SetLoop(CallLoop ofModule) noexcept { loop = ofModule; }
+  /// Makes it a state that ends a registration.
+  void SetRequestHandler(RequestHandler onRequest) noexcept {
+    isRegistration = true;
+    handler = onRequest;
+  }
 
  private:
   friend BindStateBaseRefCountTraits;
+
+  bool isRegistration = false;  // stands in the gap behind the count
 
   InvokeFunction invoke;
   DestroyFunction destroy;
   CancellationQuery query;
   const std::type_info* signature = nullptr;
-  CallLoop loop = nullptr;
+  union {
+    CallLoop loop = nullptr;
+    RequestHandler handler;
+  };
 };
 
 inline void BindStateBaseRefCountTraits::Destroy(const BindStateBase* state) {
@@ -76,20 +96,33 @@ inline void BindStateBaseRefCountTraits::Destroy(const BindStateBase* state) {
 
 /// One call of a callback without arguments, taken apart: what a list of listeners is made of.
 struct DirectCall {
-  void (*run)(const BindStateBase* state);
+  using Function = void (*)(const BindStateBase* state);
+
+  DirectCall(Function called, const BindStateBase* with) noexcept : run(called), state(with) {}
+  DirectCall(const DirectCall& other) noexcept
+      : run(other.run.load(std::memory_order_relaxed)), state(other.state) {}
+  DirectCall& operator=(const DirectCall& other) noexcept {
+    run.store(other.run.load(std::memory_order_relaxed), std::memory_order_relaxed);
+    state = other.state;
+    return *this;
+  }
+  ~DirectCall() = default;
+
+  /// Exchanged for a function that does nothing while another thread may make the call.
+  std::atomic<Function> run;
   const BindStateBase* state;
 };
 
 /// Makes the calls from `*next` to `end`, counting on before each, so that one which throws counts
-/// as made. Processors reach a function in the same module faster than one in another: a state
-/// therefore names the copy of its own module.
-DATABINDING_MODULE_LOCAL DATABINDING_HOT_LOOP inline void MakeCalls(const DirectCall* calls,
-                                                                    std::uint32_t* next,
-                                                                    std::uint32_t end) {
-  for (std::uint32_t i = *next; i < end;) {
+/// as made and other threads see which one is under way. Processors reach a function in the same
+/// module faster than one in another: a state therefore names the copy of its own module.
+DATABINDING_MODULE_LOCAL DATABINDING_HOT_LOOP inline void MakeCalls(
+    const DirectCall* calls, std::atomic<std::uint32_t>* next, std::uint32_t end) {
+  for (std::uint32_t i = next->load(std::memory_order_relaxed); i < end;) {
     const DirectCall& call = calls[i];
-    *next = ++i;
-    call.run(call.state);
+    next->store(++i, std::memory_order_release);
+    std::atomic_signal_fence(std::memory_order_seq_cst);  // the count first, then the look at it
+    call.run.load(std::memory_order_relaxed)(call.state);
   }
 }
 

@@ -5,8 +5,8 @@
 /// walk calls, in order of addition, those that were there when it began and are not cancelled when
 /// reached. A callback may add, cancel, walk the list again or end it: it stays alive until the
 /// outermost walk is over. One that is cancelled outside a walk is released at once; one that
-/// another thread cancels while it runs may go on running. Walking allocates nothing and takes no
-/// lock. The list itself is one pointer, null until something is added.
+/// another thread cancels while it runs may go on running (CancelAndWait waits for it). Walking
+/// allocates nothing and takes no lock. A list without callbacks is a null pointer.
 ///   CallbackList<int> moved;                                  // callbacks take const int&
 ///   Subscription redraw = moved.Add([this](int x) { Redraw(x); });
 ///   moved.Call(3);
@@ -31,6 +31,9 @@ namespace details {
 
 class CallbackListCore;
 
+/// An address that no other living thread has.
+[[nodiscard]] DATABINDING_API const void* ThisThread() noexcept;
+
 struct CallbackListCoreTraits {
   DATABINDING_API static void Destroy(const CallbackListCore* core) noexcept;
 };
@@ -39,7 +42,7 @@ struct CallbackListCoreTraits {
 ///
 /// The walking thread reads entries without the lock. That is sound because only that thread moves
 /// them: another one that cancels merely marks an entry, and takes its callback out only where no
-/// walk is under way. Both sides announce themselves before they look at the other (`cancelled` and
+/// walk is under way. Both sides announce themselves before they look at the other (`silence` and
 /// `walks`, in sequentially consistent order), so at least one of them sees the other.
 class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTraits> {
  public:
@@ -50,25 +53,35 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
         : run(other.run),
           state(std::exchange(other.state, nullptr)),
           token(other.token),
-          cancelled(other.cancelled.load(std::memory_order_relaxed)) {}
+          silence(other.silence.load(std::memory_order_relaxed)) {}
     Entry& operator=(Entry&& other) noexcept {
       run = other.run;
       std::swap(state, other.state);
       token = other.token;
-      cancelled.store(other.cancelled.load(std::memory_order_relaxed), std::memory_order_relaxed);
+      silence.store(other.silence.load(std::memory_order_relaxed), std::memory_order_relaxed);
       return *this;
     }
     ~Entry() = default;
 
+    static constexpr std::uint32_t ended = std::uint32_t{1} << 31;
+    [[nodiscard]] bool IsCancelled() const noexcept { return silence >= ended; }
+
     BindStateBase::InvokeFunction run;
     const BindStateBase* state;  // one reference, released by the core
     std::uint64_t token;
-    std::atomic<bool> cancelled{false};
+    /// How often it is paused; `ended` is added when it is cancelled. Called while it is 0.
+    std::atomic<std::uint32_t> silence{0};
   };
 
   std::uint64_t Add(comlike_ptr<BindStateBase> callback);
-  /// Any thread. Does nothing for a token that is no longer there.
+  /// Any thread. These do nothing for a token that is no longer there.
+  ///@{
   void Cancel(std::uint64_t token) noexcept;
+  /// Waits until a walk of another thread is over.
+  void CancelAndWait(std::uint64_t token) noexcept;
+  /// Adds 1 to the pauses of an entry, or -1.
+  void Pause(std::uint64_t token, std::int32_t change) noexcept;
+  ///@}
   /// Ends all entries. Those of a walk under way are released when it is over.
   void Close() noexcept;
   DATABINDING_API void EndOutermostWalk() noexcept;
@@ -77,6 +90,8 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
   friend class CallbackWalk;
   friend CallbackListCoreTraits;
   ~CallbackListCore() = default;
+  [[nodiscard]] Entry* Find(std::uint64_t token) noexcept DATABINDING_REQUIRES(lock);
+  [[nodiscard]] bool Holds(std::uint64_t token) noexcept;
   void ReleaseCancelled() noexcept;
   void CloseGaps() noexcept DATABINDING_REQUIRES(lock);
   std::size_t TakeCancelled(std::span<const BindStateBase*> room) noexcept;
@@ -87,6 +102,8 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
   /// Entries without a callback, left by cancelling outside a walk.
   std::size_t gaps DATABINDING_GUARDED_BY(lock) = 0;
   std::atomic<std::uint32_t> walks{0};
+  /// Which thread is walking, while one is.
+  std::atomic<const void*> walker{nullptr};
   std::atomic<bool> anyCancelled{false};
   bool closed = false;
 };
@@ -97,6 +114,7 @@ class CallbackWalk {
   explicit CallbackWalk(CallbackListCore* walked) noexcept : core(walked) {
     if (core == nullptr) return;
     const auto nested = core->walks.load(std::memory_order_relaxed);
+    if (nested == 0) core->walker.store(ThisThread(), std::memory_order_relaxed);
     core->walks.store(nested + 1, std::memory_order_seq_cst);
     end = core->entries.size();
   }
@@ -114,7 +132,7 @@ class CallbackWalk {
   [[nodiscard]] const CallbackListCore::Entry* Next() noexcept {
     while (next < end) {
       const auto& entry = core->entries[next++];
-      if (!entry.cancelled.load(std::memory_order_seq_cst)) return &entry;
+      if (entry.silence.load(std::memory_order_seq_cst) == 0) return &entry;
     }
     return nullptr;
   }

@@ -32,7 +32,7 @@ class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
   Subscription Subscribe(const RepeatingCallbackMemento& memento);
   /// What a raise walks over, so that callbacks may subscribe and cancel meanwhile.
   [[nodiscard]] std::set<unsigned long long> GetListenerTokensCopy() const;
-  /// The memento of a token that is still subscribed, else an empty one.
+  /// The memento of a token that is still subscribed and not paused, else an empty one.
   [[nodiscard]] RepeatingCallbackMemento GetListener(unsigned long long token) const;
   /// True while a listener is subscribed, be its callback empty.
   [[nodiscard]] bool HasListeners() const noexcept { return !listeners.empty(); }
@@ -41,9 +41,13 @@ class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
 
  private:
   friend SupportsWeakPtr<EventBase>;
-  void Remove(unsigned long long token);
+  class Registration;
+  struct Listener {
+    RepeatingCallbackMemento callback;
+    int pauses = 0;
+  };
 
-  std::map<unsigned long long, RepeatingCallbackMemento> listeners;
+  std::map<unsigned long long, Listener> listeners;
   unsigned long long lastToken = 0;
 };
 

@@ -5,6 +5,10 @@
 /// thread depends on what was registered: any thread for callbacks of properties, events and binds,
 /// that of the tree for destruction handlers. One Subscription object is not to be used by two
 /// threads at once. The callback that ends the registration must not throw.
+///
+/// Cancel waits for nobody: an announcement that is under way still runs the callback of a property
+/// once, on this thread or another. CancelAndWait makes an end of that, so that what the callback
+/// uses may be freed when it returns. PauseListening stops a registration for a scope only.
 #pragma once
 
 #include <utility>
@@ -36,8 +40,27 @@ class [[nodiscard]] Subscription {
   void Cancel() {
     if (unsubscribe) unsubscribe();
   }
+  /// Ends the registration and returns when no other thread is inside its callback. From then on
+  /// nobody calls it, neither an announcement that is under way; only the calls in which this
+  /// thread is itself go on.
+  ///
+  /// The caller holds no lock that the callback takes, and the callback does not wait for the
+  /// caller; for an event or a CallbackList that is true of all its listeners, whose walk is waited
+  /// for. On an inert subscription, and with a callback of one's own that ends something, it does
+  /// what Cancel does.
+  void CancelAndWait() {
+    if (!unsubscribe) return;
+    auto ending = std::move(unsubscribe);
+    ending.GetBindState()->Request(details::RegistrationRequest::EndAndWait);
+    ending();
+  }
   /// True until cancelled; whether the other side still lives is not asked.
   explicit operator bool() const noexcept { return static_cast<bool>(unsubscribe); }
+
+  /// The state of what ends the registration, which knows requests too; null on an inert one.
+  [[nodiscard]] details::BindStateBase* GetBindState() const noexcept {
+    return unsubscribe.GetBindState();
+  }
 
  private:
   OneShotCallback<void()> unsubscribe;

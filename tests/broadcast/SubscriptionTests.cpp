@@ -1,0 +1,222 @@
+#include <array>
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <DataBinding/foundation/CallbackList.h>
+#include <DataBinding/foundation/Event.h>
+#include <DataBinding/foundation/PauseListening.h>
+#include <gtest/gtest.h>
+
+#include "Notifier.h"
+
+namespace DataBinding {
+namespace {
+
+TEST(RegisterOnce, CallbackThatAnnouncesItsOwnPropertyIsCalledOnce) {
+  Notifier notifier;
+  int runs = 0;
+  const auto once = notifier.RegisterOnce(
+      [&, moveOnly = std::make_unique<int>(1)] {
+        runs += *moveOnly;
+        notifier.UpdateListeners(L"A");
+      },
+      L"A");
+  notifier.UpdateListeners(L"A");
+  EXPECT_FALSE(notifier.AreListenersAvailable(L"A"));
+  notifier.UpdateListeners(L"A");
+  EXPECT_EQ(runs, 1);
+}
+
+TEST(RegisterOnce, CallbackThatThrowsIsNotCalledAgain) {
+  Notifier notifier;
+  int runs = 0;
+  const auto once = notifier.RegisterOnce([&] { throw ++runs; }, L"A");
+  notifier.UpdateListeners(L"A");
+  notifier.UpdateListeners(L"A");
+  EXPECT_EQ(runs, 1);
+}
+
+TEST(RegisterOnce, CallbackMayOwnItsSubscription) {
+  Notifier notifier;
+  const auto held = std::make_shared<Subscription>();
+  const std::weak_ptr<Subscription> end = held;
+  *held = notifier.RegisterOnce([&, own = held] { *own = notifier.Log('n'); }, L"A");
+  EXPECT_EQ(notifier.Announce(), "");
+  EXPECT_EQ(notifier.Announce(), "n");
+  EXPECT_EQ(end.use_count(), 1);
+}
+
+/// One registration of each kind, and how often what it was registered with has called it.
+class Pausing : public testing::Test {
+ protected:
+  int Announce() {
+    heard = 0;
+    notifier.UpdateListeners(L"A");
+    list.Call();
+    event.Raise();
+    return heard;
+  }
+
+  int heard = 0;
+  Notifier notifier;
+  CallbackList<> list;
+  Event<void()> event;
+  std::array<Subscription, 3> each{notifier.Register([this] { ++heard; }, L"A"),
+                                   list.Add([this] { ++heard; }),
+                                   event.Subscribe([this] { ++heard; })};
+};
+
+TEST_F(Pausing, RegistrationHearsAgainAfterTheLastOfItsPauses) {
+  for (const auto& subscription : each) {
+    std::optional<PauseListening> outer(subscription);
+    {
+      const PauseListening inner(subscription);
+      EXPECT_EQ(Announce(), 2);
+    }
+    EXPECT_EQ(Announce(), 2);
+    outer.reset();
+    EXPECT_EQ(Announce(), 3);
+  }
+  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 1u);
+}
+
+TEST_F(Pausing, SubscriptionMayEndFirst) {
+  for (auto& subscription : each) {
+    const PauseListening paused(subscription);
+    subscription.Cancel();
+  }
+  EXPECT_EQ(Announce(), 0);
+  const PauseListening inert(each[0]);
+  Subscription ofAnother([this] { ++heard; });
+  const PauseListening withoutEffect(ofAnother);
+  ofAnother.CancelAndWait();
+  EXPECT_EQ(heard, 1);
+}
+
+TEST(PauseListening, ListenerOfARunningAnnouncementIsPassedOverHoweverManyRegisterMeanwhile) {
+  Notifier notifier;
+  Subscription second;
+  std::vector<Subscription> added;
+  std::optional<PauseListening> pause;
+  const auto first = notifier.Register(
+      [&] {
+        pause.reset();
+        for (int i = 0; i < 5; ++i) added.push_back(notifier.Log('n'));
+        if (added.size() == 5) pause.emplace(second);
+      },
+      L"A");
+  second = notifier.Log('2');
+  EXPECT_EQ(notifier.Announce(), "");
+  EXPECT_EQ(notifier.Announce(), "2nnnnn");
+  EXPECT_EQ(notifier.Announce(), "2nnnnnnnnnn");
+}
+
+TEST(PauseListening, BroadcasterMayEndFirst) {
+  auto notifier = std::make_unique<Notifier>();
+  const auto subscription = notifier->Log('1');
+  const PauseListening paused(subscription);
+  notifier.reset();
+  const PauseListening again(subscription);
+}
+
+TEST(CancelAndWait, AnnouncementUnderWayDoesNotCallItAnyMore) {
+  Notifier notifier;
+  Subscription second;
+  std::vector<Subscription> added;
+  const auto first = notifier.Register(
+      [&] {
+        for (int i = 0; i < 5; ++i) added.push_back(notifier.Log('n'));
+        second.CancelAndWait();
+      },
+      L"A");
+  second = notifier.Log('2');
+  const auto third = notifier.Log('3');
+  EXPECT_EQ(notifier.Announce(), "3");
+}
+
+TEST(CancelAndWait, ReturnsInsideTheCallbackHoweverDeepItsAnnouncementsNest) {
+  Notifier notifier;
+  Subscription own;
+  int depth = 0;
+  own = notifier.Register(
+      [&] {
+        if (++depth < 9) return notifier.UpdateListeners(L"A");
+        own.CancelAndWait();
+      },
+      L"A");
+  notifier.UpdateListeners(L"A");
+  EXPECT_EQ(depth, 9);
+  CallbackList<> list;
+  own = list.Add([&] { own.CancelAndWait(); });
+  list.Call();
+}
+
+/// Another thread that is in a callback until it is let go on.
+class Busy {
+ public:
+  void Stay() {
+    isInside = true;
+    while (!mayLeave) std::this_thread::yield();
+    isInside = false;
+  }
+  void WaitUntilInside() const {
+    while (!isInside) std::this_thread::yield();
+  }
+
+  std::atomic<bool> isInside{false};
+  std::atomic<bool> mayLeave{false};
+};
+
+TEST(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {
+  for (const bool ofList : {false, true}) {
+    for (int round = 0; round < 100; ++round) {
+      Notifier notifier;
+      CallbackList<> list;
+      Busy busy;
+      auto stays =
+          ofList ? list.Add([&] { busy.Stay(); }) : notifier.Register([&] { busy.Stay(); }, L"A");
+      const std::jthread announcing([&] { ofList ? list.Call() : notifier.UpdateListeners(L"A"); });
+      busy.WaitUntilInside();
+      const std::jthread letting([&] {
+        std::this_thread::yield();
+        busy.mayLeave = true;
+      });
+      stays.CancelAndWait();
+      ASSERT_FALSE(busy.isInside);
+    }
+  }
+}
+
+TEST(CancelAndWaitOnThreads, WaitsInAnArrayThatWasReplacedWhileItRan) {
+  Notifier notifier;
+  Busy busy;
+  auto stays = notifier.Register([&] { busy.Stay(); }, L"A");
+  const std::jthread announcing([&] { notifier.UpdateListeners(L"A"); });
+  busy.WaitUntilInside();
+  const auto grown = notifier.Log('g');
+  const std::jthread letting([&] { busy.mayLeave = true; });
+  stays.CancelAndWait();
+  EXPECT_FALSE(busy.isInside);
+}
+
+TEST(CancelAndWaitOnThreads, DoesNotWaitForAnotherCallbackOfTheProperty) {
+  Notifier notifier;
+  Busy busy;
+  std::atomic<bool> isCalled{false};
+  const auto stays = notifier.Register([&] { busy.Stay(); }, L"A");
+  auto behind = notifier.Register([&] { isCalled = true; }, L"A");
+  const std::jthread announcing([&] { notifier.UpdateListeners(L"A"); });
+  busy.WaitUntilInside();
+  behind.CancelAndWait();
+  EXPECT_TRUE(busy.isInside);
+  EXPECT_FALSE(isCalled);
+  busy.mayLeave = true;
+}
+
+}  // namespace
+}  // namespace DataBinding
