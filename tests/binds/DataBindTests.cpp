@@ -12,12 +12,16 @@ using Framework::DataBind;
 
 class DataBinds : public BindTest {};
 
-TEST_F(DataBinds, ConnectWhenTheSourceAppearsAndFollowItUntilItGoes) {
+TEST_F(DataBinds, WithoutASourceAnswerWhyThereIsNoValue) {
   DataBind<int> bind(child.get(), L"Gauge", L"Level");
-  const auto watch = Watch(bind);
   EXPECT_EQ(bind.Get().error, PropertyError::NoSource);
   EXPECT_EQ(bind.Get().text, L"There is no data source \"Gauge\" to have a property \"Level\".");
   EXPECT_EQ(bind.Set(1).text, bind.Get().text);
+}
+
+TEST_F(DataBinds, ConnectWhenTheSourceAppearsAndFollowItUntilItGoes) {
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  const auto watch = Watch(bind);
   auto* gauge = AddGauge(child);
   gauge->Level.Set(5);
   child->DeleteLocalDataSourceInstance(L"Gauge");
@@ -28,6 +32,18 @@ TEST_F(DataBinds, ConnectWhenTheSourceAppearsAndFollowItUntilItGoes) {
   EXPECT_EQ(Notes(), "-");
   bind.Connect(nullptr);
   EXPECT_EQ(Notes(), "");
+}
+
+TEST_F(DataBinds, ForgetASourceThatIsRemovedAndLivesOn) {
+  DataSourcePtr<Gauge> removed(AddGauge(child));
+  DataBind<int> bind(child.get(), L"Gauge", L"Level");
+  const auto watch = Watch(bind);
+  child->RemoveDataSource(removed.get());
+  removed->Level.Set(2);
+  AddGauge(child, 3);
+  removed.reset();
+  EXPECT_EQ(*bind.Get(), 3);
+  EXPECT_EQ(Notes(), "- 3");
 }
 
 TEST_F(DataBinds, PreferTheNearerSourceAndFallBackToTheOuterOne) {
@@ -171,10 +187,12 @@ TEST_F(DataBinds, CopiesConnectThemselvesAndSubscribersStay) {
   const auto watches = std::array{Watch(bind), Watch(copy)};
   gauge->Level.Set(2);
   EXPECT_EQ(Notes(), "2 2");
-  copy = DataBind<int>(child.get(), L"Gauge", L"Limit");
-  EXPECT_EQ(copy.Path(), L"Limit");
+  AddGauge(child, 7, L"Other");
+  AddGauge(parent, 8, L"Other");
+  copy = DataBind<int>(child.get(), L"A", L"Other", L"Level");
+  EXPECT_EQ(copy.GetTrackingName(), L"A::Other::Level");
   gauge->Level.Set(3);
-  EXPECT_EQ(Notes(), "100 3");
+  EXPECT_EQ(Notes(), "8 3");
 }
 
 TEST_F(DataBinds, MadeByASubscriberWaitUntilTheSourceIsFiledOrGone) {

@@ -34,9 +34,7 @@ class EventBindTest : public testing::Test {
 TEST_F(EventBindTest, StandsInTheContextOfItsOwnBindAloneOnceItHasOne) {
   auto* selection = MakeDataSource<Selection>(scope).release();
   EventBind remove(L"", L"", L"Remove");
-  EXPECT_EQ(remove.Status().state, BindState::NoProvider);
   remove.Connect(scope);
-  EXPECT_EQ(remove.DataContext(), &ofScope);
   std::string heard;
   remove.SetDataContextBind(
       std::make_unique<DataBind<IDataContext*>>(scope, L"Selection", L"Current"),
@@ -50,10 +48,22 @@ TEST_F(EventBindTest, StandsInTheContextOfItsOwnBindAloneOnceItHasOne) {
   scope->DeleteLocalDataSourceInstance(L"Selection");
   EXPECT_EQ(heard, "0s-");
   remove.SetDataContextBind(nullptr, nullptr);
-  EXPECT_EQ(remove.Status().state, BindState::Connected);
-  scope->Shutdown();
-  EXPECT_EQ(remove.Status().state, BindState::NoProvider);
-  EXPECT_FALSE(remove.CanRaise());
+  EXPECT_EQ(remove.DataContext(), &ofScope);
+}
+
+TEST_F(EventBindTest, RaisesNothingBeforeItHasAScopeNorAfterThatHasShutDown) {
+  EventBind remove(L"", L"", L"Remove");
+  for (const bool isShutDown : {false, true}) {
+    if (isShutDown) {
+      remove.Connect(scope);
+      EXPECT_TRUE(remove.CanRaise());
+      scope->Shutdown();
+    }
+    EXPECT_FALSE(remove.CanRaise());
+    EXPECT_EQ(remove.Status().state, BindState::NoProvider);
+    EXPECT_EQ(remove.Status().text,
+              L"There is no scope whose data context event \"Remove\" is raised for.");
+  }
 }
 
 TEST_F(EventBindTest, StandsInTheNearestScopeOfItsContextsCategory) {
@@ -65,6 +75,20 @@ TEST_F(EventBindTest, StandsInTheNearestScopeOfItsContextsCategory) {
     bind.Connect(row.get());
     EXPECT_EQ(bind.DataContext(), context);
     EXPECT_EQ(bind.Status().state, context ? BindState::Connected : BindState::NoContext);
+    EXPECT_EQ(bind.Status().text,
+              context ? L""
+                      : L"No scope here or further out has the category \"Book\", whose data "
+                        L"context event \"Remove\" is raised for.");
+  }
+}
+
+TEST_F(EventBindTest, NamesNoEventWhereItsPathIsEmptyOrTheMarker) {
+  for (const auto* path : {L"", Framework::nullPathMarker}) {
+    EventBind bind(L"", L"", path);
+    bind.Connect(scope);
+    bind.Raise();
+    EXPECT_EQ(bind.Status().state, BindState::Unbound);
+    EXPECT_EQ(bind.Status().text, L"The bind names no event.");
   }
 }
 
@@ -78,9 +102,6 @@ TEST_F(EventBindTest, RaisesTheEventOfItsPathForItsContextAndItsModule) {
   bind.Raise();
   bind.Connect(scope);
   bind.Raise();
-  for (const auto* path : {L"", Framework::nullPathMarker}) {
-    EXPECT_EQ(EventBind(L"", L"", path).Status().state, BindState::Unbound);
-  }
   idle.Run();
   bind.Raise();
   IAppEventBroadcaster::GetInstance().DropOwner(ThisModule());

@@ -1,4 +1,5 @@
 #include <array>
+#include <string>
 #include <vector>
 
 #include "Gauge.h"
@@ -51,6 +52,8 @@ const std::vector<Case>& Cases() {
        L"There is no data source \"shared\", but one named \"Shared\"."},
       {L"", L"LATE", L"Level", BindState::CaseDiffers,
        L"There is no data source \"LATE\", but one named \"Late\"."},
+      {L"", L"FOREIGN", L"Level", BindState::NoSource,
+       L"There is no data source \"FOREIGN\" to have a property \"Level\"."},
       {L"", L"Gauge", L"level", BindState::CaseDiffers,
        L"Data source \"Gauge\" has no property \"level\", but one named \"Level\"."},
       {L"", L"Gauge", L"Ratio", BindState::WrongType,
@@ -95,6 +98,27 @@ TEST_F(BindStates, TellAShadowedSource) {
       L"it was added.");
 }
 
+TEST_F(BindStates, LeaveScopesWithoutACategoryUnnamed) {
+  const auto inner = MakeProvider(child.get());
+  Add(inner, L"Shared");
+  EXPECT_EQ(DataBind<int>(inner.get(), L"Shared", L"Level").Status().text,
+            L"A data source \"Shared\" in scope \"A,B\" is hidden by a nearer one of that name.");
+}
+
+TEST_F(BindStates, TellOfAPropertyThatIsFiledUnderAnotherType) {
+  struct Mislabelled : LoggedSource {
+    explicit Mislabelled(std::string& notes) : LoggedSource(L"Odd", notes) {
+      const RepeatingCallback<double()> accessor = [] { return 1.0; };
+      _AddDelegate(L"Level", accessor.GetMemento(), runtime_type<int>::Get());
+    }
+  };
+  child->AddDataSource(MakeDataSource<Mislabelled>(child.get(), log).release());
+  const DataBind<int> bind(child.get(), L"Odd", L"Level");
+  EXPECT_EQ(bind.Status().state, BindState::WrongType);
+  EXPECT_EQ(bind.Get().text,
+            L"Property \"Level\" of data source \"Odd\" has type int but no accessor for int.");
+}
+
 TEST_F(BindStates, TellThatThereIsNoScopeOrNoneAnyMore) {
   DataBind<int> bind(L"Ctx", L"Gauge", L"Level");
   for (const bool isScopeGone : {false, true}) {
@@ -119,30 +143,41 @@ class Label : public DataListener {
   void OnDataSourceProviderChanging(IDataSourceProvider* /*next*/) override {}
 };
 
-TEST_F(BindStates, AreListedForTheBindsAndListenersOfATree) {
+/// Scope, names and state of each bind and entry.
+std::string Rows(IDataSourceProvider& provider) {
+  std::string rows;
+  for (const BindDiagnosis& each : Diagnose(provider)) {
+    rows += each.scopeName.ToUtf8() + ":" + each.source.ToUtf8() + "." + each.property.ToUtf8() +
+            "=" + std::to_string(static_cast<int>(each.status.state)) + " ";
+  }
+  return rows;
+}
+
+TEST_F(BindStates, AreListedForTheBindsOfATree) {
   DataBind<int> inner(child.get(), L"Gauge", L"Level");
   DataBind<int> byContext(child.get(), L"B", L"Shared", L"Depth");
   DataBind<int> outer(parent.get(), L"Late", L"Level");
   DataBind<int> nowhere(L"Gauge", L"Level", L"");
   Framework::EventBind remove(L"", L"", L"Remove");
   remove.Connect(child.get());
+  EXPECT_EQ(Rows(*parent), "A,B:Late.Level=6 C:.Remove=0 C:Gauge.Level=0 C:Shared.Depth=9 ");
+  child.reset();
+  EXPECT_EQ(Rows(*parent), "A,B:Late.Level=6 ");
+}
+
+TEST_F(BindStates, AreListedForTheEntriesOfListeners) {
   std::array<Label, 3> labels{Label(L"Gauge", L"Limit"), Label(L"Gauge", L"Length"),
                               Label(L"Tardy", L"Level")};
   labels[0].AddDataListener(L"gauge", L"Limit", [] {});
   for (Label& label : labels) label.SetDataSourceProvider(child.get());
   AddGauge(parent, 1, L"Tardy");
-  std::string rows;
-  for (const BindDiagnosis& each : Diagnose(*parent)) {
-    rows += each.scopeName.ToUtf8() + ":" + each.source.ToUtf8() + "." + each.property.ToUtf8() +
-            "=" + std::to_string(static_cast<int>(each.status.state)) + " ";
-  }
-  EXPECT_EQ(rows,
-            "A,B:Late.Level=6 C:.Remove=0 C:Gauge.Length=0 C:Gauge.Level=0 C:Gauge.Limit=0 "
-            "C:Shared.Depth=9 C:Tardy.Level=5 C:gauge.Limit=0 ");
-  child.reset();
-  const auto left = Diagnose(*parent);
-  ASSERT_EQ(left.size(), 4U);
-  EXPECT_EQ(left[2].status.text,
+  EXPECT_EQ(Rows(*parent), "C:Gauge.Length=0 C:Gauge.Limit=0 C:Tardy.Level=5 C:gauge.Limit=0 ");
+  const auto rows = Diagnose(*child);
+  EXPECT_EQ(rows.at(0).status.text,
+            L"Changes of \"Length\" are listened for, but data source \"Gauge\" lists no property "
+            L"of that name.");
+  EXPECT_EQ(rows.at(1).status.text, L"");
+  EXPECT_EQ(rows.at(2).status.text,
             L"Data source \"Tardy\" is there, but came unheard: in an outer scope, after the "
             L"listener had been given its provider.");
 }
