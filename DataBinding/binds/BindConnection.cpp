@@ -132,9 +132,4 @@ Framework::BindStatus BindConnection::Status() const {
   return status.IsConnected() && !HasValue() ? ExplainUnreachable(wish, *source) : status;
 }
 
-VtrString BindConnection::WhyWithout() const {
-  const Framework::BindStatus status = Status();
-  return status.IsConnected() ? VtrString() : status.text;
-}
-
 }  // namespace DataBinding::details

@@ -98,20 +98,12 @@ BindStatus NoSuchProperty(const Wish& wish, IDataSource& source) {
             VtrString().Format(L"Data source \"%s\" has no property \"%s\", but one named \"%s\".",
                                wish.source, wish.property, similar)};
   }
-  if (wish.plain == nullptr) {
-    return {BindState::NoProperty, VtrString().Format(L"Data source \"%s\" has no property \"%s\".",
-                                                      wish.source, wish.property)};
-  }
   return {BindState::NoProperty,
           ReflectionAccess::Explain(PropertyError::Absent, &source, wish.property, *wish.plain)};
 }
 
 /// Whether this source has the property, without regard to other sources.
 BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
-  if (wish.plain == nullptr) {
-    if (HasProperty(source, wish.property)) return {BindState::Connected, {}};
-    return NoSuchProperty(wish, source);
-  }
   const auto found = ReflectionAccess::Find(&source, wish.property, *wish.plain, *wish.readOnly);
   const auto explain = [&](PropertyError error) {
     return ReflectionAccess::Explain(error, &source, wish.property, *wish.plain);

@@ -15,7 +15,7 @@ namespace DataBinding::details {
 struct Wish {
   VtrString source;
   VtrString property;
-  /// The types under which the property may be filed; null where any type will do.
+  /// The types under which the property may be filed; null where no property is explained.
   const runtime_type_base* plain = nullptr;
   const runtime_type_base* readOnly = nullptr;
 };

@@ -55,8 +55,6 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
 
  protected:
   [[nodiscard]] IDataSource* Source() const noexcept { return source; }
-  /// Why there is nothing to read or set.
-  [[nodiscard]] VtrString WhyWithout() const;
 
  private:
   friend class BindLink;
@@ -103,12 +101,12 @@ class TypedBindConnection final : public BindConnection {
     PropertyValue<T> value = property.Get();
     if (value) return value;
     value = Property().Get();
-    if (!value) value.text = WhyWithout();
+    if (!value) value.text = Status().text;
     return value;
   }
   SetResult Set(T value) {
     if (HasValue()) return property.Set(std::move(value));
-    return {false, property.Error(), WhyWithout()};
+    return {false, property.Error(), Status().text};
   }
 
  private:
