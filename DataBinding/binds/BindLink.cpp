@@ -41,7 +41,7 @@ bool BindLink::HasCategory(const VtrString& category) const {
 }
 
 void BindLink::ConnectToDatasource(IDataSource* added) {
-  if (!isListening || added == nullptr) return;
+  if (!isListening) return;
   // The first source of a name keeps it; a new one cannot be found by its name yet.
   const VtrString& name = connection.SourceName();
   if (source != nullptr && scope->GetLocalDataSourceInstance(name) == source) return;
@@ -50,7 +50,7 @@ void BindLink::ConnectToDatasource(IDataSource* added) {
 }
 
 void BindLink::DisconnectFromDatasource(IDataSource* going) {
-  if (isListening && going != nullptr && going == source) Lose();
+  if (isListening && going == source) Lose();
 }
 
 void BindLink::NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) {
@@ -58,10 +58,10 @@ void BindLink::NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider
 }
 
 void BindLink::Know(IDataSource* newSource) {
-  sourceEnding.Cancel();
+  sourceEnding = newSource == nullptr
+                     ? Subscription()
+                     : newSource->AddOnDestroyHandler(BindWeak(AsWeakPtr(), &BindLink::Lose));
   source = newSource;
-  if (source == nullptr) return;
-  sourceEnding = source->AddOnDestroyHandler(BindWeak(AsWeakPtr(), &BindLink::Lose));
 }
 
 void BindLink::Lose() {

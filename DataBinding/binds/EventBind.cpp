@@ -48,8 +48,8 @@ void EventBind::Raise() {
   using Event = details::TypedEvent<IDataContext*>;
   const auto context = FindContext();
   if (!context || !EventStatus().IsConnected()) return;
-  known = &details::EventName::Find(EventName(), signature);
-  details::NamedEvent::Queue(*known, std::make_shared<Event>(*known, owner, *context), false);
+  const auto& event = details::EventName::Find(EventName(), signature);
+  details::NamedEvent::Queue(event, std::make_shared<Event>(event, owner, *context), false);
 }
 
 IDataContext* EventBind::DataContext() const { return FindContext().value_or(nullptr); }
@@ -57,7 +57,6 @@ IDataContext* EventBind::DataContext() const { return FindContext().value_or(nul
 BindStatus EventBind::EventStatus() const {
   const VtrString name = EventName();
   if (name.IsEmpty()) return {BindState::Unbound, L"The bind names no event."};
-  if (known != nullptr && known->Text() == name) return {BindState::Connected, {}};
   try {
     details::EventName::Check(name, signature);
     return {BindState::Connected, {}};

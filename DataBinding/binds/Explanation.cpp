@@ -191,7 +191,7 @@ BindStatus ExplainFound(const Wish& wish, IDataSourceProvider& scope, IDataSourc
   const IDataSourceProvider* shadowing = nullptr;
   bool isFoundThere = false;
   VisitOwned(scope, [&](IDataSource& source, const VtrString& name, const auto& owner) {
-    if (shadowing != nullptr || &source == &found || name != wish.source) return;
+    if (shadowing != nullptr || name != wish.source) return;
     if (!ExplainProperty(wish, source).IsConnected()) return;
     shadowing = &owner;
     isFoundThere = owner.GetLocalDataSourceInstance(name) == &source;

@@ -63,8 +63,6 @@ class DATABINDING_API EventBind final : public IEventBind {
 
   const void* owner;
   std::unique_ptr<details::EventAnchor> anchor;
-  /// The event that was raised last.
-  const details::EventName* known = nullptr;
 };
 
 }  // namespace Framework
