@@ -192,6 +192,8 @@ TEST_F(DataBinds, CopiesConnectThemselvesAndSubscribersStay) {
   copy = DataBind<int>(child.get(), L"A", L"Other", L"Level");
   EXPECT_EQ(copy.GetTrackingName(), L"A::Other::Level");
   gauge->Level.Set(3);
+  const auto& same = copy;
+  copy = same;
   EXPECT_EQ(Notes(), "8 3");
 }
 

@@ -1,3 +1,5 @@
+#include <array>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -51,18 +53,18 @@ TEST_F(EventBindTest, StandsInTheContextOfItsOwnBindAloneOnceItHasOne) {
   EXPECT_EQ(remove.DataContext(), &ofScope);
 }
 
-TEST_F(EventBindTest, RaisesNothingBeforeItHasAScopeNorAfterThatHasShutDown) {
+TEST_F(EventBindTest, RaisesNothingWithoutAScope) {
   EventBind remove(L"", L"", L"Remove");
-  for (const bool isShutDown : {false, true}) {
-    if (isShutDown) {
-      remove.Connect(scope);
-      EXPECT_TRUE(remove.CanRaise());
-      scope->Shutdown();
-    }
+  const std::array<std::function<void()>, 3> ends{[] {}, [&] { remove.Connect(nullptr); },
+                                                  [&] { scope->Shutdown(); }};
+  for (const auto& end : ends) {
+    end();
     EXPECT_FALSE(remove.CanRaise());
     EXPECT_EQ(remove.Status().state, BindState::NoProvider);
     EXPECT_EQ(remove.Status().text,
               L"There is no scope whose data context event \"Remove\" is raised for.");
+    remove.Connect(scope);
+    EXPECT_TRUE(remove.CanRaise());
   }
 }
 

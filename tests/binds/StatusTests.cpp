@@ -52,8 +52,6 @@ const std::vector<Case>& Cases() {
        L"There is no data source \"shared\", but one named \"Shared\"."},
       {L"", L"LATE", L"Level", BindState::CaseDiffers,
        L"There is no data source \"LATE\", but one named \"Late\"."},
-      {L"", L"FOREIGN", L"Level", BindState::NoSource,
-       L"There is no data source \"FOREIGN\" to have a property \"Level\"."},
       {L"", L"Gauge", L"level", BindState::CaseDiffers,
        L"Data source \"Gauge\" has no property \"level\", but one named \"Level\"."},
       {L"", L"Gauge", L"Ratio", BindState::WrongType,
@@ -79,7 +77,8 @@ TEST_F(BindStates, TellWhyABindShowsNothing) {
 
 TEST_F(BindStates, TellAShadowedSource) {
   child->AddDataSource(MakeDataSource<LoggedSource>(child.get(), L"Shared", log).release());
-  DataBind<int> shared(child.get(), L"Shared", L"Level");
+  const auto inner = MakeProvider(child.get(), L"Row");
+  DataBind<int> shared(inner.get(), L"Shared", L"Level");
   EXPECT_EQ(shared.Status().state, BindState::Shadowed);
   EXPECT_EQ(shared.Status().text,
             L"A data source \"Shared\" in scope \"A,B\" is hidden by a nearer one of that name in "
@@ -87,10 +86,10 @@ TEST_F(BindStates, TellAShadowedSource) {
   AddGauge(child, 2, L"Shared");
   EXPECT_EQ(shared.Status().text,
             L"A data source \"Shared\" in scope \"C\" cannot be found: another one has its name.");
-  AddGauge(child);
+  for (int i = 0; i < 2; ++i) AddGauge(parent), AddGauge(child);
   DataBind<int> bind(child.get(), L"Gauge", L"Level");
   EXPECT_EQ(bind.Status().state, BindState::Connected);
-  child->DeleteLocalDataSourceInstance(L"Gauge");
+  for (const auto& scope : {&parent, &child}) (*scope)->DeleteLocalDataSourceInstance(L"Gauge");
   EXPECT_EQ(bind.Status().state, BindState::Shadowed);
   EXPECT_EQ(
       bind.Status().text,
@@ -103,6 +102,11 @@ TEST_F(BindStates, LeaveScopesWithoutACategoryUnnamed) {
   Add(inner, L"Shared");
   EXPECT_EQ(DataBind<int>(inner.get(), L"Shared", L"Level").Status().text,
             L"A data source \"Shared\" in scope \"A,B\" is hidden by a nearer one of that name.");
+}
+
+TEST_F(BindStates, NameNoSourceThatNoScopeOfTheBindWouldBuild) {
+  const auto bare = MakeProvider();
+  EXPECT_EQ(DataBind<int>(bare.get(), L"LATE", L"Level").Status().state, BindState::NoSource);
 }
 
 TEST_F(BindStates, TellOfAPropertyThatIsFiledUnderAnotherType) {
@@ -171,6 +175,7 @@ TEST_F(BindStates, AreListedForTheEntriesOfListeners) {
   labels[0].AddDataListener(L"gauge", L"Limit", [] {});
   for (Label& label : labels) label.SetDataSourceProvider(child.get());
   AddGauge(parent, 1, L"Tardy");
+  Add(parent, L"GAUGE");
   EXPECT_EQ(Rows(*parent), "C:Gauge.Length=0 C:Gauge.Limit=0 C:Tardy.Level=5 C:gauge.Limit=0 ");
   const auto rows = Diagnose(*child);
   EXPECT_EQ(rows.at(0).status.text,
