@@ -4,6 +4,13 @@
 
 #include <cxxabi.h>
 
+#if defined(_LIBCPPABI_VERSION)
+namespace __cxxabiv1 {
+// The ABI lays this function down, and the C++ library has it; its header just does not say so.
+extern "C" void* __cxa_get_globals() noexcept;
+}  // namespace __cxxabiv1
+#endif
+
 namespace DataBinding::details {
 
 /// Laid out by the Itanium C++ ABI (2.2.2).

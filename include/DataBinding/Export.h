@@ -20,6 +20,14 @@
 #define DATABINDING_API __attribute__((visibility("default")))
 #endif
 
+/// Makes a template's type one and the same in all modules, so that what one module throws is
+/// caught in another. libc++ needs it, which tells types apart by where their descriptions lie.
+#if defined(__clang__) && !defined(_WIN32)
+#define DATABINDING_SHARED_TYPE __attribute__((type_visibility("default")))
+#else
+#define DATABINDING_SHARED_TYPE
+#endif
+
 /// Marks an inline function of which every module keeps a copy of its own.
 #if defined(_WIN32)
 #define DATABINDING_MODULE_LOCAL

@@ -14,6 +14,7 @@
 
 #include "DataBinding/Export.h"
 #include "DataBinding/Fwd.h"
+#include "DataBinding/foundation/TypeName.h"
 
 namespace DataBinding {
 
@@ -45,7 +46,7 @@ template <class T>
 class runtime_type : public runtime_type_base {
  public:
   [[nodiscard]] bool IsSameType(const runtime_type_base* other) const override {
-    return other != nullptr && typeid(*other) == typeid(runtime_type);
+    return other != nullptr && IsOneType(typeid(*other), typeid(runtime_type));
   }
   [[nodiscard]] bool IsReadOnly() const override { return std::is_const_v<T>; }
   [[nodiscard]] bool IsFunction() const override { return std::is_function_v<T>; }

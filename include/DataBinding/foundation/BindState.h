@@ -13,6 +13,7 @@
 
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/ComlikePtr.h"
+#include "DataBinding/foundation/TypeName.h"
 
 namespace VtrUtils {
 
@@ -62,7 +63,7 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   }
   /// False only when both signatures are known and differ.
   [[nodiscard]] bool FitsSignature(const std::type_info& wanted) const noexcept {
-    return signature == nullptr || *signature == wanted;
+    return signature == nullptr || IsOneType(*signature, wanted);
   }
 
  protected:

@@ -40,7 +40,7 @@ namespace details {
 }  // namespace details
 
 template <class CharT>
-class VtrStringT {
+class DATABINDING_SHARED_TYPE VtrStringT {
   static_assert(std::same_as<CharT, wchar_t>, "only wide strings are supported");
 
  public:

@@ -6,6 +6,7 @@
 ///   throw std::logic_error("not a " + ReadableTypeName(typeid(T)));
 #pragma once
 
+#include <cstring>
 #include <string>
 #include <typeindex>
 #include <typeinfo>
@@ -24,9 +25,22 @@ namespace VtrUtils {
 /// types that are local to equally named static functions.
 [[nodiscard]] DATABINDING_API std::string TypeKey(std::type_index type);
 
+/// Tells whether the two are one type, though each may come from a module that has a description
+/// of its own. libc++ compares only where the descriptions lie, other libraries the names, too.
+[[nodiscard]] inline bool IsOneType(const std::type_info& one,
+                                    const std::type_info& other) noexcept {
+#if defined(_LIBCPP_VERSION)
+  return one == other || (std::strcmp(one.name(), other.name()) == 0 &&
+                          std::strstr(one.name(), "_GLOBAL__N_") == nullptr);
+#else
+  return one == other;
+#endif
+}
+
 }  // namespace VtrUtils
 
 namespace DataBinding {
+using VtrUtils::IsOneType;
 using VtrUtils::ReadableTypeName;
 using VtrUtils::TypeKey;
 }  // namespace DataBinding
