@@ -7,6 +7,8 @@ option(DATABINDING_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVE
 option(DATABINDING_WERROR "Compile with the project's warnings, as errors" OFF)
 set(DATABINDING_SANITIZE "" CACHE STRING
     "Sanitizers for everything built here, such as address,undefined or thread")
+set(DATABINDING_GOOGLETEST "" CACHE PATH
+    "Sources of GoogleTest, to be built where the installed one is for another system or library")
 option(DATABINDING_FUZZ "Build the fuzz targets for libFuzzer; needs Clang" OFF)
 
 if(PROJECT_IS_TOP_LEVEL)
