@@ -1,11 +1,11 @@
 /// The base from which client modules derive their data sources.
 ///
 /// A source is built, given its provider, post-constructed, and handed to a provider that owns it
-/// from then on; MakeDataSource does the first three. Until it is post-constructed its
-/// announcements reach nobody, deliberately: a source that is still being built has nothing to
-/// tell. Because a source that was never post-constructed stays silent for good, debug builds say
-/// so on standard error, once for each class, when it announces a property that somebody is
-/// registered for.
+/// from then on; MakeDataSource does the first three, Emplace all four. Until it is
+/// post-constructed its announcements reach nobody, deliberately: a source that is still being
+/// built has nothing to tell. Because a source that was never post-constructed stays silent for
+/// good, debug builds say so on standard error, once for each class, when it announces a property
+/// that somebody is registered for.
 #pragma once
 
 #include <set>

@@ -61,11 +61,14 @@ class DATABINDING_API IDataSourceProvider {
   /// of a name keeps it; a later one is owned, and connected, but not found by name. Ignores null.
   /// Add a source once: each addition ends it.
   /// When a listener throws, the source is taken over all the same; without memory it is not.
+  /// The source is told nothing, deliberately: Emplace and GiveDataSource (MakeDataSource.h) tell
+  /// it its scope, and lose no source when something is thrown.
   virtual void AddDataSource(IDataSource* source) = 0;
   /// Adds each in order.
   virtual void AddDataSources(IDataSource* const* sources, std::size_t count) = 0;
   /// Disconnects a source and gives it back to the caller. Does nothing when nothing is held here
   /// under its name; what is held under its name is taken off it, even if it is another source.
+  /// TakeDataSource tells whether the source was given back.
   virtual void RemoveDataSource(IDataSource* source) = 0;
   /// Removes each in order.
   virtual void RemoveDataSources(IDataSource* const* sources, std::size_t count) = 0;

@@ -35,7 +35,10 @@ TEST_F(SourceDoors, GivenSourceFollowsItsScopeAndATakenOneHasNone) {
   EXPECT_EQ(doc->GetDataSourceProvider(), nullptr);
   EXPECT_EQ(GiveDataSource(*child, std::move(taken)), doc);
   EXPECT_EQ(doc->GetDataSourceProvider(), child.get());
-  EXPECT_EQ(Notes(), "+Doc +Doc");
+  const WeakPtr<IDataSource> handle(doc->GetLiveness(), doc);
+  EXPECT_EQ(handle.Get(), doc);
+  child->DeleteLocalDataSourceInstance(L"Doc");
+  EXPECT_EQ(handle.Get(), nullptr);
   EXPECT_EQ(GiveDataSource(*child, DataSourcePtr<LoggedSource>()), nullptr);
 }
 
@@ -67,14 +70,6 @@ TEST_F(SourceDoors, SourceEndsWhoseListenerThrowsWhenItIsTaken) {
   ThrowAt("-Doc");
   EXPECT_THROW(static_cast<void>(TakeDataSource(*child, &doc)), std::string);
   EXPECT_EQ(Notes(), "+Doc +Doc -Doc -Doc ~Doc");
-}
-
-TEST_F(SourceDoors, HandleOnASourceKnowsOfItsEnd) {
-  IDataSource* doc = &Emplaced();
-  const WeakPtr<IDataSource> handle(doc->GetLiveness(), doc);
-  EXPECT_EQ(handle.Get(), doc);
-  child->DeleteLocalDataSourceInstance(L"Doc");
-  EXPECT_EQ(handle.Get(), nullptr);
 }
 
 /// Sets a property while it is made, with somebody registered for it.
