@@ -90,7 +90,7 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
   friend class CallbackWalk;
   friend CallbackListCoreTraits;
   ~CallbackListCore() = default;
-  [[nodiscard]] Entry* Find(std::uint64_t token) noexcept DATABINDING_REQUIRES(lock);
+  [[nodiscard]] Entry* Find(std::uint64_t token) noexcept DATABINDING_REQUIRES_SHARED(lock);
   [[nodiscard]] bool Holds(std::uint64_t token) noexcept;
   void ReleaseCancelled() noexcept;
   void CloseGaps() noexcept DATABINDING_REQUIRES(lock);
