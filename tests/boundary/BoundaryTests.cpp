@@ -50,6 +50,21 @@ TEST_F(ModuleBoundary, StoppedPluginTakesItsSourcesAlongAndIsUnloaded) {
   EXPECT_TRUE(SetLevelInView(gauge, 2).changed);
 }
 
+TEST_F(ModuleBoundary, HostHearsOnWhenThePluginThatListenedBesideItIsUnloaded) {
+  int heard = 0;
+  Subscription ofHost;
+  {
+    const Plugin plugin;
+    plugin->start(gauge);
+    ofHost = gauge->Register([&] { ++heard; }, L"Level");
+    SetLevelInView(gauge, 1);
+    plugin->stop();
+  }
+  ASSERT_FALSE(Plugin::IsLoaded());
+  SetLevelInView(gauge, 2);
+  EXPECT_EQ(heard, 2);
+}
+
 TEST_F(ModuleBoundary, PluginsThrowingListenerIsSkippedAndItsSubscriptionHeldByTheHost) {
   const Plugin plugin;
   auto subscription = plugin->subscribe(gauge);

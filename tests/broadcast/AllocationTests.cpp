@@ -1,3 +1,5 @@
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "../support/Allocations.h"
@@ -40,6 +42,17 @@ TEST(BroadcasterMemory, AnnouncingAndCancellingAllocateNothing) {
             }),
             0);
   EXPECT_EQ(runs, 3);
+}
+
+TEST(BroadcasterMemory, ThreadsThatComeAndGoLeaveNothingBehind) {
+  Notifier notifier;
+  const VtrString name = L"A";
+  std::int64_t allocations = 0;
+  const auto listener = notifier.Register([] {}, name);
+  for (int i = 0; i < 40; ++i) {
+    std::jthread([&] { allocations += AllocationsOf([&] { notifier.UpdateListeners(name); }); });
+  }
+  EXPECT_EQ(allocations, 0);
 }
 
 }  // namespace

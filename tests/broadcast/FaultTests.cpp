@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <exception>
+#include <memory>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -103,6 +104,49 @@ TEST_F(FaultGuard, FaultWithinACatchBlockLeavesNoCurrentExceptionBehind) {
   EXPECT_EQ(std::uncaught_exceptions(), 0);
 }
 
+TEST_F(FaultGuard, ThrowingListenerBehindOneThatAnOuterAnnouncementCancelledIsSkippedOnce) {
+  Subscription second;
+  const auto first = notifier.Register(
+      [&] {
+        if (!second) return;
+        second.Cancel();
+        notifier.UpdateListeners(L"A");
+      },
+      L"A");
+  second = notifier.Log('2');
+  const auto third = notifier.Register(
+      [this] {
+        notifier.log += 't';
+        throw std::runtime_error("third");
+      },
+      L"A");
+  const auto last = notifier.Log('l');
+  EXPECT_EQ(notifier.Announce(), "tl2tl");
+  EXPECT_EQ(failures.size(), 2u);
+}
+
+TEST_F(FaultGuard, FailureHandlerThatFaultsCostsNobodyElse) {
+  SetListenerFailureHandler([](const ListenerFailure&) { AccessForbiddenMemory(); });
+  const auto throwing = notifier.Register([] { throw 42; }, L"A");
+  const auto faulting = notifier.Register(&AccessForbiddenMemory, L"A");
+  const auto last = notifier.Log('l');
+  EXPECT_EQ(notifier.Announce(), "l");
+  EXPECT_EQ(std::current_exception(), nullptr);
+}
+
+TEST_F(FaultGuard, FailureHandlerMaySetAnotherWhenItEnds) {
+  const auto setAnother = [this](const int* held) {
+    delete held;
+    SetListenerFailureHandler([this](const ListenerFailure& told) { failures.push_back(told); });
+  };
+  SetListenerFailureHandler(
+      [held = std::shared_ptr<int>(new int(0), setAnother)](const ListenerFailure&) {});
+  SetListenerFailureHandler(nullptr);
+  const auto throwing = notifier.Register([] { throw 42; }, L"A");
+  notifier.UpdateListeners(L"A");
+  EXPECT_EQ(failures.size(), 1u);
+}
+
 using FaultDeath = FaultGuard;
 
 /// Takes a text that shows this failure and no other, or in a release build no text.
@@ -158,14 +202,16 @@ TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
 
 TEST_F(FaultDeath, FaultOutsideAListenerReachesWhoeverTookThemBefore) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_EXIT(
-      {
-        ExitOnFaults(42);
-        const auto listener = notifier.Log('1');
-        notifier.UpdateListeners(L"A");
-        AccessForbiddenMemory();
-      },
-      testing::ExitedWithCode(42), "");
+  for (auto* const fault : {&AccessForbiddenMemory, &RunAnIllegalInstruction}) {
+    EXPECT_EXIT(
+        {
+          ExitOnFaults(42);
+          const auto listener = notifier.Log('1');
+          notifier.UpdateListeners(L"A");
+          fault();
+        },
+        testing::ExitedWithCode(42), "");
+  }
 }
 
 }  // namespace

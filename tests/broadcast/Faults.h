@@ -13,7 +13,8 @@ struct Fault {
 const std::vector<Fault>& AllFaults();
 void AccessForbiddenMemory();
 void RunAnIllegalInstruction();
-/// Has a fault that nobody else takes end the process with this code.
+/// Has these two, where nobody else takes them, end the process with this code. On POSIX they go to
+/// handlers of both kinds, and that for memory wants to be told the address.
 void ExitOnFaults(int code);
 
 }  // namespace DataBinding

@@ -10,6 +10,8 @@ namespace DataBinding {
 
 namespace {
 
+void* forbiddenPage;
+
 void Touch(char* memory) { *static_cast<volatile char*>(memory) = 1; }
 
 }  // namespace
@@ -17,6 +19,7 @@ void Touch(char* memory) { *static_cast<volatile char*>(memory) = 1; }
 void AccessForbiddenMemory() {
   static auto* page =
       static_cast<char*>(mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  forbiddenPage = page;
   Touch(page);
 }
 
@@ -45,7 +48,14 @@ void RunAnIllegalInstruction() { __builtin_trap(); }
 void ExitOnFaults(int code) {
   static int exitCode;
   exitCode = code;
-  signal(SIGSEGV, [](int) { _exit(exitCode); });
+  signal(SIGILL, [](int) { _exit(exitCode); });
+  struct sigaction detailed {};
+  detailed.sa_flags = SA_SIGINFO;
+  detailed.sa_sigaction = [](int, siginfo_t* info, void* context) {
+    const bool isToldAll = context != nullptr && info->si_addr == forbiddenPage;
+    _exit(isToldAll ? exitCode : 1);
+  };
+  sigaction(SIGSEGV, &detailed, nullptr);
 }
 
 const std::vector<Fault>& AllFaults() {

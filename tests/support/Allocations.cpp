@@ -39,6 +39,7 @@ bool FailingAllocation::HasFailed() noexcept { return untilFailure < 0; }
 }  // namespace DataBinding::Testing
 
 using DataBinding::Testing::Allocate;
+using DataBinding::Testing::allocated;
 using DataBinding::Testing::Release;
 
 // All that sanitizers would otherwise answer with allocators of their own.
@@ -51,6 +52,14 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
     return nullptr;
   }
 }
+#if !defined(_WIN32)  // there a library's own allocations are not seen
+void* operator new(std::size_t size, std::align_val_t alignment,
+                   const std::nothrow_t& /*tag*/) noexcept {
+  ++allocated;
+  return std::aligned_alloc(static_cast<std::size_t>(alignment), size);
+}
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { Release(memory); }
+#endif
 void operator delete(void* memory) noexcept { Release(memory); }
 void operator delete[](void* memory) noexcept { Release(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { Release(memory); }
