@@ -60,17 +60,28 @@ std::pair<std::size_t, const runtime_type_base&> IReflectable::_GetType(
   return reflectable._GetType(names);
 }
 
+namespace {
+
+/// Looking up changes nothing, but the operations that overrides answer by are not const.
+IReflectable& Asked(const IReflectable* table) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+  return const_cast<IReflectable&>(*table);
+}
+
+}  // namespace
+
 RepeatingCallbackMemento IReflectable::GetDelegateMemento(const VtrString& name,
-                                                          const runtime_type_base& type) {
-  return _GetDelegate({{name, type}}).second;
+                                                          const runtime_type_base& type) const {
+  return Asked(this)._GetDelegate({{name, type}}).second;
 }
 
-const runtime_type_base& IReflectable::GetDelegateType(const VtrString& name) {
-  return _GetType({name}).second;
+const runtime_type_base& IReflectable::GetDelegateType(const VtrString& name) const {
+  return Asked(this)._GetType({name}).second;
 }
 
-const runtime_type_base& IReflectable::GetDelegatesType(std::initializer_list<VtrString> names) {
-  return _GetType(names).second;
+const runtime_type_base& IReflectable::GetDelegatesType(
+    std::initializer_list<VtrString> names) const {
+  return Asked(this)._GetType(names).second;
 }
 
 // By value, as callers hand names over.

@@ -1,27 +1,51 @@
 #include "DataBinding/PropertyAccess.h"
 
-#include <limits>
+#include <algorithm>
 
 namespace DataBinding::details {
 
-ReflectionAccess::Found ReflectionAccess::Find(IDataSource* source, const VtrString& name,
+namespace {
+
+/// Nothing is taken out of a table, so that a property which is gone is still named there.
+bool IsGone(const RepeatingCallbackMemento& accessor) {
+  RepeatingCallbackBase untyped;
+  untyped.SetMemento(accessor);
+  return untyped && untyped.IsCancelled();
+}
+
+}  // namespace
+
+ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const VtrString& name,
                                                const runtime_type_base& plain,
                                                const runtime_type_base& readOnly) {
   if (source == nullptr) return {PropertyError::NoSource, {}, false};
-  const auto [index, type] = source->_GetType({name});
-  if (index == std::numeric_limits<std::size_t>::max()) return {PropertyError::Absent, {}, false};
+  const auto& type = source->GetDelegateType(name);
   const bool isReadOnly = readOnly.IsSameType(&type);
-  if (!isReadOnly && !plain.IsSameType(&type)) return {PropertyError::WrongType, {}, false};
-  auto accessor = source->_GetDelegate({{name, isReadOnly ? readOnly : plain}}).second;
-  RepeatingCallbackBase untyped;
-  untyped.SetMemento(accessor);
-  // Nothing is taken out of a table, so that a property which is gone is still named there.
-  if (untyped && untyped.IsCancelled()) return {PropertyError::Absent, {}, false};
+  if (!isReadOnly && !plain.IsSameType(&type)) {
+    const bool isKnown = !runtime_type<void>::Get().IsSameType(&type);
+    return {isKnown ? PropertyError::WrongType : PropertyError::Absent, {}, false};
+  }
+  auto accessor = source->GetDelegateMemento(name, isReadOnly ? readOnly : plain);
+  if (IsGone(accessor)) return {PropertyError::Absent, {}, false};
   return {PropertyError::None, std::move(accessor), isReadOnly};
 }
 
-VtrString ReflectionAccess::Explain(PropertyError error, IDataSource* source, const VtrString& name,
-                                    const runtime_type_base& wanted) {
+VtrString ReflectionAccess::NameOf(const IDataSource& source) {
+  if (IsEnding(source)) return {};
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): asking for the name changes nothing
+  return const_cast<IDataSource&>(source).GetDataSourceName();
+}
+
+bool ReflectionAccess::HasLiving(const IReflectable& table, const VtrString& name) {
+  return std::ranges::any_of(table.reflectable, [&](const auto& member) {
+    const auto& [filed, item] = member;
+    return filed == name && !item.delegate.IsEmpty() && !item.type.get().IsFunction() &&
+           !IsGone(item.delegate);
+  });
+}
+
+VtrString ReflectionAccess::Explain(PropertyError error, const IDataSource* source,
+                                    const VtrString& name, const runtime_type_base& wanted) {
   const VtrString wantedType = VtrString::FromUtf8(wanted.GetTypeName());
   VtrString text;
   if (source == nullptr) {
@@ -29,7 +53,7 @@ VtrString ReflectionAccess::Explain(PropertyError error, IDataSource* source, co
                        wantedType);
   }
   const VtrString owner = NameOf(*source);
-  const VtrString actualType = VtrString::FromUtf8(source->_GetType({name}).second.GetTypeName());
+  const VtrString actualType = VtrString::FromUtf8(source->GetDelegateType(name).GetTypeName());
   switch (error) {
     case PropertyError::Absent:
       return text.Format(

@@ -1,6 +1,7 @@
 #include "DataBinding/PropertyBase.h"
 
 #include <atomic>
+#include <cassert>
 
 #include "DataBinding/PropertyAccess.h"
 #include "PropertyAnnouncement.h"
@@ -21,6 +22,7 @@ PropertyBase::~PropertyBase() {
 }
 
 void PropertyBase::File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
+  assert(!ReflectionAccess::HasLiving(owner, Name()) && "a source has two properties of one name");
   ReflectionAccess::File(owner, Name(), accessor, type);
 }
 

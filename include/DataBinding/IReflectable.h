@@ -176,11 +176,12 @@ class DATABINDING_API IReflectable {
  public:
   /// The callback of that name and type, or an empty memento.
   [[nodiscard]] RepeatingCallbackMemento GetDelegateMemento(const VtrString& name,
-                                                            const runtime_type_base& type);
+                                                            const runtime_type_base& type) const;
   /// The type of the name, or runtime_type<void>.
-  [[nodiscard]] const runtime_type_base& GetDelegateType(const VtrString& name);
+  [[nodiscard]] const runtime_type_base& GetDelegateType(const VtrString& name) const;
   /// The type of the first name that is known, or runtime_type<void>.
-  [[nodiscard]] const runtime_type_base& GetDelegatesType(std::initializer_list<VtrString> names);
+  [[nodiscard]] const runtime_type_base& GetDelegatesType(
+      std::initializer_list<VtrString> names) const;
   /// Declares the name an event source.
   void MakeEventSource(VtrString name);
 

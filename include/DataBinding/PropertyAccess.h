@@ -32,11 +32,11 @@ class DATABINDING_API ReflectionAccess {
     bool isReadOnly = false;
   };
   /// Finds the accessor of a property whose type is `plain`, or `readOnly` for a read-only one.
-  [[nodiscard]] static Found Find(IDataSource* source, const VtrString& name,
+  [[nodiscard]] static Found Find(const IDataSource* source, const VtrString& name,
                                   const runtime_type_base& plain,
                                   const runtime_type_base& readOnly);
   /// The text for an error of that look-up.
-  [[nodiscard]] static VtrString Explain(PropertyError error, IDataSource* source,
+  [[nodiscard]] static VtrString Explain(PropertyError error, const IDataSource* source,
                                          const VtrString& name, const runtime_type_base& wanted);
   /// The text for a property whose source is gone, or going.
   [[nodiscard]] static VtrString ExplainGone(const VtrString& name,
@@ -46,9 +46,9 @@ class DATABINDING_API ReflectionAccess {
     return source.reflectable.IsEnding();
   }
   /// The source's name for a message; empty while it is ending.
-  [[nodiscard]] static VtrString NameOf(IDataSource& source) {
-    return IsEnding(source) ? VtrString() : VtrString(source.GetDataSourceName());
-  }
+  [[nodiscard]] static VtrString NameOf(const IDataSource& source);
+  /// True when a property of that name stands in the table and is not gone.
+  [[nodiscard]] static bool HasLiving(const IReflectable& table, const VtrString& name);
   static void File(IReflectable& table, const VtrString& name,
                    const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
     table._AddDelegate(name, accessor, type);
@@ -58,14 +58,22 @@ class DATABINDING_API ReflectionAccess {
 }  // namespace details
 
 /// A property found by name. It may be kept: it answers "absent" once the property is gone.
+///
+/// A PropertyRef<const int> reads a property of type int and cannot set it, and so may be had of a
+/// source that is const.
 template <class T>
 class PropertyRef {
  public:
+  /// What the property's value is; T without its const.
+  using Value = std::remove_const_t<T>;
+  /// What the property is looked up in.
+  using Source = std::conditional_t<std::is_const_v<T>, const IDataSource, IDataSource>;
+
   /// Looks the property up, once. The source may be null and may end later.
-  PropertyRef(IDataSource* source, const VtrString& propertyName) : name(propertyName) {
-    const auto& wanted = runtime_type<T>::Get();
+  PropertyRef(Source* source, const VtrString& propertyName) : name(propertyName) {
+    const auto& wanted = runtime_type<Value>::Get();
     auto found =
-        details::ReflectionAccess::Find(source, name, wanted, runtime_type<const T>::Get());
+        details::ReflectionAccess::Find(source, name, wanted, runtime_type<const Value>::Get());
     error = found.error;
     accessor.SetMemento(found.accessor);
     isReadOnly = found.isReadOnly;
@@ -90,7 +98,7 @@ class PropertyRef {
   }
 
   /// A copy of the value, or why there is none.
-  [[nodiscard]] PropertyValue<T> Get() const {
+  [[nodiscard]] PropertyValue<Value> Get() const {
     if (error != PropertyError::None) return {{}, error, text};
     const auto* access = accessor();
     if (access == nullptr) return {{}, PropertyError::Absent, GoneText()};
@@ -98,7 +106,7 @@ class PropertyRef {
   }
   /// Sets the value as the property's own Set does: listeners run before this returns.
   // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
-  SetResult Set(T value) const {
+  SetResult Set(T value) const requires(!std::is_const_v<T>) {
     if (error != PropertyError::None) return {false, error, text};
     auto* access = accessor();
     if (access == nullptr) return {false, PropertyError::Absent, GoneText()};
@@ -107,26 +115,28 @@ class PropertyRef {
 
  private:
   [[nodiscard]] VtrString GoneText() const {
-    return details::ReflectionAccess::ExplainGone(name, runtime_type<T>::Get());
+    return details::ReflectionAccess::ExplainGone(name, runtime_type<Value>::Get());
   }
 
   VtrString name;
-  details::PropertyAccessor<T> accessor;
+  details::PropertyAccessor<Value> accessor;
   PropertyError error = PropertyError::None;
   bool isReadOnly = false;
   VtrString text;
 };
 
-/// Finds a property to be read and set more than once, without another look-up.
+/// Finds a property to be read and set more than once, without another look-up; FindProperty<const
+/// int> finds it to be read only, in a const source too.
 template <class T>
-[[nodiscard]] PropertyRef<T> FindProperty(IDataSource* source, const VtrString& name) {
+[[nodiscard]] PropertyRef<T> FindProperty(typename PropertyRef<T>::Source* source,
+                                          const VtrString& name) {
   return PropertyRef<T>(source, name);
 }
 
 /// Finds and reads a property.
 template <class T>
-[[nodiscard]] PropertyValue<T> GetProperty(IDataSource* source, const VtrString& name) {
-  return FindProperty<T>(source, name).Get();
+[[nodiscard]] PropertyValue<T> GetProperty(const IDataSource* source, const VtrString& name) {
+  return FindProperty<const T>(source, name).Get();
 }
 
 /// Finds and sets a property. T is the property's own type: an int does not set a double.
@@ -143,7 +153,7 @@ inline SetResult SetProperty(IDataSource* source, const VtrString& name, const w
 /// Calls visit(value) with the property's value if its type is one of those listed, and tells
 /// whether it was. For code that writes out whatever it finds.
 template <class... Types, class Visitor>
-bool VisitProperty(IDataSource* source, const VtrString& name, Visitor&& visit) {
+bool VisitProperty(const IDataSource* source, const VtrString& name, Visitor&& visit) {
   const auto attempt = [&]<class T>(std::type_identity<T>) {
     const auto& type = runtime_type<T>::Get();
     const auto sought =

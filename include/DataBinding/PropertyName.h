@@ -1,11 +1,12 @@
-/// A name that a property may bear: not empty, no comma, not "*", no blank at either end, since
-/// names are sent in trimmed, comma-separated lists.
+/// A name that a property may bear: not empty, no comma, not "*", no blank at either end and no
+/// NUL, since names are sent in trimmed, comma-separated lists, which end at a NUL.
 ///
 /// A literal is checked when it is compiled; any other text is checked when the name is made, which
 /// throws std::invalid_argument. It refers to the text that it was made from.
 ///
 ///   Property<int> size{this, L"Size"};                       // checked by the compiler
 ///   Property<int> extra{this, PropertyName(column.name)};    // checked at run time
+///   std::make_unique<Property<int>>(this, PropertyName(L"Size"));  // checked by the compiler
 #pragma once
 
 #include <concepts>
@@ -44,6 +45,9 @@ class PropertyName {
     if (name == L"*") throw std::invalid_argument("a property must not be named *");
     if (name.find(L',') != name.npos) {
       throw std::invalid_argument("a property name must not hold a comma");
+    }
+    if (name.find(L'\0') != name.npos) {
+      throw std::invalid_argument("a property name must not hold a NUL");
     }
     if (String::IsBlank(name.front()) || String::IsBlank(name.back())) {
       throw std::invalid_argument("a property name must not begin or end with a blank");

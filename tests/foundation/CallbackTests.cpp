@@ -75,6 +75,8 @@ TEST(Callbacks, TakeAnySignatureAndMoveOnlyCallablesAndArguments) {
   EXPECT_EQ(&RepeatingCallback<int&(Counter&)>(&Counter::total)(counter), &counter.total);
   const auto add = Delegate<int(int, int)>::To<&Counter::Add>(counter);
   EXPECT_EQ(Delegate(add)(2, 3), 6);
+  Delegate<void(int, int)>::To<&Counter::Add>(counter)(3, 4);
+  EXPECT_EQ(counter.total, 18);
 }
 
 TEST(Callbacks, NullOnesDoNothingAndGiveAnEmptyResult) {

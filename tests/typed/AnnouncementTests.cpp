@@ -90,7 +90,7 @@ TEST_F(AnnouncementTest, ManyFollowersAreToldInTheOrderOfTheirMaking) {
   std::string expected;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     made.push_back(letter % 3 == 0 ? MakeDataSource<Sum>(nullptr, made.back()->V)
-                                   : MakeDataSource<Sum>(nullptr, input->V));
+                                   : MakeDataSource<Sum>(nullptr, input->V, input->W, input->V));
     Watch(letter, *made.back());
     expected += letter;
   }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <functional>
+#include <type_traits>
 #include <utility>
 
 #include "DataBinding/foundation/Callback.h"
@@ -28,14 +29,20 @@ class Delegate<Result(Args...)> {
   constexpr Delegate(void* boundContext, Function target) noexcept
       : context(boundContext), function(target) {}
 
-  /// Calls a method of an object, or a function that takes a reference to it.
+  /// Calls a method of an object, or a function that takes a reference to it. A delegate without a
+  /// result drops that of the method.
   template <auto Target, class T>
   [[nodiscard]] static Delegate To(T& object) noexcept {
     // The function gives the object its constness back.
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
     return {const_cast<void*>(static_cast<const void*>(&object)),
             [](void* self, Args... args) -> Result {
-              return std::invoke(Target, *static_cast<T*>(self), std::forward<Args>(args)...);
+              auto& bound = *static_cast<T*>(self);
+              if constexpr (std::is_void_v<Result>) {
+                static_cast<void>(std::invoke(Target, bound, std::forward<Args>(args)...));
+              } else {
+                return std::invoke(Target, bound, std::forward<Args>(args)...);
+              }
             }};
   }
 
