@@ -34,7 +34,8 @@ class DATABINDING_API IBaseDataBind : public IBaseBind {
   /// True while there is a value to read.
   [[nodiscard]] virtual bool HasValue() const = 0;
   /// Runs the callback whenever the value changes, comes or goes, until the subscription ends. The
-  /// callback is not run by subscribing; it may end the bind.
+  /// callback is not run by subscribing; it may end the bind. One that is cancelled before its turn
+  /// in a notification is not run, unlike a callback of the property itself.
   virtual Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) = 0;
 };
 
