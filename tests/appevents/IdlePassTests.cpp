@@ -182,7 +182,7 @@ TEST_F(IdlePasses, TellWhetherAnythingIsStillToCome) {
   const auto pass = Pass();
   Listen('a', [this] { log += events().HasUndeliveredEvents() ? "+" : "."; });
   for (const int value : {1, 2, 3}) moved.Raise(value);
-  Queue(L"A", "b", [this](auto& broadcaster) {
+  Queue(L"A", "b", [](auto& broadcaster) {
     moved.Send(4);
     broadcaster.DropEvents(L"Moved");
     moved.Send(5);
@@ -211,7 +211,7 @@ TEST_F(IdlePasses, ThatCannotBeMadeSinceTheWakeThrowsLeaveTheCallbackAsItWas) {
   CountWakes();
   closed.Raise();
   const auto full = [] { throw std::runtime_error("wake"); };
-  EXPECT_THROW(IdlePass{full}, std::runtime_error);
+  EXPECT_THROW(const IdlePass pass{full}, std::runtime_error);
   closed.Raise();
   EXPECT_EQ(wakes, 2);
 }

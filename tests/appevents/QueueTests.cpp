@@ -106,7 +106,7 @@ TEST_F(Events, MayDropOthersDeliverAndReleaseTheBroadcasterWhileTheirArgumentsEn
                                         [] { events().DropOwner(ThisModule()); },
                                         [] { events().DispatchPendingEvents(); },
                                         [] { IAppEventBroadcaster::ReleaseInstance(false); }};
-  const auto abandon = [this] {
+  const auto abandon = [] {
     EXPECT_EQ(Thrown([] { events().DispatchPendingEvents(); }), "foreign");
   };
   const std::function<void()> ends[] = {acts[0], acts[1], acts[2], abandon};
