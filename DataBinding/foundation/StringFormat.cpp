@@ -79,18 +79,26 @@ class Formatter {
     return parsed;
   }
 
-  /// A number written in the format, or the next argument for `*`; 0 when there is neither.
+  /// The next argument for `*`, or else the number that is written in the format.
   int Field() {
     long long value = 0;
     if (!rest.empty() && rest.front() == L'*') {
       Next();
       value = Take<FormatArgument::Integer>().asSigned;
-    }
-    while (!rest.empty() && rest.front() >= L'0' && rest.front() <= L'9' && value <= largestField) {
-      value = value * 10 + (Next() - L'0');
+    } else {
+      value = Digits();
     }
     if (value > largestField || value < -largestField) Refuse("field too wide");
     return static_cast<int>(value);
+  }
+
+  /// 0 where there are none; stops reading where the number is too large for a field.
+  long long Digits() {
+    long long value = 0;
+    while (!rest.empty() && rest.front() >= L'0' && rest.front() <= L'9' && value <= largestField) {
+      value = value * 10 + (Next() - L'0');
+    }
+    return value;
   }
 
   wchar_t Next() {

@@ -101,6 +101,8 @@ TEST(Strings, FormatRefusesWhatDoesNotFitAndKeepsTheText) {
   EXPECT_THROW(text.Format(L"50%"), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%9999999999d", 1), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%*d", INT_MIN, 1), std::invalid_argument);
+  EXPECT_THROW(text.Format(L"%*3d", 1, 1), std::invalid_argument);
+  EXPECT_THROW(text.Format(L"%.*3f", -1, 1.5), std::invalid_argument);
   EXPECT_STREQ(text.Format(L"%s,%s", text, text), L"kept,kept");
 }
 
