@@ -1,10 +1,7 @@
 #include "DataBinding/foundation/Callback.h"
 
-#include <atomic>
-#include <cstdlib>
 #include <functional>
 #include <memory>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -12,25 +9,11 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/Allocations.h"
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/Delegate.h"
 #include "DataBinding/foundation/SafeFunction.h"
 #include "DataBinding/foundation/String.h"
-
-namespace {
-std::atomic<int> allocations{0};
-}  // namespace
-
-// Every allocation of this executable and of the library is counted.
-// NOLINTBEGIN(cppcoreguidelines-no-malloc)
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
-// NOLINTEND(cppcoreguidelines-no-malloc)
 
 namespace DataBinding {
 namespace {
@@ -43,20 +26,19 @@ class Counter : public SupportsWeakPtr<Counter> {
   int total = 0;
 };
 
-TEST(Callbacks, AndStringsAllocateOnceWhenMadeAndNeverWhenCopied) {
+TEST(Callbacks, AllocateOnceWhenTheyAreMadeAndNeverWhenCopied) {
   const VtrString text = L"A name that is too long for a small buffer";
   RepeatingCallback<int()> callback;
-  int before = allocations;
+  auto before = Testing::Allocations();
   callback = [text, a = 1L, b = 2L] { return a < b ? 3 : 0; };
-  EXPECT_EQ(allocations - before, 1);
-  before = allocations;
+  EXPECT_EQ(Testing::Allocations() - before, 1);
+
+  before = Testing::Allocations();
   const RepeatingCallback<int()> copy = callback;
   OneShotCallback<int()> once = copy;
-  VtrString name = text;
-  name = VtrString(name).Mid(0);
-  basic_safe_function<int()> small = [&name] { return name.CompareNoCase(L"a NAME"); };
+  basic_safe_function<int()> small = [&text] { return text.CompareNoCase(L"a NAME"); };
   EXPECT_EQ(copy() + once() + small(), 7);
-  EXPECT_EQ(allocations - before, 0);
+  EXPECT_EQ(Testing::Allocations() - before, 0);
 }
 
 TEST(Callbacks, TakeAnySignatureAndMoveOnlyCallablesAndArguments) {
