@@ -32,7 +32,12 @@ class EventBase::Registration final : public details::RegistrationState<Registra
 };
 
 EventBase::EventBase() = default;
-EventBase::~EventBase() = default;
+
+EventBase::~EventBase() {
+  InvalidateWeakPtrs();
+  // one at a time from a table that is whole, since the end of a callback may run any code
+  while (!listeners.empty()) const auto ended = listeners.extract(listeners.begin());
+}
 
 Subscription EventBase::Subscribe(const RepeatingCallbackMemento& memento) {
   const auto token = lastToken + 1;

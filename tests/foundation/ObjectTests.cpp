@@ -113,6 +113,18 @@ TEST_F(Events, ExceptionLeavesTheRaiseAndHarmsNoLaterOne) {
   EXPECT_EQ(log, "a1a2b2a3!b3");
 }
 
+TEST_F(Events, MayEndCallbacksThatOwnSubscriptionsToThem) {
+  auto others = std::make_shared<std::vector<Subscription>>();
+  for (int each = 0; each < 3; ++each) {
+    others->push_back(event->Subscribe([others](const int&) {}));
+    Listen('a');
+  }
+  const std::weak_ptr<void> owned = others;
+  others.reset();
+  event.reset();
+  EXPECT_TRUE(owned.expired());
+}
+
 class Watched : public SupportsWeakPtr<Watched> {};
 
 TEST(WeakPointers, EndWithTheirObjectAndNotWithItsCopies) {
