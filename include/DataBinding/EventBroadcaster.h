@@ -124,7 +124,8 @@ class DATABINDING_API EventBroadcaster {
   [[nodiscard]] bool IsDisable(const VtrString& name);
   /// True when the name is disabled and an event is held for it.
   [[nodiscard]] bool AnyPendingDisableEvents(const VtrString& name) const;
-  /// Runs the callback when the broadcaster ends. A second one of the same owner is dropped.
+  /// Runs the callback when the broadcaster ends; what it throws then is dropped. A second one of
+  /// the same owner is dropped, too.
   void AddCleanupCallback(void* owner, OneShotCallback<void()> callback);
   /// Drops the owner's callback without running it.
   void RemoveCleanupCallback(void* owner);
