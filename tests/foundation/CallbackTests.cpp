@@ -96,17 +96,34 @@ TEST(Callbacks, OneShotRunsOnceAndLetsItsCallableGoEvenWhenItThrows) {
   EXPECT_EQ(*witness, 1);
 }
 
-TEST(Callbacks, WeaklyBoundOnesAreSkippedOnceTheirObjectIsGone) {
-  auto counter = std::make_unique<Counter>();
-  const RepeatingCallback<int(int)> add = BindWeak(counter->AsWeakPtr(), &Counter::Add, 10);
+/// Binds to what `weakly` makes of an object, and asks before and after the object's end.
+template <class Pointer, class Weakly>
+void EndBoundObject(Pointer counter, Weakly weakly) {
+  const RepeatingCallback<int(int)> add = BindWeak(weakly(counter), &Counter::Add, 10);
   OneShotCallback<std::unique_ptr<int>()> take =
-      BindWeak(counter->AsWeakPtr(), &Counter::Take, std::make_unique<int>(5));
+      BindWeak(weakly(counter), &Counter::Take, std::make_unique<int>(5));
   EXPECT_EQ(add(2) + add(3), 70);
   EXPECT_EQ(*take(), 5);
   EXPECT_TRUE(!add.IsCancelled() && add.MaybeValid());
   counter.reset();
   EXPECT_EQ(add(4), 0);
   EXPECT_TRUE(add.IsCancelled() && !add.MaybeValid());
+}
+
+TEST(Callbacks, WeaklyBoundOnesAreSkippedOnceTheirObjectIsGone) {
+  EndBoundObject(std::make_unique<Counter>(), [](auto& counter) { return counter->AsWeakPtr(); });
+  EndBoundObject(std::make_shared<Counter>(), [](auto& counter) { return counter; });
+  EndBoundObject(std::make_shared<Counter>(), [](auto& counter) { return std::weak_ptr(counter); });
+}
+
+TEST(Callbacks, WeaklyBoundOnesKeepASharedObjectUntilTheyReturn) {
+  auto counter = std::make_shared<Counter>();
+  const RepeatingCallback<int()> end = BindWeak(counter, [&](Counter& held) {
+    counter.reset();
+    return held.Add(2, 3);
+  });
+  EXPECT_EQ(end(), 6);
+  EXPECT_TRUE(end.IsCancelled());
 }
 
 TEST(Callbacks, CopiesAndMementosShareOneCallableOfTheirSignature) {

@@ -1,14 +1,22 @@
 /// BindWeak: a callable that runs a method of an object for as long as the object lives.
 ///
-/// Once the object is gone the call is skipped, its result value-initialised, and a callback made
-/// from it reports itself cancelled. Bound arguments stand before those of the call and are kept by
-/// value. Whether the object lives is asked when the call starts, so it must not be ended on
-/// another thread meanwhile.
+/// This is the safe way to give a callback its `this`. A Subscription alone is none: cancelled in
+/// the midst of an announcement, it does not take back the call that the announcement is still to
+/// make. Once the object is gone the call is skipped, its result value-initialised, and a callback
+/// made from it reports itself cancelled. Bound arguments stand before those of the call and are
+/// kept by value.
+///
+/// The object is one that SupportsWeakPtr, or one that std::shared_ptr owns; the callable keeps
+/// neither alive between calls. Whether it lives is asked when the call starts. A shared object is
+/// then kept until the call returns, so any thread may let go of it meanwhile; another one must not
+/// be ended on another thread.
 ///
 ///   RepeatingCallback<void(int)> resize = BindWeak(view.AsWeakPtr(), &View::Resize, L"window");
+///   RepeatingCallback<void(int)> log = BindWeak(sharedLog, &Log::Write);
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -20,21 +28,43 @@ namespace VtrUtils {
 
 namespace details {
 
-template <class T, class Method, class... Bound>
+/// The two kinds of weak pointers alike: whether the object lives, and what holds it for a call.
+///@{
+template <class T>
+[[nodiscard]] bool IsAlive(const WeakPtr<T>& target) noexcept {
+  return target.IsValid();
+}
+template <class T>
+[[nodiscard]] bool IsAlive(const std::weak_ptr<T>& target) noexcept {
+  return !target.expired();
+}
+template <class T>
+[[nodiscard]] T* Hold(const WeakPtr<T>& target) noexcept {
+  return target.Get();
+}
+template <class T>
+[[nodiscard]] std::shared_ptr<T> Hold(const std::weak_ptr<T>& target) noexcept {
+  return target.lock();
+}
+///@}
+
+template <class Target, class Method, class... Bound>
 class WeakBinding {
+  using Object = decltype(*Hold(std::declval<const Target&>()));
+
  public:
   template <class... Values>
-  WeakBinding(WeakPtr<T> object, Method called, Values&&... values)
+  WeakBinding(Target object, Method called, Values&&... values)
       : target(std::move(object)), method(called), bound(std::forward<Values>(values)...) {}
 
-  [[nodiscard]] bool IsCancelled() const noexcept { return !target.IsValid(); }
-  [[nodiscard]] bool MaybeValid() const noexcept { return target.IsValid(); }
+  [[nodiscard]] bool IsCancelled() const noexcept { return !IsAlive(target); }
+  [[nodiscard]] bool MaybeValid() const noexcept { return IsAlive(target); }
 
   template <class... Args>
-  requires std::is_invocable_v<Method, T&, Bound&..., Args...>
-  auto operator()(Args&&... args) -> std::invoke_result_t<Method, T&, Bound&..., Args...> {
-    using Result = std::invoke_result_t<Method, T&, Bound&..., Args...>;
-    T* object = target.Get();
+  requires std::is_invocable_v<Method, Object, Bound&..., Args...>
+  auto operator()(Args&&... args) -> std::invoke_result_t<Method, Object, Bound&..., Args...> {
+    using Result = std::invoke_result_t<Method, Object, Bound&..., Args...>;
+    const auto object = Hold(target);
     if (object == nullptr) return SkippedResult<Result>();
     return std::apply(
         [&](Bound&... first) -> Result {
@@ -44,19 +74,35 @@ class WeakBinding {
   }
 
  private:
-  WeakPtr<T> target;
+  Target target;
   Method method;
   std::tuple<Bound...> bound;
 };
 
+template <class Target, class Method, class... Bound>
+[[nodiscard]] auto MakeWeakBinding(Target target, Method method, Bound&&... bound) {
+  return WeakBinding<Target, Method, std::decay_t<Bound>...>(std::move(target), method,
+                                                             std::forward<Bound>(bound)...);
+}
+
 }  // namespace details
 
-/// Binds a method, or a function that takes the object first, to a weak pointer and to arguments.
+/// Binds a method, or a function that takes the object first, to an object and to arguments.
+///@{
 template <class T, class Method, class... Bound>
 [[nodiscard]] auto BindWeak(WeakPtr<T> target, Method method, Bound&&... bound) {
-  return details::WeakBinding<T, Method, std::decay_t<Bound>...>(std::move(target), method,
-                                                                 std::forward<Bound>(bound)...);
+  return details::MakeWeakBinding(std::move(target), method, std::forward<Bound>(bound)...);
 }
+template <class T, class Method, class... Bound>
+[[nodiscard]] auto BindWeak(std::weak_ptr<T> target, Method method, Bound&&... bound) {
+  return details::MakeWeakBinding(std::move(target), method, std::forward<Bound>(bound)...);
+}
+/// Keeps no more than a weak pointer.
+template <class T, class Method, class... Bound>
+[[nodiscard]] auto BindWeak(const std::shared_ptr<T>& target, Method method, Bound&&... bound) {
+  return BindWeak(std::weak_ptr<T>(target), method, std::forward<Bound>(bound)...);
+}
+///@}
 
 }  // namespace VtrUtils
 
