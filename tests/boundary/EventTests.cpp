@@ -52,6 +52,16 @@ TEST_F(EventBoundary, SecondSignatureOfANameIsRefusedWhicheverModuleComesSecond)
   AppEvent<Reading>(L"FirstInPlugin").Raise({});
 }
 
+struct Unnamed {};
+
+TEST_F(EventBoundary, TypesOfOneNameInTwoUnnamedNamespacesAreTwoSignatures) {
+  AppEvent<Unnamed>(L"OfUnnamedInHost").Raise({});
+  const Plugin plugin;
+  EXPECT_NE(plugin->events.useUnnamed(L"OfUnnamedInHost"), "");
+  EXPECT_EQ(plugin->events.useUnnamed(L"OfUnnamedInPlugin"), "");
+  EXPECT_THROW(AppEvent<Unnamed>(L"OfUnnamedInPlugin").Raise({}), std::logic_error);
+}
+
 TEST_F(EventBoundary, EventsPassBetweenModulesAndAPluginTakesAllOfItsOwnAlong) {
   const auto local =
       read.Subscribe([this](const Reading& reading) { heard += reading.unit.ToUtf8(); });

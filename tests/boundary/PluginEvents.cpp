@@ -21,9 +21,12 @@ Subscription Listen(std::string& heard) {
 
 void Raise(int value) { read.Raise(Reading{value, L"plug"}); }
 
+struct Unnamed {};
+
+template <class T>
 std::string Use(const wchar_t* name) {
   try {
-    AppEvent<Reading>(name).Send({});
+    AppEvent<T>(name).Send({});
   } catch (const std::exception& exception) {
     return exception.what();
   }
@@ -74,7 +77,10 @@ void Leave() {
 }  // namespace
 
 PluginEvents MakePluginEvents() {
-  return {&events, &WAppEventRegistrar::GetInstance, &Listen, &Raise, &Use, &Enter, &Leave};
+  return {&events,       &WAppEventRegistrar::GetInstance,
+          &Listen,       &Raise,
+          &Use<Reading>, &Use<Unnamed>,
+          &Enter,        &Leave};
 }
 
 }  // namespace Boundary

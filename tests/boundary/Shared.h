@@ -58,6 +58,8 @@ struct PluginEvents {
   void (*raise)(int value);
   /// Uses a name with the signature void (Reading), and gives what that throws.
   std::string (*use)(const wchar_t* name);
+  /// The same with the signature void (Unnamed), for a type of the plug-in's unnamed namespace.
+  std::string (*useUnnamed)(const wchar_t* name);
   /// Queues an event of the plug-in's own kind, leaves a hook and activates a listener.
   void (*enter)(std::string& heard);
   /// Takes all that back, and whatever else of the plug-in's is queued or held.

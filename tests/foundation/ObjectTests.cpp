@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <bit>
@@ -138,6 +139,26 @@ TEST(WeakPointers, EndWithTheirObjectAndNotWithItsCopies) {
   original.reset();
   EXPECT_EQ(WeakPtr<Watched>(weak).Get(), nullptr);
   EXPECT_EQ(toCopy.Get(), &copy);
+}
+
+TEST(WeakPointers, FirstOnesOfAnObjectMayBeTakenOnTwoThreads) {
+  std::vector<std::unique_ptr<Watched>> objects(2000);
+  std::array<std::vector<WeakPtr<Watched>>, 2> taken;
+  for (auto& object : objects) object = std::make_unique<Watched>();
+  {
+    Testing::Gate both(2);
+    const auto take = [&](std::vector<WeakPtr<Watched>>& into) {
+      both.ArriveAndWait();
+      for (auto& object : objects) into.push_back(object->AsWeakPtr());
+    };
+    const std::jthread first(take, std::ref(taken[0]));
+    const std::jthread second(take, std::ref(taken[1]));
+  }
+  EXPECT_TRUE(std::ranges::all_of(taken[0], &WeakPtr<Watched>::IsValid));
+  objects.clear();
+  for (const auto& each : taken) {
+    EXPECT_TRUE(std::ranges::none_of(each, &WeakPtr<Watched>::IsValid));
+  }
 }
 
 TEST(Guids, AreOrderedByTheirBytesInMemory) {
