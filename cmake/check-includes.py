@@ -45,8 +45,8 @@ HEADERS = {
     "broadcast": {"IBroadcaster.h", "ListenerGuard.h"},
     "reflection": {"IReflectable.h", "PropertyResult.h", "RuntimeType.h"},
     "framework": {
-        "BindStatus.h", "BindTypes.h", "IBaseBind.h", "IBaseDataBind.h", "IDataBind.h",
-        "IEventBind.h",
+        "BindStatus.h", "BindTypes.h", "Formatters.h", "IBaseBind.h", "IBaseDataBind.h",
+        "IDataBind.h", "IEventBind.h",
     },
     "appevents": {
         "AppEvent.h", "AppEventListener.h", "AppEventMapEntry.h", "EventBroadcaster.h",

@@ -29,7 +29,7 @@ const AppEvent<IDataContext*> removeItem(L"RemoveItem");
 
 void Follow(IDataSourceProvider& scope) {
   const Framework::DataBind<double> limit(&scope, L"Cpu", L"Limit");
-  std::cout << "before: " << limit.Get().text.ToUtf8() << '\n';
+  std::cout << "before: " << limit.Get() << '\n';
 
   Framework::DataBind<double> followed = limit;  // a copy has a connection of its own
   const Subscription shown = followed.SubscribeToChanges([&] {
@@ -59,8 +59,8 @@ void Edit(IDataSourceProvider& scope) {
   const auto type = [&](const wchar_t* text) {
     box.text = text;
     const SetResult result = join.Commit();
-    std::cout << "typed " << box.text.ToUtf8() << ": "
-              << (result.IsAccepted() ? "accepted" : result.reason.ToUtf8()) << '\n';
+    std::cout << "typed " << box.text << ": " << (result.IsAccepted() ? L"accepted" : result.reason)
+              << '\n';
   };
   type(L"80");
   type(L"800");
@@ -89,8 +89,8 @@ void Explain(IDataSourceProvider& scope) {
   const Framework::DataBind<double> right(&scope, L"page", L"Cpu", L"Limit");
   for (const BindDiagnosis& each : Diagnose(scope)) {
     if (each.status.IsConnected()) continue;
-    std::cout << each.scopeName.ToUtf8() << ", " << each.source.ToUtf8() << '.'
-              << each.property.ToUtf8() << ": " << each.status.text.ToUtf8() << '\n';
+    std::cout << each.scopeName << ", " << each.source << '.' << each.property << ": "
+              << each.status << '\n';
   }
 }
 

@@ -15,7 +15,7 @@ class Clock : public NamedDataSource {
 class Outline : public NamedDataSource {
  public:
   explicit Outline(IDataSourceProvider* scope) : NamedDataSource(L"Outline") {
-    std::cout << "an outline of \"" << scope->GetCategories().front().ToUtf8() << "\" is built\n";
+    std::cout << "an outline of \"" << scope->GetCategories().front() << "\" is built\n";
   }
 };
 
@@ -48,10 +48,10 @@ int main() {
   letter->GetDataSource(L"Outline");  // built in the letter
   std::cout << "in a memo: " << (memo->GetDataSource(L"Outline") != nullptr) << '\n';
   IDataSource* disk = memo->GetDataSource(L"Disk");  // built in the root, by the factory
-  std::cout << "a disk at " << GetProperty<VtrString>(disk, L"Path")->ToUtf8() << '\n';
+  std::cout << "a disk at " << GetProperty<VtrString>(disk, L"Path") << '\n';
 
   for (const VtrString& name : letter->GetRegisteredDataSources()) {
-    std::cout << "a letter could build " << name.ToUtf8() << '\n';
+    std::cout << "a letter could build " << name << '\n';
   }
   registrar.Shutdown();  // ends the root, and the clock with it
 }

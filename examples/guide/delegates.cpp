@@ -26,10 +26,10 @@ void Use(IDataSource* source) {
 
 void Explain(IDataSource* source) {
   const auto misspelt = FindDelegate<int(int)>(source, L"Skpi");
-  if (misspelt.Error() == PropertyError::Absent) std::cout << misspelt.Text().ToUtf8() << '\n';
+  if (misspelt.Error() == PropertyError::Absent) std::cout << misspelt.Text() << '\n';
 
   const auto mistyped = FindDelegate<int(long)>(source, L"Skip");
-  if (mistyped.Error() == PropertyError::WrongType) std::cout << mistyped.Text().ToUtf8() << '\n';
+  if (mistyped.Error() == PropertyError::WrongType) std::cout << mistyped.Text() << '\n';
 }
 
 int main() {
@@ -39,5 +39,5 @@ int main() {
 
   const auto stop = FindDelegate<void()>(player.get(), L"Stop");
   player.reset();
-  std::cout << stop().text.ToUtf8() << '\n';
+  std::cout << stop().text << '\n';
 }

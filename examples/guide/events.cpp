@@ -16,9 +16,7 @@ class ProcessTable : public AppEventListener {
     if (!IsEventMapInitialised()) On(processStarted, &ProcessTable::AddRow);
     AppEventListener::InitEventMap();
   }
-  void AddRow(const VtrString& name, int id) {
-    std::cout << "row: " << name.ToUtf8() << ' ' << id << '\n';
-  }
+  void AddRow(const VtrString& name, int id) { std::cout << "row: " << name << ' ' << id << '\n'; }
 };
 
 void RaiseAndDeliver(IdlePass& idle) {
@@ -67,7 +65,7 @@ class Log {
  private:
   static IAppEventBroadcaster& Events() { return IAppEventBroadcaster::GetInstance(); }
   void OnEvent(const VtrString& name, const std::vector<Any>& args) {
-    std::cout << "log: " << name.ToUtf8() << " with " << args.size() << " arguments\n";
+    std::cout << "log: " << name << " with " << args.size() << " arguments\n";
   }
 
   int id;

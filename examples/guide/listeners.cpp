@@ -20,8 +20,7 @@ class Display : public DataListener {
 
   void Redraw() {
     const auto value = GetProperty<double>(thermostat, L"Actual");
-    std::cout << label << ": " << (value ? VtrString().Format(L"%.1f", *value) : L"--").ToUtf8()
-              << '\n';
+    std::cout << label << ": " << (value ? VtrString().Format(L"%.1f", *value) : L"--") << '\n';
   }
 
  private:

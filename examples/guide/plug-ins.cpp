@@ -21,7 +21,7 @@ void Run(IDataSourceProvider& root) {
     std::cout << "level: " << *level.Get() << '\n';
     tides.Call("StopPlugin");
   }  // its code is gone
-  std::cout << level.Get().text.ToUtf8() << '\n';
+  std::cout << level.Get() << '\n';
 }
 
 int main() {

@@ -24,7 +24,7 @@ class Room : public NamedDataSource {
 
 void Tell(const char* what, const SetResult& result) {
   std::cout << what << ": " << (result.changed ? "changed" : "not changed");
-  if (!result.IsAccepted()) std::cout << ". " << result.text.ToUtf8();
+  if (!result.IsAccepted()) std::cout << ". " << result;
   std::cout << '\n';
 }
 
@@ -51,7 +51,7 @@ void ReadByName(IDataSource* source) {
 void WriteOut(IDataSource* source) {
   const auto print = [](const auto& value) { std::cout << value; };
   for (const auto& [name, item] : *source) {
-    std::cout << ' ' << name.ToUtf8() << '=';
+    std::cout << ' ' << name << '=';
     if (!VisitProperty<int, bool>(source, name, print)) std::cout << '?';
   }
   std::cout << '\n';

@@ -14,7 +14,7 @@ class Named : public NamedDataSource {
 
 void Ask(IDataSourceProvider& scope, const wchar_t* name) {
   const auto value = GetProperty<VtrString>(scope.GetDataSource(name), L"Value");
-  std::cout << VtrString(name).ToUtf8() << ": " << (value ? value->ToUtf8() : "nothing") << '\n';
+  std::cout << VtrString(name) << ": " << (value ? *value : L"nothing") << '\n';
 }
 
 struct Theme {
@@ -50,6 +50,6 @@ int main() {
   try {
     document->GetDataSourceReference(L"Author");
   } catch (const VtrString& text) {
-    std::cout << text.ToUtf8() << '\n';
+    std::cout << text << '\n';
   }
 }

@@ -3,8 +3,10 @@
 /// A plain value, taken when it is asked for: it does not follow the bind. The text is for people;
 /// it names the data source, the property and the types, and is empty where all is well.
 ///
-///   if (const BindStatus status = bind.Status(); !status.IsConnected()) Complain(status.text);
+///   if (const BindStatus status = bind.Status(); !status.IsConnected()) std::cerr << status;
 #pragma once
+
+#include <iosfwd>
 
 #include "DataBinding/foundation/String.h"
 
@@ -33,6 +35,12 @@ struct BindStatus {
   /// True when the value is shown.
   [[nodiscard]] bool IsConnected() const noexcept {
     return state == BindState::Connected || state == BindState::ReadOnly;
+  }
+  /// Writes the text as UTF-8: nothing where all is well.
+  template <class Traits>
+  friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                                      const BindStatus& status) {
+    return out << status.text;
   }
 };
 

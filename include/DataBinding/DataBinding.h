@@ -26,6 +26,7 @@
 #include "DataBinding/EventMemory.h"
 #include "DataBinding/EventName.h"
 #include "DataBinding/Export.h"
+#include "DataBinding/Formatters.h"
 #include "DataBinding/Fwd.h"
 #include "DataBinding/IAppEventBroadcaster.h"
 #include "DataBinding/IAppEventListener.h"

@@ -33,6 +33,7 @@ class PropertyName {
   requires std::same_as<Pointer, const wchar_t*> || std::same_as<Pointer, wchar_t*>
   explicit PropertyName(Pointer name) : text(VtrStringView(name)) { Check(text); }
   explicit PropertyName(const VtrString& name) : text(name) { Check(text); }
+  explicit PropertyName(VtrStringView name) : text(name) { Check(text); }
   explicit PropertyName(std::wstring_view name) : text(name) { Check(text); }
   ///@}
 

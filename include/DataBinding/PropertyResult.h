@@ -4,9 +4,10 @@
 /// Plain values: they may be copied, kept and handed to other threads. The text says what was
 /// wanted and what was found, and is empty where nothing failed.
 ///
-///   if (const SetResult result = size.Set(200); !result.IsAccepted()) ShowHint(result.text);
+///   if (const SetResult result = size.Set(200); !result.IsAccepted()) std::cerr << result;
 #pragma once
 
+#include <iosfwd>
 #include <optional>
 #include <utility>
 
@@ -40,6 +41,12 @@ struct SetResult {
 
   /// True where nothing stood against the value, whether or not it made a difference.
   [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }
+  /// Writes the text as UTF-8: nothing where the value was accepted.
+  template <class Traits>
+  friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                                      const SetResult& result) {
+    return out << result.text;
+  }
 };
 
 /// The value of a property or the result of a delegate, or why there is none.
@@ -59,6 +66,18 @@ struct PropertyValue {
   const T& operator*() const { return *value; }
   const T* operator->() const { return &*value; }
   ///@}
+  /// Writes the value or, where there is none, the text as UTF-8.
+  template <class Traits>
+  requires requires(std::basic_ostream<char, Traits>& out, const T& present) { out << present; }
+  friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                                      const PropertyValue& result) {
+    if (result) {
+      out << *result;
+    } else {
+      out << result.text;
+    }
+    return out;
+  }
 };
 
 /// Whether a delegate that gives no result was called.

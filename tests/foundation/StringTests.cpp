@@ -1,19 +1,42 @@
 #include "DataBinding/foundation/String.h"
 
 #include <climits>
+#include <concepts>
+#include <functional>
+#include <iterator>
+#include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <gtest/gtest.h>
 
+#include "../support/Allocations.h"
 #include "DataBinding/foundation/SamplingHash.h"
 #include "DataBinding/foundation/StringSplit.h"
 
 namespace DataBinding {
 namespace {
 
+using namespace std::string_view_literals;
+
 const wchar_t* const noText = nullptr;
+
+static_assert(!std::convertible_to<VtrString, bool> && !std::constructible_from<bool, VtrString>);
+static_assert(!std::convertible_to<VtrString, const volatile void*>);
+static_assert(!std::invocable<std::plus<>, VtrString, int>);
+static_assert(!std::invocable<std::plus<>, wchar_t, VtrString>);
+static_assert(!std::invocable<std::logical_not<>, VtrString>);
+static_assert(std::convertible_to<VtrString, const wchar_t*>);
+#if defined(__clang__)  // g++ 12 stops at the question
+template <class T>
+concept Deletable = requires(T text) {
+  delete text;
+};
+static_assert(!Deletable<VtrString>);
+#endif
 
 TEST(Strings, CopiesKeepTheirTextWhenTheOriginalChanges) {
   VtrString original = L"Memory";
@@ -26,9 +49,21 @@ TEST(Strings, CopiesKeepTheirTextWhenTheOriginalChanges) {
   original = L"<" + copy + VtrStringView(L">>", 1);
   EXPECT_STREQ(original, L"<Memory>");
   EXPECT_STREQ(copy, L"Memory");
+}
+
+TEST(Strings, ShareTheirTextWithCopiesWithoutAllocating) {
+  const VtrString text = L"A name that is too long for a small buffer";
+  const auto before = Testing::Allocations();
+  VtrString copy = text;
+  copy = VtrString(copy).Mid(0);
+  EXPECT_EQ(copy, text);
+  EXPECT_EQ(Testing::Allocations(), before);
+}
+
+TEST(Strings, MidTakesAnyStart) {
   for (const auto& [start, rest] :
        {std::pair(INT_MIN, L"Memory"), {0, L"Memory"}, {5, L"y"}, {6, L""}, {INT_MAX, L""}}) {
-    EXPECT_STREQ(copy.Mid(start), rest) << start;
+    EXPECT_EQ(VtrString(L"Memory").Mid(start), rest) << start;
   }
 }
 
@@ -61,8 +96,8 @@ TEST(Strings, CompareIsOrdinalAndCompareNoCaseFoldsByUnicode) {
       {L"", noText},
   };
   for (const auto& [left, right] : equal) {
-    EXPECT_EQ(VtrString(left).CompareNoCase(right), 0) << VtrString(left).ToUtf8();
-    EXPECT_EQ(VtrString(right).CompareNoCase(left), 0) << VtrString(left).ToUtf8();
+    EXPECT_EQ(VtrString(left).CompareNoCase(right), 0) << VtrString(left);
+    EXPECT_EQ(VtrString(right).CompareNoCase(left), 0) << VtrString(left);
   }
   const std::pair<const wchar_t*, const wchar_t*> ordered[] = {
       {L"ss", L"ß"}, {L"i", L"\u0130"}, {L"I", L"ı"}, {L"a", L"B"}, {L"doc", L"DOCS"}, {L"[", L"Z"},
@@ -71,8 +106,33 @@ TEST(Strings, CompareIsOrdinalAndCompareNoCaseFoldsByUnicode) {
     EXPECT_LT(VtrString(less).CompareNoCase(more), 0) << VtrString(less).ToUtf8();
     EXPECT_GT(VtrString(more).CompareNoCase(less), 0) << VtrString(less).ToUtf8();
   }
-  EXPECT_TRUE(VtrString(L"Zebra") < L"apple" && VtrString(L"app") < VtrString(L"apple"));
   EXPECT_EQ(std::hash<VtrString>()(L"abc"), std::hash<VtrStringView>()({L"abcd", 3}));
+}
+
+template <class Text>
+void CompareWithAppAndZebra(const Text& app, const Text& zebra) {
+  const VtrString text = L"app\0le"sv;
+  EXPECT_TRUE(text != app && app < text && !(text <= app) && zebra < app && text > zebra);
+  EXPECT_TRUE(VtrString(app) == app && app == VtrString(app) && VtrString(app) >= app);
+  const std::set<VtrString, std::less<>> names{text, VtrString(app), VtrString(zebra)};
+  EXPECT_TRUE(*names.begin() == zebra && names.find(app) == std::next(names.begin()));
+}
+
+TEST(Strings, CompareWithAnyWideText) {
+  CompareWithAppAndZebra<const wchar_t*>(L"app", L"Zebra");
+  CompareWithAppAndZebra<std::wstring>(L"app", L"Zebra");
+  CompareWithAppAndZebra<std::wstring_view>(L"app", L"Zebra");
+  CompareWithAppAndZebra<VtrStringView>(L"app", L"Zebra");
+  CompareWithAppAndZebra<VtrString>(L"app", L"Zebra");
+}
+
+TEST(Strings, GoToNarrowStreamsAsUtf8) {
+  std::ostringstream narrow;
+  std::wostringstream wide;
+  narrow << VtrString(L"Größe") << VtrString() << '.';
+  wide << VtrString(L"Größe\0"sv) << L'.';
+  EXPECT_EQ(narrow.str(), "Größe.");
+  EXPECT_EQ(wide.str(), L"Größe\0."sv);
 }
 
 TEST(Strings, FormatPrintsAsPrintfDoes) {
@@ -81,8 +141,8 @@ TEST(Strings, FormatPrintsAsPrintfDoes) {
   };
   EXPECT_EQ(format(L"%s|%5s|%-5s|%.2s", L"Ä", L"ab", VtrString(L"cd"), L"efg"), "Ä|   ab|cd   |ef");
   EXPECT_EQ(format(L"%05d|%+d|%-4i|% d|%.3d", 42, 7, -3, 5, 9), "00042|+7|-3  | 5|009");
-  EXPECT_EQ(format(L"%lld %hd %zu", LLONG_MIN, 70000, SIZE_MAX),
-            "-9223372036854775808 70000 18446744073709551615");
+  EXPECT_EQ(format(L"%lld %hd %zu %td", LLONG_MIN, 70000, SIZE_MAX, std::ptrdiff_t{-1}),
+            "-9223372036854775808 70000 18446744073709551615 -1");
   EXPECT_EQ(format(L"%#x %X %x %u", 255, 255U, -1, -1), "0xff FF ffffffff 4294967295");
   EXPECT_EQ(format(L"%.1f %08.3f %g", 15.55F, -3.14159, 0.5), "15.6 -003.142 0.5");
   EXPECT_EQ(format(L"%*d|%-*d|%*d|%.*f", 4, 1, 3, 2, -3, 3, 1, 2.25), "   1|2  |3  |2.2");

@@ -1,10 +1,12 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
+#include <DataBinding/Formatters.h>
 #include <DataBinding/IEventBind.h>
 #include <DataBinding/foundation/Event.h>
 #include <gtest/gtest.h>
@@ -167,6 +169,21 @@ TEST_F(EventBinds, CallbackThatThrowsIsCalledAgain) {
   EXPECT_THROW(Notify('a'), std::runtime_error);
   EXPECT_THROW(Notify('a'), std::runtime_error);
   EXPECT_EQ(Notes(), "a a ");
+}
+
+TEST(Results, GoToStreamsAsTheirValueOrTheirText) {
+  const SetResult refused{.error = PropertyError::Refused, .text = L"größer als 9"};
+  const BindStatus absent{BindState::NoSource, L"weg"};
+  const PropertyValue<double> value{2.25, PropertyError::None, {}};
+  const PropertyValue<VtrString> none{{}, PropertyError::Absent, L"fehlt"};
+
+  std::ostringstream out;
+  out << refused << SetResult() << ',' << absent << ',' << value << ',' << none;
+  EXPECT_EQ(out.str(), "größer als 9,weg,2.25,fehlt");
+#if defined(__cpp_lib_format)
+  EXPECT_EQ(std::format("{}{},{:>4},{:.1f},{:>9}", refused, SetResult(), absent, value, none),
+            "größer als 9, weg,2.2,fehlt");
+#endif
 }
 
 }  // namespace

@@ -1,16 +1,12 @@
-/// BindWeak: a callable that runs a method of an object for as long as the object lives.
+/// BindWeak: a callable that runs a method of an object for as long as the object lives. This is
+/// the safe way to give a callback its `this`: a Subscription that is cancelled in the midst of an
+/// announcement does not take back the call that the announcement is still to make.
 ///
-/// This is the safe way to give a callback its `this`. A Subscription alone is none: cancelled in
-/// the midst of an announcement, it does not take back the call that the announcement is still to
-/// make. Once the object is gone the call is skipped, its result value-initialised, and a callback
-/// made from it reports itself cancelled. Bound arguments stand before those of the call and are
-/// kept by value.
-///
-/// The object is one that SupportsWeakPtr, or one that std::shared_ptr owns; the callable keeps
-/// neither alive between calls. Whether it lives is asked when the call starts. A shared object is
-/// then kept until the call returns, so any thread may let go of it meanwhile; another one must not
-/// be ended on another thread.
-///
+/// The object is one that SupportsWeakPtr or one that std::shared_ptr owns, and is not kept alive
+/// between calls. Whether it lives is asked when a call starts. A shared one is then kept until the
+/// call returns; another one must not be ended on another thread meanwhile. Once it is gone calls
+/// are skipped, their results value-initialised, and a callback made from this reports itself
+/// cancelled. Bound arguments stand before those of the call and are kept by value.
 ///   RepeatingCallback<void(int)> resize = BindWeak(view.AsWeakPtr(), &View::Resize, L"window");
 ///   RepeatingCallback<void(int)> log = BindWeak(sharedLog, &Log::Write);
 #pragma once

@@ -8,7 +8,7 @@
 ///   VtrString name = L"Memory";
 ///   VtrString text;
 ///   text.Format(L"%s: %d of %.1f GiB", name, 3, 15.5);
-///   std::string narrow = text.ToUtf8();
+///   std::cout << text << '\n';  // narrow streams get UTF-8
 #pragma once
 
 #include <array>
@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <iosfwd>
 #include <span>
 #include <string>
 #include <string_view>
@@ -52,8 +53,8 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   VtrStringT(const CharT* text) : VtrStringT(View(text)) {}
   /// Copies the characters, which may hold NULs.
   ///@{
-  explicit VtrStringT(View text) : buffer(details::StringBuffer::Make(text)) {}
-  explicit VtrStringT(std::basic_string_view<CharT> text) : VtrStringT(View(text)) {}
+  VtrStringT(View text) : buffer(details::StringBuffer::Make(text)) {}
+  VtrStringT(std::basic_string_view<CharT> text) : VtrStringT(View(text)) {}
   ///@}
   /// Shares the other's characters; allocates nothing.
   VtrStringT(const VtrStringT& other) noexcept : buffer(other.buffer) {
@@ -137,37 +138,55 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   operator const CharT*() const noexcept { return Text(); }
   /// A view that lives as long as this string is neither changed nor destroyed.
   operator std::basic_string_view<CharT>() const noexcept { return View(*this); }
-  /// A string is no condition: its pointer is never null. Ask IsEmpty.
+  /// A string is neither a condition nor an address, although it converts to a pointer: its pointer
+  /// is never null. Ask IsEmpty. The second conversion makes the way to bool ambiguous, and with it
+  /// `delete`.
+  ///@{
   explicit operator bool() const = delete;
+  operator const void*() const = delete;
+  ///@}
+  /// A number or a character cannot be appended: the pointer must not be moved by it.
+  ///@{
+  template <std::integral Number>
+  friend void operator+(const VtrStringT& left, Number right) = delete;
+  template <std::integral Number>
+  friend void operator+(Number left, const VtrStringT& right) = delete;
+  ///@}
 
-  /// Ordinal comparison, case included, by code unit: the order of all tables of names.
+  /// Ordinal comparison, case included, by code unit: the order of all tables of names. The other
+  /// side may be any wide text: a literal, a view or a std::wstring.
   ///@{
   friend bool operator==(const VtrStringT& left, const VtrStringT& right) noexcept {
     return left.buffer == right.buffer || View(left) == View(right);
-  }
-  friend bool operator==(const VtrStringT& left, const CharT* right) noexcept {
-    return View(left) == View(right);
   }
   friend std::strong_ordering operator<=>(const VtrStringT& left,
                                           const VtrStringT& right) noexcept {
     return View(left) <=> View(right);
   }
-  friend std::strong_ordering operator<=>(const VtrStringT& left, const CharT* right) noexcept {
+  template <class Text>
+  requires std::constructible_from<View, const Text&>
+  friend bool operator==(const VtrStringT& left, const Text& right) {
+    return View(left) == View(right);
+  }
+  template <class Text>
+  requires std::constructible_from<View, const Text&>
+  friend std::strong_ordering operator<=>(const VtrStringT& left, const Text& right) {
     return View(left) <=> View(right);
   }
-  // Spelled out although <=> implies them: std::less<> and its like compare the addresses of what
-  // converts to a pointer, unless they find an operator of that name.
-  friend bool operator<(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return std::is_lt(left <=> right);
+  ///@}
+
+  /// Writes the text: as UTF-8 to a narrow stream, as it is to a wide one.
+  ///@{
+  template <class Traits>
+  friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                                      const VtrStringT& text) {
+    return out << text.ToUtf8();
   }
-  friend bool operator>(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return std::is_gt(left <=> right);
-  }
-  friend bool operator<=(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return std::is_lteq(left <=> right);
-  }
-  friend bool operator>=(const VtrStringT& left, const VtrStringT& right) noexcept {
-    return std::is_gteq(left <=> right);
+  template <class Traits>
+  friend std::basic_ostream<CharT, Traits>& operator<<(std::basic_ostream<CharT, Traits>& out,
+                                                       const VtrStringT& text) {
+    return out << std::basic_string_view<CharT, Traits>(text.Text(),
+                                                        static_cast<std::size_t>(text.GetLength()));
   }
   ///@}
 
