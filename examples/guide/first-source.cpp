@@ -1,4 +1,5 @@
 #include <iostream>
+#include <memory>
 
 #include <DataBinding/DataBinding.h>
 
@@ -11,6 +12,32 @@ class Thermostat : public NamedDataSource {
   Property<double> target{this, L"Target", 21.0};
   Property<double> actual{this, L"Actual", 19.5};
 };
+
+class Label : public SupportsWeakPtr<Label> {
+ public:
+  explicit Label(IDataSource* source)
+      : actual(source, L"Actual"),
+        shown(source->Register(BindWeak(AsWeakPtr(), &Label::Show), L"Actual")) {}
+
+ private:
+  void Show() { std::cout << "label: " << actual.Get() << '\n'; }
+
+  PropertyRef<double> actual;
+  Subscription shown;
+};
+
+void Watch(Thermostat& thermostat) {
+  std::unique_ptr<Label> label;
+  const Subscription closing = thermostat.Register(
+      [&] {
+        if (*thermostat.actual > 30) label.reset();
+      },
+      L"Actual");
+  label = std::make_unique<Label>(&thermostat);
+
+  thermostat.actual.Set(30.0);
+  thermostat.actual.Set(31.0);  // the label ends before its turn comes
+}
 
 int main() {
   const DataSourcePtr<Thermostat> thermostat = MakeDataSource<Thermostat>(nullptr);
@@ -28,4 +55,5 @@ int main() {
 
   IDataSource* source = thermostat.get();  // what a view would have in hand
   std::cout << "by name: " << *GetProperty<double>(source, L"Actual") << '\n';
+  Watch(*thermostat);
 }
