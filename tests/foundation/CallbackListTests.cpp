@@ -82,6 +82,18 @@ TEST_F(CallbackLists, NestedWalkHearsNewCallbacksAndTheOuterOneWaitsForItToRelea
   EXPECT_EQ(Alive(), 0);
 }
 
+TEST_F(CallbackLists, CallbackForOneCallHearsNoNestedOneAndIsReleased) {
+  subscriptions.push_back(list->AddOnce([this, token = alive](const int& depth) {
+    log += std::to_string(depth);
+    list->Call(depth + 1);
+  }));
+  Add('a');
+  EXPECT_EQ(Walked(), "0aa");
+  EXPECT_EQ(Walked(), "a");
+  EXPECT_EQ(Alive(), 1);
+  EXPECT_FALSE(list->AddOnce(nullptr));
+}
+
 TEST_F(CallbackLists, ExceptionEndsTheWalkAndLeavesTheListAsItShouldBe) {
   AddAll("012", '1', [&] {
     subscriptions[1].Cancel();

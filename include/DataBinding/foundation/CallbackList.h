@@ -1,14 +1,13 @@
-/// An ordered list of callbacks that is walked often and changed seldom: the listeners of one
-/// event, the watchers of one bind.
+/// A signal with typed arguments: an ordered list of callbacks, called often and changed seldom.
 ///
-/// One thread adds to it, walks it and ends it; its subscriptions may be cancelled on any thread. A
-/// walk calls, in order of addition, those that were there when it began and are not cancelled when
-/// reached. A callback may add, cancel, walk the list again or end it: it stays alive until the
-/// outermost walk is over. One that is cancelled outside a walk is released at once; one that
-/// another thread cancels while it runs may go on running (CancelAndWait waits for it). Walking
-/// allocates nothing and takes no lock. A list without callbacks is a null pointer.
-///   CallbackList<int> moved;                                  // callbacks take const int&
-///   Subscription redraw = moved.Add([this](int x) { Redraw(x); });
+/// One thread adds, calls and ends; subscriptions may be cancelled on any thread. A call runs, in
+/// order of addition, the callbacks that were there when it began and are not cancelled when it
+/// reaches them. They may add, cancel, call again or end the list, after which nobody further is
+/// called; each stays alive until the outermost call is over. One that is cancelled outside a call
+/// is released at once; one that another thread cancels while it runs may go on (CancelAndWait
+/// waits for it). A call allocates nothing and takes no lock. An empty list is a null pointer.
+///   CallbackList<int> moved;
+///   Subscription redraw = moved.Add(BindWeak(view.AsWeakPtr(), &View::Redraw));  // (const int&)
 ///   moved.Call(3);
 #pragma once
 
@@ -20,6 +19,7 @@
 #include <vector>
 
 #include "DataBinding/Export.h"
+#include "DataBinding/foundation/CallOnce.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/ComlikePtr.h"
 #include "DataBinding/foundation/Subscription.h"
@@ -185,6 +185,12 @@ class CallbackList : public CallbackListBase {
   /// subscription.
   Subscription Add(const Callback& callback) {
     return CallbackListBase::Add(callback.GetMemento());
+  }
+  /// The same for one call: the callback is not called again, and its subscription ends with it.
+  Subscription AddOnce(OneShotCallback<void(const Args&...)> callback) {
+    if (!callback) return {};
+    return details::CallOnce(std::move(callback),
+                             [this](const Callback& once) { return Add(once); });
   }
 
   /// Calls each. What a callback throws leaves the call, and those behind it are not called.
