@@ -57,7 +57,7 @@ HEADERS = {
     "datasource": {
         "CustomDataProxy.h", "DataListener.h", "DataSourceImpl.h", "DataSourceProvider.h",
         "IDataListener.h", "IDataSource.h", "IDataSourceBase.h", "IDataSourceProvider.h",
-        "MakeDataSource.h", "NamedDataSource.h", "PropertyChanges.h",
+        "MakeDataSource.h", "NamedDataSource.h", "PropertyChanges.h", "ScopedListener.h",
     },
     "registrar": {"DataSourceRegistrar.h", "IDataSourceConstructor.h", "IDataSourceRegistrar.h"},
     "typed": {

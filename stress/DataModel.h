@@ -143,13 +143,13 @@ class DataModel : public SourceModel {
     if (IsOpen(slot)) Remove(slot, which);
   }
   void EndListener(int which, int, int) {
-    for (const Entry& entry : listeners[which].entries) Cancel(entry.registration.token);
+    EndEntries(which);
     for (auto& [slot, provider] : providers) provider.listeners.erase(which);
     listeners[which] = {{}, -1, listeners[which].life + 1};
   }
   void MoveListener(int from, int to, int) {
     if (from == to) return;
-    for (const Entry& entry : listeners[to].entries) Cancel(entry.registration.token);
+    EndEntries(to);
     listeners[to].entries = std::exchange(listeners[from].entries, {});
     listeners[to].provider = listeners[from].provider;
   }
@@ -183,6 +183,12 @@ class DataModel : public SourceModel {
     int life = 0;
   };
 
+  void EndEntries(int which) {
+    for (const Entry& entry : listeners[which].entries) {
+      Cancel(entry.registration.token);
+      ended.insert(entry.registration.callback);
+    }
+  }
   [[nodiscard]] bool IsThere(int slot) const { return providers.contains(slot); }
   [[nodiscard]] bool IsOpen(int slot) const { return IsThere(slot) && slot != ending; }
   static bool Match(std::string_view one, std::string_view other) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <set>
 
 #include "Data.h"
 
@@ -77,10 +78,12 @@ class SourceModel : public Player<DataModel> {
       }
     }
   }
-  /// All that were registered when it began are called, whatever the earlier ones do.
+  /// All that were registered when it began are called, whatever the earlier ones do, but for those
+  /// of listeners that have ended.
   void Call(int source, int property) {
     if (!sources.contains(source)) return;
     for (const auto& each : std::vector(sources[source].listeners[property])) {
+      if (ended.contains(each.callback)) continue;
       try {
         Happen("called", each.which, each.callback, Place::Anywhere);
       } catch (const Thrown&) {
@@ -120,6 +123,7 @@ class SourceModel : public Player<DataModel> {
   }
 
   std::map<int, Source> sources;
+  std::set<int> ended;  // the callbacks of listeners
   int lastCallback = 0;
 
  private:

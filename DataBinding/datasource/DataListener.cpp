@@ -5,6 +5,8 @@
 
 #include "DataBinding/IDataSource.h"
 #include "DataBinding/IDataSourceProvider.h"
+#include "DataBinding/ScopedListener.h"
+#include "DataBinding/foundation/BindWeak.h"
 #include "KeptName.h"
 
 namespace DataBinding {
@@ -14,34 +16,51 @@ IDataListener::IDataListener(const IDataListener&) noexcept = default;
 IDataListener& IDataListener::operator=(const IDataListener&) noexcept = default;
 IDataListener::~IDataListener() = default;
 
+class DataListener::EntryLife : public SupportsWeakPtr<EntryLife> {};
+
 DataListener::DataListener() noexcept = default;
 
 DataListener::DataListener(DataListener&& other) noexcept
     : IDataListener(other),
       listenerEntries(std::move(other.listenerEntries)),
+      entryLife(std::move(other.entryLife)),
       dataSourceProvider(other.dataSourceProvider),
       providerLiveness(other.providerLiveness) {
   other.listenerEntries.clear();
 }
 
 DataListener& DataListener::operator=(DataListener&& other) noexcept {
-  if (this != &other) listenerEntries = std::exchange(other.listenerEntries, {});
+  if (this != &other) {
+    entryLife = std::move(other.entryLife);
+    listenerEntries = std::exchange(other.listenerEntries, {});
+  }
   dataSourceProvider = other.dataSourceProvider;
   providerLiveness = other.providerLiveness;
   return *this;
 }
 
 DataListener::~DataListener() {
+  entryLife.reset();
+  Leave();
+}
+
+void DataListener::Leave() {
+  for (auto& entry : listenerEntries) entry.subscription.Cancel();
   if (IDataSourceProvider* provider = GetDataSourceProvider()) provider->RemoveDataListener(this);
 }
 
 void DataListener::AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,
                                    const RepeatingCallback<void()>& callback) {
-  listenerEntries.push_back({dataSourceName, propertyName, callback, Subscription()});
+  if (entryLife == nullptr) entryLife = std::make_unique<EntryLife>();
+  const auto run = [callback](const EntryLife& /*alive*/) { callback(); };
+  listenerEntries.push_back(
+      {dataSourceName, propertyName, BindWeak(entryLife->AsWeakPtr(), run), Subscription()});
 }
 
 void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
+  const auto alive = liveness.GetRef();
   OnDataSourceProviderChanging(newProvider);
+  if (!alive.IsValid()) return;
   SetProvider(newProvider);
   if (newProvider == nullptr) return;
   std::set<VtrString> names;
@@ -74,5 +93,7 @@ void DataListener::SetProvider(IDataSourceProvider* newProvider) {
   providerLiveness = newProvider == nullptr ? details::WeakReference() : newProvider->GetLiveness();
   dataSourceProvider = newProvider;
 }
+
+void ScopedListener::OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) { Leave(); }
 
 }  // namespace DataBinding

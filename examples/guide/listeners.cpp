@@ -12,7 +12,7 @@ class Thermostat : public NamedDataSource {
   Property<double> actual;
 };
 
-class Display : public DataListener {
+class Display : public ScopedListener {
  public:
   explicit Display(const char* text) : label(text) {
     AddDataListener(L"Thermostat", L"Actual", [this] { Redraw(); });
@@ -25,18 +25,14 @@ class Display : public DataListener {
 
  private:
   void ConnectToDatasource(IDataSource* source) override {
-    DataListener::ConnectToDatasource(source);
+    ScopedListener::ConnectToDatasource(source);
     thermostat = source;
     Redraw();
   }
   void DisconnectFromDatasource(IDataSource* source) override {
-    DataListener::DisconnectFromDatasource(source);
+    ScopedListener::DisconnectFromDatasource(source);
     thermostat = nullptr;
     Redraw();
-  }
-  void OnDataSourceProviderChanging(IDataSourceProvider* /*next*/) override {
-    // leave the former scope
-    if (IDataSourceProvider* former = GetDataSourceProvider()) former->RemoveDataListener(this);
   }
 
   const char* label;
@@ -61,5 +57,5 @@ int main() {
   DataSourcePtr<Thermostat> taken = TakeDataSource(house, thermostat);  // disconnects it
   taken->actual.Set(23.0);  // the display does not hear it
   GiveDataSource(*kitchen, std::move(taken));
-  wall.SetDataSourceProvider(nullptr);  // leaves the kitchen, by the override above
+  wall.SetDataSourceProvider(nullptr);  // leaves the kitchen
 }

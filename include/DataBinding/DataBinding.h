@@ -55,6 +55,7 @@
 #include "DataBinding/PropertyName.h"
 #include "DataBinding/PropertyResult.h"
 #include "DataBinding/RuntimeType.h"
+#include "DataBinding/ScopedListener.h"
 #include "DataBinding/TextConverter.h"
 #include "DataBinding/ThreadingPolicy.h"
 #include "DataBinding/TwoWay.h"

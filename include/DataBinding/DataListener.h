@@ -11,6 +11,7 @@
 ///   view.SetDataSourceProvider(&provider);
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "DataBinding/Export.h"
@@ -27,7 +28,8 @@ class ListenerDiagnosis;
 
 /// One wanted property, and the registration while its source is connected.
 struct DataListenerEntry {
-  /// Matched without regard to case.
+  /// The provider finds a source by exactly this name, case included. Once it has connected the
+  /// listener to one, all entries are matched to the source's name without regard to case.
   VtrString dataSourceName;
   /// Matched exactly; may be a name that is announced without being a property.
   VtrString propertyName;
@@ -37,14 +39,22 @@ struct DataListenerEntry {
   Subscription subscription;
 };
 
-/// Source names are matched to entries without regard to case; property names are passed on as they
-/// are.
+/// A listener must name its sources exactly, case included, to be connected to them. Among the
+/// entries of a connected listener case does not matter: an entry for "doc" hears a source "Doc"
+/// where another entry has named "Doc". Property names are passed on as they are.
+///
+/// A callback is not run once its listener has ended, not even in an announcement that is under way
+/// on this thread. It may therefore use the listener, and may end it, or any other.
 ///
 /// Deliberate, and to be known: setting another provider does not take the listener off the former
-/// one. An entry that is added later is heard only after the provider's RemoveDataListener followed
-/// by SetDataSourceProvider, since a provider keeps the names that it was first given. A move takes
-/// the entries along with their live subscriptions, while the provider goes on knowing the object
-/// that was moved from: move a listener only before it has a provider.
+/// one; ScopedListener does that. An entry that is added later is heard only after the provider's
+/// RemoveDataListener followed by SetDataSourceProvider, since a provider keeps the names that it
+/// was first given. A move takes the entries along with their live subscriptions, while the
+/// provider goes on knowing the object that was moved from: move a listener only before it has a
+/// provider.
+///
+/// A class that overrides the calls below and owns its scope, or a source of it, calls Leave in its
+/// destructor: else the overrides run while its members are being destroyed.
 class DATABINDING_API DataListener : public IDataListener {
  public:
   DataListener() noexcept;
@@ -66,6 +76,9 @@ class DATABINDING_API DataListener : public IDataListener {
   [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept {
     return providerLiveness.IsValid() ? dataSourceProvider : nullptr;
   }
+  /// Takes the listener off its provider and ends the registrations of all entries. The provider
+  /// stays stored. For destructors of derived classes, and to move to another scope.
+  void Leave();
 
   void ConnectToDatasource(IDataSource* source) override;
   void DisconnectFromDatasource(IDataSource* source) override;
@@ -75,9 +88,13 @@ class DATABINDING_API DataListener : public IDataListener {
  private:
   friend class details::ListenerDiagnosis;
 
-  std::vector<DataListenerEntry> listenerEntries;
+  class EntryLife;
+
   void SetProvider(IDataSourceProvider* newProvider);
 
+  std::vector<DataListenerEntry> listenerEntries;
+  /// Lives as long as the entries, also where they are moved to: their callbacks ask for it.
+  std::unique_ptr<EntryLife> entryLife;
   IDataSourceProvider* dataSourceProvider = nullptr;
   details::WeakReference providerLiveness;
 };

@@ -20,6 +20,7 @@ class IDataSourceConstructor;
 class IDataSourceProvider;
 class IDataSourceRegistrar;
 class IReflectable;
+class ScopedListener;
 class WAppEventRegistrar;
 struct IDataSource;
 

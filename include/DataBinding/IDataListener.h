@@ -34,6 +34,7 @@ class DATABINDING_API IDataListener {
   virtual void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) = 0;
 
  private:
+  friend class DataListener;
   friend class DataSourceProvider;
 
   /// Lets providers know whether the listener is still there.

@@ -3,13 +3,17 @@
 namespace DataBinding::Testing {
 namespace {
 
-/// Notes the property of each entry that runs.
+/// Notes the property of each entry that runs, and what the entry is to do besides.
 class View : public DataListener {
  public:
   explicit View(std::string& notes) : log(&notes) {}
-  void Want(const VtrString& source, const VtrString& property) {
-    AddDataListener(source, property,
-                    [notes = log, note = property.ToUtf8() + " "] { *notes += note; });
+  void Want(
+      const VtrString& source, const VtrString& property,
+      const std::function<void()>& act = [] {}) {
+    AddDataListener(source, property, [notes = log, note = property.ToUtf8() + " ", act] {
+      *notes += note;
+      act();
+    });
   }
   void OnDataSourceProviderChanging(IDataSourceProvider* next) override {
     if (onChanging) onChanging(next);
@@ -67,18 +71,60 @@ TEST_F(Listeners, ConnectingAgainRegistersEachEntryOnce) {
   EXPECT_EQ(Heard(source), "");
 }
 
-TEST_F(Listeners, MayOutliveTheProvidersThatTheyFallBackTo) {
-  view->Want(L"Doc", L"Size");
-  Add(child, L"Doc");
-  view->SetDataSourceProvider(child.get());
-  child.reset();
-  EXPECT_EQ(view->GetDataSourceProvider(), parent.get());
-  parent.reset();
-  EXPECT_EQ(view->GetDataSourceProvider(), nullptr);
-  view.reset();
+TEST_F(Listeners, ThatEndWithinAnAnnouncementAreNotCalledAnyMore) {
+  std::optional<View> others[3];
+  for (auto& other : others) {
+    other.emplace(log).Want(L"Doc", L"Size", [&] {
+      for (auto& each : others) {
+        if (&each != &other) each.reset();
+      }
+    });
+    other->SetDataSourceProvider(child.get());
+  }
+  auto* source = Add(child, L"Doc");
+  EXPECT_EQ(Heard(source), "Size");
 }
 
-TEST_F(Listeners, HookRunsBeforeTheNewProviderIsStoredAndNullForgetsIt) {
+/// Moves by itself, and notes with a text of its own when it loses a source of the scope it owns.
+class Owner : public ScopedListener {
+ public:
+  explicit Owner(std::string& notes) : log(notes) {
+    AddDataListener(L"Doc", L"Size", [this] { log += "Size "; });
+  }
+  ~Owner() override { Leave(); }
+  ProviderPtr scope = MakeProvider();
+
+ private:
+  void DisconnectFromDatasource(IDataSource* source) override {
+    ScopedListener::DisconnectFromDatasource(source);
+    log += text;
+  }
+  std::string& log;
+  std::string text = "a text that fits into no string's own memory ";
+};
+
+TEST_F(Listeners, ThatLeaveBeforeTheirMembersEndMayOwnTheirScope) {
+  {
+    Owner owner(log);
+    owner.SetDataSourceProvider(owner.scope.get());
+    Add(owner.scope, L"Doc");
+  }
+  EXPECT_EQ(Notes(), "a text that fits into no string's own memory ~Doc");
+}
+
+TEST_F(Listeners, ThatMoveByThemselvesHearNothingOfTheFormerScope) {
+  Owner owner(log);
+  auto* former = Add(owner.scope, L"Doc");
+  auto* source = Add(child, L"Doc");
+  for (auto* scope : {&owner.scope, &child}) owner.SetDataSourceProvider(scope->get());
+  EXPECT_EQ(Heard(former), "");
+  owner.scope->Shutdown();
+  EXPECT_EQ(Heard(source), "Size");
+  owner.SetDataSourceProvider(nullptr);
+  EXPECT_EQ(Heard(source), "");
+}
+
+TEST_F(Listeners, HookRunsBeforeTheNewProviderIsStored) {
   std::vector<IDataSourceProvider*> seen;
   view->onChanging = [&](IDataSourceProvider* next) {
     seen.insert(seen.end(), {view->GetDataSourceProvider(), next});
@@ -86,8 +132,6 @@ TEST_F(Listeners, HookRunsBeforeTheNewProviderIsStoredAndNullForgetsIt) {
   view->SetDataSourceProvider(child.get());
   view->SetDataSourceProvider(nullptr);
   EXPECT_EQ(seen, (decltype(seen){nullptr, child.get(), child.get(), nullptr}));
-  child.reset();
-  EXPECT_EQ(view->GetDataSourceProvider(), nullptr);
 }
 
 TEST_F(Listeners, FallBackToTheParentOfAProviderThatEnds) {
