@@ -52,6 +52,11 @@ struct EventFailure {
 
 class EventHold;
 
+#if defined(__GNUC__)  // its destructor is deliberately not virtual
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+
 /// The library holds one instantiation, that with the policies of namespace AEB; it can be derived
 /// from, and deleted only as what it is.
 template <class UpdatePolicyType, class ThreadingPolicyType>
@@ -212,6 +217,10 @@ class DATABINDING_API EventBroadcaster {
   details::DeliveryScope* delivery = nullptr;
   WeakPtrFactory<EventBroadcaster> weakFactory;
 };
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 /// The one broadcaster that there is code for; IAppEventBroadcaster is it.
 using PolicyEventBroadcaster = EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;

@@ -24,6 +24,11 @@ namespace DataBinding {
 /// Sees each event: its name, and its arguments in their order and exact types. Owns nothing.
 using EventHook = Delegate<void(VtrString, const std::vector<Any>&)>;
 
+#if defined(__GNUC__)  // the base's destructor is deliberately not virtual
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+
 class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster,
                                                    public Singleton<IAppEventBroadcaster, 0> {
  public:
@@ -52,6 +57,10 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
   int nextHookId = 1;
   std::map<int, Hook> eventHooks;
 };
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 }  // namespace DataBinding
 

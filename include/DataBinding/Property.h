@@ -49,7 +49,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
 
  protected:
   /// The accessor answers no more while the value goes.
-  ~StoredProperty() { this->InvalidateWeakPtrs(); }
+  virtual ~StoredProperty() { this->InvalidateWeakPtrs(); }
 
   SetResult Store(T wanted) {
     const VtrString reason = ReasonAgainst(wanted, options.validate);
