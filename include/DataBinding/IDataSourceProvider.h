@@ -109,6 +109,29 @@ class DATABINDING_API IDataSourceProvider {
  protected:
   virtual ~IDataSourceProvider();
 
+  /// For providers of your own, which join a tree by calling what its other members keep private.
+  ///@{
+  /// Moves a provider below another one, or makes it a root. Both parents are told.
+  static void SetParentOf(IDataSourceProvider& child, IDataSourceProvider* newParent) {
+    child.SetParent(newParent);
+  }
+  /// Enters a child at its parent, or takes it off; the child's own parent is not changed.
+  static void AddChildTo(IDataSourceProvider& parent, IDataSourceProvider* child) {
+    parent.AddChild(child);
+  }
+  static void RemoveChildFrom(IDataSourceProvider& parent, IDataSourceProvider* child) {
+    parent.RemoveChild(child);
+  }
+  /// Appends the categories of the provider and those further out, the outermost ones first.
+  static void AppendCategoriesOf(const IDataSourceProvider& provider, std::vector<VtrString>& out) {
+    provider.GetCombinedCategoryList(out);
+  }
+  /// Disconnects the listeners that wait in the provider for the source's name.
+  static void DisconnectListenersIn(IDataSourceProvider& provider, IDataSource* source) {
+    provider.DisconnectDataListeners(source);
+  }
+  ///@}
+
  private:
   virtual void SetParent(IDataSourceProvider* parent) = 0;
   virtual void AddChild(IDataSourceProvider* child) = 0;
