@@ -32,7 +32,8 @@ TEST_F(Sources, AnnounceOnePropertyOrAListOrAllButSome) {
   const std::pair<const wchar_t*, const char*> cases[] = {
       {L"Size", "Size "},
       {L"size", ""},
-      {L" Free ", "Free "},
+      {L" Free", "Free "},
+      {L"Free ", "Free "},
       {L"Size,Free, ,Ring,Size", "Size Free Ring Size "},
       {L"*", "Alpha Color Size "},
       {L" * ,-Size,!Color", "Alpha "},

@@ -119,6 +119,7 @@ TEST(FailingAllocations, InScopesLeaveEachSourceWhereItBelongs) {
     EXPECT_EQ(w.registrar.FindConstructor(L"Gauge"), nullptr);
     attempt([&] { w.registrar.Shutdown(), w.registrar.Initialize(); });
     attempt([&] { scope.reset(); });
+    attempt([&] { MakeProvider(w.child.get()); });
     w.child->VisitChildren([](auto& /*left*/) { ADD_FAILURE(); });
   });
 }
@@ -159,6 +160,24 @@ TEST(FailingAllocations, InListenersConnectEachOnce) {
     attempt([&] { view.reset(); });
     EXPECT_EQ(w.Changed(5), "");
   });
+}
+
+TEST(ScopeMemory, KeepsNothingOfSourcesAndListenersThatHaveGone) {
+  World w;
+  const auto source = MakeDataSource<NamedDataSource>(nullptr, L"Other");
+  const auto round = [&] {
+    {
+      View stray(w.log);
+      stray.SetDataSourceProvider(w.child.get());
+      stray.SetDataSourceProvider(nullptr);  // stays registered
+    }
+    w.child->AddDataSource(source.get());
+    w.child->RemoveDataSource(source.get());
+    return LiveAllocations();
+  };
+  round();
+  const auto settled = round();
+  EXPECT_EQ(round(), settled);
 }
 
 TEST(FailingAllocations, InBindsLetThemFollowTheirProperty) {
