@@ -65,7 +65,7 @@ std::vector<Operation<World>> DataOperations() {
       {"RemoveSources", "p6s9s9", &World::RemoveSources, 6},
       {"EndSource", "s9", &World::EndSource, 2},
       {"DeleteSource", "p6n5", &World::DeleteSource, 4},
-      {"LookUp", "p6n5k6", &World::LookUp, 12},
+      {"LookUp", "p6n5k6", &World::LookUp, 12, Wiring},
       {"SetCustomData", "p6k6v4", &World::SetCustomData, 2, Wiring},
       {"RegisterConstructor", "k6", &World::RegisterConstructor, 5},
       {"UnregisterConstructor", "k6", &World::UnregisterConstructor, 2},

@@ -167,6 +167,7 @@ class DataModel : public SourceModel {
     std::string_view categories;
     const void* address = nullptr;
     std::map<int, int> byName = {};
+    std::set<int> arriving = {};  // the names of sources that are being added
     std::vector<int> owned = {};
     std::map<int, int> custom = {};
     std::map<int, std::set<int>> listeners = {};
@@ -208,6 +209,7 @@ class DataModel : public SourceModel {
   int Find(int slot, int name) {
     if (providers[slot].byName.contains(name)) return providers[slot].byName[name];
     if (CanBuild(slot, name)) {
+      if (providers[slot].arriving.contains(name)) return 0;
       Tell("asked", filed[name], slot);
       if (!refuses[filed[name]]) {
         const int built = Make(name);
@@ -219,9 +221,11 @@ class DataModel : public SourceModel {
   }
   void Add(int slot, int source) {
     const int name = sources[source].name;
+    providers[slot].arriving.insert(name);
     for (int i = 0; i < listenerCount; ++i) {
       if (Waits(slot, i, name)) Connect(i, source);
     }
+    providers[slot].arriving.erase(name);
     providers[slot].byName.try_emplace(name, source);
     providers[slot].owned.push_back(source);
   }
@@ -271,6 +275,7 @@ class DataModel : public SourceModel {
     const int life = listeners[which].life;
     std::set<int> kept;
     std::set<int> forwarded;
+    std::set<int> absent;
     for (const int name : names) {
       const bool isHere = providers[slot].byName.contains(name);
       if (isHere) Connect(which, providers[slot].byName[name]);
@@ -278,9 +283,19 @@ class DataModel : public SourceModel {
       const bool isServed = isHere || CanBuild(slot, name);
       if (isServed || keepsUnresolved) kept.insert(name);
       if (!isServed) forwarded.insert(name);
+      if (!isHere && kept.contains(name)) absent.insert(name);
     }
     const int parent = providers[slot].parent;
     if (!forwarded.empty() && parent != -1 && !Add(parent, which, forwarded, false)) return false;
+    // What was built meanwhile did not find it waiting.
+    for (auto next = absent.begin(); next != absent.end();) {
+      const auto built = providers[slot].byName.find(*next++);
+      if (built == providers[slot].byName.end()) continue;
+      absent.erase(built->first);
+      Connect(which, built->second);
+      if (listeners[which].life != life) return false;
+      next = absent.begin();
+    }
     providers[slot].listeners.try_emplace(which, kept);
     return true;
   }
@@ -288,11 +303,11 @@ class DataModel : public SourceModel {
     const int life = listeners[which].life;
     if (providers[slot].parent != -1) Remove(providers[slot].parent, which);
     if (!providers[slot].listeners.contains(which)) return;
-    for (const int name : std::set(providers[slot].listeners[which])) {
+    const auto kept = providers[slot].listeners.extract(which);
+    for (const int name : kept.mapped()) {
       if (!providers[slot].byName.contains(name) || listeners[which].life != life) continue;
       Disconnect(which, providers[slot].byName[name]);
     }
-    providers[slot].listeners.erase(which);
   }
   void Connect(int which, int source) {
     for (Entry& entry : listeners[which].entries) {

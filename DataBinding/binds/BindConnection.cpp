@@ -6,7 +6,6 @@
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/FirstFailure.h"
 #include "Explanation.h"
-#include "ProviderDoor.h"
 
 namespace DataBinding::details {
 
@@ -36,14 +35,12 @@ IDataSourceProvider* BindConnection::Provider() const {
 }
 
 void BindConnection::Enter(IDataSourceProvider* provider) {
-  DataSourceProvider* closed = nullptr;
-  for (auto* scope = provider; scope != nullptr && closed == nullptr; scope = scope->GetParent()) {
-    closed = ProviderDoor::IfClosed(*scope);
-  }
-  isWaiting = closed != nullptr;
+  IDataSourceProvider* connecting = provider;
+  while (connecting != nullptr && !connecting->IsConnecting()) connecting = connecting->GetParent();
+  isWaiting = connecting != nullptr;
   if (isWaiting) {
     links.push_back(std::make_unique<BindLink>(*this, *provider));
-    return links.front()->Await(*closed);
+    return links.front()->Await(*connecting);
   }
   for (auto* scope = provider; scope != nullptr; scope = scope->GetParent()) {
     links.push_back(std::make_unique<BindLink>(*this, *scope));

@@ -6,7 +6,6 @@
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/foundation/BindWeak.h"
 #include "Explanation.h"
-#include "ProviderDoor.h"
 
 namespace DataBinding::details {
 
@@ -20,8 +19,8 @@ BindLink::~BindLink() {
   if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
 }
 
-void BindLink::Await(DataSourceProvider& closed) {
-  ProviderDoor::Await(closed, BindWeak(AsWeakPtr(), &BindLink::Resume));
+void BindLink::Await(IDataSourceProvider& connecting) {
+  connecting.WhenConnected(BindWeak(AsWeakPtr(), &BindLink::Resume));
 }
 
 void BindLink::Resume() { connection.Resume(); }

@@ -22,7 +22,7 @@ class BindLink final : public IDataListener, public SupportsWeakPtr<BindLink> {
   ~BindLink() override;
 
   /// Begins to listen when the provider has called its listeners, together with the outer scopes.
-  void Await(DataSourceProvider& closed);
+  void Await(IDataSourceProvider& connecting);
   /// Begins to listen: for the connection's source, or only for the end of the scope.
   void Listen(bool isSourceWanted);
   /// The source that has the name in the scope, or null.

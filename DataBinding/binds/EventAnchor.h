@@ -8,7 +8,6 @@
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/WeakPtr.h"
-#include "ProviderDoor.h"
 
 namespace DataBinding {
 
@@ -45,9 +44,8 @@ class EventAnchor final : public IDataListener, public SupportsWeakPtr<EventAnch
  private:
   void Listen() {
     if (!scopeLiveness.IsValid()) return;
-    DataSourceProvider* const closed = ProviderDoor::IfClosed(*scope);
-    if (closed == nullptr) return scope->AddDataListener(this, {}, false);
-    ProviderDoor::Await(*closed, BindWeak(AsWeakPtr(), &EventAnchor::Listen));
+    if (!scope->IsConnecting()) return scope->AddDataListener(this, {}, false);
+    scope->WhenConnected(BindWeak(AsWeakPtr(), &EventAnchor::Listen));
   }
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
 

@@ -1,33 +1,49 @@
-/// How a provider changes its sources and listeners.
+/// How a provider changes its sources and listeners, and marks what is under way.
 ///
 /// While it calls listeners it must not be changed; those who would do so leave a callback, which
 /// is run when the outermost change is over. One thread.
 #pragma once
 
+#include <type_traits>
 #include <utility>
 
 #include "DataBinding/DataSourceProvider.h"
 #include "DataBinding/foundation/FirstFailure.h"
-#include "DataBinding/foundation/Meanwhile.h"
 
 namespace DataBinding {
 
-/// The scope of a change. A source that is destroyed in it may end the provider.
-class DataSourceProvider::Changing {
+/// Gives a mark of a provider another value during a scope in which the provider may end.
+template <class T>
+class DataSourceProvider::Marking {
  public:
-  explicit Changing(DataSourceProvider& changed)
-      : provider(changed), liveness(changed.GetLiveness()) {
-    ++provider.changes;
-  }
-  Changing(const Changing&) = delete;
-  Changing& operator=(const Changing&) = delete;
-  ~Changing() {
-    if (liveness.IsValid()) --provider.changes;
+  Marking(const DataSourceProvider& provider, T& changed, std::type_identity_t<T> value)
+      : alive(provider.GetLiveness()), mark(changed), before(std::exchange(changed, value)) {}
+  Marking(const Marking&) = delete;
+  Marking& operator=(const Marking&) = delete;
+  ~Marking() {
+    if (alive.IsValid()) mark = before;
   }
 
  private:
-  DataSourceProvider& provider;
-  details::WeakReference liveness;
+  details::WeakReference alive;
+  T& mark;
+  T before;
+};
+
+/// The scope in which listeners are connected to a source that is being added. The name outlasts
+/// it; room for it was made before.
+class DataSourceProvider::Arrival {
+ public:
+  Arrival(Calls& underWay, VtrStringView name) : calls(underWay), before(calls.arriving.size()) {
+    calls.arriving.push_back(name);
+  }
+  Arrival(const Arrival&) = delete;
+  Arrival& operator=(const Arrival&) = delete;
+  ~Arrival() { calls.arriving.resize(before); }
+
+ private:
+  Calls& calls;
+  std::size_t before;
 };
 
 /// What is awaiting the end is run whatever the step throws. The first exception is let out.
@@ -36,11 +52,11 @@ void DataSourceProvider::Change(Step step) {
   const auto alive = GetLiveness();
   FirstFailure failure;
   {
-    const Changing scope(*this);
+    const Marking changing(*this, calls.changes, calls.changes + 1);
     failure.Try(step);
   }
-  if (alive.IsValid() && changes == 0) {
-    for (const auto& enter : std::exchange(awaiting, {})) failure.Try(enter);
+  if (alive.IsValid() && calls.changes == 0) {
+    for (auto& enter : std::exchange(calls.awaiting, {})) failure.Try([&] { enter(); });
   }
   failure.Rethrow();
 }

@@ -1,6 +1,8 @@
 #include "DataBinding/DataSourceProvider.h"
 
+#include <algorithm>
 #include <cassert>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -22,20 +24,26 @@ DataSourceProvider::DataSourceProvider(IDataSourceProvider* parentProvider,
       categories(String::Split(categoryList, L',', false, true)) {
   // Makes the registrar, if need be, so that at exit it outlives even a static provider.
   static_cast<void>(IDataSourceRegistrar::GetInstance());
-  if (parent != nullptr) parent->AddChild(this);
+  // Makes what this allocates, so that the end needs no memory.
+  static_cast<void>(GetLiveness());
+  if (parent != nullptr) AddChildTo(*parent, this);
 }
 
 DataSourceProvider::DataSourceProvider(const DataSourceProvider&) = default;
 DataSourceProvider& DataSourceProvider::operator=(const DataSourceProvider&) = default;
 
 DataSourceProvider::~DataSourceProvider() {
-  FirstFailure dropped;  // Shutdown completes all its steps; a destructor lets nothing out
-  dropped.Try([this] { DataSourceProvider::Shutdown(); });
-  // What sources built here while they ended.
-  if (!addedSources.empty()) dropped.Try([this] { DataSourceProvider::Shutdown(); });
+  calls.ends = true;
+  FirstFailure dropped;  // shutting down completes all its steps; a destructor lets nothing out
+  dropped.Try([this] { ShutDownFrom(0); });
+  // Ending a source may have made this scope build others; end those too.
+  if (!addedSources.empty()) dropped.Try([this] { ShutDownFrom(0); });
 }
 
-void DataSourceProvider::Destroy() { delete this; }
+/// A source that ends with the provider may ask for the provider's end once more.
+void DataSourceProvider::Destroy() {
+  if (!std::exchange(calls.ends, true)) delete this;
+}
 
 IDataSourceProvider* DataSourceProvider::CreateDataSourceProvider(const wchar_t* categoryList,
                                                                   IDataContext* context) {
@@ -47,9 +55,9 @@ IDataSourceProvider* DataSourceProvider::GetParent() const { return parent; }
 IDataContext* DataSourceProvider::GetDataContext() { return dataContext; }
 
 void DataSourceProvider::SetParent(IDataSourceProvider* newParent) {
-  if (parent != nullptr) parent->RemoveChild(this);
+  if (parent != nullptr) RemoveChildFrom(*parent, this);
   parent = newParent;
-  if (parent != nullptr) parent->AddChild(this);
+  if (parent != nullptr) AddChildTo(*parent, this);
 }
 
 void DataSourceProvider::AddChild(IDataSourceProvider* child) { children.insert(child); }
@@ -59,6 +67,7 @@ void DataSourceProvider::RemoveChild(IDataSourceProvider* child) { children.eras
 IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
   if (name == nullptr) return nullptr;
   if (IDataSource* held = FindLocal(name)) return held;
+  if (IsArriving(name)) return nullptr;
   if (Construction::IsAskedForItself(*this, name)) return nullptr;
   if (IDataSource* built = BuildDataSource(name)) return built;
   return parent == nullptr ? nullptr : parent->GetDataSource(name);
@@ -89,6 +98,7 @@ IDataSource* DataSourceProvider::BuildDataSource(const wchar_t* name) {
   if (!CanBuild(constructor)) return nullptr;
   const Construction underWay(*this, name);
   IDataSource* built = constructor->CreateDataSource(this);
+  const Marking adding(*this, calls.built, built);
   try {
     AddDataSource(built);
   } catch (...) {
@@ -102,11 +112,17 @@ bool DataSourceProvider::CanBuild(IDataSourceConstructor* constructor) const {
   return constructor != nullptr && MatchCategory(constructor->GetCategories(), categories);
 }
 
+/// True for the name of a source that is being added and that would be built here otherwise.
+bool DataSourceProvider::IsArriving(const wchar_t* name) const {
+  return std::ranges::count(calls.arriving, VtrStringView(name)) != 0 &&
+         CanBuild(IDataSourceRegistrar::GetInstance().FindConstructor(name));
+}
+
 bool DataSourceProvider::DeleteLocalDataSourceInstance(const wchar_t* name) {
   if (name == nullptr) return false;
   const auto filed = sourcesByName.find(VtrStringView(name));
   if (filed == sourcesByName.end()) return false;
-  assert(notifications == 0 && "a listener deletes a source while this provider connects it");
+  assert(calls.notifications == 0 && "a listener deletes a source while this provider connects it");
   LetGo(VtrString(filed->first), filed->second, true);
   return false;
 }
@@ -131,7 +147,7 @@ void* DataSourceProvider::GetCustomData(const Guid& id) const {
 const std::vector<VtrString>& DataSourceProvider::GetCategories() const { return categories; }
 
 void DataSourceProvider::GetCombinedCategoryList(std::vector<VtrString>& out) const {
-  if (parent != nullptr) parent->GetCombinedCategoryList(out);
+  if (parent != nullptr) AppendCategoriesOf(*parent, out);
   out.insert(out.end(), categories.begin(), categories.end());
 }
 
@@ -155,52 +171,78 @@ bool DataSourceProvider::MatchCategory(const wchar_t* categoryList,
   return false;
 }
 
-void DataSourceProvider::Shutdown() {
-  assert(notifications == 0 && "a listener shuts this provider down while it is connected");
-  Change([this] { EndAll(); });
+bool DataSourceProvider::IsConnecting() const {
+  return calls.notifications != 0 || calls.tellsItsEnd;
 }
 
-void DataSourceProvider::EndAll() {
+void DataSourceProvider::WhenConnected(OneShotCallback<void()> callback) {
+  if (!IsConnecting()) return callback();
+  calls.awaiting.push_back(std::move(callback));
+}
+
+/// A Shutdown within another one leaves the sources to the outer one, which goes on ending them.
+void DataSourceProvider::Shutdown() {
+  ShutDownFrom(addedSources.empty() ? lastAddition + 1 : addedSources.begin()->first);
+}
+
+/// Ends the sources whose additions have that number or a later one.
+void DataSourceProvider::ShutDownFrom(std::uint64_t first) {
+  assert(calls.notifications == 0 && "a listener shuts this provider down while it is connected");
+  Change([this, first] { EndAll(first); });
+}
+
+/// Each step may end the provider, whose destructor then does what is left.
+void DataSourceProvider::EndAll(std::uint64_t first) {
+  const auto alive = GetLiveness();
   FirstFailure failure;
-  const auto ending = std::exchange(addedSources, {});
+  calls.ending.merge(addedSources);
   additions.clear();
   sourcesByName.clear();
-  for (auto last = ending.rbegin(); last != ending.rend(); ++last) {
+  while (alive.IsValid() && !calls.ending.empty() && calls.ending.rbegin()->first >= first) {
+    const auto last = calls.ending.extract(std::prev(calls.ending.end()));
     // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor means this class
-    failure.Try([&] { DisconnectDataListeners(last->second); });
-    failure.Try([&] { IDataSource::Destroy(last->second); });
+    failure.Try([&] { DisconnectDataListeners(last.mapped()); });
+    failure.Try([&] { IDataSource::Destroy(last.mapped()); });
   }
-  if (!shutDown) {
+  if (alive.IsValid() && !shutDown) {
     failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
   }
-  if (!tellsItsEnd) failure.Try([&] { TellListenersOfTheEnd(); });
-  listeners.clear();
-  waiting.clear();
-  if (parent != nullptr) parent->RemoveChild(this);
-  parent = nullptr;
-  for (IDataSourceProvider* child : std::exchange(children, {})) child->SetParent(parent);
-  children.clear();
-  shutDown = true;
+  if (alive.IsValid()) failure.Try([&] { TellListenersOfTheEnd(); });
+  if (alive.IsValid()) LeaveTree();
   failure.Rethrow();
 }
 
 /// They stay registered until all were told, if there is memory to tell them from a copy: a source
-/// that one of them adds connects the others.
+/// that one of them adds connects the others. When one of them shuts the provider down again, the
+/// outer walk goes on; when one of them ends the provider, the destructor tells the rest.
 void DataSourceProvider::TellListenersOfTheEnd() {
-  const Meanwhile telling(tellsItsEnd, true);
-  FirstFailure failure;
-  std::map<IDataListener*, ListenerEntry> told;
+  if (calls.tellsItsEnd && !calls.ends) return;
   try {
-    told = listeners;
+    if (!calls.tellsItsEnd) calls.untold = listeners;
   } catch (const std::bad_alloc&) {
-    told.swap(listeners);
+    calls.untold.swap(listeners);
     waiting.clear();
   }
-  for (const auto& [listener, entry] : told) {
-    if (!entry.liveness.IsValid()) continue;
-    failure.Try([&, ended = listener] { ended->NotifyDatasourceProviderDestroyed(this); });
+  const auto alive = GetLiveness();
+  const Marking telling(*this, calls.tellsItsEnd, true);
+  FirstFailure failure;
+  while (alive.IsValid() && !calls.untold.empty()) {
+    const auto told = calls.untold.extract(calls.untold.begin());
+    if (!told.mapped().liveness.IsValid()) continue;
+    failure.Try([&] { told.key()->NotifyDatasourceProviderDestroyed(this); });
   }
   failure.Rethrow();
+}
+
+/// Nobody is called who might end the provider.
+void DataSourceProvider::LeaveTree() {
+  listeners.clear();
+  waiting.clear();
+  if (parent != nullptr) RemoveChildFrom(*parent, this);
+  parent = nullptr;
+  for (IDataSourceProvider* child : std::exchange(children, {})) SetParentOf(*child, parent);
+  children.clear();
+  shutDown = true;
 }
 
 }  // namespace DataBinding

@@ -9,19 +9,21 @@
 #include "DataBinding/IDataSource.h"
 #include "DataBinding/IDataSourceRegistrar.h"
 #include "DataBinding/foundation/FirstFailure.h"
+#include "DataBinding/foundation/Meanwhile.h"
 #include "KeptName.h"
 
 namespace DataBinding {
 
 void DataSourceProvider::AddDataSource(IDataSource* source) {
   if (source == nullptr) return;
-  assert(notifications == 0 && "a listener adds a source while this provider connects it");
+  assert((calls.notifications == 0 || source == calls.built) &&
+         "a listener adds a source while this provider connects it");
   // All that filing needs is made first, so that the source is either taken over or left alone.
-  const std::uint64_t number = ++lastAddition;
-  std::map<std::uint64_t, IDataSource*> addition{{number, source}};
-  std::multimap<IDataSource*, std::uint64_t> wayBack{{source, number}};
+  std::map<std::uint64_t, IDataSource*> addition{{0, source}};
+  std::multimap<IDataSource*, std::uint64_t> wayBack{{source, 0}};
   NameMap<IDataSource*> filing;
-  ReserveOneMore(sourcesByName);
+  ReserveOneMore(sourcesByName, calls.arriving.size());
+  calls.arriving.reserve(calls.arriving.size() + 1);
   Change([&] {
     FirstFailure failure;
     if (const wchar_t* name = source->GetDataSourceName()) {
@@ -29,14 +31,18 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
       failure.Try([&] { ConnectWaiting(key, source); });
     }
     sourcesByName.merge(filing);
-    addedSources.merge(addition);
+    // Listeners may have made this scope build others, which are added before it.
+    auto numbered = addition.extract(addition.begin());
+    numbered.key() = wayBack.begin()->second = ++lastAddition;
+    addedSources.insert(std::move(numbered));
     additions.merge(wayBack);
     failure.Rethrow();
   });
 }
 
 void DataSourceProvider::ConnectWaiting(const VtrString& name, IDataSource* source) {
-  const Meanwhile notifying(notifications, notifications + 1);
+  const Arrival arriving(calls, name);
+  const Meanwhile notifying(calls.notifications, calls.notifications + 1);
   FirstFailure failure;
   IDataListener* listener = nullptr;
   while ((listener = NextWaiting(name, listener)) != nullptr) {
@@ -51,7 +57,7 @@ void DataSourceProvider::AddDataSources(IDataSource* const* sources, std::size_t
 
 void DataSourceProvider::RemoveDataSource(IDataSource* source) {
   if (source == nullptr || source->GetDataSourceName() == nullptr) return;
-  assert(notifications == 0 && "a listener removes a source while this provider connects it");
+  assert(calls.notifications == 0 && "a listener removes a source while this provider connects it");
   const auto filed = sourcesByName.find(VtrStringView(source->GetDataSourceName()));
   if (filed != sourcesByName.end()) LetGo(VtrString(filed->first), source, false);
 }
@@ -77,8 +83,8 @@ void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   const wchar_t* name = source->GetDataSourceName();
   if (name == nullptr) return;
   const KeptName key(name);
-  const Meanwhile notifying(notifications, notifications + 1);
-  const Meanwhile going(leaving, source);
+  const Meanwhile notifying(calls.notifications, calls.notifications + 1);
+  const Meanwhile going(calls.leaving, source);
   FirstFailure failure;
   IDataListener* listener = nullptr;
   while ((listener = NextWaiting(key, listener)) != nullptr) {
@@ -103,32 +109,56 @@ IDataListener* DataSourceProvider::NextWaiting(VtrStringView name, IDataListener
 void DataSourceProvider::AddDataListener(IDataListener* listener, const std::set<VtrString>& names,
                                          bool keepUnresolved) {
   if (listener == nullptr) return;
-  assert(notifications == 0 && "a listener is added while this provider connects one");
+  assert(calls.notifications == 0 && "a listener is added while this provider connects one");
   Change([&] { ConnectAndFile(listener, names, keepUnresolved); });
 }
 
 void DataSourceProvider::ConnectAndFile(IDataListener* listener, const std::set<VtrString>& names,
                                         bool keepUnresolved) {
   const auto alive = listener->liveness.GetRef();
+  const std::uint64_t before = lastAddition;
   std::set<VtrString> kept;
   std::set<VtrString> forwarded;
+  std::vector<const VtrString*> absent;
   for (const auto& name : names) {
     IDataSource* local = GetLocalDataSourceInstance(name);
     IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
-    if (local != nullptr) {
-      const Meanwhile notifying(notifications, notifications + 1);
-      listener->ConnectToDatasource(local);
-      if (!alive.IsValid()) return;
-    }
+    if (local != nullptr) Connect(listener, local);
+    if (!alive.IsValid()) return;
     const bool servedHere = local != nullptr || CanBuild(constructor);
     if (servedHere || keepUnresolved) kept.insert(kept.end(), name);
     if (!servedHere) forwarded.insert(forwarded.end(), name);
+    if (local == nullptr) absent.push_back(&name);
   }
   if (!forwarded.empty() && parent != nullptr) {
     parent->AddDataListener(listener, forwarded, false);
     if (!alive.IsValid()) return;
   }
-  FileListener(listener, std::move(kept));
+  // It was not waiting yet for what was built here while it was connected to others.
+  if (lastAddition != before) ConnectBuilt(listener, absent, kept);
+  if (alive.IsValid()) FileListener(listener, std::move(kept));
+}
+
+void DataSourceProvider::Connect(IDataListener* listener, IDataSource* source) {
+  const Meanwhile notifying(calls.notifications, calls.notifications + 1);
+  listener->ConnectToDatasource(source);
+}
+
+/// Begins anew after each call, in which more may be built.
+void DataSourceProvider::ConnectBuilt(IDataListener* listener,
+                                      std::vector<const VtrString*>& absent,
+                                      const std::set<VtrString>& kept) {
+  const auto alive = listener->liveness.GetRef();
+  for (auto next = absent.begin(); alive.IsValid() && next != absent.end();) {
+    IDataSource* built = kept.contains(**next) ? GetLocalDataSourceInstance(**next) : nullptr;
+    if (built == nullptr) {
+      ++next;
+      continue;
+    }
+    absent.erase(next);
+    Connect(listener, built);
+    next = absent.begin();
+  }
 }
 
 void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrString>&& kept) {
@@ -147,15 +177,17 @@ void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrStrin
   }
 }
 
-void DataSourceProvider::ForgetListener(IDataListener* listener) {
-  const auto entry = listeners.extract(listener);
-  if (entry.empty()) return;
+/// Takes a listener off and gives what was known of it.
+DataSourceProvider::ListenerEntry DataSourceProvider::ForgetListener(IDataListener* listener) {
+  auto entry = listeners.extract(listener);
+  if (entry.empty()) return {};
   for (const auto& name : *entry.mapped().names) {
     const auto found = waiting.find(name);
     if (found == waiting.end()) continue;
     found->second.erase(listener);
     if (found->second.empty()) waiting.erase(found);
   }
+  return std::move(entry.mapped());
 }
 
 void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
@@ -163,20 +195,19 @@ void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
   if (listeners.contains(listener)) Change([&] { DisconnectAndForget(listener); });
 }
 
+/// The listener is taken off first, lest a source that it asks for meanwhile connects it again. It
+/// may end in a call. Needs no memory, since destructors of listeners come here.
 void DataSourceProvider::DisconnectAndForget(IDataListener* listener) {
-  const auto filed = listeners.find(listener);
-  if (filed == listeners.end()) return;
-  if (!filed->second.liveness.IsValid()) return ForgetListener(listener);
-  // The entry's names must outlast the calls, in which the listener may end. They are shared, since
-  // destructors of listeners come here, which let nothing out.
-  const auto names = filed->second.names;
-  const auto alive = filed->second.liveness;
-  const Meanwhile notifying(notifications, notifications + 1);
-  for (const auto& name : *names) {
+  const ListenerEntry entry = ForgetListener(listener);
+  if (!entry.liveness.IsValid()) return;
+  const Meanwhile notifying(calls.notifications, calls.notifications + 1);
+  FirstFailure failure;
+  for (const auto& name : *entry.names) {
     IDataSource* source = GetLocalDataSourceInstance(name);
-    if (source != nullptr && alive.IsValid()) listener->DisconnectFromDatasource(source);
+    if (source == nullptr || !entry.liveness.IsValid()) continue;
+    failure.Try([&] { listener->DisconnectFromDatasource(source); });
   }
-  ForgetListener(listener);
+  failure.Rethrow();
 }
 
 }  // namespace DataBinding

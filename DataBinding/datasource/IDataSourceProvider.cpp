@@ -8,6 +8,10 @@ void IDataSourceProvider::Destroy(IDataSourceProvider* provider) {
   if (provider != nullptr) provider->Destroy();
 }
 
+bool IDataSourceProvider::IsConnecting() const { return false; }
+
+void IDataSourceProvider::WhenConnected(OneShotCallback<void()> callback) { callback(); }
+
 // What is attached to a provider is no part of its state: a proxy may set it on a const one.
 CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)

@@ -164,11 +164,13 @@ void DataSourceRegistrar::Shutdown() {
   EndRoot();
 }
 
+/// A source that ends with the root may shut the registrar down once more, or initialize it.
 void DataSourceRegistrar::EndRoot() {
-  IDataSourceProvider::Destroy(rootProvider);
+  IDataSourceProvider* const root = rootProvider;
+  IDataSourceProvider::Destroy(root);
   // It has detached itself from the installed registrar, which may be another.
-  providers.erase(rootProvider);
-  rootProvider = nullptr;
+  providers.erase(root);
+  if (rootProvider == root) rootProvider = nullptr;
 }
 
 }  // namespace DataBinding

@@ -1,13 +1,14 @@
 /// The provider that the library itself builds: see IDataSourceProvider for what it does.
 ///
 /// Re-entrancy: from inside its ConnectToDatasource or DisconnectFromDatasource a listener must not
-/// add or remove listeners or sources of the provider that calls it, nor look up a name that this
-/// provider would have to build, nor reach it by way of a scope within it, which passes on names
-/// and listeners that it does not serve. Debug builds assert it, but for taking a listener off. A
-/// listener may end there, itself or another one: it is then not called any more. Binds may be
-/// connected there; they wait until the provider has called the others. An entry that was left
-/// behind, because its listener moved to another provider or a scope between them was shut down,
-/// knows whether the listener lives, and is dropped silently when it does not. One thread.
+/// add or remove listeners or sources of the provider that calls it, nor do so by way of a scope
+/// within it, which passes on listeners that it does not serve. Debug builds assert it, but for
+/// taking a listener off. It may look up names, also where the provider has to build the source;
+/// one that is just being added is not found yet. A listener may end there, itself or another one:
+/// it is then not called any more. A source that ends, and a listener that hears of the provider's
+/// end, may end the provider, which does then what is left. An entry that was left behind, because
+/// its listener moved to another provider or a scope between them was shut down, knows whether the
+/// listener lives, and is dropped silently when it does not. One thread.
 #pragma once
 
 #include <cstdint>
@@ -68,6 +69,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   [[nodiscard]] bool MatchCategory(const wchar_t* categoryList) const override;
   void Shutdown() override;
   [[nodiscard]] const std::vector<VtrString>& GetCategories() const override;
+  [[nodiscard]] bool IsConnecting() const override;
+  void WhenConnected(OneShotCallback<void()> callback) override;
 
   /// True when the comma-separated list holds one of the categories, exactly, case included.
   [[nodiscard]] static bool MatchCategory(const wchar_t* categoryList,
@@ -109,6 +112,31 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     std::shared_ptr<const std::set<VtrString>> names;
     details::WeakReference liveness;
   };
+  /// What is under way in a provider. Its copies have nothing under way, and a provider that
+  /// another is assigned to goes on with its own.
+  struct Calls {
+    Calls() = default;
+    Calls(const Calls& /*others*/) noexcept {}
+    Calls& operator=(const Calls& /*others*/) noexcept { return *this; }
+    ~Calls() = default;
+
+    /// The changes, one within the other, and the calls to listeners within them.
+    int changes = 0;
+    int notifications = 0;
+    bool tellsItsEnd = false;
+    /// The provider is being destroyed.
+    bool ends = false;
+    /// The source from which the listeners are just being disconnected.
+    IDataSource* leaving = nullptr;
+    /// The source that was built by name and is just being added.
+    IDataSource* built = nullptr;
+    /// The names of the sources to which listeners are just being connected.
+    std::vector<VtrStringView> arriving;
+    /// The sources that a Shutdown has yet to end, and the listeners that it has yet to tell.
+    std::map<std::uint64_t, IDataSource*> ending;
+    std::map<IDataListener*, ListenerEntry> untold;
+    std::vector<OneShotCallback<void()>> awaiting;
+  };
   void Destroy() override;
   void SetParent(IDataSourceProvider* newParent) override;
   void AddChild(IDataSourceProvider* child) override;
@@ -116,7 +144,9 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   void GetCombinedCategoryList(std::vector<VtrString>& out) const override;
   void DisconnectDataListeners(IDataSource* source) override;
 
-  class Changing;
+  template <class T>
+  class Marking;
+  class Arrival;
   /// Runs a change of sources or listeners and, when it is the outermost one, what awaits its end.
   template <class Step>
   void Change(Step step);
@@ -125,14 +155,20 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   [[nodiscard]] IDataSource* FindLocal(const wchar_t* name) const;
   void LetGo(const VtrString& name, IDataSource* source, bool ends);
   void ForgetSource(IDataSource* source);
+  [[nodiscard]] bool IsArriving(const wchar_t* name) const;
   void ConnectWaiting(const VtrString& name, IDataSource* source);
   void ConnectAndFile(IDataListener* listener, const std::set<VtrString>& names,
                       bool keepUnresolved);
+  void Connect(IDataListener* listener, IDataSource* source);
+  void ConnectBuilt(IDataListener* listener, std::vector<const VtrString*>& absent,
+                    const std::set<VtrString>& kept);
   void FileListener(IDataListener* listener, std::set<VtrString>&& kept);
   void DisconnectAndForget(IDataListener* listener);
-  void ForgetListener(IDataListener* listener);
-  void EndAll();
+  ListenerEntry ForgetListener(IDataListener* listener);
+  void ShutDownFrom(std::uint64_t first);
+  void EndAll(std::uint64_t first);
   void TellListenersOfTheEnd();
+  void LeaveTree();
   [[nodiscard]] IDataListener* NextWaiting(VtrStringView name, IDataListener* after);
 
   IDataSourceProvider* parent;
@@ -149,13 +185,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// The same listeners by the names that they wait for here.
   NameMap<std::set<IDataListener*>> waiting;
   bool shutDown = false;
-  /// The changes that are under way, one within the other, and the calls to listeners within them.
-  int changes = 0;
-  int notifications = 0;
-  bool tellsItsEnd = false;
-  /// The source from which the listeners are just being disconnected.
-  IDataSource* leaving = nullptr;
-  std::vector<RepeatingCallback<void()>> awaiting;
+  Calls calls;
 };
 
 }  // namespace DataBinding

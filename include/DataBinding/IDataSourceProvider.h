@@ -14,6 +14,7 @@
 #include "DataBinding/CustomDataProxy.h"
 #include "DataBinding/Export.h"
 #include "DataBinding/Fwd.h"
+#include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/Guid.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/VantorGeneric.h"
@@ -98,8 +99,6 @@ class DATABINDING_API IDataSourceProvider {
   virtual void Shutdown() = 0;
 
  private:
-  friend class DataSourceProvider;
-
   virtual void Destroy() = 0;
 
  public:
@@ -139,6 +138,17 @@ class DATABINDING_API IDataSourceProvider {
   virtual void GetCombinedCategoryList(std::vector<VtrString>& out) const = 0;
   virtual void DisconnectDataListeners(IDataSource* source) = 0;
 
+ public:
+  /// True while the provider calls its listeners, because a source comes or goes or because it ends
+  /// itself. Nothing may be added to it or removed from it then; a name that it has to build may be
+  /// asked for. False for providers that do not tell.
+  [[nodiscard]] virtual bool IsConnecting() const;
+  /// Runs the callback once the provider may be changed: at once, or when the outermost change that
+  /// is under way is over. What it throws then leaves the operation that made the change. It is
+  /// dropped when the provider ends before.
+  virtual void WhenConnected(OneShotCallback<void()> callback);
+
+ private:
   details::WeakReferenceOwner liveness;
 };
 

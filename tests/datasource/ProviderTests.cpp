@@ -123,6 +123,109 @@ TEST_F(Providers, DestructionSwallowsWhatSourcesThrow) {
   EXPECT_EQ(Notes(), "~Doc");
 }
 
+TEST_F(Providers, MayEndInsideTheirOwnShutdownAndDoWhatIsLeft) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"-Map", "-Map -Doc ~Doc -Art ~Art gone gone ~Map"},
+      {"gone", "-Map ~Map -Doc ~Doc -Art ~Art gone gone"},
+  };
+  for (const auto& [when, expected] : cases) {
+    LoggedListener one(log);
+    LoggedListener two(log);
+    child = MakeProvider();
+    child->AddDataListener(&one, {L"Art", L"Doc", L"Map"}, true);
+    child->AddDataListener(&two, {}, true);
+    for (const auto* name : {L"Art", L"Doc", L"Map"}) {
+      Add(child, name)->onPreDestroy = [&] {
+        if (when == std::string("-Map")) child.reset();
+      };
+    }
+    one.hook = two.hook = [&](const std::string& note) {
+      if (note == "gone" && note == when) child.reset();
+    };
+    log.clear();
+    child->Shutdown();
+    EXPECT_EQ(Notes(), expected);
+    EXPECT_EQ(child, nullptr);
+  }
+}
+
+TEST_F(Providers, RootMayBeShutDownByASourceThatEndsWithIt) {
+  registrar.Initialize();
+  IDataSourceProvider* const root = registrar.GetRootProvider();
+  auto source = MakeDataSource<LoggedSource>(root, L"Doc", log);
+  source->onPreDestroy = [this] { registrar.Shutdown(); };
+  root->AddDataSource(source.release());
+  registrar.Shutdown();
+  EXPECT_EQ(Notes(), "~Doc");
+  EXPECT_EQ(registrar.GetRootProvider(), nullptr);
+}
+
+TEST_F(Providers, EndWhatWasBuiltInThemWhileTheyEnded) {
+  LoggedConstructor map(log, "map", L"Map", L"C");
+  registrar.RegisterDataSource(&map);
+  Add(child, L"Doc")->onPreDestroy = [this] { child->GetDataSource(L"Map"); };
+  Notes();
+  IDataSourceProvider::Destroy(child.get());
+  static_cast<void>(child.release());
+  EXPECT_EQ(Notes(), "~Doc ~Map");
+}
+
+TEST_F(Providers, CopiesThatAreMadeInACallHaveNoCallUnderWay) {
+  for (const std::string when : {"+Doc", "gone"}) {
+    ProviderPtr copy;
+    LoggedListener listener(log);
+    child = MakeProvider();
+    child->AddDataListener(&listener, {L"Doc"}, true);
+    listener.hook = [&](const std::string& note) {
+      if (note == when && copy == nullptr) copy.reset(new DataSourceProvider(*child));
+    };
+    auto source = MakeDataSource<LoggedSource>(nullptr, L"Doc", log);
+    child->AddDataSource(source.get());
+    child->RemoveDataSource(source.get());
+    child->Shutdown();
+    Notes();
+    EXPECT_FALSE(copy->IsConnecting());
+    copy.reset();
+    EXPECT_EQ(Notes(), "gone");
+  }
+}
+
+TEST_F(Providers, ThatAreAssignedToInACallGoOnWithIt) {
+  const ProviderPtr other = MakeProvider();
+  child = MakeProvider();
+  LoggedListener listener(log);
+  listener.hook = [&](const std::string&) {
+    if (child->GetDataSource(L"Doc") == nullptr) *child = *other;
+    child->WhenConnected([&] { log += "over "; });
+  };
+  child->AddDataListener(&listener, {L"Doc"}, true);
+  Add(child, L"Doc");
+  EXPECT_EQ(Notes(), "+Doc over");
+  child->AddDataListener(&listener, {L"Doc"}, true);
+  EXPECT_EQ(Notes(), "+Doc over");
+  EXPECT_FALSE(child->IsConnecting());
+}
+
+/// A provider of a client's own, which other providers take into their tree.
+class Foreign : public DataSourceProvider {
+ public:
+  using DataSourceProvider::DataSourceProvider;
+  void Adopt(IDataSourceProvider& scope) { SetParentOf(scope, this); }
+  std::string Categories(const IDataSourceProvider& scope) const {
+    std::vector<VtrString> all;
+    AppendCategoriesOf(scope, all);
+    return Joined(all);
+  }
+};
+
+TEST_F(Providers, OfAClientsOwnMayTakeOthersIntoTheirTree) {
+  Foreign foreign(nullptr, L"F", nullptr);
+  foreign.Adopt(*child);
+  EXPECT_EQ(child->GetParent(), &foreign);
+  EXPECT_EQ(foreign.Categories(*child), "F C");
+  parent->VisitChildren([](auto&) { FAIL() << "the former parent still has a child"; });
+}
+
 TEST_F(Providers, CopiesAreNoChildren) {
   parent->SetCustomData(Guid{1}, &log);
   const ProviderPtr copy(new DataSourceProvider(*child));

@@ -91,14 +91,20 @@ TEST_F(Wiring, SourceIsTakenOverAlthoughAListenerThrows) {
   EXPECT_EQ(Notes(), "+Doc -Doc");
 }
 
-/// Its name is good until it is asked for again.
+/// Its name is good until it is asked for again, and then overwritten.
 class Renewing final : public LoggedSource {
  public:
   using LoggedSource::LoggedSource;
   const wchar_t* GetDataSourceName() override {
-    return shown = VtrString().Format(L"%s", VtrStringView(LoggedSource::GetDataSourceName()));
+    shown[at].assign(shown[at].size(), L'?');
+    at = 1 - at;
+    shown[at] = LoggedSource::GetDataSourceName();
+    return shown[at].c_str();
   }
-  VtrString shown;
+
+ private:
+  std::wstring shown[2];
+  int at = 0;
 };
 
 TEST_F(Wiring, NameThatIsMadeAnewAtEachAskingServesAllListeners) {
@@ -108,6 +114,56 @@ TEST_F(Wiring, NameThatIsMadeAnewAtEachAskingServesAllListeners) {
   child->AddDataSource(MakeDataSource<Renewing>(child.get(), L"Doc", log).release());
   child->DeleteLocalDataSourceInstance(L"Doc");
   EXPECT_EQ(Notes(), "+Doc +Doc -Doc -Doc ~Doc");
+}
+
+TEST_F(Wiring, SourceIsFoundByItsNameUntilItHasGoneButNotBeforeItHasCome) {
+  LoggedConstructor doc(log, "doc", L"Doc", L"C");
+  registrar.RegisterDataSource(&doc);
+  std::vector<IDataSource*> found;
+  listener->hook = [&](const std::string&) { found.push_back(child->GetDataSource(L"Doc")); };
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  IDataSource* source = child->GetDataSource(L"Doc");
+  child->RemoveDataSource(source);
+  child->AddDataSource(source);
+  child->DeleteLocalDataSourceInstance(L"Doc");
+  EXPECT_EQ(found, (std::vector<IDataSource*>{nullptr, source, nullptr, source}));
+  listener->hook = nullptr;
+}
+
+TEST_F(Wiring, ListenerMayAskForNamesThatAreBuiltThen) {
+  LoggedConstructor art(log, "art", L"Art", L"C");
+  LoggedConstructor map(log, "map", L"Map", L"C");
+  registrar.RegisterDataSource(&art);
+  registrar.RegisterDataSource(&map);
+  listener->hook = [&](const std::string& note) {
+    if (note == "+Doc") child->GetDataSource(L"Art");
+    if (note == "+Art") child->GetDataSource(L"Map");
+    if (note == "-Doc") child->GetDataSource(L"Art");
+  };
+  const std::set<VtrString> names{L"Art", L"Doc", L"Map"};
+  Add(child, L"Doc");
+  Notes();
+  child->AddDataListener(&*listener, names, true);
+  EXPECT_EQ(Notes(), "+Doc +Art +Map");
+  child->DeleteLocalDataSourceInstance(L"Art");
+  Notes();
+  child->RemoveDataListener(&*listener);
+  EXPECT_EQ(Notes(), "-Doc -Map");  // without a "+Art"
+  listener->hook = nullptr;
+}
+
+TEST_F(Wiring, ProviderTellsWhenItMayBeChanged) {
+  const auto addArt = [&] { Add(child, L"Art"); };
+  listener->hook = [&](const std::string& note) {
+    log += child->IsConnecting() ? "connecting " : "";
+    if (note == "+Doc") child->WhenConnected(addArt);
+  };
+  child->AddDataListener(&*listener, {L"Art", L"Doc"}, true);
+  Add(child, L"Doc");
+  EXPECT_EQ(Notes(), "+Doc connecting +Art connecting");
+  child->WhenConnected([&] { log += child->IsConnecting() ? "late " : "at once "; });
+  EXPECT_EQ(Notes(), "at once");
+  listener->hook = nullptr;
 }
 
 #if !defined(NDEBUG)

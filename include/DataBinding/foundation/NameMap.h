@@ -43,12 +43,14 @@ struct NameEqual {
 template <class Value>
 using NameMap = std::unordered_map<VtrPlatform::VtrString, Value, NameHash, NameEqual>;
 
-/// Makes room for one more, so that inserting a node cannot fail.
+/// Makes room for one more, so that inserting a node cannot fail. `promised` counts those for which
+/// room was made that are not inserted yet.
 template <class Value>
-void ReserveOneMore(NameMap<Value>& map) {
+void ReserveOneMore(NameMap<Value>& map, std::size_t promised = 0) {
   const double room = static_cast<double>(map.bucket_count()) * map.max_load_factor();
   const bool isFresh = map.bucket_count() == 1;  // libstdc++ makes buckets at the first insertion
-  if (isFresh || static_cast<double>(map.size() + 1) > room) map.reserve(2 * map.size() + 1);
+  const std::size_t size = map.size() + promised;
+  if (isFresh || static_cast<double>(size + 1) > room) map.reserve(2 * size + 1);
 }
 
 }  // namespace VtrUtils
