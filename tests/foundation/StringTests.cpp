@@ -112,7 +112,7 @@ TEST(Strings, CompareIsOrdinalAndCompareNoCaseFoldsByUnicode) {
 template <class Text>
 void CompareWithAppAndZebra(const Text& app, const Text& zebra) {
   const VtrString text = L"app\0le"sv;
-  EXPECT_TRUE(text != app && app < text && !(text <= app) && zebra < app && text > zebra);
+  EXPECT_TRUE(text != app && app < text && !(text <= app) && text > zebra);
   EXPECT_TRUE(VtrString(app) == app && app == VtrString(app) && VtrString(app) >= app);
   const std::set<VtrString, std::less<>> names{text, VtrString(app), VtrString(zebra)};
   EXPECT_TRUE(*names.begin() == zebra && names.find(app) == std::next(names.begin()));
@@ -126,7 +126,7 @@ TEST(Strings, CompareWithAnyWideText) {
   CompareWithAppAndZebra<VtrString>(L"app", L"Zebra");
 }
 
-TEST(Strings, GoToNarrowStreamsAsUtf8) {
+TEST(Strings, GoToStreamsOfEitherWidth) {
   std::ostringstream narrow;
   std::wostringstream wide;
   narrow << VtrString(L"Größe") << VtrString() << '.';
