@@ -1,19 +1,32 @@
 #include "DataBinding/IAppEventBroadcaster.h"
 
+#include <utility>
+
 #include "DataBinding/foundation/Cancellation.h"
 #include "DeliveryScope.h"
 
 namespace DataBinding {
 
 IAppEventBroadcaster::IAppEventBroadcaster() = default;
-IAppEventBroadcaster::~IAppEventBroadcaster() = default;
+/// What a hook owns may take others off while it ends.
+IAppEventBroadcaster::~IAppEventBroadcaster() { const auto ended = std::exchange(eventHooks, {}); }
 
 int IAppEventBroadcaster::RegisterEventHook(EventHook hook, const void* owner) {
   eventHooks.insert_or_assign(nextHookId, Hook{hook, owner});
   return nextHookId++;
 }
 
-bool IAppEventBroadcaster::UnregisterEventHook(int id) { return eventHooks.erase(id) != 0; }
+bool IAppEventBroadcaster::UnregisterEventHook(int id) { return !eventHooks.extract(id).empty(); }
+
+Subscription IAppEventBroadcaster::AddEventHook(const EventHookCallback& hook) {
+  if (!hook) return {};
+  Subscription added([events = GetWeakPtr(), id = nextHookId] {
+    if (events) static_cast<IAppEventBroadcaster&>(*events).UnregisterEventHook(id);
+  });
+  eventHooks.insert_or_assign(nextHookId, Hook{hook});
+  ++nextHookId;
+  return added;
+}
 
 int IAppEventBroadcaster::UnregisterEventHooks(const void* owner) {
   if (owner == nullptr) return 0;

@@ -2,11 +2,13 @@
 ///
 /// Beside what every broadcaster does it has hooks, which see all events with their arguments, for
 /// logs and test tools. It is made on first use and ends when it is released or the library is
-/// unloaded; a later use makes another one, without the subscriptions of the first. Hooks belong to
-/// the delivering thread.
+/// unloaded; a later use makes another one, without the subscriptions of the first. What was made
+/// by Subscribe is made anew; listeners are brought back by
+/// WAppEventRegistrar::UnregisterAppEvents. Hooks belong to the delivering thread.
 ///
 ///   auto& events = IAppEventBroadcaster::GetInstance();
-///   const int id = events.RegisterEventHook(EventHook::To<&Log::OnEvent>(log));
+///   const Subscription seen = events.AddEventHook([](const VtrString& name, const auto& args)
+///   {...});
 #pragma once
 
 #include <map>
@@ -15,14 +17,18 @@
 #include "DataBinding/EventBroadcaster.h"
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/Any.h"
+#include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/Delegate.h"
 #include "DataBinding/foundation/Singleton.h"
 #include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
 
 namespace DataBinding {
 
 /// Sees each event: its name, and its arguments in their order and exact types. Owns nothing.
 using EventHook = Delegate<void(VtrString, const std::vector<Any>&)>;
+/// The same as any callable, which is owned.
+using EventHookCallback = RepeatingCallback<void(const VtrString&, const std::vector<Any>&)>;
 
 #if defined(__GNUC__)  // the base's destructor is deliberately not virtual
 #pragma GCC diagnostic push
@@ -39,6 +45,9 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
   bool UnregisterEventHook(int id);
   /// Removes all hooks that were registered for an owner, and says how many. None for null.
   int UnregisterEventHooks(const void* owner);
+  /// Adds a hook until the subscription ends, which it may do after the broadcaster, on the
+  /// delivering thread. It has an id like the others. A null callback gives an inert subscription.
+  Subscription AddEventHook(const EventHookCallback& hook);
 
  protected:
   [[nodiscard]] bool AnyEventHooksRegistered() const override;
@@ -47,7 +56,7 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
  private:
   friend class VtrUtils::Singleton<IAppEventBroadcaster, 0>;
   struct Hook {
-    EventHook call;
+    EventHookCallback call;
     const void* owner = nullptr;
   };
 

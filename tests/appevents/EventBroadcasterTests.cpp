@@ -5,7 +5,7 @@
 namespace DataBinding::Testing {
 namespace {
 
-class Cleanups : public Events {
+class EventCleanups : public Events {
  protected:
   /// Leaves a callback that notes the owner's number and then acts.
   void Add(std::size_t owner, std::function<void()> act = nullptr) {
@@ -20,9 +20,18 @@ class Cleanups : public Events {
   PolicyEventBroadcaster* const target = &*broadcaster;
 };
 
-TEST_F(Cleanups, RunOnceInOrderOfTheirOwnersAndMayAddAndRemoveOthersAndThrow) {
-  const auto weak = broadcaster->GetWeakPtr();
+TEST_F(EventCleanups, RunOnceInOrderOfTheirOwnersUnlessTheyWereRemoved) {
   for (const std::size_t owner : {4u, 1u, 2u, 5u}) Add(owner);
+  broadcaster->AddCleanupCallback(&owners[4], [this] { log += "second of its owner"; });
+  broadcaster->RemoveCleanupCallback(&owners[5]);
+  broadcaster->RemoveCleanupCallback(this);
+  broadcaster.reset();
+  EXPECT_EQ(log, "124");
+}
+
+TEST_F(EventCleanups, MayThrowAndAddAndRemoveOthers) {
+  const auto weak = broadcaster->GetWeakPtr();
+  for (const std::size_t owner : {1u, 2u}) Add(owner);
   Add(0, [&] {
     EXPECT_TRUE(weak);
     weak->RemoveCleanupCallback(&owners[0]);
@@ -30,15 +39,12 @@ TEST_F(Cleanups, RunOnceInOrderOfTheirOwnersAndMayAddAndRemoveOthersAndThrow) {
     Add(3);
     throw std::runtime_error("cleanup");
   });
-  broadcaster->AddCleanupCallback(&owners[4], [this] { log += "second of its owner"; });
-  broadcaster->RemoveCleanupCallback(&owners[5]);
-  broadcaster->RemoveCleanupCallback(this);
   broadcaster.reset();
   EXPECT_FALSE(weak);
-  EXPECT_EQ(log, "0134");
+  EXPECT_EQ(log, "013");
 }
 
-TEST_F(Cleanups, MayOwnWhatTakesThemOff) {
+TEST_F(EventCleanups, MayOwnWhatTakesThemOff) {
   std::shared_ptr<void> owner(this, [this](auto key) { target->RemoveCleanupCallback(key); });
   broadcaster->AddCleanupCallback(this, [keep = std::move(owner)] { FAIL(); });
   broadcaster->RemoveCleanupCallback(this);
@@ -62,25 +68,62 @@ struct Hook {
   std::vector<Any> values = {};
 };
 
-class Hooks : public Events {
+class EventHooks : public Events {
  protected:
   Hook first{log, '1'}, second{log, '2'}, third{log, '3'};
 };
 
-TEST_F(Hooks, HaveIdsThatAreNeverUsedAgainAndGoSinglyOrByOwner) {
+TEST_F(EventHooks, HaveIdsThatAreNeverUsedAgain) {
   EXPECT_EQ(events().RegisterEventHook(first.Delegate()), 1);
-  EXPECT_EQ(events().RegisterEventHook(second.Delegate(), this), 2);
-  EXPECT_TRUE(events().UnregisterEventHook(1));
-  EXPECT_FALSE(events().UnregisterEventHook(1) || events().UnregisterEventHook(0));
-  EXPECT_EQ(events().RegisterEventHook(third.Delegate(), this), 3);
-  EXPECT_EQ(events().RegisterEventHook(first.Delegate()), 4);
+  EXPECT_EQ(events().RegisterEventHook(second.Delegate()), 2);
+  EXPECT_TRUE(events().UnregisterEventHook(2));
+  EXPECT_FALSE(events().UnregisterEventHook(2) || events().UnregisterEventHook(0));
+  const Subscription added = events().AddEventHook([](const auto&, const auto&) {});
+  EXPECT_EQ(events().RegisterEventHook(third.Delegate()), 4);
+  closed.Send();
+  EXPECT_EQ(log, "13");
+}
+
+TEST_F(EventHooks, GoTogetherWithTheirOwner) {
+  for (Hook* hook : {&first, &second}) events().RegisterEventHook(hook->Delegate(), this);
+  events().RegisterEventHook(third.Delegate());
   EXPECT_EQ(events().UnregisterEventHooks(nullptr), 0);
   EXPECT_EQ(events().UnregisterEventHooks(this), 2);
   closed.Send();
-  EXPECT_EQ(log, "1");
+  EXPECT_EQ(log, "3");
 }
 
-TEST_F(Hooks, SeeAllArgumentsInOrderAfterTheListeners) {
+TEST_F(EventHooks, LastAsLongAsTheirSubscriptionsWhichMayOutliveTheBroadcaster) {
+  EXPECT_FALSE(events().AddEventHook(nullptr));
+  const auto note = [this](const VtrString& name, const auto&) { log += name.ToUtf8(); };
+  Subscription seen = events().AddEventHook(note);
+  closed.Send();
+  seen.Cancel();
+  closed.Send();
+  EXPECT_EQ(Notes(), "Closed");
+  seen = events().AddEventHook(note);
+  IAppEventBroadcaster::ReleaseInstance(false);
+  const Subscription next = events().AddEventHook(note);
+  seen.Cancel();
+  closed.Send();
+  EXPECT_EQ(Notes(), "Closed") << "the next one has the same id";
+}
+
+TEST_F(EventHooks, MayOwnWhatTakesThemselvesAndOthersOff) {
+  const auto own = [](Subscription other) {
+    auto owned = std::make_shared<Subscription>(std::move(other));
+    return events().AddEventHook([owned](const auto&, const auto&) {});
+  };
+  Subscription last = own(own(own({})));
+  closed.Send();
+  last.Cancel();
+  events().RegisterEventHook(first.Delegate());
+  const Subscription left = own(own({}));
+  IAppEventBroadcaster::ReleaseInstance(false);
+  EXPECT_EQ(log, "");
+}
+
+TEST_F(EventHooks, SeeAllArgumentsInOrderAfterTheListeners) {
   const AppEvent<double, int> drawn(L"Drawn");
   const auto heard = drawn.Subscribe([&](const auto&, const auto&) { log += 'a'; });
   events().RegisterEventHook({});
@@ -92,7 +135,7 @@ TEST_F(Hooks, SeeAllArgumentsInOrderAfterTheListeners) {
   EXPECT_EQ(std::any_cast<int>(second.values.at(1)), 7);
 }
 
-TEST_F(Hooks, MayThrowAndAddAndRemoveThemselvesAndOthersAndReleaseTheBroadcaster) {
+TEST_F(EventHooks, MayThrowAndAddAndRemoveThemselvesAndOthers) {
   NoteFailures();
   first.act = [this] {
     events().UnregisterEventHook(1);
@@ -105,12 +148,16 @@ TEST_F(Hooks, MayThrowAndAddAndRemoveThemselvesAndOthersAndReleaseTheBroadcaster
   EXPECT_EQ(Notes(), "1!Closed:hook2");
   closed.Send();
   EXPECT_EQ(Notes(), "23");
-  second.act = [] {
+}
+
+TEST_F(EventHooks, MayReleaseTheBroadcaster) {
+  first.act = [] {
     IAppEventBroadcaster::ReleaseInstance(false);
     throw std::runtime_error("after the end");
   };
+  for (Hook* hook : {&first, &second}) events().RegisterEventHook(hook->Delegate());
   closed.Send();
-  EXPECT_EQ(Notes(), "2");
+  EXPECT_EQ(Notes(), "1");
   EXPECT_FALSE(IAppEventBroadcaster::HasInstance());
 }
 
