@@ -25,6 +25,19 @@ Subscription NamedEvent::Subscribe(IAppEventBroadcaster& broadcaster, const Even
   return events.Channel(name).listeners.Add(callback);
 }
 
+bool NamedEvent::HasListeners(const EventName& name) {
+  if (WAppEventRegistrar::IsAnyWaiting()) WAppEventRegistrar::GetInstance().FlushDelayInitList();
+  if (!IAppEventBroadcaster::HasInstance()) return false;
+  const PolicyEventBroadcaster& broadcaster = IAppEventBroadcaster::GetInstance();
+  if (broadcaster.channels.size() <= name.Number()) return false;
+  const auto& channel = broadcaster.channels[name.Number()];
+  if (channel == nullptr) return false;
+  CallbackWalk walk(channel->listeners.Core());
+  const auto* listener = walk.Next();
+  while (listener != nullptr && listener->state->IsCancelled()) listener = walk.Next();
+  return listener != nullptr;
+}
+
 void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
   const DeliveryScope& scope = DeliveryScope::Of(broadcaster);
   if (WAppEventRegistrar::IsAnyWaiting()) {

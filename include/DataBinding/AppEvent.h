@@ -14,7 +14,10 @@
 
 #include <atomic>
 #include <concepts>
+#include <cstddef>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -36,16 +39,26 @@ namespace DataBinding {
 }
 
 namespace details {
+/// Arguments that refer to what somebody else owns: it may be gone when the event is delivered.
 template <class T>
-inline constexpr bool isTextView = std::same_as<T, VtrStringView>;
+inline constexpr bool isBorrowed = std::same_as<T, VtrStringView>;
 template <class C, class Traits>
-inline constexpr bool isTextView<std::basic_string_view<C, Traits>> = true;
+inline constexpr bool isBorrowed<std::basic_string_view<C, Traits>> = true;
+template <class T, std::size_t extent>
+inline constexpr bool isBorrowed<std::span<T, extent>> = true;
+template <class T>
+inline constexpr bool isBorrowed<std::reference_wrapper<T>> = true;
+template <>
+inline constexpr bool isBorrowed<const char*> = true;
+template <>
+inline constexpr bool isBorrowed<const wchar_t*> = true;
 }  // namespace details
 
 template <class... Args>
 class AppEvent {
   static_assert((std::copyable<Args> && ...), "arguments are copied into the queue and for hooks");
-  static_assert((!details::isTextView<Args> && ...), "a view would not outlast the queue");
+  static_assert((!details::isBorrowed<Args> && ...),
+                "a view, a reference or a plain text may be gone when the queue is delivered");
 
  public:
   /// What subscribes: takes each argument by constant reference.
@@ -73,7 +86,8 @@ class AppEvent {
   DATABINDING_MODULE_LOCAL void Raise(Args... args) const {
     details::NamedEvent::Queue(Known(), Make(std::move(args)...), false);
   }
-  /// The same, in place of the newest queued event of this name: only the latest one counts.
+  /// The same, in place of the newest queued event of this name: only the latest one counts. The
+  /// arguments of the former one end on this thread, before the call returns.
   DATABINDING_MODULE_LOCAL void RaiseLatest(Args... args) const {
     details::NamedEvent::Queue(Known(), Make(std::move(args)...), true);
   }
@@ -92,7 +106,13 @@ class AppEvent {
   Subscription Subscribe(IAppEventBroadcaster& broadcaster, const Callback& callback) const {
     return details::NamedEvent::Subscribe(broadcaster, Known(), callback.GetMemento());
   }
-  /// The text, kept until the process ends. Fixes the signature.
+  /// True when an event that is sent now would be heard: somebody is subscribed, or is about to be,
+  /// for which listeners that wait are subscribed first; what their InitEventMap throws comes out.
+  /// Hooks do not count, nor do callbacks bound to objects that have gone. For the delivering
+  /// thread.
+  [[nodiscard]] bool HasListeners() const { return details::NamedEvent::HasListeners(Known()); }
+  /// The text, kept until the process ends. Fixes the signature: asking the names of all events at
+  /// the start finds a name that is used with two before a thread comes across it.
   [[nodiscard]] const VtrString& Name() const { return Known().Text(); }
 
  private:

@@ -40,6 +40,8 @@ class DATABINDING_API NamedEvent : public PendingEventBase {
   /// Adds a listener of the name's signature.
   static Subscription Subscribe(IAppEventBroadcaster& broadcaster, const EventName& name,
                                 const RepeatingCallbackMemento& callback);
+  /// Whether anybody is subscribed to the name at the process's broadcaster.
+  [[nodiscard]] static bool HasListeners(const EventName& name);
 
  protected:
   NamedEvent(const EventName& eventName, const void* ownerKey) noexcept
