@@ -15,11 +15,15 @@ namespace DataBinding::details {
 class DeliveryScope {
  public:
   explicit DeliveryScope(PolicyEventBroadcaster& delivering) noexcept
-      : broadcaster(&delivering), outer(std::exchange(delivering.delivery, this)) {}
+      : broadcaster(&delivering), outer(std::exchange(delivering.delivery, this)) {
+    broadcaster->pendingEvents->delivering.Enter();
+  }
   DeliveryScope(const DeliveryScope&) = delete;
   DeliveryScope& operator=(const DeliveryScope&) = delete;
   ~DeliveryScope() {
-    if (broadcaster != nullptr) broadcaster->delivery = outer;
+    if (broadcaster == nullptr) return;
+    broadcaster->delivery = outer;
+    broadcaster->pendingEvents->delivering.Leave();
   }
 
   /// The innermost scope of a broadcaster that is delivering.

@@ -79,6 +79,7 @@ void EventBroadcaster<Update, Threading>::Keep(const VtrString& name, EventPtr e
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::Hold(const VtrString& name) {
+  const details::OneThreadVisit visit(pendingEvents->delivering);
   const auto held = holds.try_emplace(name, 0).first;
   DisableEvent(name);
   ++held->second;
@@ -86,8 +87,11 @@ void EventBroadcaster<Update, Threading>::Hold(const VtrString& name) {
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name, bool fireHeldEvent) {
-  const auto held = holds.find(name);
-  if (--held->second == 0) holds.erase(held);
+  {
+    const details::OneThreadVisit visit(pendingEvents->delivering);
+    const auto held = holds.find(name);
+    if (--held->second == 0) holds.erase(held);
+  }
   Lower(name, fireHeldEvent);
 }
 
@@ -314,6 +318,7 @@ DATABINDING_CATCHES_CANCELLATION void EventBroadcaster<Update, Threading>::Repor
 template <class Update, class Threading>
 details::EventChannel& EventBroadcaster<Update, Threading>::Channel(
     const details::EventName& name) {
+  const details::OneThreadVisit visit(pendingEvents->delivering);
   if (channels.size() <= name.Number()) channels.resize(name.Number() + 1);
   auto& channel = channels[name.Number()];
   if (channel == nullptr) {

@@ -18,9 +18,8 @@ PendingEvents::EventPtr PendingEvents::TakeFirst(std::uint32_t ofPass) noexcept 
     Unlink(first);
   }
   EventPtr taken = std::exchange(entries[oldest].event, nullptr);
-  if (++holes == entries.size()) {
+  if (--events == 0) {
     entries.clear();
-    holes = 0;
     ClearIndex();
   }
   return taken;
@@ -31,7 +30,7 @@ void PendingEvents::Take(Batch& batch) noexcept {
   batch.first = std::exchange(first, none);
   batch.rest = indexed;
   last = none;
-  holes = 0;
+  events = 0;
   ClearIndex();
 }
 
@@ -48,6 +47,7 @@ void PendingEvents::CloseHoles(std::vector<Entry> room) noexcept {
   Take(whole);
   for (; whole.Peek() != nullptr; whole.Step()) room.push_back(std::move(whole.Current()));
   entries.swap(room);
+  events = entries.size();
 }
 
 /// The newest entry of a name that still has its event, or none.

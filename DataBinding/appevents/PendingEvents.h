@@ -21,6 +21,7 @@
 
 #include "DataBinding/EventBroadcaster.h"
 #include "DataBinding/EventName.h"
+#include "OneThread.h"
 
 namespace DataBinding::details {
 
@@ -45,7 +46,7 @@ class PendingEvents {
   [[nodiscard]] std::uint32_t BeginPass() noexcept { return ++pass; }
   /// Takes out the oldest event that was queued before that pass began, or null.
   [[nodiscard]] EventPtr TakeFirst(std::uint32_t ofPass) noexcept;
-  [[nodiscard]] bool IsEmpty() const noexcept { return entries.size() == holes; }
+  [[nodiscard]] bool IsEmpty() const noexcept { return events == 0; }
   /// Exchanges all entries for an empty batch, whose memory is used on.
   void Take(Batch& batch) noexcept;
   /// Moves the events of which matches(name, event) is true to `dropped`.
@@ -69,7 +70,7 @@ class PendingEvents {
   static const VtrString& TextOf(const EventName& name) noexcept { return name.Text(); }
 
   std::vector<Entry> entries;
-  std::size_t holes = 0;
+  std::size_t events = 0;
   std::uint32_t pass = 0;
   /// The order of those entries that are indexed; the others follow as they stand.
   std::uint32_t first = none;
@@ -82,6 +83,8 @@ class PendingEvents {
  public:
   /// An emptied batch, kept for its memory. The delivering thread's, not guarded by the lock.
   std::unique_ptr<Batch> spare;
+  /// Deliveries, and changes of what only the delivering thread uses.
+  OneThread delivering;
 };
 
 class PendingEvents::Entry {
@@ -168,8 +171,9 @@ class PendingEvents::Batch {
 
 template <class Name>
 void PendingEvents::Append(const Name& name, EventPtr&& event) {
-  if (entries.size() == entries.capacity() && holes > entries.size() / 2) CloseHoles(Room());
+  if (entries.size() == entries.capacity() && events < entries.size() / 2) CloseHoles(Room());
   entries.emplace_back(name, std::move(event), pass);
+  ++events;
 }
 
 template <class Name>

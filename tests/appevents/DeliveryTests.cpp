@@ -59,23 +59,32 @@ TEST_F(Deliveries, EndWithTheBroadcasterAndKeepTheArgumentsAndTheListenerUntilTh
   EXPECT_EQ(log, "");
 }
 
-TEST_F(Deliveries, HandlerMayThrowReplaceItselfAndReleaseTheBroadcaster) {
+TEST_F(Deliveries, WhatAHandlerThrowsIsKeptAndCountsBesideWhatItWasGiven) {
   Listen('a', [] { throw std::runtime_error("listener"); });
   Listen('b');
-  events().SetErrorHandler([state = std::string("handler")](const auto&, const auto&) {
+  int handled = 0;
+  events().SetErrorHandler([&](const auto&, const auto&) {
+    throw std::runtime_error("handler" + std::to_string(++handled));
+  });
+  for (const int value : {1, 2, 3}) moved.Send(value);
+  EXPECT_EQ(Notes(), "a1b1a2b2a3b3");
+  const EventFailure failure = events().TakeFailure();
+  EXPECT_EQ(failure.eventName.ToUtf8() + What(failure.exception), "Movedhandler1");
+  EXPECT_EQ(failure.others, 5u);
+  EXPECT_FALSE(events().HasFailure());
+}
+
+TEST_F(Deliveries, HandlerMayReplaceItselfAndReleaseTheBroadcaster) {
+  Listen('a', [] { throw std::runtime_error("listener"); });
+  Listen('b');
+  events().SetErrorHandler([&, state = std::string(50, '!')](const auto&, const auto&) {
     events().SetErrorHandler(nullptr);
+    log += state.back();
+    IAppEventBroadcaster::ReleaseInstance(false);
     throw std::runtime_error(state);
   });
   moved.Send(1);
-  EXPECT_EQ(Notes(), "a1b1");
-  const EventFailure failure = events().TakeFailure();
-  EXPECT_EQ(failure.eventName.ToUtf8() + What(failure.exception), "Movedhandler");
-  events().SetErrorHandler([](const auto&, const auto&) {
-    IAppEventBroadcaster::ReleaseInstance(false);
-    throw std::runtime_error("after the end");
-  });
-  moved.Send(2);
-  EXPECT_EQ(Notes(), "a2");
+  EXPECT_EQ(Notes(), "a1!");
   EXPECT_FALSE(IAppEventBroadcaster::HasInstance());
 }
 
@@ -99,6 +108,40 @@ TEST_F(Deliveries, FailureIsKeptOnceTheObjectOfItsHandlerHasGone) {
   moved.Send(2);
   EXPECT_EQ(What(events().TakeFailure().exception), "!");
 }
+
+TEST_F(Deliveries, HaveListenersWhileAnybodyWouldHear) {
+  const auto isHeard = [] { return moved.HasListeners(); };
+  EXPECT_FALSE(isHeard());
+  EXPECT_FALSE(IAppEventBroadcaster::HasInstance());
+  const Subscription hook = events().AddEventHook([](const auto&, const auto&) {});
+  std::optional<Subscription> heard = closed.Subscribe([] {});
+  EXPECT_FALSE(isHeard());
+  heard = moved.Subscribe([](int) {});
+  EXPECT_TRUE(isHeard());
+  heard.reset();
+  EXPECT_FALSE(isHeard());
+  auto journal = std::make_unique<Journal>(log);
+  heard = moved.Subscribe(BindWeak(journal->AsWeakPtr(), [](Journal&, int) {}));
+  EXPECT_TRUE(isHeard());
+  journal.reset();
+  EXPECT_FALSE(isHeard());
+}
+
+#if !defined(NDEBUG)
+TEST_F(Deliveries, OnTwoThreadsAtATimeAssert) {
+  const std::function<void()> uses[] = {
+      [] { moved.Send(2); }, [] { static_cast<void>(closed.Subscribe([] {})); },
+      [] { const EventHold hold(closed); }, [] { events().DispatchPendingEvents(); }};
+  for (const auto& use : uses) {
+    const auto elsewhere = [&use] { std::jthread other(use); };
+    elsewhere();
+    closed.Raise();
+    Listen('a', elsewhere);
+    EXPECT_DEATH(moved.Send(1), "two threads");
+    subscriptions.clear();
+  }
+}
+#endif
 
 }  // namespace
 }  // namespace DataBinding::Testing

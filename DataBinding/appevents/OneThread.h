@@ -1,0 +1,49 @@
+/// What only one thread may be inside at a time, though another one at another time.
+///
+/// Debug builds of the library check it; others do nothing. A thread may enter again while it is
+/// inside. What is entered must outlive the visit.
+#pragma once
+
+#include <atomic>
+#include <cassert>
+#include <cstdint>
+#include <thread>
+
+namespace DataBinding::details {
+
+class OneThread {
+ public:
+#if !defined(NDEBUG)
+  void Enter() noexcept {
+    const auto self = std::this_thread::get_id();
+    std::thread::id nobody;
+    const bool isFirst = inside.compare_exchange_strong(nobody, self);
+    assert((isFirst || nobody == self) && "two threads deliver or subscribe at the same time");
+    ++depth;
+  }
+  void Leave() noexcept {
+    if (--depth == 0) inside.store({});
+  }
+
+ private:
+  std::atomic<std::thread::id> inside;
+  std::uint32_t depth = 0;
+#else
+  void Enter() noexcept {}
+  void Leave() noexcept {}
+#endif
+};
+
+/// Inside from now on until its end.
+class OneThreadVisit {
+ public:
+  explicit OneThreadVisit(OneThread& visited) noexcept : thread(visited) { thread.Enter(); }
+  OneThreadVisit(const OneThreadVisit&) = delete;
+  OneThreadVisit& operator=(const OneThreadVisit&) = delete;
+  ~OneThreadVisit() { thread.Leave(); }
+
+ private:
+  OneThread& thread;
+};
+
+}  // namespace DataBinding::details
