@@ -27,13 +27,17 @@ AppEventListener::~AppEventListener() {
   }
 }
 
-void AppEventListener::InitEventMap() { eventMapInitialised = true; }
+void AppEventListener::InitEventMap() { eventMapInitialised = &typeid(*this); }
+
+bool AppEventListener::IsEventMapInitialised() const noexcept {
+  return eventMapInitialised != nullptr && *eventMapInitialised == typeid(*this);
+}
 
 void AppEventListener::RegisterAppEventListeners() {
   auto& broadcaster = IAppEventBroadcaster::GetInstance();
   broadcaster.AddCleanupCallback(this,
                                  BindWeak(AsWeakPtr(), &AppEventListener::ClearSubscriptions));
-  // By place: an entry that is subscribed may lead to another being added.
+  // An index loop, because Subscribe() may append to eventMap.
   for (std::size_t i = 0; i < eventMap.size(); ++i) {  // NOLINT(modernize-loop-convert)
     if (eventMap[i] != nullptr) subscriptions.push_back(eventMap[i]->Subscribe(broadcaster));
   }

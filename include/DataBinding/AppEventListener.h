@@ -2,20 +2,22 @@
 ///
 /// A subclass says in InitEventMap which events it wants, with On; the map is turned into
 /// subscriptions before the next event is delivered, and dropped when the listener is deactivated
-/// or ends. InitEventMap runs again after UnregisterAppEvents: fill the map only while it is not
-/// initialised. Listeners belong to the delivering thread, and may end in a callback. One that
-/// sends events while it is made or ends is activated last and deactivated first.
+/// or ends. InitEventMap runs again after UnregisterAppEvents. Listeners belong to the delivering
+/// thread, and may end in a callback. One whose members send events while they are made or end is
+/// activated last and deactivated first: its methods would run without the members.
 ///
 ///   void View::InitEventMap() {
-///     if (!IsEventMapInitialised()) On(processStarted, &View::AddRow);
+///     On(processStarted, &View::AddRow);
 ///     AppEventListener::InitEventMap();
 ///   }
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -23,6 +25,7 @@
 #include "DataBinding/Export.h"
 #include "DataBinding/Fwd.h"
 #include "DataBinding/IAppEventListener.h"
+#include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/WeakPtr.h"
@@ -53,8 +56,8 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
 
  protected:
   /// Adds an entry to the map: while this listener lives, the event calls the method, whose
-  /// parameters must accept the event's arguments. Throws std::logic_error for a method of a class
-  /// that this object is not.
+  /// parameters must accept the event's arguments. Does nothing where the map has the event with
+  /// that method. Throws std::logic_error for a method of a class that this object is not.
   template <class... Args, class Function, class Listener>
   requires std::is_function_v<Function>
   void On(const AppEvent<Args...>& event, Function Listener::*method) {
@@ -62,52 +65,76 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
                   "the method does not take the event's arguments");
     auto* const self = dynamic_cast<Listener*>(this);
     if (self == nullptr) throw std::logic_error("an event is mapped to another object's method");
-    eventMap.push_back(std::make_unique<MethodEntry<AppEvent<Args...>, Function, Listener>>(
-        event, method, *self, AsWeakPtr()));
+    using Entry = MethodEntry<Function Listener::*, Args...>;
+    const auto isSame = [&](const std::unique_ptr<AppEventMapEntry>& entry) {
+      const auto* const known = dynamic_cast<const Entry*>(entry.get());
+      return known != nullptr && known->Is(event.Name(), method);
+    };
+    // Not std::ranges, whose objects would keep a plug-in from being unloaded.
+    if (std::any_of(eventMap.begin(), eventMap.end(), isSame)) return;
+    eventMap.push_back(std::make_unique<Entry>(
+        event, method, [alive = AsWeakPtr(), self, method](const Args&... args) {
+          if (alive) (self->*method)(args...);
+        }));
   }
-  /// True once InitEventMap has run to its end, for as long as the listener lives.
-  [[nodiscard]] bool IsEventMapInitialised() const noexcept { return eventMapInitialised; }
+  /// The same for any callable, which the map owns. Each call adds an entry, since callables cannot
+  /// be compared: ask IsEventMapInitialised first.
+  template <class... Args>
+  void On(const AppEvent<Args...>& event,
+          const std::type_identity_t<RepeatingCallback<void(const Args&...)>>& callback) {
+    eventMap.push_back(std::make_unique<CallbackEntry<Args...>>(
+        event, [alive = AsWeakPtr(), callback](const Args&... args) {
+          if (alive) callback(args...);
+        }));
+  }
+  /// True once InitEventMap has run to its end. A run that came while this object was still its
+  /// base class, since a member sent an event, does not count.
+  [[nodiscard]] bool IsEventMapInitialised() const noexcept;
 
   /// Null entries are skipped.
   std::vector<std::unique_ptr<AppEventMapEntry>> eventMap;
 
  private:
-  template <class Event, class Function, class Listener>
+  template <class... Args>
+  class CallbackEntry;
+  template <class Method, class... Args>
   class MethodEntry;
 
   void ClearSubscriptions();
 
   std::vector<Subscription> subscriptions;
-  bool eventMapInitialised = false;
+  const std::type_info* eventMapInitialised = nullptr;  // the class that did it last
   std::int32_t activationCount;
 };
 
-template <class... Args, class Function, class Listener>
-class AppEventListener::MethodEntry<AppEvent<Args...>, Function, Listener> final
-    : public AppEventMapEntry {
+template <class... Args>
+class AppEventListener::CallbackEntry : public AppEventMapEntry {
  public:
-  using Method = Function Listener::*;
+  CallbackEntry(const AppEvent<Args...>& mapped, RepeatingCallback<void(const Args&...)> called)
+      : AppEventMapEntry(mapped.Name()), event(mapped), callback(std::move(called)) {}
 
-  MethodEntry(const AppEvent<Args...>& mapped, Method called, Listener& listener,
-              WeakPtr<AppEventListener> alive)
-      : AppEventMapEntry(mapped.Name()),
-        event(mapped),
-        method(called),
-        target(&listener),
-        liveness(std::move(alive)) {}
-
-  Subscription Subscribe(IAppEventBroadcaster& broadcaster) override {
-    return event.Subscribe(
-        broadcaster, [alive = liveness, listener = target, call = method](const Args&... args) {
-          if (alive) (listener->*call)(args...);
-        });
+  Subscription Subscribe(IAppEventBroadcaster& broadcaster) final {
+    return event.Subscribe(broadcaster, callback);
   }
 
  private:
   AppEvent<Args...> event;
+  RepeatingCallback<void(const Args&...)> callback;
+};
+
+template <class Method, class... Args>
+class AppEventListener::MethodEntry final : public CallbackEntry<Args...> {
+ public:
+  MethodEntry(const AppEvent<Args...>& mapped, Method called,
+              RepeatingCallback<void(const Args&...)> run)
+      : CallbackEntry<Args...>(mapped, std::move(run)), method(called) {}
+
+  [[nodiscard]] bool Is(const VtrString& wanted, Method other) const noexcept {
+    return method == other && this->Name() == wanted;
+  }
+
+ private:
   Method method;
-  Listener* target;
-  WeakPtr<AppEventListener> liveness;
 };
 
 }  // namespace DataBinding

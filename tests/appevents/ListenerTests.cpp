@@ -23,9 +23,9 @@ struct Probe : IAppEventListener {
   char mark;
 };
 
-class Registrar : public Events {
+class AppEventRegistrar : public Events {
  protected:
-  Registrar() {
+  AppEventRegistrar() {
     for (const char mark : {'a', 'b', 'c'})
       Add(probes.emplace_back(std::make_unique<Probe>(log, mark)).get());
   }
@@ -48,7 +48,7 @@ class Registrar : public Events {
   std::vector<std::unique_ptr<Probe>> probes;
 };
 
-TEST_F(Registrar, InitialisesEachListenerOnceAndAgainAfterUnregistering) {
+TEST_F(AppEventRegistrar, InitialisesEachListenerOnceAndAgainAfterUnregistering) {
   Add(nullptr);
   Remove(1);
   EXPECT_EQ(Flushed() + Flushed(), "ia+aic+c");
@@ -62,7 +62,7 @@ TEST_F(Registrar, InitialisesEachListenerOnceAndAgainAfterUnregistering) {
   EXPECT_EQ(Notes() + Flushed(), "") << "it was not subscribed";
 }
 
-TEST_F(Registrar, CountsWhatIsAddedTwiceAsTwo) {
+TEST_F(AppEventRegistrar, CountsWhatIsAddedTwiceAsTwo) {
   for (const std::size_t probe : {1u, 2u, 0u}) Remove(probe);
   for (const std::size_t probe : {0u, 0u}) Add(probes[probe].get());
   EXPECT_EQ(Flushed(), "ia+aia+a");
@@ -72,7 +72,7 @@ TEST_F(Registrar, CountsWhatIsAddedTwiceAsTwo) {
   EXPECT_EQ(Flushed(), "");
 }
 
-TEST_F(Registrar, FlushReachesWhoIsAddedInItAndNotWhoEndsInIt) {
+TEST_F(AppEventRegistrar, FlushReachesWhoIsAddedInItAndNotWhoEndsInIt) {
   Probe added(log, 'n');
   probes[0]->onInit = [&] {
     End(1);
@@ -84,7 +84,7 @@ TEST_F(Registrar, FlushReachesWhoIsAddedInItAndNotWhoEndsInIt) {
   EXPECT_EQ(Unregistered(), "-a-n");
 }
 
-TEST_F(Registrar, UnregisteringInAFlushLeavesNoTraceOfAListenerThatEndsInItToo) {
+TEST_F(AppEventRegistrar, UnregisteringInAFlushLeavesNoTraceOfAListenerThatEndsInItToo) {
   probes[0]->onInit = [&] {
     probes[0]->onInit = nullptr;
     registrar().UnregisterAppEvents();
@@ -95,7 +95,7 @@ TEST_F(Registrar, UnregisteringInAFlushLeavesNoTraceOfAListenerThatEndsInItToo) 
   EXPECT_EQ(Unregistered(), "-c");
 }
 
-TEST_F(Registrar, ThrowingFlushLeavesTheRestKnownButNotWaiting) {
+TEST_F(AppEventRegistrar, ThrowingFlushLeavesTheRestKnownButNotWaiting) {
   for (const bool wasReady : {false, true}) {
     WAppEventRegistrar::ReleaseInstance(false);
     if (wasReady) registrar().RegisterAppEvents();
@@ -111,7 +111,7 @@ TEST_F(Registrar, ThrowingFlushLeavesTheRestKnownButNotWaiting) {
   }
 }
 
-TEST_F(Registrar, UnregisteringSurvivesRemovalsAndStopsAtAnException) {
+TEST_F(AppEventRegistrar, UnregisteringSurvivesRemovalsAndStopsAtAnException) {
   Flushed();
   probes[0]->onUnregister = [&] {
     probes[0]->onUnregister = nullptr;
@@ -127,7 +127,7 @@ TEST_F(Registrar, UnregisteringSurvivesRemovalsAndStopsAtAnException) {
   EXPECT_EQ(Flushed(), "ic+cid+d") << "all wait again, also the one that was not reached";
 }
 
-TEST_F(Registrar, ListenersComeAndGoOnFourThreads) {
+TEST_F(AppEventRegistrar, ListenersComeAndGoOnFourThreads) {
   std::atomic<int> balance{0};
   const auto comeAndGo = [&] {
     for (int round = 0; round < 500; ++round) {
@@ -148,14 +148,19 @@ TEST_F(Registrar, ListenersComeAndGoOnFourThreads) {
   EXPECT_EQ(balance, 0);
 }
 
-/// Notes when its subscription begins and ends.
+/// Notes when its subscription begins and ends, and then acts.
 struct NotedEntry : AppEventMapEntry {
-  explicit NotedEntry(std::string& notes) : AppEventMapEntry(L"Noted"), log(notes) {}
+  explicit NotedEntry(std::string& notes, std::function<void()> action = nullptr)
+      : AppEventMapEntry(L"Noted"), log(notes), act(std::move(action)) {}
   Subscription Subscribe(IAppEventBroadcaster& /*broadcaster*/) override {
     log += '+';
-    return Subscription([this] { log += '-'; });
+    return Subscription([this] {
+      log += '-';
+      if (act) act();
+    });
   }
   std::string& log;
+  std::function<void()> act;
 };
 
 /// Listens to one event in the way that the base class asks for.
@@ -165,8 +170,9 @@ struct View : AppEventListener {
   void InitEventMap() override {
     if (!IsEventMapInitialised()) {
       eventMap.push_back(nullptr);
-      On(moved, &View::OnMoved);
+      On(closed, [this] { log += 'c'; });
     }
+    On(moved, &View::OnMoved);  // again each time
     AppEventListener::InitEventMap();
   }
   void OnMoved(long value) {
@@ -188,23 +194,74 @@ class Views : public Events {
   std::optional<View> view;
 };
 
-TEST_F(Views, HearOnceWhatComesAfterTheyAreMadeUntilTheyEndAlsoInTheirCallback) {
+TEST_F(Views, HearOnceWhatComesAfterTheyAreMade) {
   view.emplace(log);
   EXPECT_FALSE(view->HasListener(L"Moved"));
   moved.Raise(2);
+  EXPECT_TRUE(closed.HasListeners());
   EXPECT_EQ(Dispatched(), "v2");
   EXPECT_TRUE(view->HasListener(L"Moved"));
   EXPECT_FALSE(view->HasListener(L"moved") || view->HasListener(L"Move"));
   for (int round = 0; round < 3; ++round) {
     WAppEventRegistrar::GetInstance().UnregisterAppEvents();
     if (round > 0) WAppEventRegistrar::GetInstance().RegisterAppEvents();
-    EXPECT_EQ(Sent(), "v1");
+    closed.Send();
+    EXPECT_EQ(Sent(), "cv1");
   }
+}
+
+TEST_F(Views, MayEndInTheirCallbackAndWhileTheyWait) {
+  view.emplace(log);
   view->act = [&] { view.reset(); };
   EXPECT_EQ(Sent() + Sent(), "v1");
   view.emplace(log);
-  view.reset();  // while it waits
+  view.reset();
   EXPECT_EQ(Sent(), "");
+}
+
+/// Sends an event while it is made, and so has the listener whose member it is initialised.
+struct Announcer {
+  Announcer() { moved.Send(0); }
+};
+struct Panel : AppEventListener {
+  Announcer announcer;
+};
+struct PanelView : Panel {
+  explicit PanelView(std::string& notes) : log(notes) {}
+  void InitEventMap() override {
+    if (!IsEventMapInitialised()) On(moved, [this](int) { log += 'p'; });
+    AppEventListener::InitEventMap();
+  }
+  std::string& log;
+};
+
+TEST_F(Views, InitialisedAsTheirBaseAreInitialisedAsTheyAreTheNextTime) {
+  const PanelView panel(log);
+  Sent();
+  for (int round = 0; round < 2; ++round) {
+    WAppEventRegistrar::GetInstance().UnregisterAppEvents();
+    EXPECT_EQ(Sent(), "p");
+  }
+}
+
+TEST_F(Views, HearNothingOnceDeactivatedAlsoWhereAFlushWasBrokenOff) {
+  view.emplace(log);
+  Probe failing(log, 'f');
+  failing.onInit = [] { throw std::runtime_error("listener"); };
+  WAppEventRegistrar::GetInstance().AddEventListener(&failing);
+  EXPECT_EQ(Sent(), "ifv1");
+  view->DeactivateAppEventListeners();
+  EXPECT_EQ(Sent(), "");
+}
+
+TEST_F(Views, MayBeUnsubscribedByWhatEndsWithTheirSubscriptions) {
+  view.emplace(log, false);
+  const auto unsubscribe = [&] { view->UnregisterAppEventListeners(); };
+  for (int count = 0; count < 3; ++count)
+    view->eventMap.push_back(std::make_unique<NotedEntry>(log, unsubscribe));
+  view->RegisterAppEventListeners();
+  view->UnregisterAppEventListeners();
+  EXPECT_EQ(Notes(), "+++---");
 }
 
 TEST_F(Views, TouchNoSingletonUnlessTheyAreActivated) {
