@@ -13,7 +13,7 @@ inline constinit const AppEvent<double> loadChanged{L"LoadChanged"};
 class ProcessTable : public AppEventListener {
  private:
   void InitEventMap() override {
-    if (!IsEventMapInitialised()) On(processStarted, &ProcessTable::AddRow);
+    On(processStarted, &ProcessTable::AddRow);
     AppEventListener::InitEventMap();
   }
   void AddRow(const VtrString& name, int id) { std::cout << "row: " << name << ' ' << id << '\n'; }
@@ -56,19 +56,12 @@ void Throw(IdlePass& idle) {
 }
 
 class Log {
- public:
-  Log() : id(Events().RegisterEventHook(EventHook::To<&Log::OnEvent>(*this))) {}
-  Log(const Log&) = delete;
-  Log& operator=(const Log&) = delete;
-  ~Log() { Events().UnregisterEventHook(id); }
-
  private:
-  static IAppEventBroadcaster& Events() { return IAppEventBroadcaster::GetInstance(); }
-  void OnEvent(const VtrString& name, const std::vector<Any>& args) {
+  static void Note(const VtrString& name, const std::vector<Any>& args) {
     std::cout << "log: " << name << " with " << args.size() << " arguments\n";
   }
 
-  int id;
+  Subscription seen = IAppEventBroadcaster::GetInstance().AddEventHook(&Note);
 };
 
 /// An event of the application's own kind: it says itself what its delivery is.

@@ -120,10 +120,12 @@ class DATABINDING_API EventBroadcaster {
   void EnableEvent(const VtrString& name, bool fireHeldEvent);
   /// Holds the name's events back from now on, also those that are queued already. Counts.
   void DisableEvent(const VtrString& name);
-  /// EnableEvent and DisableEvent of each known name, in ascending order. A name is known once it
-  /// was subscribed to or an event of it was dispatched.
+  /// EnableEvent of each known name, in ascending order. All are enabled, also when held events of
+  /// another kind throw: the first exception comes out when that is done.
   void EnableAllEvents(bool fireHeldEvent);
-  /// DisableEvent of each known name, in ascending order.
+  /// DisableEvent of each known name, in ascending order. A name is known once it was subscribed to
+  /// or an event of it was dispatched. The others are not reached, such as those of listeners that
+  /// wait to be subscribed: call WAppEventRegistrar::RegisterAppEvents before.
   void DisableAllEvents();
   /// True while the name is disabled, by whomever.
   [[nodiscard]] bool IsDisable(const VtrString& name);
@@ -145,8 +147,9 @@ class DATABINDING_API EventBroadcaster {
   void DispatchPendingEventsFor(std::chrono::nanoseconds budget);
 
   /// Queues an event of the caller's own kind. Any thread. With `replaceLast` it takes the place of
-  /// the newest queued event of its name, at the end of the queue. Ignores null. What the UpdateUI
-  /// callback throws comes out of here, with the event queued; the next event runs it again.
+  /// the newest queued event of its name, which ends on this thread, at the end of the queue.
+  /// Ignores null. What the UpdateUI callback throws comes out of here, with the event queued; the
+  /// next event runs it again.
   void QueueEvent(const VtrString& name, EventPtr event, bool replaceLast = false);
   /// True while events are queued; false already while a batch with the last of them is under
   /// delivery. Any thread.

@@ -1,9 +1,11 @@
 /// Holds an event back for the length of a block: while it lives the name is disabled, and the
 /// newest event of it is kept.
 ///
-/// At its end, if nobody else disables the name, the held event is delivered at once, unless Drop
-/// was called. Holds nest and count. EnableEvent does nothing where only holds disable the name. A
-/// hold that outlives its broadcaster does nothing to the next one. For the delivering thread.
+/// It is for states, of which the newest says all: of events that are counted or collected the
+/// others are lost. At its end, if nobody else disables the name, the held event is delivered at
+/// once, unless Drop was called. Holds nest and count. EnableEvent does nothing where only holds
+/// disable the name. A hold that outlives its broadcaster does nothing to the next one. For the
+/// delivering thread.
 ///
 ///   const EventHold pause(loadChanged);
 #pragma once

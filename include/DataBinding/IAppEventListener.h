@@ -20,7 +20,8 @@ class DATABINDING_API IAppEventListener {
   virtual void InitEventMap() = 0;
   /// Subscribes. Called after InitEventMap.
   virtual void RegisterAppEventListeners() = 0;
-  /// Unsubscribes; called only after RegisterAppEventListeners.
+  /// Unsubscribes. Also called for a listener that was not subscribed, because it was removed in
+  /// its own InitEventMap or another one threw out of the flush before it was reached.
   virtual void UnregisterAppEventListeners() = 0;
 };
 

@@ -36,7 +36,8 @@ class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 
   /// The application is ready: flushes.
   void RegisterAppEvents();
   /// Unsubscribes the listeners and makes all wait again. When one throws, those behind it stay
-  /// subscribed, deliberately, and nothing is let out.
+  /// subscribed, deliberately, and nothing is let out. Inside a flush it stops the pass under way;
+  /// the next pass, of the same flush, serves each listener once.
   void UnregisterAppEvents();
 
  protected:

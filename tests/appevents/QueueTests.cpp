@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <random>
+#include <unordered_map>
 
 #include "Events.h"
 
@@ -99,6 +100,23 @@ TEST_F(Events, DroppedInADeliveryAreNotReachedAnyMore) {
   events().QueueEvent(L"C", std::make_shared<NotedEvent>(log, "c", nullptr, this));
   Queue(L"C", "d");
   EXPECT_EQ(Dispatched(), "ad");
+}
+
+TEST_F(Events, OfTwoNamesWhoseHashesMeetDoNotReplaceEachOther) {
+  std::unordered_map<std::uint32_t, VtrString> names;
+  VtrString one, other;
+  for (int number = 0; one == other; ++number) {
+    other = VtrString(std::to_wstring(number).c_str());
+    one = names.emplace(static_cast<std::uint32_t>(std::hash<VtrString>()(other)), other)
+              .first->second;
+  }
+  const AppEvent<> first(one), second(other);
+  for (const auto* event : {&first, &second}) {
+    subscriptions.push_back(
+        event->Subscribe([this, event] { log += event->Name().ToUtf8() + " "; }));
+    event->RaiseLatest();
+  }
+  EXPECT_EQ(Dispatched(), one.ToUtf8() + " " + other.ToUtf8() + " ");
 }
 
 TEST_F(Events, MayDropOthersDeliverAndReleaseTheBroadcasterWhileTheirArgumentsEnd) {

@@ -111,6 +111,15 @@ TEST(FailingAllocations, InListenersAndPassesLeaveThemToBeDoneAgain) {
   });
 }
 
+TEST(EventMemory, KeepsNoMoreBlocksOfABurstThanABound) {
+  constexpr int burst = 20000;
+  World w;
+  const auto before = LiveAllocations();
+  for (int i = 0; i < burst; ++i) moved.Raise(i);
+  w.events().DispatchPendingEvents();
+  EXPECT_LT(LiveAllocations() - before, burst / 10);
+}
+
 TEST(FailingAllocations, InTextsChangeNone) {
   Attempts::Of([](Attempts& attempt) {
     VtrString text = L"as it was";
