@@ -26,6 +26,7 @@
 #include "DataBinding/Export.h"
 #include "DataBinding/IAppEventBroadcaster.h"
 #include "DataBinding/NamedEvent.h"
+#include "DataBinding/foundation/CallOnce.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/Subscription.h"
 
@@ -106,10 +107,17 @@ class AppEvent {
   Subscription Subscribe(IAppEventBroadcaster& broadcaster, const Callback& callback) const {
     return details::NamedEvent::Subscribe(broadcaster, Known(), callback.GetMemento());
   }
-  /// True when an event that is sent now would be heard: somebody is subscribed, or is about to be,
-  /// for which listeners that wait are subscribed first; what their InitEventMap throws comes out.
-  /// Hooks do not count, nor do callbacks bound to objects that have gone. For the delivering
-  /// thread.
+  /// Calls the callback for one event only: the subscription ends when it has returned or thrown.
+  /// It is called at most once also where an event is sent inside it. It may own its Subscription,
+  /// by which it can be ended before. A null callback gives an inert subscription.
+  Subscription SubscribeOnce(OneShotCallback<void(const Args&...)> callback) const {
+    if (!callback) return {};
+    return details::CallOnce(std::move(callback),
+                             [this](const Callback& once) { return Subscribe(once); });
+  }
+  /// True when an event that is sent now would be heard. Listeners that wait are subscribed first;
+  /// what their InitEventMap throws comes out. Hooks do not count, nor do callbacks that are paused
+  /// or bound to objects that have gone. For the delivering thread.
   [[nodiscard]] bool HasListeners() const { return details::NamedEvent::HasListeners(Known()); }
   /// The text, kept until the process ends. Fixes the signature: asking the names of all events at
   /// the start finds a name that is used with two before a thread comes across it.

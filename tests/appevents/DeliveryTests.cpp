@@ -109,6 +109,22 @@ TEST_F(Deliveries, FailureIsKeptOnceTheObjectOfItsHandlerHasGone) {
   EXPECT_EQ(What(events().TakeFailure().exception), "!");
 }
 
+TEST_F(Deliveries, ReachOnceWhatIsSubscribedOnceAlsoWhenTheyNestAndThrow) {
+  NoteFailures();
+  subscriptions.push_back(moved.SubscribeOnce([&, kept = std::make_unique<int>(5)](int value) {
+    log += std::to_string(value);
+    moved.Send(*kept);
+    throw std::runtime_error("once");
+  }));
+  Listen('b');
+  EXPECT_FALSE(moved.SubscribeOnce(nullptr));
+  for (const int value : {1, 2}) moved.Send(value);
+  EXPECT_EQ(Notes(), "1b5!Moved:onceb1b2");
+  moved.SubscribeOnce([this](int) { log += "cancelled"; }).Cancel();
+  subscriptions.clear();
+  EXPECT_FALSE(moved.HasListeners());
+}
+
 TEST_F(Deliveries, HaveListenersWhileAnybodyWouldHear) {
   const auto isHeard = [] { return moved.HasListeners(); };
   EXPECT_FALSE(isHeard());
