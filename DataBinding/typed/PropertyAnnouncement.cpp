@@ -37,8 +37,7 @@ PropertyBase* PropertyAnnouncement::TakeNext() noexcept {
 void PropertyAnnouncement::Tell(PropertyBase& property) {
   if (MustWait(property)) return Note(property);
   for (PropertyBase* follower : property.dependents) MakeDue(*follower);
-  const VtrString name = property.Name();  // a copy, since the property may end
-  property.owner.UpdateListeners(name);
+  property.owner.UpdateListeners(property.Name());
 }
 
 bool PropertyAnnouncement::MustWait(const PropertyBase& property) noexcept {

@@ -43,7 +43,8 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   /// is then dropped. Listeners' exceptions do not arrive here.
   ///
   /// Typed properties call it once for each of their names that is announced, also at the end of a
-  /// PropertyBatch: an override hears of every change.
+  /// PropertyBatch: an override hears of every change. The text is the property's, and a listener
+  /// may end that: an override that needs it after this call copies it before.
   void UpdateListeners(const VtrString& names) override;
 
  protected:

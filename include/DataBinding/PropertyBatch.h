@@ -25,7 +25,7 @@ class DATABINDING_API PropertyBatch {
   PropertyBatch& operator=(const PropertyBatch&) = delete;
   /// Announces. The first exception that an overridden UpdateListeners throws goes through when all
   /// is announced, unless another one ends the scope. A thread's cancellation goes through at once;
-  /// what is left then is announced with the next change of its source.
+  /// what is left then is announced by the next batch of its source.
   ~PropertyBatch() noexcept(false);
 
  private:

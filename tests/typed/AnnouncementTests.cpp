@@ -85,43 +85,52 @@ TEST_F(AnnouncementTest, StepsOfALongLadderAreToldOnce) {
   EXPECT_EQ(Log(), std::string(200, '.') + '!');
 }
 
-TEST_F(AnnouncementTest, ManyFollowersAreToldInTheOrderOfTheirMaking) {
+TEST_F(AnnouncementTest, ManyFollowersAreToldInTheOrderOfTheirMakingButForThoseThatEnd) {
   std::vector<DataSourcePtr<Sum>> made;
-  std::string expected;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     made.push_back(letter % 3 == 0 ? MakeDataSource<Sum>(nullptr, made.back()->V)
                                    : MakeDataSource<Sum>(nullptr, input->V, input->W, input->V));
-    Watch(letter, *made.back());
-    expected += letter;
+    Watch(letter, *made.back(), [&, letter] {
+      if (letter == 'C') made.erase(made.begin() + 5, made.begin() + 9);
+      if (letter == 'P') made.erase(made.end() - 4, made.end() - 2);
+    });
   }
   input->V.Set(1);
-  EXPECT_EQ(Log(), expected);
-  made.erase(made.begin() + 5, made.begin() + 9);
-  expected.erase(5, 4);
-  input->V.Set(2);
-  EXPECT_EQ(Log(), expected);
+  EXPECT_EQ(Log(), "ABCDEJKLMNOPQRSTUVYZ");
 }
 
-TEST_F(AnnouncementTest, WhatFollowsAPropertyOfAnOpenBatchWaitsForItsEnd) {
+TEST_F(AnnouncementTest, WhatIsSetIsToldInOrderOfChangeBeforeWhatFollows) {
+  for (int i = 0; i < 1000; ++i) input->V.NotifyChanged();
   WatchAll();
+  subscriptions.push_back(input->Register([this] { log += 'w'; }, L"W"));
   {
     const PropertyBatch batch(*input);
+    input->W.Set(1);
     input->V.Set(1);
-    input->V.Set(2);
+    input->W.Set(2);
     EXPECT_EQ(Log(), "");
   }
-  EXPECT_EQ(Log(), "ilrb");
+  EXPECT_EQ(Log(), "wilrb");
+}
+
+TEST_F(AnnouncementTest, WhatFollowsAPropertyThatWaitsForABatchWaitsWithIt) {
+  const auto only = MakeDataSource<Sum>(nullptr, right->V);
+  Watch('o', *only);
+  WatchAll();
   {
     const PropertyBatch batch(*right);
     input->V.Set(3);
     EXPECT_EQ(Log(), "il");
     input->V.Set(4);
+    only->V.NotifyChanged();
     EXPECT_EQ(Log(), "il");
   }
-  EXPECT_EQ(Log(), "rb");
+  EXPECT_EQ(Log(), "rbo");
 }
 
 TEST_F(AnnouncementTest, WhatWaitsForASourceThatEndsInItsBatchIsToldAtTheBatchsEnd) {
+  const auto only = MakeDataSource<Sum>(nullptr, right->V);
+  Watch('o', *only);
   Watch('b', *both);
   {
     const PropertyBatch batch(*right);
@@ -198,6 +207,18 @@ TEST_F(AnnouncementTest, UpdateListenersThatThrowsStopsNobody) {
     EXPECT_EQ(first, L"V");
   }
   EXPECT_EQ(Log(), "ilrb");
+}
+
+TEST_F(AnnouncementTest, ExceptionThatEndsABatchGoesOnWhateverUpdateListenersThrows) {
+  Watch('i', *input);
+  input->throws = true;
+  const auto change = [&] {
+    const PropertyBatch batch(*input);
+    input->V.Set(1);
+    throw 7;
+  };
+  EXPECT_THROW(change(), int);
+  EXPECT_EQ(Log(), "i");
 }
 
 }  // namespace

@@ -87,19 +87,20 @@ TEST_F(PropertyTest, NestedBatchesNotifyOfEachChangedNameOnceAtTheOutermostsEnd)
     box->Height.Set(5);
     {
       const PropertyBatch inner(*box);
+      box->Rename(L"crate");
       box->Width.Set(6);
       box->Height.Set(7);
     }
     EXPECT_EQ(log, "");
   }
-  EXPECT_EQ(log, "HWA");
+  EXPECT_EQ(log, "HLWA");
 }
 
 TEST_F(PropertyTest, ListenerOfABatchMayOpenAnotherWhichAnnouncesAtItsOwnEnd) {
   Listen(L"Height", [this] {
     const PropertyBatch inner(*box);
-    box->Width.Set(10);
     box->Rename(L"y");
+    box->Width.Set(10);
   });
   Listen(L"Width");
   Listen(L"Label");
@@ -108,7 +109,18 @@ TEST_F(PropertyTest, ListenerOfABatchMayOpenAnotherWhichAnnouncesAtItsOwnEnd) {
     box->Height.Set(5);
     box->Rename(L"x");
   }
-  EXPECT_EQ(log, "HWL");
+  EXPECT_EQ(log, "HLW");
+}
+
+TEST_F(PropertyTest, OneThatIsSetAgainBeforeItIsToldIsToldOnce) {
+  Listen(L"Height", [this] { box->Rename(L"y"); });
+  Listen(L"Label");
+  {
+    const PropertyBatch batch(*box);
+    box->Height.Set(5);
+    box->Rename(L"x");
+  }
+  EXPECT_EQ(log, "HL");
 }
 
 TEST_F(PropertyTest, NothingIsAnnouncedOfASourceThatEndsWithinItsBatch) {
@@ -263,6 +275,7 @@ TEST_F(PropertyTest, ReferenceAnswersAbsentOnceItsPropertyIsGone) {
   EXPECT_EQ(*width.Get(), 2);
   box.reset();
   EXPECT_EQ(whileEnding, PropertyError::Absent);
+  EXPECT_FALSE(width.IsThere());
   EXPECT_EQ(width.Set(3).error, PropertyError::Absent);
 }
 
