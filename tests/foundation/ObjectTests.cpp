@@ -60,7 +60,7 @@ TEST(Subscriptions, MayBeTouchedByWhatEndsThem) {
   EXPECT_EQ(calls, 2);
 }
 
-class Events : public ::testing::Test {
+class MulticastEvents : public ::testing::Test {
  protected:
   /// Subscribes a listener that notes its letter and the value, and then acts.
   void Listen(
@@ -76,7 +76,7 @@ class Events : public ::testing::Test {
   std::string log;
 };
 
-TEST_F(Events, ListenerCancelledDuringARaiseIsNotReachedAndANewOneWaits) {
+TEST_F(MulticastEvents, ListenerCancelledDuringARaiseIsNotReachedAndANewOneWaits) {
   Listen('a', [&] {
     subscriptions[0].Cancel();  // itself
     subscriptions[1].Cancel();
@@ -89,7 +89,7 @@ TEST_F(Events, ListenerCancelledDuringARaiseIsNotReachedAndANewOneWaits) {
   EXPECT_EQ(log, "a1c1c2d2");
 }
 
-TEST_F(Events, MayBeRaisedAndDestroyedWhileTheyRun) {
+TEST_F(MulticastEvents, MayBeRaisedAndDestroyedWhileTheyRun) {
   Listen('a', [&] {
     if (log.size() == 2) event->Raise(2);
   });
@@ -100,7 +100,7 @@ TEST_F(Events, MayBeRaisedAndDestroyedWhileTheyRun) {
   subscriptions.clear();
 }
 
-TEST_F(Events, ExceptionLeavesTheRaiseAndHarmsNoLaterOne) {
+TEST_F(MulticastEvents, ExceptionLeavesTheRaiseAndHarmsNoLaterOne) {
   subscriptions.push_back(event->Subscribe(RepeatingCallback<void(int)>()));
   subscriptions.push_back(
       event->Subscribe(RepeatingCallback<void()>([&] { FAIL(); }).GetMemento()));
@@ -114,7 +114,7 @@ TEST_F(Events, ExceptionLeavesTheRaiseAndHarmsNoLaterOne) {
   EXPECT_EQ(log, "a1a2b2a3!b3");
 }
 
-TEST_F(Events, MayEndCallbacksThatOwnSubscriptionsToThem) {
+TEST_F(MulticastEvents, MayEndCallbacksThatOwnSubscriptionsToThem) {
   auto others = std::make_shared<std::vector<Subscription>>();
   for (int each = 0; each < 3; ++each) {
     others->push_back(event->Subscribe([others](const int&) {}));
