@@ -16,22 +16,22 @@ class Counter : public NamedDataSource {
 
 inline constinit const AppEvent<int> counted{L"Counted"};
 
-// A receiver whose end ends its connections.
-class Label {
+// A receiver whose end ends its connections, and which may end while the others are still called.
+class Label : public SupportsWeakPtr<Label> {
  public:
   explicit Label(IDataSource* counter)
-      : shown(counter->Register([this, counter] { Show(counter); }, L"Value")) {}
+      : value(counter, L"Value"),
+        shown(counter->Register(BindWeak(AsWeakPtr(), &Label::Show), L"Value")) {}
 
  private:
-  void Show(IDataSource* counter) {
-    std::cout << "label: " << *GetProperty<int>(counter, L"Value") << '\n';
-  }
+  void Show() { std::cout << "label: " << value.Get() << '\n'; }
 
-  Subscription shown;  // last, so that it ends first
+  PropertyRef<int> value;  // knows when the counter has gone
+  Subscription shown;
 };
 
-// A receiver that is tracked, for callbacks that somebody else keeps.
-class Panel : public SupportsWeakPtr<Panel> {
+// A receiver that somebody else keeps, too, and that is tracked.
+class Panel {
  public:
   void OnCounted(int value) { std::cout << "panel: " << value << '\n'; }
 };
@@ -43,13 +43,32 @@ void Connect(Counter& counter) {
   }
   counter.value.Set(2);  // nobody listens
 
-  auto panel = std::make_unique<Panel>();
-  const Subscription heard = counted.Subscribe(BindWeak(panel->AsWeakPtr(), &Panel::OnCounted));
+  auto panel = std::make_shared<Panel>();
+  const Subscription heard = counted.Subscribe(BindWeak(panel, &Panel::OnCounted));
   counted.Send(3);   // direct: runs now
   counted.Raise(4);  // queued: runs in the next idle pass
   IAppEventBroadcaster::GetInstance().DispatchPendingEvents();
   panel.reset();
   counted.Send(5);  // skipped
+}
+
+// A signal without a name: a member of whoever emits it.
+struct Slider {
+  CallbackList<int> moved;
+};
+
+void Emit() {
+  Slider slider;
+  Slider mirror;
+  const Subscription print = slider.moved.Add([](int x) { std::cout << "moved to " << x << '\n'; });
+  const Subscription first = slider.moved.AddOnce([](int) { std::cout << "for the first time\n"; });
+  const Subscription relay = slider.moved.Add([&](int x) { mirror.moved.Call(x); });
+  slider.moved.Call(1);  // both print
+  {
+    const PauseListening quiet(print);
+    slider.moved.Call(2);  // nobody prints
+  }
+  slider.moved.Call(3);
 }
 
 void Notify(Counter& counter) {
@@ -65,12 +84,12 @@ void BindTo(Counter& counter, IDataSourceProvider& scope) {
   auto join = TwoWay(
       value, [&] { return text; }, [&](const VtrString& shown) { text = shown; },
       TextConverter<int>());
-  std::cout << "text: " << text.ToUtf8() << '\n';  // written when the join is made
+  std::cout << "text: " << text << '\n';  // written when the join is made
   text = L"7";
   join.Commit();
   std::cout << "value: " << *counter.value << '\n';
   text = L"100";
-  std::cout << "refused: " << join.Commit().reason.ToUtf8() << '\n';
+  std::cout << "refused: " << join.Commit().reason << '\n';
 }
 
 void Freeze(Counter& counter) {
@@ -82,10 +101,10 @@ void Freeze(Counter& counter) {
 
 int main() {
   DataSourceProvider scope(nullptr, L"page", nullptr);
-  auto* counter = MakeDataSource<Counter>(&scope).release();
-  scope.AddDataSource(counter);
-  Connect(*counter);
-  Notify(*counter);
-  BindTo(*counter, scope);
-  Freeze(*counter);
+  auto& counter = Emplace<Counter>(scope);
+  Connect(counter);
+  Emit();
+  Notify(counter);
+  BindTo(counter, scope);
+  Freeze(counter);
 }
