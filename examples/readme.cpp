@@ -23,5 +23,5 @@ int main() {
 
   SetProperty(source, L"Actual", 22.5);  // prints "heats: 0"
   const SetResult wrong = SetProperty(source, L"Actual", 22);
-  std::cout << wrong.text.ToUtf8() << '\n';  // ... has type double, not int.
+  std::cout << wrong << '\n';  // ... has type double, not int.
 }
