@@ -11,20 +11,32 @@ TEST_F(Providers, LookHereThenBuildHereThenAskTheParent) {
   registrar.RegisterDataSource(&doc);
   registrar.RegisterDataSource(&map);
   IDataSource* outer = Add(parent, L"Doc");
-  EXPECT_EQ(child->GetLocalDataSourceInstance(L"Doc"), nullptr);
   doc.refuses = true;
   EXPECT_EQ(child->GetDataSource(L"Doc"), outer);
   doc.refuses = false;
   IDataSource* built = child->GetDataSource(L"Doc");
   EXPECT_NE(built, outer);
-  EXPECT_EQ(&child->GetDataSourceReference(L"Doc"), built);
-  EXPECT_EQ(child->GetDataSourceInterface(L"Doc").As<IDataSource>(), built);
   EXPECT_EQ(static_cast<LoggedSource*>(built)->GetDataSourceProvider(), child.get());
   IDataSource* above = child->GetDataSource(L"Map");
   EXPECT_NE(above, nullptr);
   EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Map"), above);
-  EXPECT_EQ(child->GetLocalDataSourceInstance(L"Map"), nullptr);
-  EXPECT_EQ(child->GetDataSource(L"doc"), nullptr);
+}
+
+TEST_F(Providers, AnswerTheSameSourceAsPointerReferenceAndInterface) {
+  IDataSource* outer = Add(parent, L"Doc");
+  EXPECT_EQ(child->GetDataSource(L"Doc"), outer);
+  EXPECT_EQ(&child->GetDataSourceReference(L"Doc"), outer);
+  EXPECT_EQ(child->GetDataSourceInterface(L"Doc").As<IDataSource>(), outer);
+}
+
+TEST_F(Providers, FindLocallyOnlyWhatTheyHoldUnderExactlyThatName) {
+  LoggedConstructor map(log, "map", L"Map", L"C");
+  registrar.RegisterDataSource(&map);
+  Add(parent, L"Doc");
+  for (const auto* name : {L"Doc", L"Map"}) {
+    EXPECT_EQ(child->GetLocalDataSourceInstance(name), nullptr);
+  }
+  EXPECT_EQ(parent->GetLocalDataSourceInstance(L"doc"), nullptr);
 }
 
 TEST_F(Providers, ReferenceToNoSourceThrowsATextWithItsName) {
@@ -63,20 +75,27 @@ class Nameless : public LoggedSource {
   const wchar_t* GetDataSourceName() override { return nullptr; }
 };
 
-TEST_F(Providers, OwnNamelessSourcesAndTwinsButFindOnlyTheFirst) {
-  child->AddDataSource(MakeDataSource<Nameless>(nullptr, log).release());
+TEST_F(Providers, OwnNamelessSourcesWithoutFindingThem) {
   LoggedListener listener(log);
-  child->AddDataListener(&listener, {L"Doc", L""}, true);
+  child->AddDataListener(&listener, {L""}, true);
+  child->AddDataSource(MakeDataSource<Nameless>(nullptr, log).release());
+  EXPECT_EQ(child->GetDataSource(L""), nullptr);
+  child->Shutdown();
+  EXPECT_EQ(Notes(), "~ gone");
+}
+
+TEST_F(Providers, OwnTwinsButFindOnlyTheFirst) {
+  LoggedListener listener(log);
+  child->AddDataListener(&listener, {L"Doc"}, true);
   IDataSource* first = Add(child, L"Doc");
   IDataSource* twin = Add(child, L"Doc");
-  EXPECT_EQ(child->GetDataSource(L""), nullptr);
   EXPECT_EQ(child->GetDataSource(L"Doc"), first);
   child->RemoveDataSource(twin);
   EXPECT_EQ(child->GetDataSource(L"Doc"), nullptr);
   child->RemoveDataSource(first);  // nothing is held under its name any more
   EXPECT_EQ(Notes(), "+Doc +Doc -Doc");
   child->Shutdown();
-  EXPECT_EQ(Notes(), "-Doc ~Doc ~ gone");
+  EXPECT_EQ(Notes(), "-Doc ~Doc gone");
   IDataSource::Destroy(twin);
 }
 
