@@ -52,11 +52,19 @@ class IEventBind::Run {
     return *run;
   }
 
+  /// Ends the binds in the order in which they were replaced. That of a vector depends on the C++
+  /// library.
+  struct RetiredBinds : std::vector<std::unique_ptr<IDataBind<IDataContext*>>> {
+    ~RetiredBinds() {
+      for (auto& bind : *this) bind.reset();
+    }
+  };
+
   IEventBind* owner;
   Run* outer;
   IDataBind<IDataContext*>* subject;
   bool isReplaced = false;
-  std::vector<std::unique_ptr<IDataBind<IDataContext*>>> retired;
+  RetiredBinds retired;
   DataContextCallback callback;
 };
 
