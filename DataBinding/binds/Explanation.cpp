@@ -8,7 +8,6 @@
 #include "DataBinding/IDataSourceConstructor.h"
 #include "DataBinding/IDataSourceRegistrar.h"
 #include "DataBinding/PropertyAccess.h"
-#include "ProviderDoor.h"
 
 namespace DataBinding::details {
 
@@ -25,7 +24,7 @@ void VisitOwned(IDataSourceProvider& nearest, const Visitor& visit) {
     const auto* owner = dynamic_cast<const DataSourceProvider*>(scope);
     if (owner == nullptr) continue;
     owner->VisitDataSources([&](IDataSource& source) {
-      if (ProviderDoor::IsLeaving(*owner, source) || ReflectionAccess::IsEnding(source)) return;
+      if (ReflectionAccess::IsEnding(source)) return;
       if (const wchar_t* name = source.GetDataSourceName()) visit(source, VtrString(name), *owner);
     });
   }

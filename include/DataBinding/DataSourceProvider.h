@@ -25,10 +25,6 @@
 
 namespace DataBinding {
 
-namespace details {
-class ProviderDoor;
-}  // namespace details
-
 /// Copies are plain member-wise copies, deliberately: they tell nobody, are no child of their
 /// parent, and name the same sources, which both would end. Copy only a root without sources,
 /// children and listeners, as a template for another.
@@ -76,14 +72,15 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   [[nodiscard]] static bool MatchCategory(const wchar_t* categoryList,
                                           const std::vector<VtrString>& categories);
 
-  /// Calls visit(IDataSource&) for the sources that were added here, in order of addition. Those
-  /// that are removed meanwhile are skipped, those that are added meanwhile are not visited.
+  /// Calls visit(IDataSource&) for the sources that were added here, in order of addition. One from
+  /// which the listeners are just being disconnected is skipped, and so are those that are removed
+  /// meanwhile; those that are added meanwhile are not visited.
   template <class Visitor>
   void VisitDataSources(Visitor&& visit) const {
     const std::uint64_t last = lastAddition;
     for (auto next = addedSources.begin(); next != addedSources.end() && next->first <= last;) {
       const std::uint64_t number = next->first;
-      visit(*next->second);
+      if (next->second != calls.leaving) visit(*next->second);
       next = addedSources.upper_bound(number);
     }
   }
@@ -107,7 +104,6 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   }
 
  private:
-  friend class details::ProviderDoor;
   struct ListenerEntry {
     std::shared_ptr<const std::set<VtrString>> names;
     details::WeakReference liveness;
