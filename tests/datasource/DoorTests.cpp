@@ -20,14 +20,6 @@ class SourceDoors : public Scopes {
   LoggedListener next{log};
 };
 
-TEST_F(SourceDoors, EmplaceMakesASourceThatBelongsToItsScope) {
-  LoggedSource& doc = Emplaced();
-  EXPECT_EQ(child->GetLocalDataSourceInstance(L"Doc"), &doc);
-  EXPECT_EQ(doc.GetDataSourceProvider(), child.get());
-  child->Shutdown();
-  EXPECT_EQ(Notes(), "+Doc +Doc -Doc -Doc ~Doc gone gone");
-}
-
 TEST_F(SourceDoors, GivenSourceFollowsItsScopeAndATakenOneHasNone) {
   LoggedSource* doc = &Emplace<LoggedSource>(*parent, L"Doc", log);
   DataSourcePtr<IDataSource> taken = TakeDataSource(*parent, static_cast<IDataSource*>(doc));

@@ -5,40 +5,6 @@ namespace {
 
 class Providers : public Scopes {};
 
-TEST_F(Providers, LookHereThenBuildHereThenAskTheParent) {
-  LoggedConstructor doc(log, "doc", L"Doc", L"x, C");
-  LoggedConstructor map(log, "map", L"Map", L"B");
-  registrar.RegisterDataSource(&doc);
-  registrar.RegisterDataSource(&map);
-  IDataSource* outer = Add(parent, L"Doc");
-  doc.refuses = true;
-  EXPECT_EQ(child->GetDataSource(L"Doc"), outer);
-  doc.refuses = false;
-  IDataSource* built = child->GetDataSource(L"Doc");
-  EXPECT_NE(built, outer);
-  EXPECT_EQ(static_cast<LoggedSource*>(built)->GetDataSourceProvider(), child.get());
-  IDataSource* above = child->GetDataSource(L"Map");
-  EXPECT_NE(above, nullptr);
-  EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Map"), above);
-}
-
-TEST_F(Providers, AnswerTheSameSourceAsPointerReferenceAndInterface) {
-  IDataSource* outer = Add(parent, L"Doc");
-  EXPECT_EQ(child->GetDataSource(L"Doc"), outer);
-  EXPECT_EQ(&child->GetDataSourceReference(L"Doc"), outer);
-  EXPECT_EQ(child->GetDataSourceInterface(L"Doc").As<IDataSource>(), outer);
-}
-
-TEST_F(Providers, FindLocallyOnlyWhatTheyHoldUnderExactlyThatName) {
-  LoggedConstructor map(log, "map", L"Map", L"C");
-  registrar.RegisterDataSource(&map);
-  Add(parent, L"Doc");
-  for (const auto* name : {L"Doc", L"Map"}) {
-    EXPECT_EQ(child->GetLocalDataSourceInstance(name), nullptr);
-  }
-  EXPECT_EQ(parent->GetLocalDataSourceInstance(L"doc"), nullptr);
-}
-
 TEST_F(Providers, ReferenceToNoSourceThrowsATextWithItsName) {
   for (const auto& [name, text] : {std::pair(L"Dö%s", "No constructor found for data source Dö%s."),
                                    {nullptr, "No constructor found for data source ."}}) {
@@ -82,21 +48,6 @@ TEST_F(Providers, OwnNamelessSourcesWithoutFindingThem) {
   EXPECT_EQ(child->GetDataSource(L""), nullptr);
   child->Shutdown();
   EXPECT_EQ(Notes(), "~ gone");
-}
-
-TEST_F(Providers, OwnTwinsButFindOnlyTheFirst) {
-  LoggedListener listener(log);
-  child->AddDataListener(&listener, {L"Doc"}, true);
-  IDataSource* first = Add(child, L"Doc");
-  IDataSource* twin = Add(child, L"Doc");
-  EXPECT_EQ(child->GetDataSource(L"Doc"), first);
-  child->RemoveDataSource(twin);
-  EXPECT_EQ(child->GetDataSource(L"Doc"), nullptr);
-  child->RemoveDataSource(first);  // nothing is held under its name any more
-  EXPECT_EQ(Notes(), "+Doc +Doc -Doc");
-  child->Shutdown();
-  EXPECT_EQ(Notes(), "-Doc ~Doc gone");
-  IDataSource::Destroy(twin);
 }
 
 TEST_F(Providers, DeleteWhatTheyHoldAndAlwaysAnswerFalse) {
@@ -271,17 +222,12 @@ TEST_F(Providers, CustomDataIsInheritedUntilSetEvenToNull) {
   EXPECT_EQ(child->GetCustomData(key.id), nullptr);
 }
 
-TEST_F(Providers, MatchTheirOwnCategoriesButListWhatTheWholeChainBuilds) {
-  EXPECT_EQ(Joined(parent->GetCategories()), "A B");
-  EXPECT_TRUE(parent->MatchCategory(L"X, B ") && child->MatchCategory(L"C"));
-  EXPECT_FALSE(parent->MatchCategory(L"C,b,AB") || child->MatchCategory(L"A"));
-  LoggedConstructor map(log, "map", L"Map", L"B");
-  LoggedConstructor doc(log, "doc", L"Doc", L"C");
+TEST_F(Providers, WithoutCategoriesBuildWhatNamesNone) {
   LoggedConstructor odd(log, "odd", L"Odd", nullptr);
-  for (auto* constructor : {&map, &doc, &odd}) registrar.RegisterDataSource(constructor);
-  EXPECT_EQ(Joined(child->GetRegisteredDataSources()), "Doc Map");
-  EXPECT_EQ(Joined(parent->GetRegisteredDataSources()), "Map");
-  EXPECT_EQ(Joined(MakeProvider()->GetRegisteredDataSources()), "Doc Map Odd");
+  registrar.RegisterDataSource(&odd);
+  EXPECT_EQ(Joined(parent->GetCategories()), "A B");
+  EXPECT_EQ(Joined(parent->GetRegisteredDataSources()), "");
+  EXPECT_EQ(Joined(MakeProvider()->GetRegisteredDataSources()), "Odd");
 }
 
 TEST_F(Providers, VisitTheirSourcesInOrderWhileTheseComeAndGo) {

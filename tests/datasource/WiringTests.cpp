@@ -10,48 +10,6 @@ class Wiring : public Scopes {
   std::optional<LoggedListener> listener{log};
 };
 
-TEST_F(Wiring, ListenerIsConnectedNowOrWhenTheSourceComesHereOrFurtherUp) {
-  LoggedConstructor map(log, "map", L"Map", L"C");
-  LoggedConstructor art(log, "art", L"Art", L"A");
-  registrar.RegisterDataSource(&map);
-  registrar.RegisterDataSource(&art);
-  Add(parent, L"Doc");
-  Add(parent, L"Map");
-  log.clear();
-  child->AddDataListener(&*listener, {L"Art", L"Doc", L"Map", L"New"}, true);
-  EXPECT_EQ(Notes(), "+Doc");  // the parent's; Map waits to be built here
-  child->GetDataSource(L"Map");
-  child->GetDataSource(L"Art");
-  Add(child, L"Doc");
-  Add(parent, L"New");  // nobody up there could serve it when it was asked for
-  Add(child, L"New");
-  EXPECT_EQ(Notes(), "+Map +Art +Doc +New");
-  child->RemoveDataListener(&*listener);
-  EXPECT_EQ(Notes(), "-Art -Doc -Doc -Map -New");
-}
-
-TEST_F(Wiring, ListenerKeepsItsFirstNamesUntilItIsRemoved) {
-  child->AddDataListener(&*listener, {L"Doc"}, false);
-  child->AddDataListener(&*listener, {L"Map"}, true);
-  Add(child, L"Doc");
-  Add(child, L"Map");
-  EXPECT_EQ(Notes(), "");
-  child->RemoveDataListener(&*listener);
-  child->AddDataListener(&*listener, {L"Map"}, true);
-  EXPECT_EQ(Notes(), "+Map");
-}
-
-TEST_F(Wiring, ListenerIsRemovedFromAllOuterScopesAlthoughItWasNeverAddedHere) {
-  for (auto* scope : {&child, &parent}) {
-    (*scope)->AddDataListener(&*listener, {L"Art", L"Map"}, true);
-  }
-  Add(child, L"Map");
-  Notes();
-  MakeProvider(child.get())->RemoveDataListener(&*listener);
-  Add(parent, L"Art");
-  EXPECT_EQ(Notes(), "-Map");
-}
-
 TEST_F(Wiring, ListenerThatEndsInsideAnothersNotificationIsSkipped) {
   for (const std::string when : {"+Doc", "-Doc", "gone"}) {
     std::optional<LoggedListener> other(log);
@@ -120,42 +78,6 @@ TEST_F(Wiring, NameThatIsMadeAnewAtEachAskingServesAllListeners) {
   child->AddDataSource(MakeDataSource<Renewing>(child.get(), L"Doc", log).release());
   child->DeleteLocalDataSourceInstance(L"Doc");
   EXPECT_EQ(Notes(), "+Doc +Doc -Doc -Doc ~Doc");
-}
-
-TEST_F(Wiring, SourceIsFoundByItsNameUntilItHasGoneButNotBeforeItHasCome) {
-  LoggedConstructor doc(log, "doc", L"Doc", L"C");
-  registrar.RegisterDataSource(&doc);
-  std::vector<IDataSource*> found;
-  listener->hook = [&](const std::string&) { found.push_back(child->GetDataSource(L"Doc")); };
-  child->AddDataListener(&*listener, {L"Doc"}, true);
-  IDataSource* source = child->GetDataSource(L"Doc");
-  child->RemoveDataSource(source);
-  child->AddDataSource(source);
-  child->DeleteLocalDataSourceInstance(L"Doc");
-  EXPECT_EQ(found, (std::vector<IDataSource*>{nullptr, source, nullptr, source}));
-  listener->hook = nullptr;
-}
-
-TEST_F(Wiring, ListenerMayAskForNamesThatAreBuiltThen) {
-  LoggedConstructor art(log, "art", L"Art", L"C");
-  LoggedConstructor map(log, "map", L"Map", L"C");
-  registrar.RegisterDataSource(&art);
-  registrar.RegisterDataSource(&map);
-  listener->hook = [&](const std::string& note) {
-    if (note == "+Doc") child->GetDataSource(L"Art");
-    if (note == "+Art") child->GetDataSource(L"Map");
-    if (note == "-Doc") child->GetDataSource(L"Art");
-  };
-  const std::set<VtrString> names{L"Art", L"Doc", L"Map"};
-  Add(child, L"Doc");
-  Notes();
-  child->AddDataListener(&*listener, names, true);
-  EXPECT_EQ(Notes(), "+Doc +Art +Map");
-  child->DeleteLocalDataSourceInstance(L"Art");
-  Notes();
-  child->RemoveDataListener(&*listener);
-  EXPECT_EQ(Notes(), "-Doc -Map");  // without a "+Art"
-  listener->hook = nullptr;
 }
 
 TEST_F(Wiring, ProviderTellsWhenItMayBeChanged) {
