@@ -12,53 +12,12 @@ using Framework::DataBind;
 
 class DataBinds : public BindTest {};
 
-TEST_F(DataBinds, WithoutASourceAnswerWhyThereIsNoValue) {
-  DataBind<int> bind(child.get(), L"Gauge", L"Level");
-  EXPECT_EQ(bind.Get().error, PropertyError::NoSource);
-  EXPECT_EQ(bind.Get().text, L"There is no data source \"Gauge\" to have a property \"Level\".");
-  EXPECT_EQ(bind.Set(1).text, bind.Get().text);
-}
-
-TEST_F(DataBinds, ConnectWhenTheSourceAppearsAndFollowItUntilItGoes) {
+TEST_F(DataBinds, TellOnceThatTheirScopeIsTakenFromThem) {
+  AddGauge(child);
   DataBind<int> bind(child.get(), L"Gauge", L"Level");
   const auto watch = Watch(bind);
-  auto* gauge = AddGauge(child);
-  gauge->Level.Set(5);
-  child->DeleteLocalDataSourceInstance(L"Gauge");
-  EXPECT_FALSE(bind.HasValue());
-  AddGauge(child, 7);
-  EXPECT_EQ(Notes(), "1 5 - 7");
-  bind.Connect(nullptr);
+  for (int i = 0; i < 2; ++i) bind.Connect(nullptr);
   EXPECT_EQ(Notes(), "-");
-  bind.Connect(nullptr);
-  EXPECT_EQ(Notes(), "");
-}
-
-TEST_F(DataBinds, ForgetASourceThatIsRemovedAndLivesOn) {
-  DataSourcePtr<Gauge> removed(AddGauge(child));
-  DataBind<int> bind(child.get(), L"Gauge", L"Level");
-  const auto watch = Watch(bind);
-  child->RemoveDataSource(removed.get());
-  removed->Level.Set(2);
-  AddGauge(child, 3);
-  removed.reset();
-  EXPECT_EQ(*bind.Get(), 3);
-  EXPECT_EQ(Notes(), "- 3");
-}
-
-TEST_F(DataBinds, PreferTheNearerSourceAndFallBackToTheOuterOne) {
-  DataBind<int> bind(child.get(), L"Gauge", L"Level");
-  const auto watch = Watch(bind);
-  AddGauge(parent, 1);
-  auto* nearer = AddGauge(child, 2);
-  parent->GetLocalDataSourceInstance(L"Gauge")->UpdateListeners(L"Level");
-  EXPECT_EQ(Notes(), "1 2");
-  parent->DeleteLocalDataSourceInstance(L"Gauge");
-  AddGauge(parent, 3);
-  nearer->Level.Set(4);
-  child->DeleteLocalDataSourceInstance(L"Gauge");
-  AddGauge(child, 5);
-  EXPECT_EQ(Notes(), "4 3 5");
 }
 
 TEST_F(DataBinds, FallBackToASourceThatIsJustBeingAdded) {

@@ -64,13 +64,6 @@ class AnnouncementTest : public testing::Test {
   }
 };
 
-TEST_F(AnnouncementTest, WhatFollowsIsToldOnceEachAfterAllThatItFollows) {
-  WatchAll();
-  input->V.Set(1);
-  EXPECT_EQ(Log(), "ilrb");
-  EXPECT_EQ(*both->V, 3);
-}
-
 TEST_F(AnnouncementTest, StepsOfALongLadderAreToldOnce) {
   std::vector<DataSourcePtr<Sum>> ladder;
   ladder.push_back(MakeDataSource<Sum>(nullptr, input->V));
@@ -99,35 +92,6 @@ TEST_F(AnnouncementTest, ManyFollowersAreToldInTheOrderOfTheirMakingButForThoseT
   EXPECT_EQ(Log(), "ABCDEJKLMNOPQRSTUVYZ");
 }
 
-TEST_F(AnnouncementTest, WhatIsSetIsToldInOrderOfChangeBeforeWhatFollows) {
-  for (int i = 0; i < 1000; ++i) input->V.NotifyChanged();
-  WatchAll();
-  subscriptions.push_back(input->Register([this] { log += 'w'; }, L"W"));
-  {
-    const PropertyBatch batch(*input);
-    input->W.Set(1);
-    input->V.Set(1);
-    input->W.Set(2);
-    EXPECT_EQ(Log(), "");
-  }
-  EXPECT_EQ(Log(), "wilrb");
-}
-
-TEST_F(AnnouncementTest, WhatFollowsAPropertyThatWaitsForABatchWaitsWithIt) {
-  const auto only = MakeDataSource<Sum>(nullptr, right->V);
-  Watch('o', *only);
-  WatchAll();
-  {
-    const PropertyBatch batch(*right);
-    input->V.Set(3);
-    EXPECT_EQ(Log(), "il");
-    input->V.Set(4);
-    only->V.NotifyChanged();
-    EXPECT_EQ(Log(), "il");
-  }
-  EXPECT_EQ(Log(), "rbo");
-}
-
 TEST_F(AnnouncementTest, WhatWaitsForASourceThatEndsInItsBatchIsToldAtTheBatchsEnd) {
   const auto only = MakeDataSource<Sum>(nullptr, right->V);
   Watch('o', *only);
@@ -139,35 +103,6 @@ TEST_F(AnnouncementTest, WhatWaitsForASourceThatEndsInItsBatchIsToldAtTheBatchsE
     EXPECT_EQ(Log(), "");
   }
   EXPECT_EQ(Log(), "b");
-}
-
-TEST_F(AnnouncementTest, BatchLeftOpenByAListenerHoldsBackWhatIsNotToldYet) {
-  std::optional<PropertyBatch> open;
-  Watch('i', *input, [&] { open.emplace(*left); });
-  Watch('l', *left);
-  Watch('r', *right);
-  Watch('b', *both);
-  input->V.Set(1);
-  EXPECT_EQ(Log(), "ir");
-  open.reset();
-  EXPECT_EQ(Log(), "lb");
-}
-
-TEST_F(AnnouncementTest, ChangeInACallbackIsToldAtOnceWithWhatFollowsIt) {
-  bool isFirst = true;
-  Watch('i', *input, [&] {
-    if (std::exchange(isFirst, false)) input->W.Set(1);
-  });
-  WatchAll();
-  input->V.Set(1);
-  EXPECT_EQ(Log(), "irbilb");
-}
-
-TEST_F(AnnouncementTest, PropertySetAgainInItsCallbackIsFollowedOnce) {
-  Watch('i', *input, [&] { input->V.Set(2); });
-  WatchAll();
-  input->V.Set(1);
-  EXPECT_EQ(Log(), "iiilrbi");
 }
 
 TEST_F(AnnouncementTest, ChangesInManyCallbacksDoNotNestWithinEachOther) {
