@@ -19,8 +19,15 @@ void CheckProcess(std::string_view input) {
       ") S 41 40 40 0 -1 0 100 0 0 0 250 50 0 0 20 0 3 0 1234 8192000 77\n");
   const auto process = ParseProcessStat(line);
   Expect(process && process->name == input && process->id == 42 && process->parent == 41 &&
+             process->state == 'S' && process->userTicks == 250 && process->systemTicks == 50 &&
+             process->threads == 3 && process->startTicks == 1234 &&
              process->virtualBytes == 8192000,
          "a process may have any name");
+  for (auto torn = std::string_view(line).substr(0, line.rfind(" 8192000")); torn.back() != ')';) {
+    Expect(!ParseProcessStat(torn), "a torn line is no process");
+    torn.remove_suffix(1);
+  }
+  Expect(!ParseProcessStat("x" + line), "a process has a number");
   const auto whole = ParseProcessStat(input);
   Expect(!whole || input.find("(" + whole->name + ")") != input.npos, "a name is of the text");
   const auto command = ParseCommandLine(input);
@@ -31,17 +38,23 @@ void CheckFigures(const std::string& text) {
   const auto ended = [&](const char* line) { return text + "\n" + line + "\n"; };
   Expect(ParseProcessStatus(ended("Uid:\t1\t2")).userId == 2, "the user is found");
   Expect(ParseProcessStatus(ended("VmRSS: 3 kB")).residentBytes == 3072, "the memory is found");
-  Expect(ParseMemory(ended("MemTotal: 7 kB")).total == 7168, "the last line is read");
-  const auto processors = ParseCpuStat(text).cores + 1;
-  Expect(ParseCpuStat(ended("cpu1 1 2")).cores == processors, "a line more is a processor more");
+  const auto memory =
+      ParseMemory(ended("Cached: 7 kB\nSwapCached: 9 kB\nSwapTotal: 18446744073709551615 kB"));
+  Expect(memory.cached == 7168 && memory.swapTotal == 0, "the last line is read if it has a sense");
+  const auto times = ParseCpuStat(ended("cpu1 1 2\ncpuidle 7\ncpu 10 1 20 300 4 5 6"));
+  Expect(times.cores == ParseCpuStat(text).cores + 1, "a line more is a processor more");
+  Expect(times.user == 10 && times.idle == 300 && times.stolen == 0, "an old kernel tells less");
   const auto load = ParseLoad(text);
   for (const double amount : {load.one, load.five, load.fifteen, ParseUptime(text).count()}) {
     Expect(std::isfinite(amount) && amount >= 0, "amounts are finite");
   }
   Expect(!Show(ParseUptime(text)).IsEmpty(), "any time can be shown");
-  const auto interfaces = ParseInterfaces(ended("eth0:1 2 3 0 0 0 0 0 8 9 10 0"));
+  const auto interfaces = ParseInterfaces(ended("torn: 1 2 3\neth0:1:7 6 5 4 3 2 1 0 70 60 50 40"));
   Expect(interfaces.size() == ParseInterfaces(text).size() + 1, "a line more is an interface more");
-  Expect(interfaces.back().sentPackets == 9, "its figures are found");
+  const auto& last = interfaces.back();
+  Expect(last.name == "eth0:1" && last.receivedBytes == 7 && last.sentBytes == 70 &&
+             last.sentPackets == 60 && last.errors == 55,
+         "its figures are found");
 }
 
 void CheckCells(const VtrString& text, int width, Align align) {

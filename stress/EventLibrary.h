@@ -20,8 +20,9 @@ class EventLibrary : public Player<EventLibrary> {
     IAppEventBroadcaster::ReleaseInstance(false);
     WAppEventRegistrar::ReleaseInstance(false);
   }
-  void Raise(int event, int, int) { events[event].Raise(++lastValue); }
-  void RaiseLatest(int event, int, int) { events[event].RaiseLatest(++lastValue); }
+  void Raise(int event, int latest, int) {
+    latest != 0 ? events[event].RaiseLatest(++lastValue) : events[event].Raise(++lastValue);
+  }
   void RaiseOwn(int event, int owner, int latest) {
     Broadcaster().QueueEvent(events[event].Name(),
                              std::make_shared<OwnEvent>(*this, event, KeyOf(owner)), latest != 0);
@@ -96,10 +97,6 @@ class EventLibrary : public Player<EventLibrary> {
     const EventFailure failure = Broadcaster().TakeFailure();
     Tell("failure", failure ? NumberOf(failure.eventName) : -1, static_cast<int>(failure.others));
   }
-  void AddCleanup(int owner, int, int) {
-    Broadcaster().AddCleanupCallback(&owners[owner], [this, owner] { Tell("cleaned", owner); });
-  }
-  void RemoveCleanup(int owner, int, int) { Broadcaster().RemoveCleanupCallback(&owners[owner]); }
   void Release(int, int, int) { IAppEventBroadcaster::ReleaseInstance(false); }
   void Observe() {
     Tell("there", IAppEventBroadcaster::HasInstance() ? 1 : 0, idle.IsRequested() ? 1 : 0);

@@ -23,8 +23,7 @@ class EventModel : public Player<EventModel> {
     for (int i = 0; i < holdCount; ++i) EndHold(i, 0, 0);
     Release(0, 0, 0);
   }
-  void Raise(int event, int, int) { Queue({event, ++lastValue}, false); }
-  void RaiseLatest(int event, int, int) { Queue({event, ++lastValue}, true); }
+  void Raise(int event, int latest, int) { Queue({event, ++lastValue}, latest != 0); }
   void RaiseOwn(int event, int owner, int latest) {
     Queue({event, ++lastValue, owner, true}, latest != 0);
   }
@@ -115,13 +114,8 @@ class EventModel : public Player<EventModel> {
     const int failed = std::exchange(Obtain()->failedEvent, -1);
     Tell("failure", failed, failed == -1 ? 0 : current->moreFailures);
   }
-  void AddCleanup(int owner, int, int) { Obtain()->cleanups.insert(owner); }
-  void RemoveCleanup(int owner, int, int) { Obtain()->cleanups.erase(owner); }
   void Release(int, int, int) {
-    if (current == nullptr) return;
-    const Pointer ended = std::exchange(current, nullptr);
-    for (const int owner : ended->cleanups) Tell("cleaned", owner);
-    ended->isGone = true;
+    if (current != nullptr) std::exchange(current, nullptr)->isGone = true;
   }
   void Observe() {
     Tell("there", current != nullptr ? 1 : 0, isRequested ? 1 : 0);
@@ -163,7 +157,6 @@ class EventModel : public Player<EventModel> {
     std::map<int, Event> held = {};
     std::map<int, int> hooks = {};
     std::set<int> known = {};
-    std::set<int> cleanups = {};
     int lastHook = 0;
     int deliveries = 0;
     int failedEvent = -1;

@@ -19,8 +19,7 @@ template <class World>
 std::vector<Operation<World>> EventOperations() {
   using enum Place;
   return {
-      {"Raise", "e3", &World::Raise, 18, Wiring},
-      {"RaiseLatest", "e3", &World::RaiseLatest, 14, Wiring},
+      {"Raise", "e3b2", &World::Raise, 32, Wiring},
       {"RaiseOwn", "e3o3b2", &World::RaiseOwn, 8, Wiring},
       {"Send", "e3", &World::Send, 8},
       {"Dispatch", "", &World::Dispatch, 8},
@@ -45,8 +44,6 @@ std::vector<Operation<World>> EventOperations() {
       {"DropOwner", "o3", &World::DropOwner, 2},
       {"SetHandler", "b2", &World::SetHandler, 2},
       {"TakeFailure", "", &World::TakeFailure},
-      {"AddCleanup", "o3", &World::AddCleanup},
-      {"RemoveCleanup", "o3", &World::RemoveCleanup},
       {"Release", "", &World::Release},
       {"When", "x5s5m3", &World::When, 24},
       {"Throw", "", &World::Throw, 6, Wiring},

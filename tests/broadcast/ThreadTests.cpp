@@ -41,13 +41,14 @@ TEST(BroadcasterThreads, RegisterCancelAndAnnounceOnFourThreadsAtOnce) {
   notifier.UpdateListeners(L"A");
   const std::array<VtrString, 2> names{L"A", L"B"};
   std::atomic<int> keptRuns{0};
+  std::atomic<int> released{0};
   const auto kept = notifier.Register([&] { ++keptRuns; }, L"A");
   OnThreads(4, [&](int thread) {
     std::vector<Subscription> own;
     for (int i = 0; i < 2000; ++i) {
       const VtrString& name = names[static_cast<std::size_t>(i + thread) % 2];
-      own.push_back(
-          notifier.Register([held = std::make_unique<int>(i)] { EXPECT_GE(*held, 0); }, name));
+      const std::shared_ptr<int> held(new int(i), [&](const int* p) { delete p, ++released; });
+      own.push_back(notifier.Register([held] { EXPECT_GE(*held, 0); }, name));
       if (i % 3 == 0) notifier.UpdateListeners(L"A");
       if (own.size() > 8) own.erase(own.begin() + i % 8);
       EXPECT_GE(notifier.GetNumRegistered(name), 1u);
@@ -56,21 +57,7 @@ TEST(BroadcasterThreads, RegisterCancelAndAnnounceOnFourThreadsAtOnce) {
   EXPECT_EQ(notifier.GetNumRegistered(L"A"), 1u);
   EXPECT_EQ(notifier.GetRegisteredProperties(), std::vector<VtrString>{L"A"});
   EXPECT_EQ(keptRuns, 4 * 667);
-}
-
-TEST(BroadcasterThreads, StatesCancelledUnderRunningBroadcastsAreReleasedAtTheirEnd) {
-  Notifier notifier;
-  notifier.UpdateListeners(L"A");
-  std::atomic<int> released{0};
-  OnThreads(4, [&](int) {
-    for (int i = 0; i < 1000; ++i) {
-      const std::shared_ptr<int> state(new int(0), [&](const int* p) { delete p, ++released; });
-      const auto cancelledWhileOthersRunIt = notifier.Register([state] {}, L"A");
-      notifier.UpdateListeners(L"A");
-    }
-  });
-  EXPECT_EQ(released, 4000);
-  EXPECT_FALSE(notifier.AreListenersAvailable(L"A"));
+  EXPECT_EQ(released, 4 * 2000);
 }
 
 TEST(BroadcasterThreads, CancellingMayRaceWithTheEndOfTheBroadcaster) {
@@ -79,11 +66,8 @@ TEST(BroadcasterThreads, CancellingMayRaceWithTheEndOfTheBroadcaster) {
     std::array<Subscription, 3> subscriptions;
     for (auto& each : subscriptions) each = notifier->Register([] {}, L"A");
     OnThreads(4, [&](int thread) {
-      if (thread == 3) {
-        notifier.reset();
-      } else {
-        subscriptions[static_cast<std::size_t>(thread)].Cancel();
-      }
+      if (thread == 3) return notifier.reset();
+      subscriptions[static_cast<std::size_t>(thread)].Cancel();
     });
   }
 }

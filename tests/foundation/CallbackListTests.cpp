@@ -4,7 +4,6 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -91,7 +90,7 @@ TEST_F(CallbackLists, CallbackForOneCallHearsNoNestedOneAndIsReleased) {
   EXPECT_EQ(Walked(), "0aa");
   EXPECT_EQ(Walked(), "a");
   EXPECT_EQ(Alive(), 1);
-  EXPECT_FALSE(list->AddOnce(nullptr));
+  EXPECT_FALSE(list->Add(nullptr) || list->AddOnce(nullptr));
 }
 
 TEST_F(CallbackLists, ExceptionEndsTheWalkAndLeavesTheListAsItShouldBe) {
@@ -121,26 +120,6 @@ TEST_F(CallbackLists, ReleasedCallbackMayUseAndEndTheListInItsDestructor) {
       EXPECT_EQ(std::exchange(log, {}), inWalk ? "011n" : "1n");
       EndList();
     }
-  }
-}
-
-TEST_F(CallbackLists, KeepTheirOrderThroughThousandsOfChanges) {
-  EXPECT_FALSE(list->Add(nullptr));
-  std::mt19937 random(5);
-  std::string model;
-  for (int step = 0; step < 5000; ++step) {
-    const auto choice = random() % 100;
-    if (choice < 50 || model.empty()) {
-      model += static_cast<char>('!' + random() % 90);
-      Add(model.back());
-    } else if (choice < 95) {
-      const auto ended = random() % model.size();
-      model.erase(ended, 1);
-      subscriptions.erase(subscriptions.begin() + static_cast<std::ptrdiff_t>(ended));
-    } else {
-      ASSERT_EQ(Walked(), model);
-    }
-    ASSERT_EQ(Alive(), static_cast<long>(model.size()));
   }
 }
 

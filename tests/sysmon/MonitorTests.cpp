@@ -1,5 +1,4 @@
 /// What stands between a reading of the system and the figures on the screen.
-#include <algorithm>
 #include <chrono>
 #include <string>
 #include <utility>
@@ -24,22 +23,6 @@ using DataBinding::GetProperty;
 using DataBinding::IAppEventBroadcaster;
 using DataBinding::IDataSourceRegistrar;
 
-ProcessReading Process(Count id, const char* name, double cpuTime = 0, double started = 0) {
-  ProcessReading process;
-  process.id = id;
-  process.name = name;
-  process.cpuTime = Seconds(cpuTime);
-  process.started = Seconds(started);
-  return process;
-}
-
-InterfaceReading Interface(const char* name, Count receivedBytes) {
-  InterfaceReading interface;
-  interface.name = name;
-  interface.receivedBytes = receivedBytes;
-  return interface;
-}
-
 class NoReader final : public SystemReader {
  public:
   SystemReading Read() override { return {}; }
@@ -55,14 +38,14 @@ class MonitorTest : public testing::Test {
  protected:
   /// Announces what would be read so many seconds after the first time, and delivers the events
   /// and those that their listeners raise.
-  void Take(int second, double load, std::vector<ProcessReading> processes = {},
-            std::vector<InterfaceReading> interfaces = {}) {
+  void Take(int second, double load, std::vector<ProcessReading> processes = {}) {
     SystemReading reading;
     reading.taken += std::chrono::seconds(second);
     reading.host.uptime = Seconds(20 + second);
     reading.load.one = load;
     reading.processes = std::move(processes);
-    reading.interfaces = std::move(interfaces);
+    reading.interfaces.resize(1);
+    reading.interfaces[0].receivedBytes = static_cast<Count>(second);
     announcer.Announce(reading);
     Deliver();
   }
@@ -84,18 +67,6 @@ class MonitorTest : public testing::Test {
     return GetProperty<T>(root.GetDataSource(source), property).value.value_or(T());
   }
 
-  /// Of all child scopes, in ascending order.
-  template <class T>
-  [[nodiscard]] std::vector<double> ShownOfEach(const wchar_t* source, const wchar_t* property) {
-    std::vector<double> all;
-    VisitScopes(root, [&](IDataSourceProvider& scope) {
-      if (auto* shown = scope.GetDataSource(source))
-        all.push_back(GetProperty<T>(shown, property)->value);
-    });
-    std::sort(all.begin(), all.end());
-    return all;
-  }
-
   NoReader reader;
   RootScope rootScope;
   IDataSourceProvider& root = *IDataSourceRegistrar::GetInstance().GetRootProvider();
@@ -108,10 +79,13 @@ class MonitorTest : public testing::Test {
 
 TEST_F(MonitorTest, APauseHoldsMeasurementsAndEndsWithTheNewest) {
   Pause pause;
-  Take(0, 1, {}, {Interface("lo", 0)});
+  ProcessReading make;
+  make.id = 7;
+  make.name = "make";
+  Take(0, 1);
   pause.Toggle();
-  Take(1, 2, {Process(7, "make")});
-  Take(2, 3, {}, {Interface("lo", 5)});
+  Take(1, 2, {make});
+  Take(2, 3);
   EXPECT_EQ(Shown<double>(L"Load", L"One"), 1);
   EXPECT_EQ(Logged(L"ProcessStarted") + Logged(L"ProcessEnded"), "make make ");
   const auto before = log.Added();
