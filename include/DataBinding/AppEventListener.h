@@ -107,6 +107,7 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
   std::int32_t activationCount;
 };
 
+/// The entry that On makes of a callback.
 template <class... Args>
 class AppEventListener::CallbackEntry : public AppEventMapEntry {
  public:

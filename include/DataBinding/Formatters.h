@@ -1,4 +1,4 @@
-/// std::formatter for strings and results, where the compiler has <format>; nothing elsewhere.
+/// std::formatter for strings and results, where the compiler has `<format>`; nothing elsewhere.
 ///
 /// They write what `<<` writes, UTF-8 in narrow formats, and take the format of a string; that of a
 /// PropertyValue<T> takes the format of a T, which is for values only: a text for people that

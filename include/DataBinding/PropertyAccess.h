@@ -125,8 +125,8 @@ class PropertyRef {
   VtrString text;
 };
 
-/// Finds a property to be read and set more than once, without another look-up; FindProperty<const
-/// int> finds it to be read only, in a const source too.
+/// Finds a property to be read and set more than once, without another look-up;
+/// `FindProperty<const int>` finds it to be read only, in a const source too.
 template <class T>
 [[nodiscard]] PropertyRef<T> FindProperty(typename PropertyRef<T>::Source* source,
                                           const VtrString& name) {
