@@ -69,7 +69,9 @@ class Broadcast {
   /// Both steps move on before they call out: a listener that throws or faults counts as done.
   static void Step(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
-    self.loop(self.pin.Get()->Listeners(), &self.pin.Next(), self.count);
+    auto& next = self.pin.Next();
+    if (next.load(std::memory_order_relaxed) == self.count) return;
+    self.loop(self.pin.Get()->Listeners(), &next, self.count);
   }
   static void StepOverRemoved(void* context) {
     auto& self = *static_cast<Broadcast*>(context);

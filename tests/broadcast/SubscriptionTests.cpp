@@ -12,6 +12,7 @@
 #include <DataBinding/foundation/PauseListening.h>
 #include <gtest/gtest.h>
 
+#include "../support/Gate.h"
 #include "Notifier.h"
 
 namespace DataBinding {
@@ -30,6 +31,25 @@ TEST(RegisterOnce, CallbackThatAnnouncesItsOwnPropertyIsCalledOnce) {
   EXPECT_FALSE(notifier.AreListenersAvailable(L"A"));
   notifier.UpdateListeners(L"A");
   EXPECT_EQ(runs, 1);
+}
+
+TEST(RegisterOnce, OneOfSeveralThreadsThatAnnounceAtATimeCallsIt) {
+  for (int round = 0; round < 200; ++round) {
+    Notifier notifier;
+    std::atomic<int> runs{0};
+    Testing::Gate start(3);
+    const auto announce = [&] {
+      start.ArriveAndWait();
+      notifier.UpdateListeners(L"A");
+    };
+    std::array<std::jthread, 2> announcing{std::jthread(announce), std::jthread(announce)};
+    start.ArriveAndWait();
+    const auto once = notifier.RegisterOnce([&] { ++runs; }, L"A");
+    for (auto& thread : announcing) thread.join();
+    notifier.UpdateListeners(L"A");
+    ASSERT_EQ(runs, 1);
+    ASSERT_FALSE(notifier.AreListenersAvailable(L"A"));
+  }
 }
 
 TEST(RegisterOnce, CallbackThatThrowsIsNotCalledAgain) {
@@ -172,39 +192,35 @@ class Busy {
   std::atomic<bool> mayLeave{false};
 };
 
-TEST(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {
-  for (const bool ofList : {false, true}) {
-    for (int round = 0; round < 100; ++round) {
-      Notifier notifier;
-      CallbackList<> list;
-      Busy busy;
-      auto stays =
-          ofList ? list.Add([&] { busy.Stay(); }) : notifier.Register([&] { busy.Stay(); }, L"A");
-      const std::jthread announcing([&] { ofList ? list.Call() : notifier.UpdateListeners(L"A"); });
-      busy.WaitUntilInside();
-      const std::jthread letting([&] {
-        std::this_thread::yield();
-        busy.mayLeave = true;
-      });
-      stays.CancelAndWait();
-      ASSERT_FALSE(busy.isInside);
-    }
+/// Whether the registration is one of a list, and whether another came while its callback ran.
+class CancelAndWaitOnThreads : public testing::TestWithParam<std::pair<bool, bool>> {};
+
+TEST_P(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {
+  const bool ofList = GetParam().first;
+  const bool grows = GetParam().second;
+  for (int round = 0; round < 100; ++round) {
+    Notifier notifier;
+    CallbackList<> list;
+    Busy busy;
+    auto stays =
+        ofList ? list.Add([&] { busy.Stay(); }) : notifier.Register([&] { busy.Stay(); }, L"A");
+    const std::jthread announcing([&] { ofList ? list.Call() : notifier.UpdateListeners(L"A"); });
+    busy.WaitUntilInside();
+    const auto later = grows ? notifier.Register([] {}, L"A") : Subscription();
+    const std::jthread letting([&] {
+      for (int i = 0; i < 50; ++i) std::this_thread::yield();
+      busy.mayLeave = true;
+    });
+    stays.CancelAndWait();
+    ASSERT_FALSE(busy.isInside);
   }
 }
 
-TEST(CancelAndWaitOnThreads, WaitsInAnArrayThatWasReplacedWhileItRan) {
-  Notifier notifier;
-  Busy busy;
-  auto stays = notifier.Register([&] { busy.Stay(); }, L"A");
-  const std::jthread announcing([&] { notifier.UpdateListeners(L"A"); });
-  busy.WaitUntilInside();
-  const auto grown = notifier.Log('g');
-  const std::jthread letting([&] { busy.mayLeave = true; });
-  stays.CancelAndWait();
-  EXPECT_FALSE(busy.isInside);
-}
+INSTANTIATE_TEST_SUITE_P(EachKind, CancelAndWaitOnThreads,
+                         testing::Values(std::pair{false, false}, std::pair{false, true},
+                                         std::pair{true, false}));
 
-TEST(CancelAndWaitOnThreads, DoesNotWaitForAnotherCallbackOfTheProperty) {
+TEST(CancelAndWait, DoesNotWaitForAnotherCallbackOfTheProperty) {
   Notifier notifier;
   Busy busy;
   std::atomic<bool> isCalled{false};

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <typeinfo>
 #include <utility>
@@ -114,17 +115,19 @@ struct DirectCall {
   const BindStateBase* state;
 };
 
-/// Makes the calls from `*next` to `end`, counting on before each, so that one which throws counts
-/// as made and other threads see which one is under way. Processors reach a function in the same
-/// module faster than one in another: a state therefore names the copy of its own module.
+/// Makes the calls from `*next` to `end`, at least one, counting on before each, so that one which
+/// throws counts as made and other threads see which one is under way. Processors reach a function
+/// in the same module faster than one in another: a state therefore names the copy of its own
+/// module.
 DATABINDING_MODULE_LOCAL DATABINDING_HOT_LOOP inline void MakeCalls(
     const DirectCall* calls, std::atomic<std::uint32_t>* next, std::uint32_t end) {
-  for (std::uint32_t i = next->load(std::memory_order_relaxed); i < end;) {
+  std::size_t i = next->load(std::memory_order_relaxed);
+  do {  // a check before the loop would push that across two cache lines
     const DirectCall& call = calls[i];
-    next->store(++i, std::memory_order_release);
+    next->store(static_cast<std::uint32_t>(++i), std::memory_order_release);
     std::atomic_signal_fence(std::memory_order_seq_cst);  // the count first, then the look at it
     call.run.load(std::memory_order_relaxed)(call.state);
-  }
+  } while (i < end);
 }
 
 /// A callback without its signature: owns one reference to a state, or none.
