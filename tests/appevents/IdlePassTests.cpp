@@ -26,44 +26,6 @@ class IdlePasses : public Events {
   }
 };
 
-TEST_F(IdlePasses, WakeOncePerRunAndFeedModalLoopsThatListenersRun) {
-  moved.Raise(1);
-  const auto pass = Pass();
-  EXPECT_EQ(wakes, 1) << "an event was waiting already";
-  Listen('a', [&] {
-    if (log != "a1") return;
-    EXPECT_FALSE(pass->IsRequested() || events().HasPendingEvents());
-    moved.Raise(3);
-    EXPECT_EQ(wakes, 2);
-    pass->Run();
-    moved.Raise(4);
-    EXPECT_EQ(wakes, 3);
-  });
-  moved.Raise(9);
-  closed.Raise();
-  moved.RaiseLatest(2);
-  EXPECT_EQ(wakes, 1);
-  EXPECT_EQ(Run(*pass), "a1a3a2");
-  EXPECT_TRUE(pass->IsRequested());
-  EXPECT_EQ(Run(*pass) + Run(*pass), "a4");
-  EXPECT_EQ(wakes, 3);
-}
-
-TEST_F(IdlePasses, InAModalLoopLeaveAFailureToTheOuterRun) {
-  const auto pass = Pass();
-  Listen('a', [] { throw std::runtime_error("first"); });
-  Listen('b', [&] {
-    closed.Raise();
-    EXPECT_NO_THROW(pass->Run());
-    log += "modal over ";
-  });
-  Listen('c');
-  moved.Raise(1);
-  EXPECT_EQ(ThrownBy(*pass), "first");
-  EXPECT_EQ(Notes(), "a1b1modal over c1");
-  EXPECT_EQ(pass->DroppedFailures(), 0u);
-}
-
 TEST_F(IdlePasses, GiveTheFormerCallbackAndWhatIsLeftBackInWhateverOrderTheyEnd) {
   std::array<std::size_t, 3> order{0, 1, 2};
   do {
@@ -90,22 +52,6 @@ TEST_F(IdlePasses, GiveTheFormerCallbackAndWhatIsLeftBackInWhateverOrderTheyEnd)
   EXPECT_EQ(Notes(), "x");
 }
 
-TEST_F(IdlePasses, ThrowTheFirstFailureOnceWhenAllIsDelivered) {
-  const auto pass = Pass();
-  Listen('a', [this] { throw std::runtime_error(log); });
-  Listen('b');
-  moved.Raise(1);
-  moved.Raise(2);
-  EXPECT_EQ(ThrownBy(*pass), "a1");
-  EXPECT_EQ(Notes(), "a1b1a2b2");
-  EXPECT_EQ(pass->DroppedFailures(), 1u);
-  EXPECT_EQ(ThrownBy(*pass), "");
-  moved.Send(3);
-  EXPECT_TRUE(pass->IsRequested());
-  EXPECT_EQ(ThrownBy(*pass), "a3") << "what was thrown outside the pass";
-  EXPECT_EQ(pass->DroppedFailures(), 0u);
-}
-
 TEST_F(IdlePasses, LetAForeignEventsExceptionThroughAndComeBackForWhatRemains) {
   const auto pass = Pass();
   Listen('a', [] { throw std::runtime_error("listener"); });
@@ -117,53 +63,6 @@ TEST_F(IdlePasses, LetAForeignEventsExceptionThroughAndComeBackForWhatRemains) {
   EXPECT_EQ(ThrownBy(*pass), "listener");
   EXPECT_EQ(log, "a1f");
   EXPECT_EQ(wakes, 2);
-}
-
-TEST_F(IdlePasses, DeliverOneEventAtLeastAndKeepTheOthersWhenTheTimeIsUp) {
-  const auto pass = Pass();
-  Listen('a');
-  for (const int value : {1, 2, 3}) moved.Raise(value);
-  closed.RaiseLatest();
-  moved.RaiseLatest(4);  // takes the place of 3
-  for (const auto* heard : {"a1", "a2", "", "a4"}) {
-    EXPECT_TRUE(pass->IsRequested() && events().HasUndeliveredEvents());
-    pass->RunFor(0ns);
-    EXPECT_EQ(Notes(), heard);
-  }
-  EXPECT_FALSE(pass->IsRequested() || events().HasUndeliveredEvents());
-  EXPECT_EQ(wakes, 4);
-}
-
-TEST_F(IdlePasses, WithTimeLeftDeliverNothingThatIsRaisedMeanwhile) {
-  const auto pass = Pass();
-  Listen('a', [&] {
-    if (log == "a1") moved.RaiseLatest(3);  // in place of 2
-    if (log == "a1") events().DropEvents(closed.Name());
-    moved.Raise(4);
-  });
-  moved.Raise(1);
-  closed.Raise();
-  moved.Raise(2);
-  pass->RunFor(std::chrono::nanoseconds::max());
-  EXPECT_EQ(Notes(), "a1");
-  EXPECT_TRUE(pass->IsRequested());
-  pass->RunFor(1h);
-  EXPECT_EQ(Notes(), "a3a4");
-}
-
-TEST_F(IdlePasses, WithTimeLeftFeedAModalLoopWithTheRestInOrder) {
-  const auto pass = Pass();
-  Listen('a', [&] {
-    if (log != "a1") return;
-    moved.Raise(4);
-    pass->RunFor(0ns);
-    EXPECT_TRUE(pass->IsRequested());
-    pass->Run();
-    log += "modal over ";
-  });
-  for (const int value : {1, 2, 3}) moved.Raise(value);
-  pass->RunFor(1h);
-  EXPECT_EQ(Notes(), "a1a2a3a4modal over ");
 }
 
 TEST_F(IdlePasses, WithTimeLeftKeepWhatIsBehindAForeignEventsException) {
@@ -178,15 +77,18 @@ TEST_F(IdlePasses, WithTimeLeftKeepWhatIsBehindAForeignEventsException) {
 TEST_F(IdlePasses, TellWhetherAnythingIsStillToCome) {
   const auto pass = Pass();
   Listen('a', [this] { log += events().HasUndeliveredEvents() ? "+" : "."; });
-  for (const int value : {1, 2, 3}) moved.Raise(value);
-  Queue(L"A", "b", [](auto& broadcaster) {
-    moved.Send(4);
-    broadcaster.DropEvents(L"Moved");
-    moved.Send(5);
-  });
-  moved.Raise(6);
-  EXPECT_EQ(Run(*pass), "a1+a2+a3+ba4+a5.");
-  EXPECT_FALSE(events().HasUndeliveredEvents());
+  for (const bool isTimed : {false, true}) {
+    for (const int value : {1, 2, 3}) moved.Raise(value);
+    Queue(L"A", "b", [](auto& broadcaster) {
+      moved.Send(4);
+      broadcaster.DropEvents(L"Moved");
+      moved.Send(5);
+    });
+    moved.Raise(6);
+    isTimed ? pass->RunFor(std::chrono::nanoseconds::max()) : pass->Run();
+    EXPECT_EQ(Notes(), "a1+a2+a3+ba4+a5.");
+    EXPECT_FALSE(events().HasUndeliveredEvents());
+  }
 }
 
 TEST_F(IdlePasses, WokenInVainAreWokenByAReplacingEventToo) {

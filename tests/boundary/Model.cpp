@@ -21,7 +21,6 @@ std::optional<DataSourceConstructor<Gauge>> registration;
 
 }  // namespace
 
-const runtime_type_base& ReadingTypeOfModel() { return runtime_type<Reading>::Get(); }
 void StartModel() { registration.emplace(L"Gauge", L"root"); }
 void StopModel() { registration.reset(); }
 

@@ -34,7 +34,6 @@ class Meter : public DataBinding::Singleton<Meter> {
 };
 
 /// Registers the model's constructor for as long as the registration lives.
-BOUNDARY_API const DataBinding::runtime_type_base& ReadingTypeOfModel();
 BOUNDARY_API void StartModel();
 BOUNDARY_API void StopModel();
 
