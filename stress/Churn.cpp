@@ -1,10 +1,7 @@
-#include <malloc.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <fstream>
 
 #include "DataBinding/DataBinding.h"
+#include "Machine.h"
 #include "Subjects.h"
 
 namespace DataBinding::Stress {
@@ -54,15 +51,6 @@ std::size_t ChurnSources(IDataSourceProvider& parent, std::size_t count) {
   return heard;
 }
 
-struct Memory {
-  std::size_t inUse = mallinfo2().uordblks;
-  std::size_t resident = [] {
-    std::size_t pages[2] = {};
-    std::ifstream("/proc/self/statm") >> pages[0] >> pages[1];
-    return pages[1] * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-  }();
-};
-
 /// Half of the events replace what is queued of their name, and are never heard.
 std::size_t ChurnEvents(IdlePass& idle, const AppEvent<int>& event, std::size_t count) {
   std::size_t heard = 0;
@@ -84,13 +72,13 @@ bool ChurnStaysFlat(std::size_t rounds) {
   IdlePass idle([] {});
   DataSourceProvider root(nullptr, L"", nullptr);
   std::size_t heard = 0;
-  Memory before;
-  Memory now;
+  Memory before{};
+  Memory now{};
   for (std::size_t point = 0; point <= checkpoints; ++point) {
     for (std::size_t i = 0; i < rounds / checkpoints; i += perScope) {
       heard += ChurnSources(root, perScope) + ChurnEvents(idle, event, perScope);
     }
-    now = Memory();
+    now = MemoryNow();
     if (point == 0) before = now;  // what is kept for further use is there by now
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     std::printf("churn: %9zu callbacks, %7zu bytes in use, %6zu KiB resident, %5.1f s\n", heard,

@@ -1,16 +1,12 @@
 // Half of the scripts have seeds that are always the same, the others random ones; all random where
 // there is a time. Scripts run in a child process, so that a crash is shrunk like a wrong answer.
 
-#include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <random>
 
+#include "Machine.h"
 #include "Subjects.h"
 
 namespace DataBinding::Stress {
@@ -18,7 +14,6 @@ namespace {
 
 constexpr std::size_t scriptLength = 400;
 constexpr std::size_t looksEvery = 16;
-constexpr unsigned longestTrial = 20;  // seconds
 
 struct Subject {
   const char* name;
@@ -40,26 +35,6 @@ Script Generate(std::uint32_t seed) {
   Script script(scriptLength);
   for (auto& code : script) code = static_cast<std::uint32_t>(random());
   return script;
-}
-
-/// Runs something in a child process and says whether it answered true there.
-template <class Run>
-bool Succeeds(bool quietly, Run run) {
-  std::fflush(stdout);
-  const pid_t child = fork();
-  if (child == 0) {
-    if (quietly) {
-      alarm(longestTrial);
-      static_cast<void>(!std::freopen("/dev/null", "w", stdout));
-      static_cast<void>(!std::freopen("/dev/null", "w", stderr));
-    }
-    const bool succeeded = run();
-    std::fflush(stdout);
-    if (quietly || !succeeded) _exit(succeeded ? 0 : 1);
-    std::exit(0);  // with a check for leaks, where there is one
-  }
-  int status = 1;
-  return child > 0 && waitpid(child, &status, 0) == child && status == 0;
 }
 
 /// Leaves out what the failure does not need: large pieces first, in the end single operations.
@@ -105,10 +80,7 @@ int Report(const Subject& subject, std::uint32_t seed) {
 
 int Stress(const Subject& subject, const Options& options) {
   using Clock = std::chrono::steady_clock;
-  // Where the child leaves the seed that it is about to try.
-  void* const page = mmap(nullptr, sizeof(std::uint32_t), PROT_READ | PROT_WRITE,
-                          MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  auto& current = *static_cast<std::uint32_t*>(page);
+  std::uint32_t& current = CurrentSeed();
   const auto start = Clock::now();
   const std::chrono::duration<double> limit(options.minutes * 60);
   const std::uint32_t random = std::random_device()() | 0x80000000U;

@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <random>
 #include <unordered_map>
 
 #include "Events.h"
@@ -17,78 +15,6 @@ TEST_F(Events, UpdateCallbackIsOneForAllBroadcastersAndMayBeMissing) {
   events().QueueEvent(L"A", nullptr);
   EXPECT_EQ(log, "a");
 }
-
-/// Plays one random script on the queue and on a list of what should be in it.
-class QueueScript : public Events, public ::testing::WithParamInterface<unsigned> {
- protected:
-  struct Wanted {
-    std::size_t name;
-    const void* owner;
-    int id;
-  };
-
-  static std::string Note(int id) { return std::to_string(id) + " "; }
-  void Append(bool replaceLast) {
-    const auto name = random() % typed.size();
-    const bool foreign = random() % 2 == 0;
-    if (foreign) {
-      auto event = std::make_shared<NotedEvent>(log, Note(++lastId), nullptr, this);
-      events().QueueEvent(typed[name].Name(), std::move(event), replaceLast);
-    } else {
-      replaceLast ? typed[name].RaiseLatest(++lastId) : typed[name].Raise(++lastId);
-    }
-    const auto last = std::find_if(model.rbegin(), model.rend(),
-                                   [name](const auto& wanted) { return wanted.name == name; });
-    if (!replaceLast || last == model.rend()) {
-      ++wantedWakes;
-    } else {
-      model.erase(std::prev(last.base()));
-    }
-    model.push_back({name, foreign ? this : ThisModule(), lastId});
-  }
-  void DropName() {
-    const auto name = random() % typed.size();
-    events().DropEvents(typed[name].Name());
-    std::erase_if(model, [name](const auto& wanted) { return wanted.name == name; });
-  }
-  void DropOwner() {
-    const void* owner = random() % 2 == 0 ? this : ThisModule();
-    events().DropOwner(owner);
-    std::erase_if(model, [owner](const auto& wanted) { return wanted.owner == owner; });
-  }
-  void Dispatch() {
-    std::string wanted;
-    for (const auto& each : model) wanted += Note(each.id);
-    model.clear();
-    ASSERT_EQ(Dispatched(), wanted);
-  }
-
-  std::mt19937 random{GetParam()};
-  std::vector<AppEvent<int>> typed;
-  std::vector<Wanted> model;
-  int lastId = 0;
-  int wantedWakes = 0;
-};
-
-TEST_P(QueueScript, LeavesWhatAPlainListWouldHold) {
-  CountWakes();
-  for (unsigned name = 0; name < 3 + GetParam() * 20; ++name) {
-    typed.emplace_back(VtrString(L"Script") + VtrString(std::to_wstring(name).c_str()));
-    subscriptions.push_back(typed.back().Subscribe([this](const int& id) { log += Note(id); }));
-  }
-  for (int step = 0; step < 20000; ++step) {
-    const auto choice = random() % 1000;
-    choice < 995   ? Append(choice >= 200)
-    : choice < 997 ? Dispatch()
-    : choice < 999 ? DropName()
-                   : DropOwner();
-    ASSERT_EQ(events().HasPendingEvents(), !model.empty());
-  }
-  Dispatch();
-  EXPECT_EQ(wakes, wantedWakes);
-}
-
-INSTANTIATE_TEST_SUITE_P(Seeds, QueueScript, ::testing::Values(0u, 1u, 7u));
 
 TEST_F(Events, DroppedInADeliveryAreNotReachedAnyMore) {
   Queue(L"A", "a", [this](PolicyEventBroadcaster& broadcaster) {
