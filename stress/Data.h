@@ -15,7 +15,7 @@ inline constexpr int watchCount = 3;
 /// In order. The last differs from the second by its case only.
 inline constexpr const wchar_t* sourceNames[] = {L"Art", L"Doc", L"Map", L"New", L"doc"};
 inline constexpr int nameCount = 5;
-/// The properties A and B are numbers, C is their sum, E is an event source, * is not declared.
+/// The properties A, B and C are numbers, E is an event source, * is not declared.
 inline constexpr const wchar_t* propertyNames[] = {L"A", L"B", L"C", L"E", L"*"};
 inline constexpr int propertyCount = 5;
 
@@ -79,8 +79,7 @@ std::vector<Operation<World>> DataOperations() {
       {"Watch", "w3s9q5", &World::Watch, 6, Wiring},
       {"CancelWatch", "w3", &World::CancelWatch, 5, Wiring},
       {"Announce", "s9a9", &World::Announce, 12, Wiring},
-      {"SetProperty", "s9q5v4", &World::SetProperty, 10, Wiring},
-      {"SetTogether", "s9v4v4", &World::SetTogether, 5, Wiring},
+      {"SetProperty", "s9q5v4", &World::SetProperty, 15, Wiring},
       {"When", "x4l4m3", &World::When, 14},
       {"Throw", "", &World::Throw, 2},
   };

@@ -151,14 +151,6 @@ class DataLibrary : public Player<DataLibrary> {
     const auto result = DataBinding::SetProperty<int>(source, propertyNames[property], value);
     Tell("set", result.changed ? 1 : 0, static_cast<int>(result.error));
   }
-  void SetTogether(int chosen, int first, int second) {
-    auto* const source = Choose(chosen);
-    if (source == nullptr) return;
-    const PropertyBatch together(*source);
-    source->b.Set(first);
-    source->a.Set(second);
-    source->b.Set(second);
-  }
   void Observe() {
     for (int i = 0; i < providerCount; ++i) {
       if (providers[At(i)] != nullptr) ObserveProvider(i, *providers[At(i)]);
@@ -202,7 +194,7 @@ class DataLibrary : public Player<DataLibrary> {
     int id = ++world.lastSource;
     Property<int> a{this, L"A"};
     Property<int> b{this, L"B"};
-    ComputedProperty<int> c{this, L"C", [this] { return *a + *b; }, a, b};
+    Property<int> c{this, L"C"};
   };
   class Listener final : public DataListener {
    public:

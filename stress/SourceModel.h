@@ -25,21 +25,13 @@ class SourceModel : public Player<DataModel> {
     for (const char property : announcements[announcement].properties) Call(source, property - '0');
   }
   void SetProperty(int chosen, int property, int value) {
-    constexpr int errors[] = {0, 0, 5, 3, 2};
+    constexpr int errors[] = {0, 0, 0, 3, 2};
     const int source = Choose(chosen);
     if (source == 0) return;
-    const bool changes = property <= 1 && sources[source].values[property] != value;
-    if (changes) Set(source, property, value);
+    const bool changes =
+        property <= 2 && std::exchange(sources[source].values[property], value) != value;
+    if (changes) Call(source, property);
     Tell("set", changes ? 1 : 0, errors[property]);
-  }
-  void SetTogether(int chosen, int first, int second) {
-    const int source = Choose(chosen);
-    if (source == 0) return;
-    ++sources[source].batches;
-    Set(source, 1, first);
-    Set(source, 0, second);
-    Set(source, 1, second);
-    EndBatch(source);
   }
 
  protected:
@@ -50,10 +42,8 @@ class SourceModel : public Player<DataModel> {
   };
   struct Source {
     int name = 0;
-    int values[2] = {};
+    int values[3] = {};
     std::map<int, std::vector<Registration>> listeners = {};
-    std::vector<int> changed = {};
-    int batches = 0;
   };
   int Make(int name) {
     sources[++lastSource] = {name};
@@ -90,29 +80,9 @@ class SourceModel : public Player<DataModel> {
       }
     }
   }
-  /// A number's change is one of the sum too. Each is announced once, when the last batch ends.
-  void Set(int source, int property, int value) {
-    if (std::exchange(sources[source].values[property], value) == value) return;
-    ++sources[source].batches;
-    for (const int changed : {property, 2}) {
-      auto& noted = sources[source].changed;
-      if (std::ranges::count(noted, changed) == 0) noted.push_back(changed);
-    }
-    EndBatch(source);
-  }
-  void EndBatch(int source) {
-    --sources[source].batches;
-    while (sources.contains(source)) {
-      auto& [name, values, callbacks, changed, batches] = sources[source];
-      if (batches != 0 || changed.empty()) return;
-      const int property = changed.front();
-      changed.erase(changed.begin());
-      Call(source, property);
-    }
-  }
   void ObserveSources() {
     for (auto& [id, source] : sources) {
-      Tell("values", source.values[0] * 10 + source.values[1], source.values[0] + source.values[1]);
+      Tell("values", source.values[0] * 10 + source.values[1], source.values[2]);
       const auto used = [](const auto& each) { return !each.second.empty(); };
       Tell("listened", id, static_cast<int>(std::ranges::count_if(source.listeners, used)));
       for (int property = 0; property < propertyCount; ++property) {
