@@ -21,6 +21,7 @@ struct Subject {
   std::string (*describe)(std::uint32_t code);
 };
 constexpr Subject subjects[] = {{"data", &DataAgrees, &DescribeData},
+                                {"properties", &PropertiesAgree, &DescribeProperties},
                                 {"events", &EventsAgree, &DescribeEvents}};
 
 struct Options {
@@ -135,8 +136,8 @@ std::optional<Options> Parse(std::span<char*> arguments) {
 }
 
 constexpr char usage[] =
-    "stress data|events [--operations N | --minutes N]  random scripts\n"
-    "stress data|events --seed N                        one of them once more\n"
+    "stress data|properties|events [--operations N | --minutes N]  random scripts\n"
+    "stress data|properties|events --seed N                        one of them once more\n"
     "stress threads [--seed N] [--minutes N]            producers beside the delivering thread\n"
     "stress churn [--rounds N]                          so many sources and events in flat "
     "memory\n";

@@ -99,6 +99,8 @@ class Player {
     for (const std::uint32_t code : due.mapped()) Play(code);
   }
 
+  Place place = Place::Anywhere;
+
  private:
   static const Operation<World>& Decode(std::uint32_t code) {
     static const auto operations = World::Operations();
@@ -122,7 +124,6 @@ class Player {
   std::multimap<Point, Script> putOff;
   typename std::multimap<Point, Script>::iterator awaited = putOff.end();
   std::size_t awaitedCount = 0;
-  Place place = Place::Anywhere;
   int depth = 0;
 };
 

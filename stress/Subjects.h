@@ -7,6 +7,8 @@ namespace DataBinding::Stress {
 
 bool DataAgrees(const Script& script, std::size_t every, bool talks);
 std::string DescribeData(std::uint32_t code);
+bool PropertiesAgree(const Script& script, std::size_t every, bool talks);
+std::string DescribeProperties(std::uint32_t code);
 bool EventsAgree(const Script& script, std::size_t every, bool talks);
 std::string DescribeEvents(std::uint32_t code);
 
