@@ -81,18 +81,23 @@ TEST_F(EventHooks, LastAsLongAsTheirSubscriptionsWhichMayOutliveTheBroadcaster) 
   EXPECT_EQ(Notes(), "Closed") << "the next one has the same id";
 }
 
-TEST_F(EventHooks, MayOwnWhatTakesThemselvesAndOthersOff) {
-  const auto own = [](Subscription other) {
-    auto owned = std::make_shared<Subscription>(std::move(other));
-    return events().AddEventHook([owned](const auto&, const auto&) {});
-  };
-  Subscription last = own(own(own({})));
-  closed.Send();
-  last.Cancel();
-  events().RegisterEventHook(first.Delegate());
-  const Subscription left = own(own({}));
-  IAppEventBroadcaster::ReleaseInstance(false);
-  EXPECT_EQ(log, "");
+TEST_F(EventHooks, MayOwnWhatTakesOthersOff) {
+  for (const bool isReleased : {false, true}) {
+    const auto weak = events().GetWeakPtr();
+    std::vector<Subscription> hooks;
+    for (const int id : {1, 2}) {
+      const auto takeOtherOff = [&, id] {
+        auto& broadcaster = static_cast<IAppEventBroadcaster&>(*weak);
+        log += broadcaster.UnregisterEventHook(3 - id) ? "taken off " : "gone ";
+      };
+      hooks.push_back(
+          events().AddEventHook([end = AtEnd(takeOtherOff)](const auto&, const auto&) {}));
+    }
+    isReleased ? IAppEventBroadcaster::ReleaseInstance(false) : hooks.front().Cancel();
+    EXPECT_EQ(Notes(), isReleased ? "gone gone " : "gone taken off ");
+    closed.Send();
+    IAppEventBroadcaster::ReleaseInstance(false);
+  }
 }
 
 TEST_F(EventHooks, SeeAllArgumentsInOrderAfterTheListeners) {

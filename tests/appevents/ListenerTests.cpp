@@ -229,14 +229,18 @@ TEST_F(Views, InitialisedAsTheirBaseAreInitialisedAsTheyAreTheNextTime) {
   }
 }
 
-TEST_F(Views, MayBeUnsubscribedByWhatEndsWithTheirSubscriptions) {
+TEST_F(Views, MayBeSubscribedByWhatEndsWithTheirSubscriptions) {
   view.emplace(log, false);
-  const auto unsubscribe = [&] { view->UnregisterAppEventListeners(); };
-  for (int count = 0; count < 3; ++count)
-    view->eventMap.push_back(std::make_unique<NotedEntry>(log, unsubscribe));
+  bool isFirst = true;
+  const auto subscribe = [&] {
+    if (std::exchange(isFirst, false)) view->RegisterAppEventListeners();
+  };
+  view->eventMap.push_back(std::make_unique<NotedEntry>(log, subscribe));
   view->RegisterAppEventListeners();
   view->UnregisterAppEventListeners();
-  EXPECT_EQ(Notes(), "+++---");
+  EXPECT_EQ(Notes(), "+-+");
+  view.reset();
+  EXPECT_EQ(Notes(), "-");
 }
 
 TEST_F(Views, TouchNoSingletonUnlessTheyAreActivated) {
