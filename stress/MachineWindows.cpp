@@ -1,5 +1,8 @@
+// psapi.h needs what windows.h declares.
+// clang-format off
+#include <windows.h>
 #include <psapi.h>
-#include <windows.h>  // before psapi.h, which needs it
+// clang-format on
 
 #include <csignal>
 #include <cstdio>
