@@ -57,7 +57,7 @@ class DeliveryScope {
   /// True when the batches under way have events still to come.
   [[nodiscard]] static bool IsAnyToCome(DeliveryScope* innermost) noexcept {
     for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
-      if (scope->batch != nullptr && scope->batch->Peek() != nullptr) return true;
+      if (scope->batch != nullptr && scope->batch->HasNext()) return true;
     }
     return false;
   }

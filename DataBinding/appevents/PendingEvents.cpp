@@ -28,10 +28,24 @@ PendingEvents::EventPtr PendingEvents::TakeFirst(std::uint32_t ofPass) noexcept 
 void PendingEvents::Take(Batch& batch) noexcept {
   entries.swap(batch.entries);
   batch.first = std::exchange(first, none);
-  batch.rest = indexed;
+  batch.rest = batch.entries.data() + indexed;
+  batch.end = batch.entries.data() + batch.entries.size();
   last = none;
   events = 0;
   ClearIndex();
+}
+
+bool PendingEvents::Batch::HasNext() const noexcept {
+  for (std::uint32_t at = first; at != none; at = entries[at].next) {
+    if (entries[at].event != nullptr) return true;
+  }
+  const auto isThere = [](const Entry& entry) { return entry.event != nullptr; };
+  return std::any_of(rest, end, isThere);
+}
+
+/// Before the memory grows: empty entries in front may be reason enough not to let it.
+void PendingEvents::MakeRoom() {
+  if (events < entries.size() / 2) CloseHoles(Room());
 }
 
 /// Memory for what is in the queue, and for as much as it may yet take in.
@@ -45,7 +59,7 @@ std::vector<PendingEvents::Entry> PendingEvents::Room() const {
 void PendingEvents::CloseHoles(std::vector<Entry> room) noexcept {
   Batch whole;
   Take(whole);
-  for (; whole.Peek() != nullptr; whole.Step()) room.push_back(std::move(whole.Current()));
+  while (Entry* entry = whole.NextEntry()) room.push_back(std::move(*entry));
   entries.swap(room);
   events = entries.size();
 }

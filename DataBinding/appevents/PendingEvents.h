@@ -59,6 +59,7 @@ class PendingEvents {
   void IndexRest();
   void GrowIndex();
   void ClearIndex() noexcept;
+  void MakeRoom();
   void CloseHoles(std::vector<Entry> room) noexcept;
   [[nodiscard]] std::vector<Entry> Room() const;
   void Link(std::uint32_t entry) noexcept;
@@ -130,15 +131,11 @@ class PendingEvents::Batch {
  public:
   /// The next event in order, or null at the end.
   [[nodiscard]] const EventPtr* Next() noexcept {
-    const EventPtr* const next = Peek();
-    if (next != nullptr) Step();
-    return next;
+    const Entry* const next = NextEntry();
+    return next == nullptr ? nullptr : &next->event;
   }
-  /// What Next will give.
-  [[nodiscard]] const EventPtr* Peek() noexcept {
-    while (!IsAtEnd() && Current().event == nullptr) Step();
-    return IsAtEnd() ? nullptr : &Current().event;
-  }
+  /// False when Next would give null.
+  [[nodiscard]] bool HasNext() const noexcept;
   void Clear() noexcept { entries.clear(); }
   /// Moves the events that match, but for the current one, to `dropped`.
   template <class Matches>
@@ -153,25 +150,27 @@ class PendingEvents::Batch {
  private:
   friend class PendingEvents;
 
-  [[nodiscard]] bool IsAtEnd() const noexcept { return first == none && rest >= entries.size(); }
-  [[nodiscard]] Entry& Current() noexcept { return entries[first == none ? rest : first]; }
-  void Step() noexcept {
-    if (first == none) {
-      ++rest;
-    } else {
-      first = entries[first].next;
+  [[nodiscard]] Entry* NextEntry() noexcept {
+    while (first != none) {
+      Entry& entry = entries[first];
+      first = entry.next;
+      if (entry.event != nullptr) return &entry;
     }
+    while (rest != end && rest->event == nullptr) ++rest;
+    return rest == end ? nullptr : rest++;
   }
 
   std::vector<Entry> entries;
   /// The next of the linked entries, and of those that follow them.
   std::uint32_t first = none;
-  std::size_t rest = 0;
+  Entry* rest = nullptr;
+  Entry* end = nullptr;
 };
 
 template <class Name>
-void PendingEvents::Append(const Name& name, EventPtr&& event) {
-  if (entries.size() == entries.capacity() && events < entries.size() / 2) CloseHoles(Room());
+inline void PendingEvents::Append(const Name& name, EventPtr&& event) {
+  if (entries.size() == entries.capacity()) [[unlikely]]
+    MakeRoom();
   entries.emplace_back(name, std::move(event), pass);
   ++events;
 }
