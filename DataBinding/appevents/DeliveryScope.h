@@ -33,7 +33,7 @@ class DeliveryScope {
 
   /// Dispatches an event, which finds its owner here if it is to be held.
   void Dispatch(const PolicyEventBroadcaster::EventPtr& owned) {
-    event = &owned;
+    const Meanwhile dispatching(event, &owned);
     owned->Dispatch(*broadcaster);
   }
   /// Dispatches one after the other, until the broadcaster is released. What ends the events

@@ -45,8 +45,8 @@ template <class T>
 inline constexpr bool isBorrowed = std::same_as<T, VtrStringView>;
 template <class C, class Traits>
 inline constexpr bool isBorrowed<std::basic_string_view<C, Traits>> = true;
-template <class T, std::size_t extent>
-inline constexpr bool isBorrowed<std::span<T, extent>> = true;
+template <class T, std::size_t Extent>
+inline constexpr bool isBorrowed<std::span<T, Extent>> = true;
 template <class T>
 inline constexpr bool isBorrowed<std::reference_wrapper<T>> = true;
 template <>

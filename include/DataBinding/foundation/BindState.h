@@ -44,6 +44,7 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
 
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy) noexcept
       : BindStateBase(onInvoke, onDestroy, nullptr) {}
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the union begins as a loop
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy,
                 CancellationQuery onQuery) noexcept
       : invoke(onInvoke), destroy(onDestroy), query(onQuery) {}
@@ -104,6 +105,7 @@ struct DirectCall {
   DirectCall(const DirectCall& other) noexcept
       : run(other.run.load(std::memory_order_relaxed)), state(other.state) {}
   DirectCall& operator=(const DirectCall& other) noexcept {
+    if (this == &other) return *this;
     run.store(other.run.load(std::memory_order_relaxed), std::memory_order_relaxed);
     state = other.state;
     return *this;

@@ -24,21 +24,21 @@ class OnceState {
     if (isTaken.exchange(true)) return;
     struct Finish {
       OnceState& self;
-      ~Finish() { self.HaveHappened(called); }
+      ~Finish() { self.HaveHappened(Called); }
     } finish{*this};
     callback(std::forward<Args>(args)...);
   }
   void Follow(const Subscription& subscription) {
     registration = comlike_ptr<BindStateBase>::Share(subscription.GetBindState());
-    HaveHappened(registered);
+    HaveHappened(Registered);
   }
 
  private:
-  enum : unsigned { called = 1, registered = 2 };
+  enum : unsigned { Called = 1, Registered = 2 };
 
   /// Ends the registration when both have happened; on whichever thread the second does.
   void HaveHappened(unsigned event) {
-    if ((events.fetch_or(event) | event) != (called | registered)) return;
+    if ((events.fetch_or(event) | event) != (Called | Registered)) return;
     if (registration) registration->Request(RegistrationRequest::End);
   }
 
