@@ -9,7 +9,7 @@ struct Fault {
   void (*run)();
   unsigned code;
 };
-/// Four of them.
+/// All that the processor can tell of.
 const std::vector<Fault>& AllFaults();
 void AccessForbiddenMemory();
 void RunAnIllegalInstruction();

@@ -41,7 +41,11 @@ void DivideByZero() {
 
 }  // namespace
 
+#if defined(__aarch64__)
+void RunAnIllegalInstruction() { asm volatile("udf #0"); }  // __builtin_trap is SIGTRAP there
+#else
 void RunAnIllegalInstruction() { __builtin_trap(); }
+#endif
 
 void ExitOnFaults(int code) {
   static int exitCode;
@@ -57,12 +61,15 @@ void ExitOnFaults(int code) {
 }
 
 const std::vector<Fault>& AllFaults() {
-  static const std::vector<Fault> faults{{&AccessForbiddenMemory, SIGSEGV},
-                                         {&AccessPastTheEndOfAFile, SIGBUS},
+  static const std::vector<Fault> faults = [] {
+    std::vector<Fault> all{{&AccessForbiddenMemory, SIGSEGV},
+                           {&AccessPastTheEndOfAFile, SIGBUS},
+                           {&RunAnIllegalInstruction, SIGILL}};
 #if defined(__x86_64__)
-                                         {&DivideByZero, SIGFPE},
+    all.push_back({&DivideByZero, SIGFPE});
 #endif
-                                         {&RunAnIllegalInstruction, SIGILL}};
+    return all;
+  }();
   return faults;
 }
 
