@@ -50,18 +50,21 @@ struct Report {
   }
 };
 
-void Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t code) {
+/// False when the object that the handler is bound to has gone.
+bool Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t code) {
   HandlerSlot& slot = Handler();
   const auto current = [&] {
     const ReadLock guard(slot.lock);
     return slot.handler;
   };
   Report report{current(), {property, std::move(exception), code}};
+  if (report.handler.IsCancelled()) return false;
   if (IsHardwareFaultGuardOn()) {
     details::RunTrapping(&Report::Run, &report);
   } else {
     Report::Run(&report);
   }
+  return true;
 }
 
 #if !defined(NDEBUG)
@@ -118,9 +121,11 @@ struct GuardedStep {
 
 void details::ReportFailure(const VtrString& name, const std::exception_ptr& exception,
                             std::uint32_t code) {
+  bool isTold = false;
   if (handlerIsSet.load(std::memory_order_acquire)) {
-    return CatchAll([&] { Tell(name, exception, code); }, [] {});
+    CatchAll([&] { isTold = Tell(name, exception, code); }, [] {});
   }
+  if (isTold) return;
 #if !defined(NDEBUG)
   ShowFirst(name, exception, code);
 #endif

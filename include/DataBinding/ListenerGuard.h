@@ -29,9 +29,10 @@ struct ListenerFailure {
 };
 
 /// Sets who is told, on the broadcasting thread, of what was swallowed; null, which is how a
-/// process starts, for nobody. What the handler throws is dropped. While there is none, a debug
-/// build of the library writes the first failure of the process to standard error, so that a
-/// listener which is skipped without a word can be found.
+/// process starts, for nobody. What the handler throws is dropped. While there is none, or
+/// the object that it is bound to has gone, a debug build of the library writes the first failure
+/// of the process to standard error, so that a listener which is skipped without a word can be
+/// found.
 DATABINDING_API void SetListenerFailureHandler(
     const RepeatingCallback<void(const ListenerFailure&)>& handler);
 

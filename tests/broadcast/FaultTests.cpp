@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <DataBinding/ListenerGuard.h>
+#include <DataBinding/foundation/BindWeak.h>
 #include <gtest/gtest.h>
 
 #include "Faults.h"
@@ -169,17 +170,20 @@ struct ShowsOnly {
 
 TEST_F(FaultDeath, FirstFailureThatNobodyIsToldOfIsShownByADebugBuild) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  const auto announceTwice = [this](const RepeatingCallback<void()>& failing) {
+  const auto announceTwice = [this](const RepeatingCallback<void()>& failing,
+                                    const RepeatingCallback<void(const ListenerFailure&)>& none) {
     const auto told = notifier.Register(failing, L"A");
     notifier.UpdateListeners(L"A");
-    SetListenerFailureHandler(nullptr);
+    SetListenerFailureHandler(none);
     notifier.UpdateListeners(L"A");
     notifier.UpdateListeners(L"A");
     std::exit(0);
   };
   const auto throwing = [] { throw std::runtime_error("mine"); };
-  EXPECT_EXIT(announceTwice(throwing), testing::ExitedWithCode(0), ShowsOnly{"mine"});
-  EXPECT_EXIT(announceTwice(&AccessForbiddenMemory), testing::ExitedWithCode(0),
+  const auto gone = BindWeak(std::weak_ptr<int>(), [](int&, const ListenerFailure&) {});
+  EXPECT_EXIT(announceTwice(throwing, nullptr), testing::ExitedWithCode(0), ShowsOnly{"mine"});
+  EXPECT_EXIT(announceTwice(throwing, gone), testing::ExitedWithCode(0), ShowsOnly{"mine"});
+  EXPECT_EXIT(announceTwice(&AccessForbiddenMemory, nullptr), testing::ExitedWithCode(0),
               ShowsOnly{"hardware fault 0x"});
 }
 
