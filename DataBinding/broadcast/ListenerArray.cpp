@@ -80,6 +80,7 @@ std::uint64_t ListenerArray::Removal(std::uint32_t position) const noexcept {
   return Marks()[position].removal.load(std::memory_order_relaxed);
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes what the array holds
 void ListenerArray::SetRemoval(std::uint32_t position, std::uint64_t removal) noexcept {
   Marks()[position].removal.store(removal, std::memory_order_relaxed);
 }

@@ -113,6 +113,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   struct Calls {
     Calls() = default;
     Calls(const Calls& /*others*/) noexcept {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned
     Calls& operator=(const Calls& /*others*/) noexcept { return *this; }
     ~Calls() = default;
 

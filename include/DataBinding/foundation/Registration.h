@@ -41,6 +41,7 @@ class RegistrationState : public BindStateBase {
 
  private:
   static Derived& Of(const BindStateBase* state) noexcept {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): callbacks share their states as const
     return const_cast<Derived&>(*static_cast<const Derived*>(state));
   }
   static void Run(const BindStateBase* state) { Of(state).End(); }
