@@ -8,7 +8,7 @@
 namespace DataBinding {
 
 IAppEventBroadcaster::IAppEventBroadcaster() = default;
-/// What a hook owns may take others off while it ends.
+/// A hook may own things whose end takes other hooks off.
 IAppEventBroadcaster::~IAppEventBroadcaster() { const auto ended = std::exchange(eventHooks, {}); }
 
 int IAppEventBroadcaster::RegisterEventHook(EventHook hook, const void* owner) {

@@ -56,7 +56,7 @@ struct PropertyValue {
   std::optional<T> value;
   /// Why there is none.
   PropertyError error = PropertyError::None;
-  /// As in SetResult.
+  /// The same as in SetResult.
   VtrString text;
 
   /// True when there is a value.
@@ -85,7 +85,7 @@ template <>
 struct PropertyValue<void> {
   /// Why it was not called.
   PropertyError error = PropertyError::None;
-  /// As in SetResult.
+  /// The same as in SetResult.
   VtrString text;
 
   /// True when it was called.

@@ -27,7 +27,7 @@ struct BindStateBaseRefCountTraits {
   static void Destroy(const BindStateBase* state);
 };
 
-/// What a registration can be asked for.
+/// The requests that a registration answers.
 enum class RegistrationRequest { End, EndAndWait, Pause, Resume };
 
 class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTraits> {
