@@ -86,7 +86,7 @@ void DataListener::DisconnectFromDatasource(IDataSource* source) {
 }
 
 void DataListener::NotifyDatasourceProviderDestroyed(IDataSourceProvider* gone) {
-  if (gone == dataSourceProvider && gone != nullptr) SetProvider(gone->GetParent());
+  if (gone != nullptr && gone == GetDataSourceProvider()) SetProvider(gone->GetParent());
 }
 
 void DataListener::SetProvider(IDataSourceProvider* newProvider) {

@@ -130,5 +130,17 @@ TEST_F(Listeners, MovesTakeEntriesWithTheirLiveSubscriptions) {
   EXPECT_EQ(first.GetDataSourceProvider(), child.get());
 }
 
+TEST_F(Listeners, DoNotTakeANewScopeAtTheFormerOnesAddressForTheirs) {
+  std::optional<DataSourceProvider> scope;
+  scope.emplace(nullptr, nullptr, nullptr);
+  View first(log);
+  first.SetDataSourceProvider(&*scope);
+  View second = std::move(first);
+  scope.emplace(parent.get(), nullptr, nullptr);
+  scope->AddDataListener(&second, {}, true);
+  scope.reset();
+  EXPECT_EQ(second.GetDataSourceProvider(), nullptr);
+}
+
 }  // namespace
 }  // namespace DataBinding::Testing
