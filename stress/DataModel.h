@@ -287,7 +287,7 @@ class DataModel : public SourceModel {
     }
     const int parent = providers[slot].parent;
     if (!forwarded.empty() && parent != -1 && !Add(parent, which, forwarded, false)) return false;
-    // What was built meanwhile did not find it waiting.
+    // A source that was built meanwhile did not find the listener waiting: connect it now.
     for (auto next = absent.begin(); next != absent.end();) {
       const auto built = providers[slot].byName.find(*next++);
       if (built == providers[slot].byName.end()) continue;

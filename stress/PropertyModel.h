@@ -238,8 +238,8 @@ class PropertyModel : public Player<PropertyModel> {
     std::erase(sources[property.first].noted, property.second);
     due[property] = std::max(due[property], announcements);
   }
-  /// Those of the innermost announcement are first, in it those that were set, by their changes,
-  /// then those that are computed, by their age.
+  /// The properties of the innermost announcement are told first: in it the ones that were set, in
+  /// the order of their changes, then the computed ones, the oldest first.
   auto Rank(const std::pair<const Property, int>& each) {
     const bool isComputed = each.first.second > B;
     return std::tuple(-each.second, isComputed, isComputed ? 0 : changes[each.first], each.first);

@@ -49,7 +49,7 @@ class ListenerArray {
 
   [[nodiscard]] const VtrString& Property() const noexcept { return property; }
   [[nodiscard]] const Listener* Listeners() const noexcept { return listeners; }
-  /// As many marks, which stand behind the room for listeners.
+  /// Each listener has a mark; the marks stand behind the room for the listeners.
   [[nodiscard]] ListenerMark* Marks() const noexcept {
     return reinterpret_cast<ListenerMark*>(listeners + capacity);
   }

@@ -8,7 +8,7 @@ namespace DataBinding::details {
 
 namespace {
 
-/// Those of the calling thread that have no place in its record.
+/// The head of the list of the calling thread's pins that found no place in its record.
 constinit thread_local ListenerPin* innermostWithoutPlace = nullptr;
 
 }  // namespace

@@ -18,8 +18,8 @@
 
 namespace DataBinding::details {
 
-/// What a subscription knows of its listener. The registry's lock guards the entry, which is null
-/// when the listener has ended, and means nothing any more when the registry has no owner.
+/// By this a subscription finds its listener again. The registry's lock guards the entry, which is
+/// null when the listener has ended, and must not be read when the registry has no owner any more.
 struct Registered {
   PropertyEntry* entry = nullptr;
   std::uint64_t id = 0;

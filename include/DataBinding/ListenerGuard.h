@@ -18,7 +18,8 @@
 
 namespace DataBinding {
 
-/// What a listener let out, or that the building of a data source asks for that source.
+/// Tells of a listener that let an exception or a fault out, or of a data source whose building
+/// asks for that same source.
 struct ListenerFailure {
   /// The name that was announced; for a data source that asks for itself, the source's name.
   VtrString property;

@@ -72,7 +72,8 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
 
   DataSourceImpl& owner;
   VtrString filedName;
-  /// Those that are computed from this one. Following a property does not change it.
+  /// The properties that are computed from this one. It is mutable since following a property does
+  /// not change it.
   mutable std::vector<PropertyBase*> dependents;
   std::vector<const PropertyBase*> dependencies;
 };

@@ -12,7 +12,7 @@
 
 namespace DataBinding::details {
 
-/// What a property brings along to be noted as changed and to be announced: it stands in at most
+/// By its link a property is noted as changed and waits to be announced. The link stands in at most
 /// one place at a time.
 struct PropertyLink {
   enum class Place : std::uint8_t {
@@ -28,8 +28,8 @@ struct PropertyLink {
   PropertyLink* next = nullptr;
   PropertyLink* previous = nullptr;
   PropertyLink* child = nullptr;
-  /// Of two that are due in one announcement the lesser turn is first. That of a property which is
-  /// not computed is the number of its change.
+  /// Within one announcement, properties are told in the order of their turns, the least first. A
+  /// property that is not computed has the number of its change for its turn.
   std::uint64_t turn = 0;
   /// The announcement that it is due in: 1 for the outermost one, more for nested ones.
   std::uint32_t depth = 0;
