@@ -19,7 +19,8 @@ inline constexpr const wchar_t* kindNames[] = {L"One", L"Two"};
 /// A and B are set, and C is their sum. D adds to it the B and the D of a source that was made
 /// before, if there is one.
 inline constexpr const wchar_t* memberNames[] = {L"A", L"B", L"C", L"D"};
-enum Member { A, B, C, D, memberCount };
+enum Member { A, B, C, D };
+inline constexpr int memberCount = 4;
 inline constexpr int refused = 3;  // by A
 
 template <class World>

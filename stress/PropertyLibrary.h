@@ -143,11 +143,11 @@ class PropertyLibrary : public Player<PropertyLibrary> {
   };
 
   static std::size_t At(int index) { return static_cast<std::size_t>(index); }
-  Source* Choose(int chosen) const {
+  [[nodiscard]] Source* Choose(int chosen) const {
     if (sources.empty()) return nullptr;
     return std::next(sources.begin(), chosen % static_cast<int>(sources.size()))->second;
   }
-  int Followed(int id) const {
+  [[nodiscard]] int Followed(int id) const {
     const auto found = sources.find(id);
     return found == sources.end() ? 0 : *found->second->b + *found->second->d;
   }

@@ -115,8 +115,8 @@ class PropertyModel : public Player<PropertyModel> {
   void Observe() {
     for (auto& [id, source] : sources) {
       Tell("values", source.values[A] * 10 + source.values[B], Value(id, C) * 1000 + Value(id, D));
-      for (const auto& list : source.listeners)
-        Tell("listeners", id, static_cast<int>(list.size()));
+      for (int i = 0; i < memberCount; ++i)
+        Tell("listeners", id, static_cast<int>(source.listeners[i].size()));
     }
     if (bind != nullptr) Tell("bound", bind->source == 0 ? 0 : 1, BoundValue().value_or(-1));
     for (const auto& [which, value] : widgets) Tell("widget", value);
@@ -133,8 +133,8 @@ class PropertyModel : public Player<PropertyModel> {
   struct Source {
     int name = 0;
     int followed = 0;
-    int values[2] = {};
-    Registrations listeners[memberCount] = {};
+    std::map<int, int> values = {};
+    std::map<int, Registrations> listeners = {};
     int batches = 0;
     std::vector<int> noted = {};
   };
@@ -172,7 +172,7 @@ class PropertyModel : public Player<PropertyModel> {
   void Cancel(int token) {
     const auto isIt = [token](const auto& each) { return each.token == token; };
     for (auto& [id, source] : sources) {
-      for (auto& list : source.listeners) std::erase_if(list, isIt);
+      for (auto& [property, list] : source.listeners) std::erase_if(list, isIt);
     }
     if (bind != nullptr) std::erase_if(bind->subscribers, isIt);
   }

@@ -98,7 +98,8 @@ TEST_F(Providers, MayEndInsideTheirOwnShutdownAndDoWhatIsLeft) {
       {"-Map", "-Map -Doc ~Doc -Art ~Art gone gone ~Map"},
       {"gone", "-Map ~Map -Doc ~Doc -Art ~Art gone gone"},
   };
-  for (const auto& [when, expected] : cases) {
+  for (const auto& each : cases) {
+    const std::string when = each.first;
     LoggedListener one(log);
     LoggedListener two(log);
     child = MakeProvider();
@@ -106,7 +107,7 @@ TEST_F(Providers, MayEndInsideTheirOwnShutdownAndDoWhatIsLeft) {
     child->AddDataListener(&two, {}, true);
     for (const auto* name : {L"Art", L"Doc", L"Map"}) {
       Add(child, name)->onPreDestroy = [&] {
-        if (when == std::string("-Map")) child.reset();
+        if (when == "-Map") child.reset();
       };
     }
     one.hook = two.hook = [&](const std::string& note) {
@@ -114,7 +115,7 @@ TEST_F(Providers, MayEndInsideTheirOwnShutdownAndDoWhatIsLeft) {
     };
     log.clear();
     child->Shutdown();
-    EXPECT_EQ(Notes(), expected);
+    EXPECT_EQ(Notes(), each.second);
     EXPECT_EQ(child, nullptr);
   }
 }

@@ -118,11 +118,12 @@ TEST(Reflection, LastRegistrationOfANameWinsAndReleasesTheFormer) {
 
 /// Reads and changes the table, by which it is held, when it is released.
 struct Reentrant {
-  Members& members;
+  explicit Reentrant(Members& held) : members(held) {}
   ~Reentrant() {
     members.log = members.IsProperty(L"Ring") ? "new" : "former";
     members._AddType(L"Ring", fixed);
   }
+  Members& members;
 };
 
 TEST(Reflection, CapturesOfAReplacedDelegateEndWhenTheNewMemberIsInTheTable) {

@@ -20,7 +20,7 @@ class Input : public NamedDataSource {
   void UpdateListeners(const VtrString& names) override {
     const auto failing = throws ? std::optional(names) : std::nullopt;
     NamedDataSource::UpdateListeners(names);
-    if (failing) throw *failing;
+    if (failing) throw VtrString(*failing);
   }
   Property<int> V{this, L"V"};
   Property<int> W{this, L"W"};
