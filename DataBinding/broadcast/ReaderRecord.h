@@ -1,5 +1,5 @@
-/// What each thread says of the broadcasts that it is in: one record a thread, a cache line of its
-/// own, written by that thread and read by writers of any registry.
+/// What each thread says of the broadcasts that it is in: one record a thread, in cache lines of
+/// its own, written by that thread and read by writers of any registry.
 ///
 /// A thread that looks listeners up says in which registry; a thread that runs a listener array
 /// says which one, in a pin. So a broadcast writes no memory that another thread's broadcast writes
@@ -11,6 +11,7 @@
 /// and never freed.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -48,6 +49,12 @@ class alignas(64) ReaderRecord {
   std::atomic<const void*> reading{nullptr};
   /// The arrays that this thread runs.
   std::array<Pin, mostPins> pins{};
+  /// True while the thread runs listeners of an array that is pinned here.
+  [[nodiscard]] bool IsPinning() const noexcept {
+    return std::any_of(pins.begin(), pins.end(), [](const Pin& pin) {
+      return pin.array.load(std::memory_order_relaxed) != 0;
+    });
+  }
 
   /// Has every other thread of the process pass a memory fence, so that threads which run listeners
   /// need none: what they wrote before is seen now, and they see what this thread wrote. False

@@ -12,7 +12,8 @@ namespace {
 constinit thread_local bool threadIsEnding = false;
 }  // namespace
 
-/// Gives the record back when its thread ends.
+/// Gives the record back when its thread ends. A thread that leaves a callback by exit() has not
+/// ended: it goes on to the static destructors inside of its announcement, and keeps the record.
 class ReaderRecordOwner {
  public:
   ReaderRecordOwner() noexcept : record(ReaderRecord::Acquire()) {
@@ -22,8 +23,9 @@ class ReaderRecordOwner {
   ReaderRecordOwner& operator=(const ReaderRecordOwner&) = delete;
   ~ReaderRecordOwner() {
     threadIsEnding = true;
+    if (record == nullptr || record->IsPinning()) return;
     ReaderRecord::ofThread = nullptr;
-    if (record != nullptr) record->GiveBack();
+    record->GiveBack();
   }
 
  private:

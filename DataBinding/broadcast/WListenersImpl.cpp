@@ -32,22 +32,6 @@ class PropertyRegistration final : public RegistrationState<PropertyRegistration
   Registered listener;
 };
 
-/// Takes part in the ownership of a registry for a scope, unless its last owner is gone.
-class AsOwner {
- public:
-  explicit AsOwner(WListenersImpl& owned) noexcept
-      : registry(owned.TryAddOwner() ? &owned : nullptr) {}
-  AsOwner(const AsOwner&) = delete;
-  AsOwner& operator=(const AsOwner&) = delete;
-  ~AsOwner() {
-    if (registry != nullptr) registry->DropOwner();
-  }
-  [[nodiscard]] operator bool() const noexcept { return registry != nullptr; }
-
- private:
-  WListenersImpl* registry;
-};
-
 /// One announcement: what it runs, and how far it has come.
 class Broadcast {
  public:
@@ -122,10 +106,9 @@ void WListenersImpl::MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) 
 }
 
 void WListenersImpl::Remove(Registered& listener) {
-  const AsOwner owner(*this);
   Removed removed;
   const RegistryWriteLock guard(lock);
-  if (owner && listener.entry != nullptr) removed = TakeOut(listener);
+  if (IsRegistered(listener)) removed = TakeOut(listener);
 }
 
 WListenersImpl::Removed WListenersImpl::TakeOut(Registered& listener) noexcept {
@@ -146,6 +129,7 @@ WListenersImpl::Removed WListenersImpl::TakeOut(Registered& listener) noexcept {
 void WListenersImpl::RemoveAndWait(Registered& listener) {
   Place place = Silence(listener);
   const bool fenced = ReaderRecord::FenceOthers();
+  if (place.array == nullptr) place = KeepWhereCalled(listener.id, fenced);
   for (; place.array != nullptr; place = KeepWhereCalled(listener.id, fenced)) {
     WaitWhile([&] { return ListenerPin::IsCalledElsewhere(*place.array, place.position, fenced); });
     Report(*place.array);
@@ -154,12 +138,10 @@ void WListenersImpl::RemoveAndWait(Registered& listener) {
 
 /// Has nobody begin a call of the listener any more, and keeps its property's array, if it has one.
 WListenersImpl::Place WListenersImpl::Silence(Registered& listener) {
-  const AsOwner owner(*this);
   Removed removed;
   const RegistryWriteLock guard(lock);
-  ChangeInAll(listener, owner, &ListenerArray::Silence);
-  if (!owner) listener.entry = nullptr;
-  if (listener.entry == nullptr) return {};
+  ChangeInAll(listener, &ListenerArray::Silence);
+  if (!IsRegistered(listener)) return {};
   const Place place = Keep(*listener.entry->array, listener.id);
   removed = TakeOut(listener);
   return place;
@@ -196,20 +178,18 @@ void WListenersImpl::Forget(const ListenerArray& ended) noexcept {
 }
 
 void WListenersImpl::Pause(Registered& listener, ListenerChange change) {
-  const AsOwner owner(*this);
   const RegistryWriteLock guard(lock);
-  if (listener.entry != nullptr) ChangeInAll(listener, owner, change);
+  if (listener.entry != nullptr) ChangeInAll(listener, change);
 }
 
-/// Changes the listener in each array that shows it: that of its property, if the registry has an
-/// owner, and those that were retired while they ran.
-void WListenersImpl::ChangeInAll(const Registered& listener, bool hasOwner,
-                                 ListenerChange change) noexcept {
+/// Changes the listener in each array that shows it: that of its property, if it is registered, and
+/// the arrays that were retired while they ran.
+void WListenersImpl::ChangeInAll(const Registered& listener, ListenerChange change) noexcept {
   const auto changeIn = [&](ListenerArray& array) {
     const auto position = array.Find(listener.id);
     if (position != array.Count()) (array.*change)(position);
   };
-  if (hasOwner && listener.entry != nullptr) changeIn(*listener.entry->array);
+  if (IsRegistered(listener)) changeIn(*listener.entry->array);
   for (auto* array = retired; array != nullptr; array = array->nextRetired) changeIn(*array);
 }
 
@@ -261,14 +241,6 @@ std::vector<VtrString> WListenersImpl::GetRegisteredProperties() {
   return names;
 }
 
-bool WListenersImpl::TryAddOwner() noexcept {
-  auto count = owners.load(std::memory_order_relaxed);
-  while (count != 0) {
-    if (owners.compare_exchange_weak(count, count + 1, std::memory_order_acq_rel)) return true;
-  }
-  return false;
-}
-
 void WListenersImpl::DropOwner() noexcept {
   if (owners.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
   Clear();
@@ -288,6 +260,7 @@ void WListenersImpl::Clear() noexcept {
                              if (ListenerPin::HandOver(*entry.array, *this) != 0)
                                Retire(entry.array);
                            });
+    isEmptied = true;
     return std::move(properties);
   };
   const PropertyTable ended = takeAll();

@@ -1,9 +1,9 @@
 /// The registry behind a broadcaster and its copies: listeners by property.
 ///
-/// Owned in common by the broadcasters (owners); it empties itself when the last of them goes.
-/// Subscriptions and reporting broadcasts keep only its memory (keepers), and turn inert with it. A
-/// removal on another thread takes part in the ownership for as long as it lasts, so that it cannot
-/// race with the end. Callbacks and their states run and are released with no lock held.
+/// Owned in common by the broadcasters (owners); it empties itself, under its lock, when the last
+/// of them goes. Subscriptions and reporting broadcasts keep only its memory (keepers): they ask
+/// under the lock whether it has been emptied, and are inert from then on. Callbacks and their
+/// states run and are released with no lock held.
 #pragma once
 
 #include <atomic>
@@ -19,7 +19,7 @@
 namespace DataBinding::details {
 
 /// By this a subscription finds its listener again. The registry's lock guards the entry, which is
-/// null when the listener has ended, and must not be read when the registry has no owner any more.
+/// null when the listener has ended, and must not be read when the registry has been emptied.
 struct Registered {
   PropertyEntry* entry = nullptr;
   std::uint64_t id = 0;
@@ -42,7 +42,7 @@ class WListenersImpl {
   /// Ends one registration, unless it or the registry has ended already.
   void Remove(Registered& listener);
   /// The same, but waits for other threads that are in the call of the listener, and sees to it
-  /// that nobody calls it any more. Does that without an owner, too.
+  /// that nobody calls it any more, also when the registry has been emptied under such a call.
   void RemoveAndWait(Registered& listener);
   /// Pauses the listener or ends one of its pauses, by ListenerArray::Pause or Resume.
   void Pause(Registered& listener, ListenerChange change);
@@ -50,8 +50,6 @@ class WListenersImpl {
   void Report(ListenerArray& array) noexcept;
 
   void AddOwner() noexcept { owners.fetch_add(1, std::memory_order_relaxed); }
-  /// Becomes an owner unless the last one is gone.
-  [[nodiscard]] bool TryAddOwner() noexcept;
   void DropOwner() noexcept;
   [[nodiscard]] bool HasOwner() const noexcept {
     return owners.load(std::memory_order_acquire) != 0;
@@ -80,7 +78,11 @@ class WListenersImpl {
   Place Keep(ListenerArray& array, std::uint64_t id) noexcept DATABINDING_REQUIRES(lock);
   Place Silence(Registered& listener);
   Place KeepWhereCalled(std::uint64_t id, bool fenced) noexcept;
-  void ChangeInAll(const Registered& listener, bool hasOwner, ListenerChange change) noexcept
+  [[nodiscard]] bool IsRegistered(const Registered& listener) const noexcept
+      DATABINDING_REQUIRES(lock) {
+    return !isEmptied && listener.entry != nullptr;
+  }
+  void ChangeInAll(const Registered& listener, ListenerChange change) noexcept
       DATABINDING_REQUIRES(lock);
   void Clear() noexcept;
 
@@ -89,6 +91,8 @@ class WListenersImpl {
   std::uint64_t lastListenerId DATABINDING_GUARDED_BY(lock) = 0;
   /// The first of the arrays that broadcasts still run, but no property has any more.
   ListenerArray* retired DATABINDING_GUARDED_BY(lock) = nullptr;
+  /// Set when the entries have gone with the last owner.
+  bool isEmptied DATABINDING_GUARDED_BY(lock) = false;
   std::atomic<std::uint32_t> owners{1};
   /// Starts at 1: the owners share one keeper, which is dropped with the last of them.
   std::atomic<std::uint32_t> keepers{1};

@@ -69,8 +69,10 @@ class DATABINDING_API IBroadcaster {
   /// Registers a callback that is called by one announcement only: the registration ends when it
   /// has returned or thrown. It is called at most once also where announcements nest or several
   /// threads announce at a time. It may own its Subscription, by which it can be ended before.
+  /// Where Register is overridden and gives a Subscription of its own, only that one ends it.
   Subscription RegisterOnce(OneShotCallback<void()> callback, const VtrString& property);
-  /// Runs the property's callbacks. Allocates nothing once the broadcaster has been used.
+  /// Runs the property's callbacks. Allocates nothing once the broadcaster has been used and the
+  /// thread has announced before.
   virtual void UpdateListeners(const VtrString& property);
   /// True when somebody is registered for the property.
   [[nodiscard]] virtual bool AreListenersAvailable(const VtrString& property) const;

@@ -3,7 +3,9 @@
 /// C++ exceptions are always caught. Hardware faults (access violations, divisions by zero, illegal
 /// instructions) are caught as well unless that is switched off, at run time here or at build time
 /// with the CMake option DATABINDING_FAULT_GUARD. A faulting listener is abandoned where it stood:
-/// the destructors of its frames do not run, so locks stay held and memory leaks. A stack overflow
+/// the destructors of its frames do not run, so locks stay held and memory leaks; a scope that was
+/// calling listeners, a batch that was open and an event that was being delivered stay so for ever,
+/// and the broadcaster of that event is not to be used any more. A stack overflow
 /// is survived on Windows, but for announcements that nest without end, and elsewhere only on a
 /// thread that has an alternate signal stack. Thread cancellation passes through. All functions
 /// here may be called on any thread.
@@ -39,10 +41,11 @@ DATABINDING_API void SetListenerFailureHandler(
 
 /// Switches the guard against hardware faults for broadcasts that start from now on.
 ///
-/// On POSIX the first broadcast that has listeners, with the guard on, installs handlers for
-/// SIGSEGV, SIGBUS, SIGFPE and SIGILL; from then on the library stays loaded. Faults outside a
-/// listener go to whoever had installed a handler before. Whoever installs one later without
-/// chaining takes the faults over, those of listeners too.
+/// On POSIX the first broadcast that has listeners, with the guard on, or the first failure that
+/// the failure handler is told of, installs handlers for SIGSEGV, SIGBUS, SIGFPE and SIGILL; from
+/// then on the library stays loaded. Faults outside a listener go to whoever had installed a
+/// handler before. Whoever installs one later without chaining takes the faults over, those of
+/// listeners too.
 DATABINDING_API void SetHardwareFaultGuard(bool on) noexcept;
 /// False as well where the library was built without the guard.
 [[nodiscard]] DATABINDING_API bool IsHardwareFaultGuardOn() noexcept;

@@ -220,6 +220,41 @@ INSTANTIATE_TEST_SUITE_P(EachKind, CancelAndWaitOnThreads,
                          testing::Values(std::pair{false, false}, std::pair{false, true},
                                          std::pair{true, false}));
 
+TEST(CancelAndWait, WaitsAlsoWhenTheCallbackHasEndedTheBroadcaster) {
+  auto notifier = std::make_unique<Notifier>();
+  Busy busy;
+  auto stays = notifier->Register(
+      [&] {
+        notifier.reset();
+        busy.Stay();
+      },
+      L"A");
+  const std::jthread announcing([&] { notifier->UpdateListeners(L"A"); });
+  busy.WaitUntilInside();
+  const std::jthread letting([&] {
+    for (int i = 0; i < 50; ++i) std::this_thread::yield();
+    busy.mayLeave = true;
+  });
+  stays.CancelAndWait();
+  EXPECT_FALSE(busy.isInside);
+}
+
+/// Ends its subscription when the process ends.
+struct AtExit {
+  ~AtExit() { subscription.CancelAndWait(); }
+  Subscription subscription;
+};
+
+TEST(CancelAndWait, ReturnsInAStaticDestructorWhereACallbackHasCalledExit) {
+  const auto leave = [] {
+    static AtExit atExit;
+    Notifier notifier;
+    atExit.subscription = notifier.Register([] { std::exit(7); }, L"A");
+    notifier.UpdateListeners(L"A");
+  };
+  EXPECT_EXIT(leave(), testing::ExitedWithCode(7), "");
+}
+
 TEST(CancelAndWait, DoesNotWaitForAnotherCallbackOfTheProperty) {
   Notifier notifier;
   Busy busy;
