@@ -59,7 +59,9 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   }
   /// MakeCalls of the module that the state comes from; null for a state with another signature.
   [[nodiscard]] CallLoop Loop() const noexcept { return isRegistration ? nullptr : loop; }
-  /// Asks a state that ends a registration, see RegistrationState. Others do nothing.
+  /// True for a state that ends a registration and knows requests: see RegistrationState.
+  [[nodiscard]] bool IsRegistration() const noexcept { return isRegistration; }
+  /// Asks a state that ends a registration. Others do nothing.
   void Request(RegistrationRequest request) const {
     if (isRegistration) handler(this, request);
   }

@@ -29,7 +29,7 @@ class OnceState {
     callback(std::forward<Args>(args)...);
   }
   void Follow(const Subscription& subscription) {
-    registration = comlike_ptr<BindStateBase>::Share(subscription.GetBindState());
+    registration = comlike_ptr<BindStateBase>::Share(subscription.GetRegistration());
     HaveHappened(Registered);
   }
 

@@ -5,7 +5,8 @@
 /// reaches them. They may add, cancel, call again or end the list, after which nobody further is
 /// called; each stays alive until the outermost call is over. One that is cancelled outside a call
 /// is released at once; one that another thread cancels while it runs may go on (CancelAndWait
-/// waits for it). A call allocates nothing and takes no lock. An empty list is a null pointer.
+/// waits for it). A call allocates nothing and takes no lock unless it cancels. An empty list is
+/// null.
 ///   CallbackList<int> moved;
 ///   Subscription redraw = moved.Add(BindWeak(view.AsWeakPtr(), &View::Redraw));  // (const int&)
 ///   moved.Call(3);

@@ -1,10 +1,9 @@
 /// Lets a thread's cancellation through a catch block that would hold everything back.
 ///
 /// On glibc pthread_cancel and pthread_exit unwind the thread as an exception that must go on;
-/// whoever swallows it ends the process. Write it between a try block and its catch (...):
-///
-/// libc++ has no name for that exception, so a cancellation that reaches such a block ends the
-/// process there.
+/// whoever swallows it ends the process. libc++ has no name for that exception, so a cancellation
+/// that reaches such a block ends the process there. Write the macro between a try block and its
+/// catch (...):
 ///
 ///   try { Run(); } DATABINDING_PASS_CANCELLATION catch (...) { Note(); }
 #pragma once

@@ -18,10 +18,10 @@ namespace VtrUtils {
 class [[nodiscard]] PauseListening {
  public:
   /// Pauses until its own end. Pauses of one registration nest; it hears again after the last of
-  /// them. The subscription may end or be moved first. Does nothing for an inert one, and for one
-  /// whose end is a callback of somebody's own.
+  /// them. The subscription may end or be moved first. Does nothing for an inert one, for one
+  /// of a hook, and for one whose end is a callback of somebody's own.
   explicit PauseListening(const Subscription& subscription)
-      : paused(comlike_ptr<details::BindStateBase>::Share(subscription.GetBindState())) {
+      : paused(comlike_ptr<details::BindStateBase>::Share(subscription.GetRegistration())) {
     if (paused) paused->Request(details::RegistrationRequest::Pause);
   }
   PauseListening(const PauseListening&) = delete;

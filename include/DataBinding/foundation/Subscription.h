@@ -3,8 +3,9 @@
 /// Dropping it, assigning another over it or calling Cancel ends the registration, once. It may
 /// outlive what it was registered with. Cancel may run inside the registered callback. On which
 /// thread depends on what was registered: any thread for callbacks of properties, events and binds,
-/// that of the tree for destruction handlers. One Subscription object is not to be used by two
-/// threads at once. The callback that ends the registration must not throw.
+/// that of the tree for destruction handlers, the delivering one for hooks. One Subscription object
+/// is not to be used by two threads at once. The callback that ends the registration must not
+/// throw.
 ///
 /// Cancel waits for nobody: an announcement that is under way still runs the callback of a property
 /// once, on this thread or another. CancelAndWait makes an end of that, so that what the callback
@@ -46,8 +47,8 @@ class [[nodiscard]] Subscription {
   ///
   /// The caller holds no lock that the callback takes, and the callback does not wait for the
   /// caller; for an event or a CallbackList that is true of all its listeners, whose walk is waited
-  /// for. On an inert subscription, and with a callback of one's own that ends something, it does
-  /// what Cancel does.
+  /// for. On an inert subscription, with one of a hook, and with a callback of one's own that
+  /// ends something, it does what Cancel does.
   void CancelAndWait() {
     if (!unsubscribe) return;
     auto ending = std::move(unsubscribe);
@@ -57,9 +58,11 @@ class [[nodiscard]] Subscription {
   /// True until cancelled; whether the other side still lives is not asked.
   explicit operator bool() const noexcept { return static_cast<bool>(unsubscribe); }
 
-  /// The state of what ends the registration, which knows requests too; null on an inert one.
-  [[nodiscard]] details::BindStateBase* GetBindState() const noexcept {
-    return unsubscribe.GetBindState();
+  /// The state that ends the registration and knows requests too. Null on an inert subscription,
+  /// and where a callback of one's own ends something: sharing that would put its end off.
+  [[nodiscard]] details::BindStateBase* GetRegistration() const noexcept {
+    auto* const state = unsubscribe.GetBindState();
+    return state != nullptr && state->IsRegistration() ? state : nullptr;
   }
 
  private:

@@ -1,7 +1,7 @@
 /// Names of types, for messages and for telling types apart across modules.
 ///
 /// The texts are owned by whoever asks, so that they outlive the module that a type belongs to.
-/// Nothing is kept: each call allocates. Any thread.
+/// Nothing is kept: each text is allocated anew. Any thread.
 ///
 ///   throw std::logic_error("not a " + ReadableTypeName(typeid(T)));
 #pragma once
