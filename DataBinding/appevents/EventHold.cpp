@@ -29,7 +29,11 @@ EventHold::~EventHold() {
   try {
     broadcaster->EndHold(name, firesAtEnd);
   } catch (...) {
-    if (broadcaster) broadcaster->ReportFailure(name);
+    if (!broadcaster) return;
+    broadcaster->ReportFailure(name);
+    if (broadcaster && !broadcaster->IsDelivering() && broadcaster->HasFailure()) {
+      broadcaster->AskForPass();
+    }
   }
 }
 

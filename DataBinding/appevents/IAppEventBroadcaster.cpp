@@ -20,8 +20,8 @@ bool IAppEventBroadcaster::UnregisterEventHook(int id) { return !eventHooks.extr
 
 Subscription IAppEventBroadcaster::AddEventHook(const EventHookCallback& hook) {
   if (!hook) return {};
-  Subscription added([events = GetWeakPtr(), id = nextHookId] {
-    if (events) static_cast<IAppEventBroadcaster&>(*events).UnregisterEventHook(id);
+  Subscription added([hooks = hooksFactory.GetWeakPtr(), id = nextHookId] {
+    if (hooks) hooks->UnregisterEventHook(id);
   });
   eventHooks.insert_or_assign(nextHookId, Hook{hook});
   ++nextHookId;
@@ -42,12 +42,16 @@ DATABINDING_CATCHES_CANCELLATION void IAppEventBroadcaster::OnEventDispatched(
   const details::DeliveryScope scope(*this);
   const int end = nextHookId;
   for (auto next = eventHooks.begin(); next != eventHooks.end() && next->first < end;) {
-    const auto [id, hook] = *next;
-    try {
-      hook.call(name, args);
-    }
-    DATABINDING_PASS_CANCELLATION catch (...) {
-      if (!scope.IsBroadcasterGone()) ReportFailure(name);
+    const int id = next->first;
+    {
+      // The copy ends before the next hook is looked up: what it owns may take hooks off.
+      const EventHookCallback call = next->second.call;
+      try {
+        call(name, args);
+      }
+      DATABINDING_PASS_CANCELLATION catch (...) {
+        if (!scope.IsBroadcasterGone()) ReportFailure(name);
+      }
     }
     if (scope.IsBroadcasterGone()) return;
     next = eventHooks.upper_bound(id);

@@ -141,7 +141,7 @@ class PendingEvents::Batch {
   template <class Matches>
   void Drop(const EventPtr& current, const Matches& matches, std::vector<EventPtr>& dropped) {
     for (Entry& entry : entries) {
-      if (entry.event == current || !entry.Fits(matches)) continue;
+      if (&entry.event == &current || !entry.Fits(matches)) continue;
       dropped.push_back(nullptr);
       dropped.back().swap(entry.event);
     }

@@ -117,7 +117,8 @@ class AppEvent {
   }
   /// True when an event that is sent now would be heard. Listeners that wait are subscribed first;
   /// what their InitEventMap throws comes out. Hooks do not count, nor do callbacks that are paused
-  /// or bound to objects that have gone. For the delivering thread.
+  /// or bound to objects that have gone. What On and SubscribeOnce were given counts while it is
+  /// subscribed, and listeners to a disabled name do, too. For the delivering thread.
   [[nodiscard]] bool HasListeners() const { return details::NamedEvent::HasListeners(Known()); }
   /// The text, kept until the process ends. Fixes the signature: asking the names of all events at
   /// the start finds a name that is used with two before a thread comes across it.

@@ -78,7 +78,8 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
         }));
   }
   /// The same for any callable, which the map owns. Each call adds an entry, since callables cannot
-  /// be compared: ask IsEventMapInitialised first.
+  /// be compared: ask IsEventMapInitialised first. A class from which others derive maps methods,
+  /// since its map may be made once more for the class that derives from it.
   template <class... Args>
   void On(const AppEvent<Args...>& event,
           const std::type_identity_t<RepeatingCallback<void(const Args&...)>>& callback) {

@@ -63,7 +63,8 @@ template <class UpdatePolicyType, class ThreadingPolicyType>
 class DATABINDING_API EventBroadcaster {
  public:
   /// An event in the queue, owned through std::shared_ptr. AppEvent makes them; an application may
-  /// queue kinds of its own with QueueEvent. What their Dispatch lets out abandons the batch.
+  /// queue kinds of its own with QueueEvent. What their Dispatch lets out abandons the batch;
+  /// RunFor leaves the rest of it queued.
   class DATABINDING_API PendingEventBase {
    public:
     PendingEventBase(const PendingEventBase&) = delete;
@@ -164,9 +165,9 @@ class DATABINDING_API EventBroadcaster {
   /// The same for the events of an owner, whatever their names. None for null.
   void DropOwner(const void* owner);
   /// Takes what listeners and hooks throw. Without one (null, or bound to an object that has gone
-  /// since) the first exception is kept for
-  /// TakeFailure; outside a dispatch an idle pass is asked for, so that it comes to light. What the
-  /// handler itself throws is kept in the place of what it was given, which counts as another.
+  /// since) the first exception is kept for TakeFailure; outside a dispatch an idle pass is asked
+  /// for, so that it comes to light. What the handler itself throws is kept in the place of what it
+  /// was given, which counts as another.
   void SetErrorHandler(ErrorHandler handler);
   /// True when TakeFailure would give an exception.
   [[nodiscard]] bool HasFailure() const noexcept { return failure.exception != nullptr; }

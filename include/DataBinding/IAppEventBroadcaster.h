@@ -22,6 +22,7 @@
 #include "DataBinding/foundation/Singleton.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {
 
@@ -65,6 +66,8 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
 
   int nextHookId = 1;
   std::map<int, Hook> eventHooks;
+  /// The last member: while hooks end, subscriptions of hooks do nothing any more.
+  WeakPtrFactory<IAppEventBroadcaster> hooksFactory{this};
 };
 
 #if defined(__GNUC__)

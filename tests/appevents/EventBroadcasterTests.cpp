@@ -100,6 +100,18 @@ TEST_F(EventHooks, MayOwnWhatTakesOthersOff) {
   }
 }
 
+TEST_F(EventHooks, MayEndTogetherWithTheNextOne) {
+  auto next = std::make_shared<Subscription>();
+  Subscription own = events().AddEventHook([&own, this, next](const auto&, const auto&) {
+    log += '1';
+    own.Cancel();
+  });
+  *next = events().AddEventHook([this](const auto&, const auto&) { log += '2'; });
+  next.reset();
+  closed.Send();
+  EXPECT_EQ(Notes(), "1");
+}
+
 TEST_F(EventHooks, SeeAllArgumentsInOrderAfterTheListeners) {
   const AppEvent<double, int> drawn(L"Drawn");
   const auto heard = drawn.Subscribe([&](const auto&, const auto&) { log += 'a'; });

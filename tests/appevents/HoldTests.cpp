@@ -26,6 +26,18 @@ TEST_F(Holds, ServeEventsOfTheApplicationsOwnKindAndHandleWhatTheyThrow) {
   EXPECT_EQ(Notes(), "own!Own:foreign");
 }
 
+TEST_F(Holds, WakeTheLoopForTheFailureOfAHeldEvent) {
+  CountWakes();
+  const auto own =
+      std::make_shared<NotedEvent>(log, "", [](auto&) { throw std::runtime_error(""); });
+  {
+    const EventHold hold(VtrString(L"Own"));
+    EXPECT_TRUE(NotedEvent::HoldIfDisabled(events(), L"Own", own));
+  }
+  EXPECT_EQ(wakes, 1);
+  EXPECT_TRUE(events().HasFailure());
+}
+
 TEST_F(Holds, AllEndInAscendingOrderUntilTheBroadcasterIsReleased) {
   const AppEvent<> before(L"Before"), end(L"End");
   const auto heard = before.Subscribe([this] { log += "before "; });
