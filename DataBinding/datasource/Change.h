@@ -56,7 +56,9 @@ void DataSourceProvider::Change(Step step) {
     failure.Try(step);
   }
   if (alive.IsValid() && calls.changes == 0) {
-    for (auto& enter : std::exchange(calls.awaiting, {})) failure.Try([&] { enter(); });
+    for (auto& enter : std::exchange(calls.awaiting, {})) {
+      if (alive.IsValid()) failure.Try([&] { enter(); });
+    }
   }
   failure.Rethrow();
 }

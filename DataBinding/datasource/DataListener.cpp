@@ -7,6 +7,7 @@
 #include "DataBinding/IDataSourceProvider.h"
 #include "DataBinding/ScopedListener.h"
 #include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/foundation/FirstFailure.h"
 #include "KeptName.h"
 
 namespace DataBinding {
@@ -44,9 +45,14 @@ DataListener::~DataListener() {
   Leave();
 }
 
+/// Nobody who hears of it may end the listener: it is ending, or the caller goes on to use it.
 void DataListener::Leave() {
+  FirstFailure failure;
+  failure.Try([&] {
+    if (IDataSourceProvider* provider = GetDataSourceProvider()) provider->RemoveDataListener(this);
+  });
   for (auto& entry : listenerEntries) entry.subscription.Cancel();
-  if (IDataSourceProvider* provider = GetDataSourceProvider()) provider->RemoveDataListener(this);
+  failure.Rethrow();
 }
 
 void DataListener::AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,

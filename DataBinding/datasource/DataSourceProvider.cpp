@@ -36,8 +36,15 @@ DataSourceProvider::~DataSourceProvider() {
   calls.ends = true;
   FirstFailure dropped;  // shutting down completes all its steps; a destructor lets nothing out
   dropped.Try([this] { ShutDownFrom(0); });
-  // Ending a source may have made this scope build others; end those too.
-  if (!addedSources.empty()) dropped.Try([this] { ShutDownFrom(0); });
+  // Ending a source, and what awaited the end of a change, may have added to this scope: end that,
+  // too. The number of rounds is limited, for a source whose end always builds another.
+  for (int round = 0; round < 10 && HoldsAnything(); ++round) {
+    dropped.Try([this] { ShutDownFrom(0); });
+  }
+}
+
+bool DataSourceProvider::HoldsAnything() const noexcept {
+  return !addedSources.empty() || !listeners.empty() || !children.empty();
 }
 
 /// A source that ends with the provider may ask for the provider's end once more.
@@ -69,7 +76,10 @@ IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
   if (IDataSource* held = FindLocal(name)) return held;
   if (IsArriving(name)) return nullptr;
   if (Construction::IsAskedForItself(*this, name)) return nullptr;
-  if (IDataSource* built = BuildDataSource(name)) return built;
+  IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
+  if (CanBuild(constructor)) {
+    if (const auto built = BuildDataSource(name, *constructor)) return *built;
+  }
   return parent == nullptr ? nullptr : parent->GetDataSource(name);
 }
 
@@ -93,19 +103,23 @@ IDataSource* DataSourceProvider::FindLocal(const wchar_t* name) const {
   return found == sourcesByName.end() ? nullptr : found->second;
 }
 
-IDataSource* DataSourceProvider::BuildDataSource(const wchar_t* name) {
-  IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
-  if (!CanBuild(constructor)) return nullptr;
+/// Nothing where the constructor refuses; null for a source that has ended, or been ended with this
+/// scope, by what awaited the end of its addition.
+std::optional<IDataSource*> DataSourceProvider::BuildDataSource(
+    const wchar_t* name, IDataSourceConstructor& constructor) {
   const Construction underWay(*this, name);
-  IDataSource* built = constructor->CreateDataSource(this);
+  IDataSource* const built = constructor.CreateDataSource(this);
+  if (built == nullptr) return std::nullopt;
+  const auto isScopeThere = GetLiveness();
   const Marking adding(*this, calls.built, built);
   try {
+    const auto isThere = built->GetLiveness();
     AddDataSource(built);
+    return isThere.IsValid() ? built : nullptr;
   } catch (...) {
-    if (!additions.contains(built)) IDataSource::Destroy(built);
+    if (isScopeThere.IsValid() && calls.built == built) IDataSource::Destroy(built);
     throw;
   }
-  return built;
 }
 
 bool DataSourceProvider::CanBuild(IDataSourceConstructor* constructor) const {

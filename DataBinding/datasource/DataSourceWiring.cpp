@@ -36,6 +36,7 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
     numbered.key() = wayBack.begin()->second = ++lastAddition;
     addedSources.insert(std::move(numbered));
     additions.merge(wayBack);
+    if (calls.built == source) calls.built = nullptr;
     failure.Rethrow();
   });
 }
@@ -83,14 +84,16 @@ void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   const wchar_t* name = source->GetDataSourceName();
   if (name == nullptr) return;
   const KeptName key(name);
-  const Meanwhile notifying(calls.notifications, calls.notifications + 1);
-  const Meanwhile going(calls.leaving, source);
-  FirstFailure failure;
-  IDataListener* listener = nullptr;
-  while ((listener = NextWaiting(key, listener)) != nullptr) {
-    failure.Try([&] { listener->DisconnectFromDatasource(source); });
-  }
-  failure.Rethrow();
+  Change([&] {
+    const Meanwhile notifying(calls.notifications, calls.notifications + 1);
+    const Meanwhile going(calls.leaving, source);
+    FirstFailure failure;
+    IDataListener* listener = nullptr;
+    while ((listener = NextWaiting(key, listener)) != nullptr) {
+      failure.Try([&] { listener->DisconnectFromDatasource(source); });
+    }
+    failure.Rethrow();
+  });
 }
 
 /// The next living listener, in order of address, that waits for a name. Looks anew each time,
@@ -116,6 +119,7 @@ void DataSourceProvider::AddDataListener(IDataListener* listener, const std::set
 void DataSourceProvider::ConnectAndFile(IDataListener* listener, const std::set<VtrString>& names,
                                         bool keepUnresolved) {
   const auto alive = listener->liveness.GetRef();
+  const auto isScopeThere = GetLiveness();
   const std::uint64_t before = lastAddition;
   std::set<VtrString> kept;
   std::set<VtrString> forwarded;
@@ -132,9 +136,9 @@ void DataSourceProvider::ConnectAndFile(IDataListener* listener, const std::set<
   }
   if (!forwarded.empty() && parent != nullptr) {
     parent->AddDataListener(listener, forwarded, false);
-    if (!alive.IsValid()) return;
+    if (!alive.IsValid() || !isScopeThere.IsValid()) return;
   }
-  // It was not waiting yet for what was built here while it was connected to others.
+  // It was not waiting yet for what was built or added here while it was connected to others.
   if (lastAddition != before) ConnectBuilt(listener, absent, kept);
   if (alive.IsValid()) FileListener(listener, std::move(kept));
 }
@@ -190,9 +194,18 @@ DataSourceProvider::ListenerEntry DataSourceProvider::ForgetListener(IDataListen
   return std::move(entry.mapped());
 }
 
+/// A listener of the parent may end this scope.
 void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
-  if (parent != nullptr) parent->RemoveDataListener(listener);
-  if (listeners.contains(listener)) Change([&] { DisconnectAndForget(listener); });
+  const auto alive = GetLiveness();
+  FirstFailure failure;
+  failure.Try([&] {
+    if (parent != nullptr) parent->RemoveDataListener(listener);
+  });
+  failure.Try([&] {
+    if (!alive.IsValid() || !listeners.contains(listener)) return;
+    Change([&] { DisconnectAndForget(listener); });
+  });
+  failure.Rethrow();
 }
 
 /// The listener is taken off first, lest a source that it asks for meanwhile connects it again. It

@@ -14,6 +14,12 @@ void TellScope(IDataSource* source, IDataSourceProvider* scope) {
   }
 }
 
+/// True when somebody has told the source, since it had the one scope, that it has another.
+bool HasMoved(IDataSource* source, const IDataSourceProvider* from) {
+  const auto* told = dynamic_cast<const DataSourceImpl*>(source);
+  return told != nullptr && details::DataSourceAccess::Provider(*told) != from;
+}
+
 /// A scope holds sources that it does not find by name, too: nameless ones and the second of a
 /// name.
 bool IsHeld(const IDataSourceProvider& scope, IDataSource* source) {
@@ -39,11 +45,15 @@ namespace details {
 void Give(IDataSourceProvider& scope, DataSourcePtr<IDataSource> source) {
   if (source == nullptr) return;
   const WeakReference alive = source->GetLiveness();
+  const WeakReference isScopeThere = scope.GetLiveness();
   TellScope(source.get(), &scope);
   try {
     scope.AddDataSource(source.get());
   } catch (...) {
-    if (!alive.IsValid() || IsHeld(scope, source.get())) static_cast<void>(source.release());
+    // The scope took it over, unless there was no memory for that. It may have let go of it since.
+    const bool isOwn = alive.IsValid() && isScopeThere.IsValid() &&
+                       !HasMoved(source.get(), &scope) && !IsHeld(scope, source.get());
+    if (!isOwn) static_cast<void>(source.release());
     throw;
   }
   static_cast<void>(source.release());
@@ -53,14 +63,20 @@ DataSourcePtr<IDataSource> Take(IDataSourceProvider& scope, IDataSource* source)
   if (source == nullptr) return nullptr;
   if (scope.GetLocalDataSourceInstance(source->GetDataSourceName()) != source) return nullptr;
   const WeakReference alive = source->GetLiveness();
+  const WeakReference isScopeThere = scope.GetLiveness();
+  TellScope(source, nullptr);
+  // What awaits the end of the removal may give it to a scope.
+  const auto isOwn = [&] {
+    return alive.IsValid() && !HasMoved(source, nullptr) &&
+           !(isScopeThere.IsValid() && IsHeld(scope, source));
+  };
   try {
     scope.RemoveDataSource(source);
   } catch (...) {
-    if (alive.IsValid() && !IsHeld(scope, source)) DataSourceDeleter()(source);
+    if (isOwn()) DataSourceDeleter()(source);
     throw;
   }
-  if (!alive.IsValid()) return nullptr;
-  TellScope(source, nullptr);
+  if (!isOwn()) return nullptr;
   return DataSourcePtr<IDataSource>(source);
 }
 

@@ -106,11 +106,13 @@ IDataSourceProvider* DataSourceRegistrar::GetRootProvider() { return rootProvide
 
 void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
   if (provider == nullptr) return;
-  providers.insert_or_assign(provider, provider->GetLiveness());
-  for (const auto& category : provider->GetCategories()) {
+  const auto alive = provider->GetLiveness();
+  providers.insert_or_assign(provider, alive);
+  for (const auto& category : std::vector(provider->GetCategories())) {
     const ConstructorList& live = categoryConstructors[category];
     for (IDataSourceConstructor* constructor : ConstructorList(live)) {
-      // An earlier one may have ended it.
+      // An earlier one may have ended it, or the provider.
+      if (!alive.IsValid()) return;
       if (std::ranges::count(live, constructor) != 0) constructor->OnProviderAttached(provider);
     }
   }

@@ -15,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -125,7 +126,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     bool ends = false;
     /// The source from which the listeners are just being disconnected.
     IDataSource* leaving = nullptr;
-    /// The source that was built by name and is just being added.
+    /// The source that was built by name and is being added, until the scope has taken it over.
     IDataSource* built = nullptr;
     /// The names of the sources to which listeners are just being connected.
     std::vector<VtrStringView> arriving;
@@ -147,7 +148,9 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// Runs a change of sources or listeners and, when it is the outermost one, what awaits its end.
   template <class Step>
   void Change(Step step);
-  IDataSource* BuildDataSource(const wchar_t* name);
+  [[nodiscard]] bool HoldsAnything() const noexcept;
+  std::optional<IDataSource*> BuildDataSource(const wchar_t* name,
+                                              IDataSourceConstructor& constructor);
   [[nodiscard]] bool CanBuild(IDataSourceConstructor* constructor) const;
   [[nodiscard]] IDataSource* FindLocal(const wchar_t* name) const;
   void LetGo(const VtrString& name, IDataSource* source, bool ends);

@@ -140,12 +140,14 @@ class DATABINDING_API IDataSourceProvider {
 
  public:
   /// True while the provider calls its listeners, because a source comes or goes or because it ends
-  /// itself. Nothing may be added to it or removed from it then; a name that it has to build may be
-  /// asked for. False for providers that do not tell.
+  /// itself. While a source comes or goes nothing may be added to it or removed from it; a name
+  /// that it has to build may be asked for. A scope within one that is connecting does not tell:
+  /// who adds a listener to it asks those further out, too. False for providers that do not tell.
   [[nodiscard]] virtual bool IsConnecting() const;
   /// Runs the callback once the provider may be changed: at once, or when the outermost change that
-  /// is under way is over. What it throws then leaves the operation that made the change. It is
-  /// dropped when the provider ends before.
+  /// is under way is over. What it throws then leaves the operation that made the change. When the
+  /// provider is ending, it runs before the provider is gone; it is dropped when the provider ends
+  /// in the callback of another.
   virtual void WhenConnected(OneShotCallback<void()> callback);
 
  private:

@@ -94,6 +94,53 @@ TEST_F(Wiring, ProviderTellsWhenItMayBeChanged) {
   listener->hook = nullptr;
 }
 
+TEST_F(Wiring, BuiltSourceMayEndAsSoonAsItsScopeMayBeChanged) {
+  LoggedConstructor doc(log, "doc", L"Doc", L"C");
+  registrar.RegisterDataSource(&doc);
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  bool throws = false;
+  listener->hook = [&](const std::string& note) {
+    if (note != "+Doc") return;
+    child->WhenConnected([&] { child->DeleteLocalDataSourceInstance(L"Doc"); });
+    if (throws) throw note;
+  };
+  Notes();
+
+  EXPECT_EQ(child->GetDataSource(L"Doc"), nullptr);
+  EXPECT_EQ(Notes(), "+Doc -Doc ~Doc");
+
+  throws = true;
+  EXPECT_THROW(child->GetDataSource(L"Doc"), std::string);
+  EXPECT_EQ(Notes(), "+Doc -Doc ~Doc");
+}
+
+TEST_F(Wiring, ScopeThatEndsDropsWhatStillAwaitsItsChange) {
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  listener->hook = [&](const std::string& note) {
+    if (note != "+Doc") return;
+    child->WhenConnected([&] { child.reset(); });
+    child->WhenConnected([&] { log += "late "; });
+  };
+  Add(child, L"Doc");
+  EXPECT_EQ(Notes(), "+Doc -Doc ~Doc gone");
+}
+
+TEST_F(Wiring, ScopeMayEndWhileItsParentConnectsAListenerOrDisconnectsIt) {
+  Add(parent, L"Doc");
+  listener->hook = [&](const std::string&) { child.reset(); };
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  EXPECT_EQ(Notes(), "+Doc");
+
+  listener->hook = nullptr;
+  child = MakeProvider(parent.get());
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  listener->hook = [&](const std::string& note) {
+    if (note == "-Doc") child.reset();
+  };
+  child->RemoveDataListener(&*listener);
+  EXPECT_EQ(Notes(), "+Doc -Doc gone");
+}
+
 #if !defined(NDEBUG)
 TEST_F(Wiring, ChangingTheProviderWhileItNotifiesAsserts) {
   LoggedListener other(log);
