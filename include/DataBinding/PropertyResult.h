@@ -100,7 +100,9 @@ template <class T>
 [[nodiscard]] VtrString ReasonAgainst(const T& value,
                                       const RepeatingCallback<VtrString(const T&)>& validate) {
   if (!validate) return {};
-  return validate.IsCancelled() ? VtrString(L"its validator is gone") : validate(value);
+  const VtrString reason = validate.IsCancelled() ? VtrString() : validate(value);
+  // It may have gone on another thread before it was called.
+  return reason.IsEmpty() && validate.IsCancelled() ? VtrString(L"its validator is gone") : reason;
 }
 
 }  // namespace details

@@ -86,6 +86,7 @@ class TwoWayState {
     if (step != Step::None) return {};
     const Meanwhile committing(step, Step::Committing);
     if (widget == Widget::Written) widget = Widget::Edited;
+    if (!IsJoined()) return Gone();
     if (read.IsCancelled()) return Refused(L"The widget is gone.");
     const W typed = read();
     if (!IsJoined()) return Gone();

@@ -228,6 +228,13 @@ TEST_F(TwoWayBinds, BindThatIsEndingIsGone) {
   }
   bind.reset();
   EXPECT_EQ(told, L"The bind is gone.");
+  int reads = 0;
+  bind.emplace(child.get(), L"Gauge", L"Level");
+  auto counted = TwoWay(
+      *bind, [&] { return ++reads; }, [](int) {});
+  bind.reset();
+  EXPECT_FALSE(counted.Commit().IsAccepted());
+  EXPECT_EQ(reads, 0);
 }
 
 TEST_F(TwoWayBinds, JoinAndBindMayEndInsideTheWidgetsFunctions) {
