@@ -57,9 +57,11 @@ class ListenerDiagnosis {
     }
     if (source == nullptr) return ExplainMissing(wish, scope);
     return {Framework::BindState::NoSource,
-            VtrString().Format(L"Data source \"%s\" is there, but came unheard: in an outer scope, "
-                               L"after the listener had been given its provider.",
-                               wish.source)};
+            VtrString().Format(
+                L"Data source \"%s\" is there, but came unheard: in an outer scope, "
+                L"after the listener had been given its provider, or the entry was added "
+                L"later.",
+                wish.source)};
   }
 
   IDataSourceProvider& scope;

@@ -15,7 +15,8 @@
 ///    logarithm of how many are due at once.
 /// 3. When a property is told, what follows it is due. It is told after the property's listeners,
 ///    or, where one of those changes something else that it follows, by the nested announcement of
-///    that change. What must wait is told once what it waits for has been.
+///    that change. What must wait is told once what it waits for has been. Only what follows a
+///    noted property directly waits: looking further would cost a walk over all ties.
 /// 4. A change within a callback is announced at once, by a nested announcement. That takes over
 ///    what it makes due from the outer one, and leaves all else to it: so callbacks of a thousand
 ///    properties that each set another one nest one announcement at a time.
@@ -23,7 +24,8 @@
 ///    noted or due takes itself out. What waited only for the one that ended is made due in the
 ///    innermost announcement, or the next one.
 /// 6. Nothing is allocated, and nothing of an announcement lies on the stack: where a hardware
-///    fault skips the frames of a nested one, the outer one tells what that has left.
+///    fault skips the frames of a nested one, the outer one tells what that has left. Where it
+///    skips those of the outermost one, what was due there is told when it changes again.
 #pragma once
 
 #include <cstdint>

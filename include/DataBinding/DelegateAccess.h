@@ -3,8 +3,8 @@
 ///
 /// A source files a delegate with AddDelegate. Why a delegate was not found, or not called, is told
 /// apart by a PropertyError and explained by a text, as for properties. Signatures must be equal:
-/// there are no conversions. Nothing is allocated where nothing fails. Used on the thread that owns
-/// the provider tree.
+/// there are no conversions. After a source's first look-up nothing is allocated where nothing
+/// fails. Used on the thread that owns the provider tree.
 ///
 ///   AddDelegate<int(int)>(L"Raise", [this](int by) { return Raise(by); });  // in the source
 ///   if (const auto raised = FindDelegate<int(int)>(source, L"Raise")(3)) Show(*raised);

@@ -1,8 +1,9 @@
 /// std::formatter for strings and results, where the compiler has `<format>`; nothing elsewhere.
 ///
-/// They write what `<<` writes, UTF-8 in narrow formats, and take the format of a string; that of a
-/// PropertyValue<T> takes the format of a T, which is for values only: a text for people that
-/// stands in place of a value is written as it is.
+/// Strings and the texts of results are written as by `<<`, as UTF-8 in narrow formats, and take
+/// the format of a string. A PropertyValue<T> is written as std::format writes the T and takes a
+/// T's format, which is for values only: a text that stands in place of a value is written as it
+/// is.
 ///
 ///   std::format("{:>12} {:.1f}", name, GetProperty<double>(source, name));
 #pragma once

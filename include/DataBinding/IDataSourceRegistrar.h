@@ -23,7 +23,7 @@ class DATABINDING_API IDataSourceRegistrar {
   /// Files a constructor under its name and offers it the attached providers that match. A second
   /// constructor of a taken name is not filed, but deliberately offered and listed all the same.
   virtual void RegisterDataSource(IDataSourceConstructor* constructor) = 0;
-  /// Takes the constructor's name off, calls its OnUnregistered, and deletes the sources of that
+  /// Calls the constructor's OnUnregistered, takes its name off, and deletes the sources of that
   /// name in the providers that are attached then. Completes although one of these refuses to end,
   /// then throws the first exception.
   /// What is filed under the name is unregistered, even if it is another constructor; a second

@@ -181,7 +181,7 @@ TEST_F(BindStates, AreListedForTheEntriesOfListeners) {
   EXPECT_EQ(rows.at(1).status.text, L"");
   EXPECT_EQ(rows.at(2).status.text,
             L"Data source \"Tardy\" is there, but came unheard: in an outer scope, after the "
-            L"listener had been given its provider.");
+            L"listener had been given its provider, or the entry was added later.");
 }
 
 }  // namespace
