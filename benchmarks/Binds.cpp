@@ -1,10 +1,10 @@
 #include "Binds.h"
 
-#include "DataBinding/DataBind.h"
-#include "DataBinding/DataSourceProvider.h"
-#include "DataBinding/MakeDataSource.h"
-#include "DataBinding/NamedDataSource.h"
-#include "DataBinding/Property.h"
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/framework/DataBind.h"
+#include "DataBinding/property/Property.h"
 
 namespace Benchmarks {
 

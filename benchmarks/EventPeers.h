@@ -16,7 +16,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "DataBinding/AppEvent.h"
+#include "DataBinding/appevents/AppEvent.h"
 #include "Names.h"
 
 namespace Benchmarks {

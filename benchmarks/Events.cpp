@@ -6,8 +6,8 @@
 
 #include <boost/signals2/signal.hpp>
 
-#include "DataBinding/IAppEventBroadcaster.h"
-#include "DataBinding/IdlePass.h"
+#include "DataBinding/appevents/IAppEventBroadcaster.h"
+#include "DataBinding/appevents/IdlePass.h"
 #include "EventWorkloads.h"
 #include "FarFloor.h"
 

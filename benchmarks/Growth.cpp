@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "DataBinding/DataListener.h"
+#include "DataBinding/datasource/DataListener.h"
 #include "Peers.h"
 #include "Scopes.h"
 

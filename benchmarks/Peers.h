@@ -23,7 +23,7 @@
 #include <benchmark/benchmark.h>
 #include <boost/signals2/signal.hpp>
 
-#include "DataBinding/IBroadcaster.h"
+#include "DataBinding/broadcast/IBroadcaster.h"
 #include "FarFloor.h"
 
 namespace Benchmarks {

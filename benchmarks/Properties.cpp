@@ -2,10 +2,10 @@
 
 #include "Properties.h"
 
-#include "DataBinding/MakeDataSource.h"
-#include "DataBinding/NamedDataSource.h"
-#include "DataBinding/Property.h"
-#include "DataBinding/PropertyAccess.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/property/Property.h"
+#include "DataBinding/property/PropertyAccess.h"
 
 namespace Benchmarks {
 

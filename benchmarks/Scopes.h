@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "DataBinding/DataSourceProvider.h"
-#include "DataBinding/MakeDataSource.h"
-#include "DataBinding/NamedDataSource.h"
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
 #include "Names.h"
 
 namespace Benchmarks {

@@ -4,7 +4,8 @@
 - Every subsystem includes only the subsystems that ALLOWED grants it.
 - A public header includes public headers and the C++ standard library.
 - A source or private header includes public headers and the private headers of its own folder.
-- Tests, examples and benchmarks see the public headers only.
+- Tests, examples and benchmarks see the public headers only, without those in details/ folders.
+- The header of everything includes each public header that is not in a details/ folder.
 - The include graph has no circle.
 """
 
@@ -14,7 +15,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 PUBLIC = ROOT / "include" / "DataBinding"
-PRIVATE = ROOT / "DataBinding"
+PRIVATE = ROOT / "src"
 USERS = ("tests", "stress", "fuzz", "examples", "benchmarks")
 
 # What a subsystem may include beside itself and the headers of COMMON.
@@ -22,13 +23,12 @@ ALLOWED = {
     "foundation": set(),
     "broadcast": {"foundation"},
     "reflection": {"foundation"},
-    "framework": {"foundation", "reflection"},
     "appevents": {"foundation"},
     "datasource": {"foundation", "broadcast", "reflection"},
     "registrar": {"foundation", "broadcast", "reflection"},
-    "typed": {"foundation", "broadcast", "reflection", "datasource", "registrar"},
-    "binds": {"foundation", "broadcast", "reflection", "datasource", "registrar", "typed",
-              "framework", "appevents"},
+    "property": {"foundation", "broadcast", "reflection", "datasource", "registrar"},
+    "framework": {"foundation", "broadcast", "reflection", "datasource", "registrar", "property",
+                  "appevents"},
 }
 # Datasource and registrar call each other: their sources may include the other's public headers,
 # their public headers may not.
@@ -40,33 +40,6 @@ COMMON = {"Export.h", "Fwd.h"}
 UMBRELLA = "DataBinding.h"
 # What public headers include of the platform, each inside a guard of that platform.
 PLATFORM = {"cxxabi.h", "guiddef.h"}
-# The subsystem of every other header right in include/DataBinding; foundation/ speaks for itself.
-HEADERS = {
-    "broadcast": {"IBroadcaster.h", "ListenerGuard.h"},
-    "reflection": {"IReflectable.h", "PropertyResult.h", "RuntimeType.h"},
-    "framework": {
-        "BindStatus.h", "BindTypes.h", "Formatters.h", "IBaseBind.h", "IBaseDataBind.h",
-        "IDataBind.h", "IEventBind.h",
-    },
-    "appevents": {
-        "AppEvent.h", "AppEventListener.h", "AppEventMapEntry.h", "EventBroadcaster.h",
-        "EventHold.h", "EventMemory.h", "EventName.h", "IAppEventBroadcaster.h",
-        "IAppEventListener.h", "IdlePass.h", "NamedEvent.h", "ThreadingPolicy.h",
-        "UpdatePolicy.h", "WAppEventRegistrar.h",
-    },
-    "datasource": {
-        "CustomDataProxy.h", "DataListener.h", "DataSourceImpl.h", "DataSourceProvider.h",
-        "IDataListener.h", "IDataSource.h", "IDataSourceBase.h", "IDataSourceProvider.h",
-        "MakeDataSource.h", "NamedDataSource.h", "PropertyChanges.h", "ScopedListener.h",
-    },
-    "registrar": {"DataSourceRegistrar.h", "IDataSourceConstructor.h", "IDataSourceRegistrar.h"},
-    "typed": {
-        "DataSourceConstructor.h", "DelegateAccess.h", "Property.h", "PropertyAccess.h", "PropertyBase.h",
-        "PropertyBatch.h", "PropertyName.h",
-    },
-    "binds": {"DataBind.h", "Diagnose.h", "EventBind.h", "TextConverter.h", "TwoWay.h"},
-}
-SUBSYSTEM_OF = {header: name for name, headers in HEADERS.items() for header in headers}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 STANDARD = re.compile(r"[a-z_]+")
@@ -79,25 +52,27 @@ def report(file, text):
 
 
 def subsystem(file):
-    """The subsystem of a file of the library; None for COMMON, the umbrella and unknown files."""
-    if file.is_relative_to(PRIVATE):
-        return file.relative_to(PRIVATE).parts[0]
-    parts = file.relative_to(PUBLIC).parts
-    return parts[0] if len(parts) > 1 else SUBSYSTEM_OF.get(file.name)
+    """The subsystem of a file of the library: the name of its folder. None right in the top one."""
+    top = PRIVATE if file.is_relative_to(PRIVATE) else PUBLIC
+    parts = file.relative_to(top).parts
+    return parts[0] if len(parts) > 1 else None
 
 
 def check_place(file):
     """Reports a file of the library whose subsystem is not known."""
     if file.parent == PUBLIC and file.name in COMMON | {UMBRELLA}:
         return
-    if subsystem(file) in ALLOWED:
-        return
-    if file.parent == PUBLIC:
-        report(file, "unknown public header: add it to its subsystem in HEADERS of "
-                     "cmake/check-includes.py")
-    else:
+    if subsystem(file) not in ALLOWED:
         report(file, "not in the folder of a known subsystem: move it, or add the subsystem to "
                      "ALLOWED of cmake/check-includes.py")
+
+
+def check_umbrella(included):
+    """Reports the public headers that the header of everything does not include."""
+    for header in sorted(PUBLIC.rglob("*.h")):
+        if header.parent == PUBLIC or "details" in header.parts or header in included:
+            continue
+        report(PUBLIC / UMBRELLA, f"does not include {header.relative_to(PUBLIC)}")
 
 
 def resolve(file, quote, name):
@@ -144,6 +119,8 @@ def check_include(file, quote, name, target):
         report(file, f"{name} is no file of the library")
     elif in_library:
         check_layer(file, target)
+    elif "details" in target.parts:
+        report(file, f"{name} is a detail of the library's public headers")
 
 
 def check_circles(graph):
@@ -178,6 +155,7 @@ def main():
             check_include(file, quote, name, target)
             if target:
                 graph[file].append(target)
+    check_umbrella(graph[PUBLIC / UMBRELLA])
     check_circles(graph)
     if not library:
         problems.append("no file of the library found")

@@ -14,7 +14,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-FOLDERS = ("include", "DataBinding", "tests", "stress", "fuzz", "examples", "benchmarks")
+FOLDERS = ("include", "src", "tests", "stress", "fuzz", "examples", "benchmarks")
 MOST_LINES = 400
 MOST_TEST_LINES = 25
 

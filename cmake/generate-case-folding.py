@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes DataBinding/foundation/CaseFoldingTable.h from Unicode's CaseFolding.txt.
+"""Writes src/foundation/CaseFoldingTable.h from Unicode's CaseFolding.txt.
 
 Usage: generate-case-folding.py /usr/share/unicode/CaseFolding.txt > CaseFoldingTable.h
 (Debian's package unicode-data holds that file.) Only the common and simple foldings are taken.

@@ -26,13 +26,13 @@ class PropertyLibrary : public Player<PropertyLibrary> {
     auto* const scope = scopes[At(slot)].get();
     const bool isFree =
         scope != nullptr && scope->GetLocalDataSourceInstance(kindNames[name]) == nullptr;
-    const Meanwhile wiring(place, Place::Wiring);
+    const ScopedValue wiring(place, Place::Wiring);
     Source* const source = made.release();
     if (isFree) GiveDataSource(*scope, DataSourcePtr<Source>(source));
   }
   void TakeSource(int chosen, int, int) {
     Source* const source = Choose(chosen);
-    const Meanwhile wiring(place, Place::Wiring);
+    const ScopedValue wiring(place, Place::Wiring);
     for (auto& scope : scopes) {
       if (scope != nullptr) static_cast<void>(TakeDataSource(*scope, source).release());
     }
@@ -49,7 +49,7 @@ class PropertyLibrary : public Player<PropertyLibrary> {
     }
   }
   void EndScope(int slot, int, int) {
-    const Meanwhile wiring(place, Place::Wiring);
+    const ScopedValue wiring(place, Place::Wiring);
     scopes[At(slot)].reset();
   }
   void Set(int chosen, int property, int value) {

@@ -8,7 +8,7 @@
 #include <optional>
 #include <tuple>
 
-#include "DataBinding/PropertyResult.h"
+#include "DataBinding/reflection/PropertyResult.h"
 #include "Properties.h"
 
 namespace DataBinding::Stress {
@@ -245,7 +245,7 @@ class PropertyModel : public Player<PropertyModel> {
     return std::tuple(-each.second, isComputed, isComputed ? 0 : changes[each.first], each.first);
   }
   void Announce(int id) {
-    const Meanwhile nested(announcements, announcements + 1);
+    const ScopedValue nested(announcements, announcements + 1);
     if (sources.contains(id)) {
       for (const int property : std::vector(sources[id].noted)) MakeDue({id, property});
     }
@@ -271,7 +271,7 @@ class PropertyModel : public Player<PropertyModel> {
   /// Calls those that the change of a scope concerns; then those that waited.
   template <class Run>
   void InScope(int slot, Run change) {
-    const Meanwhile wiring(place, Place::Wiring);
+    const ScopedValue wiring(place, Place::Wiring);
     calling = slot;
     change();
     Update();
@@ -332,7 +332,7 @@ class PropertyModel : public Player<PropertyModel> {
     if (join.step != Step::Changed && IsJoined(join)) ShowValue(join);
   }
   void ShowValue(Joined& join) {
-    const Meanwhile telling(join.step, Step::Telling);
+    const ScopedValue telling(join.step, Step::Telling);
     join.shown = BoundValue();
     join.isEdited = false;
     if (join.shown) Happen("wrote", join.which, widgets[join.which] = *join.shown, Place::Anywhere);
@@ -341,7 +341,7 @@ class PropertyModel : public Player<PropertyModel> {
     constexpr Result gone{false, PropertyError::NoSource};
     if (join.step != Step::None) return {};
     if (!IsJoined(join)) return gone;
-    const Meanwhile committing(join.step, Step::Setting);
+    const ScopedValue committing(join.step, Step::Setting);
     if (join.shown) join.isEdited = true;
     const int source = bind->source;
     if (join.shown == typed && source != 0) return {};

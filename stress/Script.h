@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "DataBinding/foundation/Meanwhile.h"
+#include "DataBinding/foundation/ScopedValue.h"
 
 namespace DataBinding::Stress {
 
@@ -94,8 +94,8 @@ class Player {
     if (found == putOff.end() || found->first != Point(what, subject)) return;
     if (found == awaited) return;  // it is still being told what to do
     const auto due = putOff.extract(found);
-    const Meanwhile limited(place, std::min(place, here));
-    const Meanwhile deeper(depth, depth + 1);
+    const ScopedValue limited(place, std::min(place, here));
+    const ScopedValue deeper(depth, depth + 1);
     for (const std::uint32_t code : due.mapped()) Play(code);
   }
 

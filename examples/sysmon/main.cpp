@@ -14,7 +14,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include <DataBinding/IDataSourceRegistrar.h>
+#include <DataBinding/registrar/IDataSourceRegistrar.h>
 #include <nlohmann/json.hpp>
 
 #include "Options.h"

@@ -7,10 +7,10 @@
 
 #include <string>
 
-#include <DataBinding/AppEvent.h>
-#include <DataBinding/AppEventListener.h>
 #include <DataBinding/DataBinding.h>
-#include <DataBinding/WAppEventRegistrar.h>
+#include <DataBinding/appevents/AppEvent.h>
+#include <DataBinding/appevents/AppEventListener.h>
+#include <DataBinding/appevents/WAppEventRegistrar.h>
 
 #if defined(_WIN32) && defined(BOUNDARY_BUILD)
 #define BOUNDARY_API __declspec(dllexport)

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include <DataBinding/ListenerGuard.h>
+#include <DataBinding/broadcast/ListenerGuard.h>
 #include <DataBinding/foundation/BindWeak.h>
 #include <gtest/gtest.h>
 

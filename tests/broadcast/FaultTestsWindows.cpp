@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include <DataBinding/ListenerGuard.h>
+#include <DataBinding/broadcast/ListenerGuard.h>
 #include <gtest/gtest.h>
 
 #include "Notifier.h"

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include <DataBinding/IBroadcaster.h>
+#include <DataBinding/broadcast/IBroadcaster.h>
 
 namespace DataBinding {
 

@@ -78,7 +78,7 @@ def check_gdb(gdb, program):
 
 
 def check_natvis():
-    sources = "".join(file.read_text(encoding="utf-8") for top in ("include", "DataBinding")
+    sources = "".join(file.read_text(encoding="utf-8") for top in ("include", "src")
                       for file in sorted((ROOT / top).rglob("*.h")))
     known = set(re.findall(r"\w+", sources)) | NATVIS_WORDS
     problems = []

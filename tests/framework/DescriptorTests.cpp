@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
-#include <DataBinding/Formatters.h>
-#include <DataBinding/IEventBind.h>
 #include <DataBinding/foundation/Event.h>
+#include <DataBinding/framework/Formatters.h>
+#include <DataBinding/framework/IEventBind.h>
 #include <gtest/gtest.h>
 
 namespace DataBinding::Framework {

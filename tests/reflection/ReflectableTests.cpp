@@ -9,9 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include "DataBinding/IReflectable.h"
-#include "DataBinding/MakeDataSource.h"
-#include "DataBinding/NamedDataSource.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/reflection/IReflectable.h"
 
 namespace DataBinding {
 namespace {

@@ -1,6 +1,6 @@
 /// What host and plug-in say to each other.
 #pragma once
 
-#include <DataBinding/AppEvent.h>
+#include <DataBinding/appevents/AppEvent.h>
 
 inline constinit const DataBinding::AppEvent<double> tideTurned{L"TideTurned"};

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include <DataBinding/DataBind.h>
-#include <DataBinding/IDataSource.h>
-#include <DataBinding/PropertyAccess.h>
-#include <DataBinding/TextConverter.h>
+#include <DataBinding/datasource/IDataSource.h>
+#include <DataBinding/framework/DataBind.h>
+#include <DataBinding/framework/TextConverter.h>
+#include <DataBinding/property/PropertyAccess.h>
 
 namespace Sysmon {
 

@@ -2,9 +2,9 @@
 
 #include <type_traits>
 
-#include <DataBinding/IDataSource.h>
-#include <DataBinding/IDataSourceRegistrar.h>
-#include <DataBinding/PropertyAccess.h>
+#include <DataBinding/datasource/IDataSource.h>
+#include <DataBinding/property/PropertyAccess.h>
+#include <DataBinding/registrar/IDataSourceRegistrar.h>
 
 namespace Sysmon {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include <DataBinding/DataSourceProvider.h>
+#include <DataBinding/datasource/DataSourceProvider.h>
 
 #include "Quantities.h"
 

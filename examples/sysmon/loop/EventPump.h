@@ -4,7 +4,7 @@
 /// It is made before the threads that raise events, and ends after them.
 #pragma once
 
-#include <DataBinding/IdlePass.h>
+#include <DataBinding/appevents/IdlePass.h>
 
 #include "Waiting.h"
 

@@ -4,8 +4,8 @@
 /// here when the event of it has been delivered.
 #pragma once
 
-#include <DataBinding/NamedDataSource.h>
-#include <DataBinding/Property.h>
+#include <DataBinding/datasource/NamedDataSource.h>
+#include <DataBinding/property/Property.h>
 
 #include "Events.h"
 

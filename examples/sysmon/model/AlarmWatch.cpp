@@ -1,6 +1,6 @@
 #include "AlarmWatch.h"
 
-#include <DataBinding/IDataSourceProvider.h>
+#include <DataBinding/datasource/IDataSourceProvider.h>
 
 namespace Sysmon {
 

@@ -2,9 +2,9 @@
 /// is crossed, be it that a measurement or that a limit has changed.
 #pragma once
 
-#include <DataBinding/AppEventListener.h>
-#include <DataBinding/DataBind.h>
-#include <DataBinding/DataSourceConstructor.h>
+#include <DataBinding/appevents/AppEventListener.h>
+#include <DataBinding/framework/DataBind.h>
+#include <DataBinding/property/DataSourceConstructor.h>
 
 #include "AlarmSource.h"
 #include "Threshold.h"

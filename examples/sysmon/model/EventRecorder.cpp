@@ -5,7 +5,7 @@
 #include <type_traits>
 #include <utility>
 
-#include <DataBinding/IAppEventBroadcaster.h>
+#include <DataBinding/appevents/IAppEventBroadcaster.h>
 
 #include "Events.h"
 

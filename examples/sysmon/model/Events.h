@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include <DataBinding/AppEvent.h>
+#include <DataBinding/appevents/AppEvent.h>
 
 #include "Samples.h"
 

@@ -1,7 +1,7 @@
 #include "Machine.h"
 
-#include <DataBinding/IDataSource.h>
-#include <DataBinding/MakeDataSource.h>
+#include <DataBinding/datasource/IDataSource.h>
+#include <DataBinding/datasource/MakeDataSource.h>
 
 namespace Sysmon {
 

@@ -9,8 +9,8 @@
 /// gone, and refreshes the sources that have been built. It outlives its views.
 #pragma once
 
-#include <DataBinding/AppEventListener.h>
-#include <DataBinding/DataSourceConstructor.h>
+#include <DataBinding/appevents/AppEventListener.h>
+#include <DataBinding/property/DataSourceConstructor.h>
 
 #include "MachineSources.h"
 #include "ScopeSet.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include <DataBinding/AppEventListener.h>
-#include <DataBinding/EventHold.h>
+#include <DataBinding/appevents/AppEventListener.h>
+#include <DataBinding/appevents/EventHold.h>
 
 #include "Events.h"
 

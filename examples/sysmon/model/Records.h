@@ -5,8 +5,8 @@
 #include <string>
 #include <utility>
 
-#include <DataBinding/AppEventListener.h>
-#include <DataBinding/IDataSourceProvider.h>
+#include <DataBinding/appevents/AppEventListener.h>
+#include <DataBinding/datasource/IDataSourceProvider.h>
 
 #include "Events.h"
 #include "SampledSource.h"

@@ -4,10 +4,10 @@
 /// meets it as its application part, IDataSourceBase, and needs to know no more of it than this.
 #pragma once
 
-#include <DataBinding/DataSourceProvider.h>
-#include <DataBinding/NamedDataSource.h>
-#include <DataBinding/Property.h>
-#include <DataBinding/PropertyBatch.h>
+#include <DataBinding/datasource/DataSourceProvider.h>
+#include <DataBinding/datasource/NamedDataSource.h>
+#include <DataBinding/property/Property.h>
+#include <DataBinding/property/PropertyBatch.h>
 
 namespace Sysmon {
 

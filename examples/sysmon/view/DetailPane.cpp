@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include <DataBinding/IDataSource.h>
+#include <DataBinding/datasource/IDataSource.h>
 
 namespace Sysmon {
 

@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include <DataBinding/IDataSource.h>
+#include <DataBinding/datasource/IDataSource.h>
 #include <nlohmann/json.hpp>
 
 namespace Sysmon {

@@ -3,8 +3,8 @@
 /// What is refused stays in the line, with the reason beside it.
 #pragma once
 
-#include <DataBinding/DataBind.h>
-#include <DataBinding/TwoWay.h>
+#include <DataBinding/framework/DataBind.h>
+#include <DataBinding/framework/TwoWay.h>
 
 #include "../common/Limits.h"
 

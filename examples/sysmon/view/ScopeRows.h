@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include <DataBinding/DataListener.h>
+#include <DataBinding/datasource/DataListener.h>
 
 #include "Text.h"
 #include "Watch.h"

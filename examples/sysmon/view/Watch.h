@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include <DataBinding/DataListener.h>
+#include <DataBinding/datasource/DataListener.h>
 
 #include "../common/Scopes.h"
 

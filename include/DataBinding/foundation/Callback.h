@@ -19,7 +19,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include "DataBinding/foundation/BindState.h"
+#include "DataBinding/foundation/details/BindState.h"
 
 namespace VtrUtils {
 

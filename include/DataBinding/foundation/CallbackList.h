@@ -20,11 +20,11 @@
 #include <vector>
 
 #include "DataBinding/Export.h"
-#include "DataBinding/foundation/CallOnce.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/ComlikePtr.h"
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/ThreadLock.h"
+#include "DataBinding/foundation/details/CallOnce.h"
 
 namespace VtrUtils {
 

@@ -12,9 +12,9 @@
 
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/Callback.h"
-#include "DataBinding/foundation/Cancellation.h"
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/WeakPtr.h"
+#include "DataBinding/foundation/details/Cancellation.h"
 
 namespace VtrUtils {
 

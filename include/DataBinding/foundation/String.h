@@ -24,10 +24,10 @@
 #include <utility>
 
 #include "DataBinding/Export.h"
-#include "DataBinding/foundation/FormatArgument.h"
 #include "DataBinding/foundation/SamplingHash.h"
-#include "DataBinding/foundation/StringBuffer.h"
 #include "DataBinding/foundation/StringView.h"
+#include "DataBinding/foundation/details/FormatArgument.h"
+#include "DataBinding/foundation/details/StringBuffer.h"
 
 namespace VtrPlatform {
 

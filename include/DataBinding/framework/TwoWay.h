@@ -1,0 +1,245 @@
+/// TwoWay: joins a bind to a widget that shows its value and lets the user edit it.
+///
+/// The widget is a pair of functions. `write` is called at once and on each change of the bind;
+/// when the user has finished an edit, the application calls Commit, which converts, validates and
+/// sets what `read` gives. A refused edit leaves the widget alone and says why. The join owns the
+/// functions and neither bind nor widget; bind and join may end in any order, also inside the
+/// join's own functions: none of them is called after that. One thread, that of the provider tree.
+///
+///   auto size = TwoWay(bind, [&] { return box.Text(); }, [&](const VtrString& t) { box.Show(t); },
+///                      TextConverter<int>());
+///   box.onReturn = [&] { hint.Show(size.Commit().text); };
+#pragma once
+
+#include <concepts>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/ScopedValue.h"
+#include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
+#include "DataBinding/framework/IDataBind.h"
+#include "DataBinding/framework/TextConverter.h"
+
+namespace DataBinding {
+
+namespace details {
+
+/// The text, or other form, that stands for the bind's value. Known where forms can be compared.
+template <class W>
+class ShownForm {
+ public:
+  static constexpr bool isKnown = std::copyable<W> && std::equality_comparable<W>;
+
+  void Note([[maybe_unused]] const W& form) {
+    if constexpr (isKnown) shown = form;
+  }
+  void Forget() { shown.reset(); }
+  [[nodiscard]] bool Is([[maybe_unused]] const W& form) const {
+    if constexpr (isKnown) return shown && *shown == form;
+    return false;
+  }
+
+ private:
+  std::optional<std::conditional_t<isKnown, W, bool>> shown;
+};
+
+/// What a join shares with its subscription, so that it outlasts the functions that end the join.
+template <class T, class W>
+class TwoWayState {
+ public:
+  TwoWayState(Framework::IDataBind<T>& joined, RepeatingCallback<W()> reader,
+              RepeatingCallback<void(const W&)> writer, Converter<T, W> conversion,
+              RepeatingCallback<VtrString(const T&)> check)
+      : bind(&joined),
+        bindLiveness(joined.GetLiveness()),
+        read(std::move(reader)),
+        write(std::move(writer)),
+        converter(std::move(conversion)),
+        validate(std::move(check)) {}
+
+  /// Shows the value now, and at each change until the end.
+  void Begin(Subscription toChanges) {
+    subscription = std::move(toChanges);
+    Show();
+  }
+  /// The join is gone, and the widget may be: none of the functions is called from now on.
+  void End() {
+    bind = nullptr;
+    subscription.Cancel();
+  }
+  /// Shows the bind's value, or that there is none. An edit of ours is looked at when it is over.
+  void Show() {
+    if (step == Step::Setting) step = Step::SettingAndChanged;
+    if (step != Step::SettingAndChanged && IsJoined()) Tell(bind->Get());
+  }
+  void WhenAbsent(RepeatingCallback<void()> callback) {
+    absent = std::move(callback);
+    if (IsJoined() && bind->HasValue()) return;
+    widget = Widget::Edited;
+    TellAbsent();
+  }
+  SetResult Commit() {
+    if (step != Step::None) return {};
+    const ScopedValue committing(step, Step::Committing);
+    if (widget == Widget::Written) widget = Widget::Edited;
+    if (!IsJoined()) return Gone();
+    if (read.IsCancelled()) return Refused(L"The widget is gone.");
+    const W typed = read();
+    if (!IsJoined()) return Gone();
+    if (shown.Is(typed) && bind->HasValue()) return {};
+    const PropertyValue<T> edited = Parse(typed);
+    if (!edited) return Refused(edited.text);
+    if (!IsJoined()) return Gone();
+    const VtrString reason = ReasonAgainst(*edited, validate);
+    if (!reason.IsEmpty()) return Refused(reason);
+    return Set(*edited, typed);
+  }
+
+ private:
+  /// What the join is doing.
+  enum class Step {
+    None,
+    Committing,         ///< reads, converts and checks an edit
+    Setting,            ///< sets it, and shows no change meanwhile
+    SettingAndChanged,  ///< the same, and there was a change
+    Telling             ///< tells the widget of a value, or that there is none
+  };
+  /// What the widget holds.
+  enum class Widget {
+    Edited,     ///< what it began with, or what the user made of what was written
+    Written,    ///< what was written
+    ToldAbsent  ///< anything; it was told that there is no value, and not yet of another one
+  };
+
+  /// False once the join or its bind has ended, which any function that is called may have done.
+  [[nodiscard]] bool IsJoined() const noexcept { return bind != nullptr && bindLiveness.IsValid(); }
+  [[nodiscard]] SetResult Gone() const {
+    const wchar_t* const text = bind == nullptr ? L"The join is gone." : L"The bind is gone.";
+    return {false, PropertyError::NoSource, text};
+  }
+  static SetResult Refused(const VtrString& reason) {
+    return {false, PropertyError::Refused, reason, reason};
+  }
+  [[nodiscard]] PropertyValue<T> Parse(const W& typed) const {
+    if (!converter.parse.IsCancelled()) return converter.parse(typed);
+    return {{}, PropertyError::Refused, L"The converter is gone."};
+  }
+  /// A bind that throws may have changed all the same.
+  SetResult Set(const T& edited, const W& typed) {
+    if (!IsJoined()) return Gone();
+    SetResult result;
+    bool isAccepted = false;
+    FirstFailure failure;
+    step = Step::Setting;
+    failure.Try([&] {
+      result = bind->Set(edited);
+      isAccepted = result.IsAccepted();
+    });
+    const bool isChanged = std::exchange(step, Step::Committing) == Step::SettingAndChanged;
+    if (isAccepted || isChanged) failure.Try([&] { ShowUnlessSame(edited, typed); });
+    failure.Rethrow();
+    return result;
+  }
+  /// The source may have made something else of the value, and the widget may have been told of
+  /// another one, or of none, since it was read.
+  void ShowUnlessSame(const T& edited, const W& typed) {
+    if (!IsJoined()) return;
+    const auto now = bind->Get();
+    if constexpr (std::equality_comparable<T>) {
+      if (now && *now == edited && widget == Widget::Edited) return shown.Note(typed);
+    }
+    Tell(now);
+  }
+  void Tell(const PropertyValue<T>& now) { return now ? Write(*now) : TellAbsent(); }
+  void Write(const T& value) {
+    const ScopedValue telling(step, Step::Telling);
+    if (converter.show.IsCancelled()) return;
+    const W form = converter.show(value);
+    if (!IsJoined()) return;
+    shown.Note(form);
+    widget = Widget::Written;
+    write(form);
+  }
+  void TellAbsent() {
+    const ScopedValue telling(step, Step::Telling);
+    shown.Forget();
+    if (std::exchange(widget, Widget::ToldAbsent) != Widget::ToldAbsent) absent();
+  }
+
+  Framework::IDataBind<T>* bind;
+  WeakReference bindLiveness;
+  Subscription subscription;
+  RepeatingCallback<W()> read;
+  RepeatingCallback<void(const W&)> write;
+  RepeatingCallback<void()> absent;
+  Converter<T, W> converter;
+  RepeatingCallback<VtrString(const T&)> validate;
+  ShownForm<W> shown;
+  Step step = Step::None;
+  Widget widget = Widget::Edited;
+};
+
+}  // namespace details
+
+/// Keeps bind and widget joined while it lives. It must outlive the widget's handlers that use it:
+/// declare it after what it writes, and take such a handler off before.
+template <class T, class W>
+class [[nodiscard]] TwoWayJoin {
+ public:
+  /// As TwoWay.
+  TwoWayJoin(Framework::IDataBind<T>& bind, RepeatingCallback<W()> read,
+             RepeatingCallback<void(const W&)> write, Converter<T, W> converter,
+             RepeatingCallback<VtrString(const T&)> validate)
+      : state(std::make_shared<details::TwoWayState<T, W>>(
+            bind, std::move(read), std::move(write), std::move(converter), std::move(validate))),
+        ending([shared = state] { shared->End(); }) {
+    state->Begin(bind.SubscribeToChanges([shared = state] { shared->Show(); }));
+  }
+
+  /// Calls the function when the bind has no value any more, and now if it has none, so that a
+  /// widget can grey out; the next `write` says that there is one again. The bind's own end is not
+  /// told. Takes the place of the former function.
+  void WhenAbsent(RepeatingCallback<void()> absent) {
+    const auto keep = state;
+    if (keep != nullptr) keep->WhenAbsent(std::move(absent));
+  }
+
+  /// Sets what the widget holds and says whether the value changed. On success the text is empty,
+  /// and `changed` false where there was nothing to change. `write` is not called for it, unless
+  /// the data source made another value of it; values without == count as another each time.
+  /// Where the widget holds what stands for the value already, nothing is converted or set, so that
+  /// who only passes through loses no digits. Does nothing inside `write`, inside the function of
+  /// WhenAbsent, inside a commit, and on a join that was moved from, so that widgets which announce
+  /// programmatic changes as edits do no harm. Stops as soon as one of the functions has ended the
+  /// join or the bind, and refuses where a function of BindWeak that it needs has lost its object.
+  SetResult Commit() {
+    const auto keep = state;
+    return keep == nullptr ? SetResult() : keep->Commit();
+  }
+
+ private:
+  std::shared_ptr<details::TwoWayState<T, W>> state;
+  Subscription ending;
+};
+
+/// Joins a bind of values of type T to a widget that shows them as the converter says. What the
+/// validator answers is why an edit is refused; an empty text accepts it. One of BindWeak refuses
+/// every edit once its object is gone.
+template <class T, class Read, class Write, class W = std::invoke_result_t<Read&>>
+[[nodiscard]] TwoWayJoin<T, W> TwoWay(
+    Framework::IDataBind<T>& bind, Read read, Write write, Converter<T, W> converter,
+    std::type_identity_t<RepeatingCallback<VtrString(const T&)>> validate = {}) {
+  return {bind, std::move(read), std::move(write), std::move(converter), std::move(validate)};
+}
+
+/// The same for a widget that shows the value as it is.
+template <class T, class Read, class Write>
+[[nodiscard]] TwoWayJoin<T, T> TwoWay(Framework::IDataBind<T>& bind, Read read, Write write) {
+  return TwoWay(bind, std::move(read), std::move(write), SameValue<T>());
+}
+
+}  // namespace DataBinding

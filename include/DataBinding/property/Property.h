@@ -1,0 +1,155 @@
+/// Typed properties: members of a data source that announce their own changes.
+///
+/// Property<T> may be set by anybody, ReadOnlyProperty<T> only by its source (see Assign),
+/// ComputedProperty<T> by nobody: it is a function of other properties. All are found by name with
+/// the typed look-up of PropertyAccess.h. Setting validates, compares, stores, runs the change hook
+/// and notifies once; values without == count as changed each time. A hook that throws lets its
+/// exception out after listeners were notified.
+///
+///   Property<int> size{this, L"Size", 1, {.validate = [](int n) { return n ? L"" : L"is 0"; }}};
+///   ReadOnlyProperty<double> load{this, L"Load"};
+///   ComputedProperty<bool> busy{this, L"Busy", [this] { return *load > 0.9; }, load};
+#pragma once
+
+#include <concepts>
+#include <exception>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+#include "DataBinding/foundation/details/Cancellation.h"
+#include "DataBinding/property/details/PropertyBase.h"
+
+namespace DataBinding {
+
+/// What a property does beside keeping its value.
+template <class T>
+struct PropertyOptions {
+  /// Answers why a value is refused, or an empty text to accept it. One of BindWeak refuses every
+  /// value once its object is gone.
+  RepeatingCallback<VtrString(const T& value)> validate = {};
+  /// Runs after the value has changed and before the listeners do.
+  RepeatingCallback<void(const T& before, const T& now)> changed = {};
+};
+
+namespace details {
+
+template <class T, class Filed>
+class StoredProperty : public TypedProperty<T, Filed> {
+ public:
+  StoredProperty(DataSourceImpl* ownerSource, PropertyName name, T initial = T(),
+                 PropertyOptions<T> extras = {})
+      : TypedProperty<T, Filed>(*ownerSource, name),
+        value(std::move(initial)),
+        options(std::move(extras)) {}
+
+  [[nodiscard]] const T& Get() const noexcept { return value; }
+  [[nodiscard]] const T& operator*() const noexcept { return value; }
+  [[nodiscard]] const T* operator->() const noexcept { return &value; }
+
+ protected:
+  /// The accessor answers no more while the value goes.
+  virtual ~StoredProperty() { this->InvalidateWeakPtrs(); }
+
+  SetResult Store(T wanted) {
+    const VtrString reason = ReasonAgainst(wanted, options.validate);
+    if (!reason.IsEmpty()) return this->RefusedResult(reason);
+    if constexpr (std::equality_comparable<T>) {
+      if (value == wanted) return {};
+    }
+    std::swap(value, wanted);
+    if (options.changed) {
+      RunHookAndNotify(wanted);
+    } else {
+      this->NotifyChanged();
+    }
+    return {true, PropertyError::None, {}};
+  }
+
+ private:
+  friend DataSourceAccess;
+
+  SetResult StoreFor(const DataSourceImpl& setter, T wanted) {
+    if (&setter != &this->Owner()) return this->ReadOnlyResult(runtime_type<T>::Get());
+    return Store(std::move(wanted));
+  }
+  /// Notifies also when the hook throws, and not when it ends the property.
+  DATABINDING_CATCHES_CANCELLATION void RunHookAndNotify(const T& before) {
+    const auto self = this->AsWeakPtr();
+    std::exception_ptr failure;
+    try {
+      options.changed(before, value);
+    }
+    DATABINDING_PASS_CANCELLATION catch (...) { failure = std::current_exception(); }
+    if (self) this->NotifyChanged();
+    if (failure != nullptr) std::rethrow_exception(failure);
+  }
+  [[nodiscard]] T GetValue() const override { return value; }
+
+  T value;
+  PropertyOptions<T> options;
+};
+
+}  // namespace details
+
+/// A property that anybody may set.
+///
+/// Made of its source, its name, a first value and options: `{this, L"Size", 1, options}`. `Get()`,
+/// `*size` and `size->` read the value, `Name()` tells the name, and `NotifyChanged()` tells the
+/// listeners of a change that Set has not made.
+template <std::copyable T>
+class Property final : public details::StoredProperty<T, T> {
+ public:
+  using details::StoredProperty<T, T>::StoredProperty;
+
+  /// Sets the value and says whether it changed. Listeners run before this returns.
+  SetResult Set(T wanted) { return this->Store(std::move(wanted)); }
+
+ private:
+  SetResult SetValue(T wanted) override { return this->Store(std::move(wanted)); }
+};
+
+/// A property that only its source may set, by `Assign(property, value)`.
+///
+/// Made and read as a Property.
+template <std::copyable T>
+class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
+ public:
+  using details::StoredProperty<T, const T>::StoredProperty;
+
+ private:
+  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(runtime_type<T>::Get()); }
+};
+
+/// A property whose value is a function of other properties.
+///
+/// It is computed each time it is read. Its listeners are notified whenever one of the others
+/// changes, equal result or not: once for each change, after the listeners of all that it follows,
+/// and, where one of those waits for the end of a PropertyBatch, when that is over. Others of
+/// another source must be cared for by the function: it may be called after they are gone.
+template <std::copyable T>
+class ComputedProperty final : public details::TypedProperty<T, const T> {
+ public:
+  /// Of the function, and of the properties whose changes it is notified for.
+  template <std::derived_from<details::PropertyBase>... Others>
+  ComputedProperty(DataSourceImpl* ownerSource, PropertyName name, RepeatingCallback<T()> function,
+                   Others&... others)
+      : details::TypedProperty<T, const T>(*ownerSource, name), compute(std::move(function)) {
+    this->DependOn({&others...});
+  }
+  ~ComputedProperty() { this->InvalidateWeakPtrs(); }
+
+  /// Computes the value now.
+  ///@{
+  [[nodiscard]] T Get() const { return compute(); }
+  [[nodiscard]] T operator*() const { return compute(); }
+  ///@}
+
+ private:
+  [[nodiscard]] T GetValue() const override { return compute(); }
+  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(runtime_type<T>::Get()); }
+
+  RepeatingCallback<T()> compute;
+};
+
+}  // namespace DataBinding

@@ -1,0 +1,169 @@
+/// Reads and sets properties by name, with their types checked, for code that does not know the
+/// source's class.
+///
+/// A failure is told apart by its PropertyError and explained by its text. Reading accepts
+/// read-only properties of the same value type; there are no conversions between types. Nothing is
+/// allocated where nothing fails, beyond what copying the value takes.
+///
+///   if (const auto load = GetProperty<double>(source, L"Load")) Show(*load);
+///   SetResult set = SetProperty(source, L"Target", 22.0);
+///   if (!set.IsAccepted()) Complain(set.text);
+#pragma once
+
+#include <exception>
+#include <type_traits>
+#include <utility>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/datasource/IDataSource.h"
+#include "DataBinding/property/details/PropertyBase.h"
+#include "DataBinding/reflection/PropertyResult.h"
+
+namespace DataBinding {
+
+namespace details {
+
+/// The untyped part of a look-up.
+class DATABINDING_API ReflectionAccess {
+ public:
+  struct Found {
+    PropertyError error = PropertyError::None;
+    RepeatingCallbackMemento accessor;
+    bool isReadOnly = false;
+  };
+  /// Finds the accessor of a property whose type is `plain`, or `readOnly` for a read-only one.
+  [[nodiscard]] static Found Find(const IDataSource* source, const VtrString& name,
+                                  const runtime_type_base& plain,
+                                  const runtime_type_base& readOnly);
+  /// The text for an error of that look-up.
+  [[nodiscard]] static VtrString Explain(PropertyError error, const IDataSource* source,
+                                         const VtrString& name, const runtime_type_base& wanted);
+  /// The text for a property whose source is gone, or going.
+  [[nodiscard]] static VtrString ExplainGone(const VtrString& name,
+                                             const runtime_type_base& wanted);
+  /// True once the source's destruction handlers run, when it has no name any more.
+  [[nodiscard]] static bool IsEnding(const IDataSource& source) noexcept {
+    return source.reflectable.IsEnding();
+  }
+  /// The source's name for a message; empty while it is ending.
+  [[nodiscard]] static VtrString NameOf(const IDataSource& source);
+  /// True when a property of that name stands in the table and is not gone.
+  [[nodiscard]] static bool HasLiving(const IReflectable& table, const VtrString& name);
+  static void File(IReflectable& table, const VtrString& name,
+                   const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
+    table._AddDelegate(name, accessor, type);
+  }
+};
+
+}  // namespace details
+
+/// A property found by name. It may be kept: it answers "absent" once the property is gone.
+///
+/// A PropertyRef<const int> reads a property of type int and cannot set it, and so may be had of a
+/// source that is const.
+template <class T>
+class PropertyRef {
+ public:
+  /// What the property's value is; T without its const.
+  using Value = std::remove_const_t<T>;
+  /// What the property is looked up in.
+  using Source = std::conditional_t<std::is_const_v<T>, const IDataSource, IDataSource>;
+
+  /// Looks the property up, once. The source may be null and may end later.
+  PropertyRef(Source* source, const VtrString& propertyName) : name(propertyName) {
+    const auto& wanted = runtime_type<Value>::Get();
+    auto found =
+        details::ReflectionAccess::Find(source, name, wanted, runtime_type<const Value>::Get());
+    error = found.error;
+    accessor.SetMemento(found.accessor);
+    isReadOnly = found.isReadOnly;
+    if (error == PropertyError::None && !accessor) error = PropertyError::NoAccessor;
+    if (error != PropertyError::None) {
+      text = details::ReflectionAccess::Explain(error, source, name, wanted);
+    }
+  }
+
+  /// Why the property was not found; None when it was, also after it has gone.
+  [[nodiscard]] PropertyError Error() const noexcept { return error; }
+  /// Why the property was not found. Empty when it was.
+  [[nodiscard]] const VtrString& Text() const noexcept { return text; }
+  /// True for a property that only its source may set, and for computed ones.
+  [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
+  /// True when the property was found.
+  explicit operator bool() const noexcept { return error == PropertyError::None; }
+
+  /// True while the property can be read: it was found and is not gone since.
+  [[nodiscard]] bool IsThere() const {
+    return error == PropertyError::None && accessor() != nullptr;
+  }
+
+  /// A copy of the value, or why there is none.
+  [[nodiscard]] PropertyValue<Value> Get() const {
+    if (error != PropertyError::None) return {{}, error, text};
+    const auto* access = accessor();
+    if (access == nullptr) return {{}, PropertyError::Absent, GoneText()};
+    return {access->GetValue(), PropertyError::None, {}};
+  }
+  /// Sets the value as the property's own Set does: listeners run before this returns.
+  // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
+  SetResult Set(T value) const requires(!std::is_const_v<T>) {
+    if (error != PropertyError::None) return {false, error, text};
+    auto* access = accessor();
+    if (access == nullptr) return {false, PropertyError::Absent, GoneText()};
+    return access->SetValue(std::move(value));
+  }
+
+ private:
+  [[nodiscard]] VtrString GoneText() const {
+    return details::ReflectionAccess::ExplainGone(name, runtime_type<Value>::Get());
+  }
+
+  VtrString name;
+  details::PropertyAccessor<Value> accessor;
+  PropertyError error = PropertyError::None;
+  bool isReadOnly = false;
+  VtrString text;
+};
+
+/// Finds a property to be read and set more than once, without another look-up;
+/// `FindProperty<const int>` finds it to be read only, in a const source too.
+template <class T>
+[[nodiscard]] PropertyRef<T> FindProperty(typename PropertyRef<T>::Source* source,
+                                          const VtrString& name) {
+  return PropertyRef<T>(source, name);
+}
+
+/// Finds and reads a property.
+template <class T>
+[[nodiscard]] PropertyValue<T> GetProperty(const IDataSource* source, const VtrString& name) {
+  return FindProperty<const T>(source, name).Get();
+}
+
+/// Finds and sets a property. T is the property's own type: an int does not set a double.
+template <class T>
+SetResult SetProperty(IDataSource* source, const VtrString& name, T value) {
+  return FindProperty<T>(source, name).Set(std::move(value));
+}
+
+/// A literal sets a property of type VtrString.
+inline SetResult SetProperty(IDataSource* source, const VtrString& name, const wchar_t* text) {
+  return SetProperty<VtrString>(source, name, text);
+}
+
+/// Calls visit(value) with the property's value if its type is one of those listed, and tells
+/// whether it was. For code that writes out whatever it finds.
+template <class... Types, class Visitor>
+bool VisitProperty(const IDataSource* source, const VtrString& name, Visitor&& visit) {
+  const auto attempt = [&]<class T>(std::type_identity<T>) {
+    const auto& type = runtime_type<T>::Get();
+    const auto sought =
+        details::ReflectionAccess::Find(source, name, type, runtime_type<const T>::Get());
+    if (sought.error != PropertyError::None) return false;
+    const auto value = GetProperty<T>(source, name);
+    if (value) visit(*value);
+    return static_cast<bool>(value);
+  };
+  return (attempt(std::type_identity<Types>()) || ...);
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,98 @@
+/// What all properties share: owner, name, and those that are computed from them.
+///
+/// A property belongs to one data source and is a member of it. It files itself in the source's
+/// reflection table when it is made; its accessor there answers only as long as the property lives.
+/// Used on the thread that owns the provider tree.
+#pragma once
+
+#include <initializer_list>
+#include <vector>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/datasource/DataSourceImpl.h"
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/WeakPtr.h"
+#include "DataBinding/property/PropertyName.h"
+#include "DataBinding/reflection/PropertyResult.h"
+#include "DataBinding/reflection/RuntimeType.h"
+
+namespace DataBinding::details {
+
+/// How a property of a value type is reached by name: its accessor gives this, or null when the
+/// property is gone.
+template <class T>
+class PropertyAccess {
+ public:
+  [[nodiscard]] virtual T GetValue() const = 0;
+  /// Refuses, as read-only, unless the property may be set from outside.
+  virtual SetResult SetValue(T value) = 0;
+
+ protected:
+  PropertyAccess() noexcept = default;
+  PropertyAccess(const PropertyAccess&) noexcept = default;
+  PropertyAccess& operator=(const PropertyAccess&) noexcept = default;
+  ~PropertyAccess() = default;
+};
+
+template <class T>
+using PropertyAccessor = RepeatingCallback<PropertyAccess<T>*()>;
+
+class PropertyAnnouncement;
+
+class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, private PropertyLink {
+ public:
+  PropertyBase(const PropertyBase&) = delete;
+  PropertyBase& operator=(const PropertyBase&) = delete;
+
+  [[nodiscard]] const VtrString& Name() const noexcept { return filedName; }
+
+  /// Tells the listeners of this property that the value has changed, then those of all that is
+  /// computed from it, directly or not, each property once and after all that it is computed from.
+  /// It calls UpdateListeners of the source once for each name. Where a PropertyBatch is open on a
+  /// source, its properties, and what is computed from those, wait for its end. This property, its
+  /// source or others may be gone when this returns.
+  void NotifyChanged();
+
+ protected:
+  PropertyBase(DataSourceImpl& ownerSource, PropertyName propertyName);
+  ~PropertyBase();
+
+  void File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type);
+  /// Notifies of this property whenever one of those changes.
+  void DependOn(std::initializer_list<const PropertyBase*> others);
+  [[nodiscard]] DataSourceImpl& Owner() const noexcept { return owner; }
+  [[nodiscard]] SetResult ReadOnlyResult(const runtime_type_base& wanted) const;
+  [[nodiscard]] SetResult RefusedResult(const VtrString& reason) const;
+
+ private:
+  friend DataSourceAccess;
+  friend PropertyAnnouncement;
+
+  DataSourceImpl& owner;
+  VtrString filedName;
+  /// The properties that are computed from this one. It is mutable since following a property does
+  /// not change it.
+  mutable std::vector<PropertyBase*> dependents;
+  std::vector<const PropertyBase*> dependencies;
+};
+
+/// Files a property under its name. Filed is `const T` for one that only its source may set.
+template <class T, class Filed>
+class TypedProperty : public PropertyBase, protected PropertyAccess<T> {
+ protected:
+  TypedProperty(DataSourceImpl& ownerSource, PropertyName propertyName)
+      : PropertyBase(ownerSource, propertyName) {
+    const PropertyAccessor<T> accessor = BindWeak(AsWeakPtr(), &TypedProperty::Access);
+    File(accessor.GetMemento(), runtime_type<Filed>::Get());
+  }
+  ~TypedProperty() = default;
+
+ private:
+  static PropertyAccess<T>* Access(PropertyBase& property) {
+    return &static_cast<TypedProperty&>(property);
+  }
+};
+
+}  // namespace DataBinding::details

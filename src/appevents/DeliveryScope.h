@@ -1,0 +1,81 @@
+/// A delivery under way: knows whether its broadcaster was released meanwhile.
+///
+/// Stands on the stack of the delivering thread; scopes of one broadcaster nest.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "DataBinding/appevents/EventBroadcaster.h"
+#include "DataBinding/foundation/ScopedValue.h"
+#include "PendingEvents.h"
+
+namespace DataBinding::details {
+
+class DeliveryScope {
+ public:
+  explicit DeliveryScope(PolicyEventBroadcaster& delivering) noexcept
+      : broadcaster(&delivering), outer(std::exchange(delivering.delivery, this)) {
+    broadcaster->pendingEvents->delivering.Enter();
+  }
+  DeliveryScope(const DeliveryScope&) = delete;
+  DeliveryScope& operator=(const DeliveryScope&) = delete;
+  ~DeliveryScope() {
+    if (broadcaster == nullptr) return;
+    broadcaster->delivery = outer;
+    broadcaster->pendingEvents->delivering.Leave();
+  }
+
+  /// The innermost scope of a broadcaster that is delivering.
+  [[nodiscard]] static DeliveryScope& Of(PolicyEventBroadcaster& delivering) noexcept {
+    return *delivering.delivery;
+  }
+
+  /// Dispatches an event, which finds its owner here if it is to be held.
+  void Dispatch(const PolicyEventBroadcaster::EventPtr& owned) {
+    const ScopedValue dispatching(event, &owned);
+    owned->Dispatch(*broadcaster);
+  }
+  /// Dispatches one after the other, until the broadcaster is released. What ends the events
+  /// afterwards finds the batch no longer here.
+  void Dispatch(PendingEvents::Batch& whole) {
+    const ScopedValue delivering(batch, &whole);
+    while (const auto* next = whole.Next()) {
+      Dispatch(*next);
+      if (IsBroadcasterGone()) return;
+    }
+  }
+  /// Moves the events of which matches(name, event) is true, and which are still to come in the
+  /// batches under way, to `dropped`.
+  template <class Matches>
+  static void Drop(DeliveryScope* innermost, const Matches& matches,
+                   std::vector<PolicyEventBroadcaster::EventPtr>& dropped) {
+    for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
+      if (scope->batch != nullptr) scope->batch->Drop(*scope->event, matches, dropped);
+    }
+  }
+  /// True when the batches under way have events still to come.
+  [[nodiscard]] static bool IsAnyToCome(DeliveryScope* innermost) noexcept {
+    for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
+      if (scope->batch != nullptr && scope->batch->HasNext()) return true;
+    }
+    return false;
+  }
+  [[nodiscard]] bool IsBroadcasterGone() const noexcept { return broadcaster == nullptr; }
+  /// The owner of the event that is being dispatched.
+  [[nodiscard]] const PolicyEventBroadcaster::EventPtr& Owner() const noexcept { return *event; }
+  /// Tells a broadcaster's scopes, from the innermost one outward, that it ends.
+  static void End(DeliveryScope* innermost) noexcept {
+    for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
+      scope->broadcaster = nullptr;
+    }
+  }
+
+ private:
+  PolicyEventBroadcaster* broadcaster;
+  DeliveryScope* outer;
+  const PolicyEventBroadcaster::EventPtr* event = nullptr;
+  PendingEvents::Batch* batch = nullptr;
+};
+
+}  // namespace DataBinding::details

@@ -1,0 +1,367 @@
+#include "DataBinding/appevents/EventBroadcaster.h"
+
+#include <utility>
+
+#include "DataBinding/appevents/details/NamedEvent.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
+#include "DeliveryScope.h"
+#include "PendingEvents.h"
+
+namespace DataBinding {
+
+namespace {
+
+class QueueLock {
+ public:
+  explicit QueueLock(AEB::ThreadingPolicy& policy) : held(policy) { held.EnterCriticalSection(); }
+  QueueLock(const QueueLock&) = delete;
+  QueueLock& operator=(const QueueLock&) = delete;
+  ~QueueLock() { held.LeaveCriticalSection(); }
+
+ private:
+  AEB::ThreadingPolicy& held;
+};
+
+}  // namespace
+
+template <class Update, class Threading>
+EventBroadcaster<Update, Threading>::EventBroadcaster()
+    : pendingEvents(std::make_unique<details::PendingEvents>()), weakFactory(this) {}
+
+template <class Update, class Threading>
+EventBroadcaster<Update, Threading>::~EventBroadcaster() {
+  FirstFailure dropped;
+  for (auto next = cleanupCallbacks.begin(); next != cleanupCallbacks.end();) {
+    void* const owner = next->first;
+    auto callback = std::move(next->second);
+    dropped.Try([&] { callback(); });
+    next = cleanupCallbacks.upper_bound(owner);
+  }
+  details::DeliveryScope::End(delivery);
+}
+
+template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::AnyEventHooksRegistered() const {
+  return false;
+}
+
+// Each override is given a name of its own.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::OnEventDispatched(VtrString /*name*/,
+                                                            const std::vector<Any>& /*args*/) {}
+// NOLINTEND(performance-unnecessary-value-param)
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, bool fireHeldEvent) {
+  const auto disabled = disabledEvents.find(name);
+  if (disabled == disabledEvents.end()) return;
+  const auto held = holds.find(name);
+  const bool isHeldOnly = held != holds.end() && held->second == disabled->second;
+  if (!isHeldOnly) Lower(name, fireHeldEvent);
+}
+
+/// Undoes one disable, whoever's it is.
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Lower(const VtrString& name, bool fireHeldEvent) {
+  const auto disabled = disabledEvents.find(name);
+  if (disabled == disabledEvents.end() || --disabled->second > 0) return;
+  disabledEvents.erase(disabled);
+  const auto held = heldEvents.extract(name);
+  if (fireHeldEvent && !held.empty()) Deliver(held.mapped());
+}
+
+/// Holds an event of a disabled name. An older one is released when the new one is in its place.
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Keep(const VtrString& name, EventPtr event) {
+  std::swap(heldEvents[name], event);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Hold(const VtrString& name) {
+  const details::OneThreadVisit visit(pendingEvents->delivering);
+  const auto held = holds.try_emplace(name, 0).first;
+  DisableEvent(name);
+  ++held->second;
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name, bool fireHeldEvent) {
+  {
+    const details::OneThreadVisit visit(pendingEvents->delivering);
+    const auto held = holds.find(name);
+    if (--held->second == 0) holds.erase(held);
+  }
+  Lower(name, fireHeldEvent);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::DisableEvent(const VtrString& name) {
+  ++disabledEvents[name];
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
+  const auto alive = GetWeakPtr();
+  FirstFailure failed;  // of events of other kinds
+  for (auto known = knownEvents.begin(); known != knownEvents.end();) {
+    const VtrString name = known->first;
+    failed.Try([&] { EnableEvent(name, fireHeldEvent); });
+    if (!alive) break;
+    known = knownEvents.upper_bound(name);
+  }
+  failed.Rethrow();
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::DisableAllEvents() {
+  auto disabled = disabledEvents;  // all or none
+  for (const auto& [name, channel] : knownEvents) ++disabled[name];
+  disabledEvents.swap(disabled);
+}
+
+template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::IsDisable(const VtrString& name) {
+  return !disabledEvents.empty() && disabledEvents.contains(name);
+}
+
+template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::AnyPendingDisableEvents(const VtrString& name) const {
+  return disabledEvents.contains(name) && heldEvents.contains(name);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::AddCleanupCallback(void* owner,
+                                                             OneShotCallback<void()> callback) {
+  cleanupCallbacks.try_emplace(owner, std::move(callback));
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::RemoveCleanupCallback(void* owner) {
+  const auto removed = cleanupCallbacks.extract(owner);  // what it owns may take others off
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::DispatchPendingEvents() {
+  if (!HasPendingEvents()) return;
+  details::DeliveryScope scope(*this);
+  auto batch = std::move(pendingEvents->spare);
+  if (batch == nullptr) batch = std::make_unique<details::PendingEvents::Batch>();
+  {
+    const QueueLock guard(threadingPolicy);
+    pendingEvents->Take(*batch);
+    anyPending.store(false, std::memory_order_relaxed);
+  }
+  scope.Dispatch(*batch);
+  batch->Clear();
+  if (!scope.IsBroadcasterGone()) pendingEvents->spare = std::move(batch);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::DispatchPendingEventsFor(
+    std::chrono::nanoseconds budget) {
+  using Clock = std::chrono::steady_clock;
+  if (!HasPendingEvents()) return;
+  const auto begin = Clock::now();
+  details::DeliveryScope scope(*this);
+  const auto pass = [this] {
+    const QueueLock guard(threadingPolicy);
+    return pendingEvents->BeginPass();
+  }();
+  const auto deliverNext = [&] {
+    const EventPtr next = TakeFirst(pass);
+    if (next != nullptr) scope.Dispatch(next);
+    return next != nullptr;
+  };
+  while (deliverNext() && !scope.IsBroadcasterGone() && Clock::now() - begin < budget) {
+  }
+}
+
+template <class Update, class Threading>
+auto EventBroadcaster<Update, Threading>::TakeFirst(std::uint32_t pass) -> EventPtr {
+  const QueueLock guard(threadingPolicy);
+  EventPtr first = pendingEvents->TakeFirst(pass);
+  anyPending.store(!pendingEvents->IsEmpty(), std::memory_order_relaxed);
+  return first;
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::Deliver(const EventPtr& event) {
+  const auto alive = GetWeakPtr();
+  const bool hadFailure = HasFailure();
+  details::DeliveryScope(*this).Dispatch(event);
+  if (alive && !IsDelivering() && !hadFailure && HasFailure()) AskForPass();
+}
+
+/// Runs the UpdateUI callback for the sake of a failure, which is kept even if that fails.
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::AskForPass() {
+  FirstFailure dropped;
+  dropped.Try([this] { updatePolicy.PostUpdate(); });
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::NotifyListenersOnIdleImpl(const VtrString& name,
+                                                                    bool replaceLast,
+                                                                    EventPtr event) {
+  if (event != nullptr) Append(name, replaceLast, std::move(event));
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::QueueNamed(const details::EventName& name,
+                                                     bool replaceLast, EventPtr&& event) {
+  Append(name, replaceLast, std::move(event));
+}
+
+template <class Update, class Threading>
+template <class Name>
+inline void EventBroadcaster<Update, Threading>::Append(const Name& name, bool replaceLast,
+                                                        EventPtr&& event) {
+  const std::uint64_t hash = replaceLast ? details::PendingEvents::Hash(name) : 0;
+  EventPtr replaced;
+  {
+    const QueueLock guard(threadingPolicy);
+    if (replaceLast) {
+      replaced = pendingEvents->Replace(name, hash, std::move(event));
+    } else {
+      pendingEvents->Append(name, std::move(event));
+    }
+    anyPending.store(true, std::memory_order_release);
+  }
+  if (replaced != nullptr && !isPassOwed.load(std::memory_order_relaxed)) return;
+  try {
+    updatePolicy.PostUpdate();
+  } catch (...) {
+    isPassOwed.store(true, std::memory_order_relaxed);
+    throw;
+  }
+  if (isPassOwed.load(std::memory_order_relaxed)) isPassOwed.store(false);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::QueueEvent(const VtrString& name, EventPtr event,
+                                                     bool replaceLast) {
+  NotifyListenersOnIdleImpl(name, replaceLast, std::move(event));
+}
+
+template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::HasPendingEvents() const noexcept {
+  return anyPending.load(std::memory_order_acquire);
+}
+
+template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::HasUndeliveredEvents() const noexcept {
+  return HasPendingEvents() || details::DeliveryScope::IsAnyToCome(delivery);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::DropEvents(const VtrString& name) {
+  Drop([&name](const VtrString& dropped, const PendingEventBase&) { return dropped == name; });
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::DropOwner(const void* owner) {
+  if (owner == nullptr) return;
+  Drop([owner](const VtrString&, const PendingEventBase& event) { return event.Owner() == owner; });
+}
+
+/// Takes all events that match out before it ends the first of them: what an event owns may drop
+/// others while it ends, deliver, or release this broadcaster.
+template <class Update, class Threading>
+template <class Matches>
+void EventBroadcaster<Update, Threading>::Drop(Matches matches) {
+  std::vector<EventPtr> dropped;
+  for (auto held = heldEvents.begin(); held != heldEvents.end();) {
+    const bool isDropped = matches(held->first, *held->second);
+    if (isDropped) dropped.push_back(held->second);
+    held = isDropped ? heldEvents.erase(held) : std::next(held);
+  }
+  details::DeliveryScope::Drop(delivery, matches, dropped);
+  const QueueLock guard(threadingPolicy);
+  pendingEvents->Drop(matches, dropped);
+  anyPending = !pendingEvents->IsEmpty();
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::SetErrorHandler(ErrorHandler handler) {
+  errorHandler = std::move(handler);
+}
+
+template <class Update, class Threading>
+EventFailure EventBroadcaster<Update, Threading>::TakeFailure() {
+  return std::exchange(failure, {});
+}
+
+/// The handler may throw in its turn, and may release the broadcaster.
+template <class Update, class Threading>
+DATABINDING_CATCHES_CANCELLATION void EventBroadcaster<Update, Threading>::ReportFailure(
+    const VtrString& name) {
+  EventFailure thrown{name, std::current_exception(), 0};
+  const details::DeliveryScope scope(*this);
+  if (const ErrorHandler handler = errorHandler; !handler.IsCancelled()) {
+    try {
+      return handler(name, thrown.exception);
+    }
+    DATABINDING_PASS_CANCELLATION catch (...) {
+      thrown.exception = std::current_exception();
+      thrown.others = 1;
+    }
+  }
+  if (scope.IsBroadcasterGone()) return;
+  if (failure) {
+    failure.others += 1 + thrown.others;
+  } else {
+    failure = std::move(thrown);
+  }
+}
+
+template <class Update, class Threading>
+details::EventChannel& EventBroadcaster<Update, Threading>::Channel(
+    const details::EventName& name) {
+  const details::OneThreadVisit visit(pendingEvents->delivering);
+  if (channels.size() <= name.Number()) channels.resize(name.Number() + 1);
+  auto& channel = channels[name.Number()];
+  if (channel == nullptr) {
+    auto made = std::make_unique<details::EventChannel>();
+    knownEvents[name.Text()] = made.get();
+    channel = std::move(made);
+  }
+  return *channel;
+}
+
+template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::PendingEventBase::HoldIfDisabled(
+    EventBroadcaster& broadcaster, const VtrString& name, EventPtr event) {
+  broadcaster.knownEvents.try_emplace(name, nullptr);
+  if (!broadcaster.IsDisable(name)) return false;
+  if (event != nullptr) broadcaster.Keep(name, std::move(event));
+  return true;
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::PendingEventBase::PreNotify(
+    EventBroadcaster& broadcaster) {
+  broadcaster.updatePolicy.PreNotify();
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::PendingEventBase::ReportFailure(
+    EventBroadcaster& broadcaster, const VtrString& name) {
+  broadcaster.ReportFailure(name);
+}
+
+template <class Update, class Threading>
+bool EventBroadcaster<Update, Threading>::PendingEventBase::HasHooks(
+    const EventBroadcaster& broadcaster) {
+  return broadcaster.AnyEventHooksRegistered();
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::PendingEventBase::NotifyHooks(
+    EventBroadcaster& broadcaster, const VtrString& name, const std::vector<Any>& args) {
+  broadcaster.OnEventDispatched(name, args);
+}
+
+template class EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
+
+}  // namespace DataBinding

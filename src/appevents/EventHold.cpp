@@ -1,0 +1,40 @@
+#include "DataBinding/appevents/EventHold.h"
+
+#include <utility>
+
+namespace DataBinding {
+
+EventHold::EventHold(const VtrString& eventName)
+    : name(eventName), broadcaster(IAppEventBroadcaster::GetInstance().GetWeakPtr()) {
+  static_cast<PolicyEventBroadcaster&>(*broadcaster).Hold(name);
+}
+
+EventHold::EventHold(EventHold&& other) noexcept
+    : name(std::move(other.name)),
+      broadcaster(std::exchange(other.broadcaster, {})),
+      firesAtEnd(other.firesAtEnd) {}
+
+EventHold& EventHold::operator=(EventHold&& other) noexcept {
+  if (this != &other) {
+    EventHold ended(std::move(*this));
+    name = std::move(other.name);
+    broadcaster = std::exchange(other.broadcaster, {});
+    firesAtEnd = other.firesAtEnd;
+  }
+  return *this;
+}
+
+EventHold::~EventHold() {
+  if (!broadcaster) return;
+  try {
+    broadcaster->EndHold(name, firesAtEnd);
+  } catch (...) {
+    if (!broadcaster) return;
+    broadcaster->ReportFailure(name);
+    if (broadcaster && !broadcaster->IsDelivering() && broadcaster->HasFailure()) {
+      broadcaster->AskForPass();
+    }
+  }
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,103 @@
+#include "DataBinding/appevents/details/EventMemory.h"
+
+#include <array>
+#include <new>
+
+namespace DataBinding::details {
+
+namespace {
+
+#if defined(__has_feature)
+#define DATABINDING_HAS_FEATURE(name) __has_feature(name)
+#else
+#define DATABINDING_HAS_FEATURE(name) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || DATABINDING_HAS_FEATURE(address_sanitizer)
+constexpr bool isWatched = true;  // events that are used after their end are to be found
+#else
+constexpr bool isWatched = false;
+#endif
+#if defined(_WIN32)
+constexpr bool canTellThreadEnds = false;  // MinGW frees thread-local memory before destructors run
+#else
+constexpr bool canTellThreadEnds = true;
+#endif
+
+constexpr std::size_t granule = 32;
+/// Larger blocks are the heap's.
+constexpr std::size_t largestKept = 128;
+/// How many blocks of one size a thread keeps: a full batch of most applications.
+constexpr std::size_t mostKept = canTellThreadEnds && !isWatched ? 1024 : 0;
+
+struct Spare {
+  Spare* next;
+};
+
+struct Shelf {
+  Spare* first = nullptr;
+  std::size_t count = 0;
+};
+
+/// Plain memory, which stays readable while the thread's destructors run.
+struct Shelves {
+  std::array<Shelf, largestKept / granule> bySize;
+  bool open = false;
+};
+
+constinit thread_local Shelves shelves;
+constinit thread_local bool threadIsEnding = false;
+
+/// Empties the shelves when its thread ends.
+class ShelvesOwner {
+ public:
+  ShelvesOwner() noexcept { shelves.open = true; }
+  ShelvesOwner(const ShelvesOwner&) = delete;
+  ShelvesOwner& operator=(const ShelvesOwner&) = delete;
+  ~ShelvesOwner() {
+    threadIsEnding = true;
+    shelves.open = false;
+    for (Shelf& shelf : shelves.bySize) {
+      while (shelf.first != nullptr) ::operator delete(Take(shelf));
+    }
+  }
+
+  static void* Take(Shelf& shelf) noexcept {
+    Spare* const block = shelf.first;
+    shelf.first = block->next;
+    --shelf.count;
+    return block;
+  }
+};
+
+constexpr std::size_t Granules(std::size_t bytes) noexcept {
+  return bytes == 0 ? 1 : (bytes + granule - 1) / granule;
+}
+
+Shelf& ShelfOf(std::size_t bytes) noexcept { return shelves.bySize[Granules(bytes) - 1]; }
+
+/// Opens the thread's shelves at the first block that comes back, and says whether they are open.
+bool Open() noexcept {
+  if (shelves.open) return true;
+  if (threadIsEnding) return false;
+  static thread_local ShelvesOwner owner;
+  return shelves.open;
+}
+
+}  // namespace
+
+void* TakeEventMemory(std::size_t bytes) {
+  if (bytes > largestKept) return ::operator new(bytes);
+  Shelf& shelf = ShelfOf(bytes);
+  if (shelf.first != nullptr) return ShelvesOwner::Take(shelf);
+  return ::operator new(Granules(bytes) * granule);
+}
+
+void ReturnEventMemory(void* block, std::size_t bytes) noexcept {
+  if (bytes > largestKept || mostKept == 0 || !Open()) return ::operator delete(block);
+  Shelf& shelf = ShelfOf(bytes);
+  if (shelf.count >= mostKept) return ::operator delete(block);
+  shelf.first = ::new (block) Spare{shelf.first};
+  ++shelf.count;
+}
+
+}  // namespace DataBinding::details

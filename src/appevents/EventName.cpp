@@ -1,0 +1,76 @@
+#include "DataBinding/appevents/details/EventName.h"
+
+#include <memory>
+#include <stdexcept>
+#include <unordered_map>
+#include <utility>
+
+#include "DataBinding/foundation/ThreadLock.h"
+#include "DataBinding/foundation/TypeName.h"
+
+namespace DataBinding::details {
+
+/// All names. Never destroyed: events are named while the process ends.
+class EventNames {
+ public:
+  static EventNames& Get() {
+    static auto* names = new EventNames;
+    return *names;
+  }
+
+  const EventName& Find(VtrStringView name, const std::type_info& signature) {
+    std::string key = TypeKey(signature);
+    const WriteLock guard(lock);
+    EventName& found = Obtain(name);
+    ThrowUnlessFree(found, key, signature);
+    if (found.signatureKey.empty()) {
+      found.signatureText = ReadableTypeName(signature);
+      found.signatureKey = std::move(key);
+    }
+    return found;
+  }
+
+  void Check(VtrStringView name, const std::type_info& signature) {
+    const std::string key = TypeKey(signature);
+    const ReadLock guard(lock);
+    const auto known = names.find(VtrString(name));
+    if (known != names.end()) ThrowUnlessFree(*known->second, key, signature);
+  }
+
+  const wchar_t* Keep(VtrStringView name) {
+    const WriteLock guard(lock);
+    return Obtain(name).text;
+  }
+
+ private:
+  /// Passes a name that has this signature, or none yet.
+  static void ThrowUnlessFree(const EventName& name, const std::string& key,
+                              const std::type_info& signature) {
+    if (name.signatureKey.empty() || name.signatureKey == key) return;
+    throw std::logic_error("the application event \"" + name.text.ToUtf8() +
+                           "\" is used with the signature " + ReadableTypeName(signature) +
+                           ", but was first used with " + name.signatureText);
+  }
+  EventName& Obtain(VtrStringView name) DATABINDING_REQUIRES(lock) {
+    const VtrString text(name);
+    const auto known = names.find(text);
+    if (known != names.end()) return *known->second;
+    std::unique_ptr<EventName> made(new EventName(name, names.size()));
+    return *names.emplace(text, std::move(made)).first->second;
+  }
+
+  ThreadLock lock;
+  std::unordered_map<VtrString, std::unique_ptr<EventName>> names DATABINDING_GUARDED_BY(lock);
+};
+
+const EventName& EventName::Find(VtrStringView name, const std::type_info& signature) {
+  return EventNames::Get().Find(name, signature);
+}
+
+void EventName::Check(VtrStringView name, const std::type_info& signature) {
+  EventNames::Get().Check(name, signature);
+}
+
+const wchar_t* EventName::Keep(VtrStringView name) { return EventNames::Get().Keep(name); }
+
+}  // namespace DataBinding::details

@@ -1,0 +1,77 @@
+#include "DataBinding/appevents/IAppEventBroadcaster.h"
+
+#include <utility>
+
+#include "DataBinding/foundation/details/Cancellation.h"
+#include "DeliveryScope.h"
+
+namespace DataBinding {
+
+IAppEventBroadcaster::IAppEventBroadcaster() = default;
+/// A hook may own things whose end takes other hooks off.
+IAppEventBroadcaster::~IAppEventBroadcaster() { const auto ended = std::exchange(eventHooks, {}); }
+
+int IAppEventBroadcaster::RegisterEventHook(EventHook hook, const void* owner) {
+  eventHooks.insert_or_assign(nextHookId, Hook{hook, owner});
+  return nextHookId++;
+}
+
+bool IAppEventBroadcaster::UnregisterEventHook(int id) { return !eventHooks.extract(id).empty(); }
+
+Subscription IAppEventBroadcaster::AddEventHook(const EventHookCallback& hook) {
+  if (!hook) return {};
+  Subscription added([hooks = hooksFactory.GetWeakPtr(), id = nextHookId] {
+    if (hooks) hooks->UnregisterEventHook(id);
+  });
+  eventHooks.insert_or_assign(nextHookId, Hook{hook});
+  ++nextHookId;
+  return added;
+}
+
+int IAppEventBroadcaster::UnregisterEventHooks(const void* owner) {
+  if (owner == nullptr) return 0;
+  return static_cast<int>(
+      std::erase_if(eventHooks, [owner](const auto& hook) { return hook.second.owner == owner; }));
+}
+
+bool IAppEventBroadcaster::AnyEventHooksRegistered() const { return !eventHooks.empty(); }
+
+/// Looks each hook up anew: one may remove itself or others, or release the broadcaster.
+DATABINDING_CATCHES_CANCELLATION void IAppEventBroadcaster::OnEventDispatched(
+    VtrString name, const std::vector<Any>& args) {
+  const details::DeliveryScope scope(*this);
+  const int end = nextHookId;
+  for (auto next = eventHooks.begin(); next != eventHooks.end() && next->first < end;) {
+    const int id = next->first;
+    {
+      // The copy ends before the next hook is looked up: what it owns may take hooks off.
+      const EventHookCallback call = next->second.call;
+      try {
+        call(name, args);
+      }
+      DATABINDING_PASS_CANCELLATION catch (...) {
+        if (!scope.IsBroadcasterGone()) ReportFailure(name);
+      }
+    }
+    if (scope.IsBroadcasterGone()) return;
+    next = eventHooks.upper_bound(id);
+  }
+}
+
+}  // namespace DataBinding
+
+template <>
+DataBinding::IAppEventBroadcaster&
+VtrUtils::Singleton<DataBinding::IAppEventBroadcaster, 0>::GetInstance() {
+  return ObtainInstance();
+}
+
+template <>
+bool VtrUtils::Singleton<DataBinding::IAppEventBroadcaster, 0>::HasInstance() {
+  return IsInstanceThere();
+}
+
+template <>
+void VtrUtils::Singleton<DataBinding::IAppEventBroadcaster, 0>::ReleaseInstance(bool markReleased) {
+  EndInstance(markReleased);
+}

@@ -1,0 +1,122 @@
+#include "DataBinding/appevents/IdlePass.h"
+
+#include <atomic>
+#include <utility>
+
+#include "DataBinding/appevents/IAppEventBroadcaster.h"
+#include "DataBinding/foundation/details/Cancellation.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
+
+namespace DataBinding {
+
+/// What a pass shares with its UpdateUI callback, which another thread may be running.
+class IdlePass::State {
+ public:
+  explicit State(RepeatingCallback<void()> callback) : wake(std::move(callback)) {}
+
+  /// Wakes the loop unless that was done since the last Begin.
+  DATABINDING_CATCHES_CANCELLATION void Request() {
+    if (ended || requested.exchange(true, std::memory_order_acq_rel)) return;
+    try {
+      wake();
+    } catch (...) {
+      requested = false;  // the next event tries again
+      throw;
+    }
+  }
+  /// An event that was queued without waking, since somebody else had, is seen after this.
+  void Begin() noexcept {
+    if (IsRequested()) requested.exchange(false, std::memory_order_acq_rel);
+  }
+  void End() noexcept { ended = true; }
+  [[nodiscard]] bool IsRequested() const noexcept { return requested; }
+
+  std::size_t droppedFailures = 0;
+
+ private:
+  RepeatingCallback<void()> wake;
+  std::atomic<bool> requested{false};
+  std::atomic<bool> ended{false};
+};
+
+namespace {
+
+/// The passes that there are, newest first. For the delivering thread.
+IdlePass*& NewestPass() noexcept {
+  static IdlePass* newest = nullptr;
+  return newest;
+}
+
+[[nodiscard]] bool IsAnythingToDo(const IAppEventBroadcaster& events) noexcept {
+  return events.HasPendingEvents() || events.HasFailure();
+}
+
+[[nodiscard]] bool IsAnythingToDo() {
+  return IAppEventBroadcaster::HasInstance() && IsAnythingToDo(IAppEventBroadcaster::GetInstance());
+}
+
+}  // namespace
+
+IdlePass::IdlePass(RepeatingCallback<void()> wake)
+    : state(std::make_shared<State>(std::move(wake))),
+      installed([shared = state] { shared->Request(); }),
+      former(AEB::UpdatePolicy::UpdateUICallback()) {
+  if (IsAnythingToDo()) state->Request();  // may throw: nothing is installed yet
+  nextPass = std::exchange(NewestPass(), this);
+  AEB::UpdatePolicy::SetUpdateUICallback(installed);
+}
+
+/// Takes this pass out of the chain of callbacks, wherever in it it stands.
+IdlePass::~IdlePass() {
+  state->End();
+  const auto isMine = [this](const RepeatingCallback<void()>& callback) {
+    return callback.GetBindState() == installed.GetBindState();
+  };
+  IdlePass** link = &NewestPass();
+  while (*link != nullptr && *link != this) {
+    if (isMine((*link)->former)) (*link)->former = former;
+    link = &(*link)->nextPass;
+  }
+  if (*link == this) *link = nextPass;
+  if (!isMine(AEB::UpdatePolicy::UpdateUICallback())) return;
+  AEB::UpdatePolicy::SetUpdateUICallback(former);
+  FirstFailure dropped;
+  if (IsAnythingToDo()) dropped.Try([this] { former(); });
+}
+
+void IdlePass::Run() {
+  Deliver([](IAppEventBroadcaster& events) { events.DispatchPendingEvents(); });
+}
+
+void IdlePass::RunFor(std::chrono::nanoseconds budget) {
+  Deliver([budget](IAppEventBroadcaster& events) { events.DispatchPendingEventsFor(budget); });
+}
+
+template <class Dispatch>
+void IdlePass::Deliver(Dispatch dispatch) {
+  const auto keep = state;  // the pass may end meanwhile
+  keep->Begin();
+  if (!IAppEventBroadcaster::HasInstance()) return;
+  auto& events = IAppEventBroadcaster::GetInstance();
+  if (!IsAnythingToDo(events)) return;
+  const auto alive = events.GetWeakPtr();
+  try {
+    dispatch(events);
+  } catch (...) {
+    if (alive && IsAnythingToDo(events)) keep->Request();
+    throw;
+  }
+  if (!alive) return;
+  if (events.HasPendingEvents()) keep->Request();
+  // In a modal loop: what a listener of the outer batch threw is not this loop's business.
+  if (!events.HasFailure() || events.IsDelivering()) return;
+  const EventFailure failure = events.TakeFailure();
+  keep->droppedFailures = failure.others;
+  std::rethrow_exception(failure.exception);
+}
+
+bool IdlePass::IsRequested() const noexcept { return state->IsRequested(); }
+
+std::size_t IdlePass::DroppedFailures() const noexcept { return state->droppedFailures; }
+
+}  // namespace DataBinding

@@ -1,0 +1,24 @@
+#include "DataBinding/appevents/UpdatePolicy.h"
+
+#include "DataBinding/appevents/WAppEventRegistrar.h"
+
+namespace DataBinding::AEB {
+
+/// Never destroyed: threads may raise events while the process ends.
+RepeatingCallback<void()>& UpdatePolicy::UpdateUICallback() {
+  static auto* callback = new RepeatingCallback<void()>;
+  return *callback;
+}
+
+void UpdatePolicy::PreNotify() { WAppEventRegistrar::GetInstance().FlushDelayInitList(); }
+
+bool UpdatePolicy::PostUpdate() {
+  UpdateUICallback()();
+  return true;
+}
+
+void UpdatePolicy::SetUpdateUICallback(const RepeatingCallback<void()>& callback) {
+  UpdateUICallback() = callback;
+}
+
+}  // namespace DataBinding::AEB

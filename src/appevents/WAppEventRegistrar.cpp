@@ -1,0 +1,191 @@
+#include "DataBinding/appevents/WAppEventRegistrar.h"
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+#include "DataBinding/appevents/IAppEventListener.h"
+#include "DataBinding/foundation/details/Cancellation.h"
+
+namespace DataBinding {
+
+namespace {
+/// Whether the waiting list is not empty, to be asked without the lock.
+constinit std::atomic<bool> anyWaiting{false};
+}  // namespace
+
+/// Listeners taken off the waiting list, to be initialised one by one. On the stack; flushes nest.
+class WAppEventRegistrar::Flush {
+ public:
+  Flush(Flush*& innermostFlush, ListenerList& waiting)
+      : innermost(innermostFlush), outer(std::exchange(innermostFlush, this)) {
+    taken.swap(waiting);
+  }
+  Flush(const Flush&) = delete;
+  Flush& operator=(const Flush&) = delete;
+  ~Flush() { innermost = outer; }
+
+  void Run() {
+    while (!taken.empty()) {
+      current = taken.front();
+      taken.pop_front();
+      current->InitEventMap();
+      if (current != nullptr) current->RegisterAppEventListeners();
+    }
+  }
+  /// Takes a listener off that was not reached yet, and says whether there was one.
+  static bool Forget(Flush* innermost, const IAppEventListener* listener) {
+    for (Flush* flush = innermost; flush != nullptr; flush = flush->outer) {
+      const auto found = std::ranges::find(flush->taken, listener);
+      if (found == flush->taken.end()) continue;
+      flush->taken.erase(found);
+      return true;
+    }
+    return false;
+  }
+  /// The listener that is being initialised goes no further.
+  static void Stop(Flush* innermost, const IAppEventListener* listener) noexcept {
+    for (Flush* flush = innermost; flush != nullptr; flush = flush->outer) {
+      if (flush->current == listener) flush->current = nullptr;
+    }
+  }
+  /// None goes any further: all are waiting again.
+  static void StopAll(Flush* innermost) noexcept {
+    for (Flush* flush = innermost; flush != nullptr; flush = flush->outer) {
+      flush->current = nullptr;
+      flush->taken.clear();
+    }
+  }
+
+ private:
+  Flush*& innermost;
+  Flush* outer;
+  ListenerList taken;
+  IAppEventListener* current = nullptr;
+};
+
+/// A walk over the listeners, which knows where to go on when one is removed. Walks nest.
+class WAppEventRegistrar::Walk {
+ public:
+  Walk(Walk*& innermostWalk, ListenerList& walked)
+      : innermost(innermostWalk),
+        outer(std::exchange(innermostWalk, this)),
+        next(walked.begin()),
+        end(walked.end()) {}
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+  ~Walk() { innermost = outer; }
+
+  [[nodiscard]] IAppEventListener* Next() { return next == end ? nullptr : *next++; }
+  static void StepOver(Walk* innermost, ListenerList::iterator removed) noexcept {
+    for (Walk* walk = innermost; walk != nullptr; walk = walk->outer) {
+      if (walk->next == removed) ++walk->next;
+    }
+  }
+
+ private:
+  Walk*& innermost;
+  Walk* outer;
+  ListenerList::iterator next;
+  ListenerList::iterator end;
+};
+
+WAppEventRegistrar::WAppEventRegistrar() = default;
+WAppEventRegistrar::~WAppEventRegistrar() = default;
+
+void WAppEventRegistrar::AddEventListener(IAppEventListener* listener) {
+  if (listener == nullptr) return;
+  const CriticalSectionLock guard(lock);
+  ListenerList known{listener};
+  ListenerList waiting{listener};
+  listeners.splice(listeners.end(), known);
+  delayInitList.splice(delayInitList.end(), waiting);
+  anyWaiting.store(true, std::memory_order_release);
+}
+
+void WAppEventRegistrar::RemoveEventListener(IAppEventListener* listener) {
+  const CriticalSectionLock guard(lock);
+  const auto found = std::ranges::find(listeners, listener);
+  if (found == listeners.end()) return;
+  const bool waited = ForgetWaiting(listener);
+  Forget(found);
+  if (waited) return;
+  Flush::Stop(flush, listener);
+  if (registered) listener->UnregisterAppEventListeners();
+}
+
+bool WAppEventRegistrar::ForgetWaiting(IAppEventListener* listener) {
+  const auto found = std::ranges::find(delayInitList, listener);
+  if (found == delayInitList.end()) return Flush::Forget(flush, listener);
+  delayInitList.erase(found);
+  return true;
+}
+
+void WAppEventRegistrar::Forget(ListenerList::iterator listener) {
+  Walk::StepOver(walk, listener);
+  listeners.erase(listener);
+}
+
+bool WAppEventRegistrar::IsAnyWaiting() noexcept {
+  return anyWaiting.load(std::memory_order_acquire);
+}
+
+void WAppEventRegistrar::FlushDelayInitList() {
+  while (IsAnyWaiting()) {
+    const CriticalSectionLock guard(lock);
+    FlushOnce();
+  }
+}
+
+void WAppEventRegistrar::FlushOnce() {
+  anyWaiting.store(false, std::memory_order_relaxed);
+  const bool any = !delayInitList.empty();
+  Flush(flush, delayInitList).Run();
+  if (any) registered = true;
+}
+
+void WAppEventRegistrar::RegisterAppEvents() {
+  FlushDelayInitList();
+  const CriticalSectionLock guard(lock);
+  registered = true;
+}
+
+void WAppEventRegistrar::UnregisterAppEvents() {
+  const CriticalSectionLock guard(lock);
+  ListenerList waiting = listeners;  // while all are subscribed still: there may be no memory
+  UnsubscribeAll();
+  registered = false;
+  anyWaiting.store(true, std::memory_order_release);
+  waiting.splice(waiting.end(), delayInitList);  // a place for each that was added meanwhile
+  waiting.assign(listeners.begin(), listeners.end());
+  delayInitList.swap(waiting);
+  Flush::StopAll(flush);
+}
+
+DATABINDING_CATCHES_CANCELLATION void WAppEventRegistrar::UnsubscribeAll() {
+  Walk all(walk, listeners);
+  try {
+    while (IAppEventListener* listener = all.Next()) {
+      if (std::ranges::count(delayInitList, listener) == 0) listener->UnregisterAppEventListeners();
+    }
+  }
+  DATABINDING_PASS_CANCELLATION catch (...) {}
+}
+
+}  // namespace DataBinding
+
+template <>
+DataBinding::WAppEventRegistrar&
+VtrUtils::Singleton<DataBinding::WAppEventRegistrar, 1>::GetInstance() {
+  return ObtainInstance();
+}
+
+template <>
+bool VtrUtils::Singleton<DataBinding::WAppEventRegistrar, 1>::HasInstance() {
+  return IsInstanceThere();
+}
+
+template <>
+void VtrUtils::Singleton<DataBinding::WAppEventRegistrar, 1>::ReleaseInstance(bool markReleased) {
+  EndInstance(markReleased);
+}

@@ -1,0 +1,93 @@
+#include <utility>
+
+#include "DataBinding/broadcast/IBroadcaster.h"
+#include "DataBinding/foundation/details/CallOnce.h"
+#include "WListenersImpl.h"
+
+namespace DataBinding {
+
+namespace details {
+
+Broadcaster::Broadcaster(const Broadcaster& other) noexcept : registry(other.Existing()) {
+  if (WListenersImpl* shared = Existing()) shared->AddOwner();
+}
+
+Broadcaster& Broadcaster::operator=(const Broadcaster& other) noexcept {
+  Broadcaster copy(other);
+  copy.registry = registry.exchange(copy.Existing());
+  return *this;
+}
+
+Broadcaster::~Broadcaster() {
+  if (WListenersImpl* owned = Existing()) owned->DropOwner();
+}
+
+WListenersImpl& Broadcaster::Listeners() const {
+  WListenersImpl* existing = Existing();
+  if (existing != nullptr) return *existing;
+  auto* const made = new WListenersImpl;
+  if (registry.compare_exchange_strong(existing, made)) return *made;
+  made->DropOwner();  // another thread was first
+  return *existing;
+}
+
+Subscription Broadcaster::Register(const RepeatingCallback<void()>& callback,
+                                   const VtrString& property) {
+  return Listeners().Register(callback, property);
+}
+
+void Broadcaster::UpdateListeners(const VtrString& property) {
+  Listeners().UpdateListeners(property);
+}
+
+std::uint64_t Broadcaster::GetNumRegistered(const VtrString& property) const {
+  return Listeners().GetNumRegistered(property);
+}
+
+bool Broadcaster::AreListenersAvailable(const VtrString& property) const {
+  WListenersImpl* const existing = Existing();
+  return existing != nullptr && existing->AreListenersAvailable(property);
+}
+
+std::vector<VtrString> Broadcaster::GetRegisteredProperties() const {
+  WListenersImpl* const existing = Existing();
+  if (existing == nullptr) return {};
+  return existing->GetRegisteredProperties();
+}
+
+}  // namespace details
+
+IBroadcaster::IBroadcaster() noexcept = default;
+IBroadcaster::IBroadcaster(const IBroadcaster& other) noexcept = default;
+IBroadcaster& IBroadcaster::operator=(const IBroadcaster& other) noexcept = default;
+IBroadcaster::~IBroadcaster() = default;
+
+Subscription IBroadcaster::Register(const RepeatingCallback<void()>& callback,
+                                    const VtrString& property) {
+  return broadcaster.Register(callback, property);
+}
+
+Subscription IBroadcaster::RegisterOnce(OneShotCallback<void()> callback,
+                                        const VtrString& property) {
+  return details::CallOnce(std::move(callback), [&](const RepeatingCallback<void()>& once) {
+    return Register(once, property);
+  });
+}
+
+void IBroadcaster::UpdateListeners(const VtrString& property) {
+  broadcaster.UpdateListeners(property);
+}
+
+bool IBroadcaster::AreListenersAvailable(const VtrString& property) const {
+  return broadcaster.AreListenersAvailable(property);
+}
+
+std::vector<VtrString> IBroadcaster::GetRegisteredProperties() const {
+  return broadcaster.GetRegisteredProperties();
+}
+
+std::uint64_t IBroadcaster::GetNumRegistered(const VtrString& property) const {
+  return broadcaster.GetNumRegistered(property);
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,174 @@
+#include "GuardedRun.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <exception>
+
+#include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBinding/foundation/ThreadLock.h"
+#include "DataBinding/foundation/details/Cancellation.h"
+
+namespace DataBinding {
+
+namespace {
+
+using FailureHandler = RepeatingCallback<void(const ListenerFailure&)>;
+
+constinit std::atomic<bool> faultGuardOn{true};
+
+/// False while nobody is to be told: then a failure costs nothing but itself.
+constinit std::atomic<bool> handlerIsSet{false};
+
+/// Who is told of failures. Never destroyed, since listeners may still run while the process ends.
+struct HandlerSlot {
+  ThreadLock lock;
+  FailureHandler handler DATABINDING_GUARDED_BY(lock);
+};
+HandlerSlot& Handler() {
+  static auto* slot = new HandlerSlot;
+  return *slot;
+}
+
+/// Calls `run` and then `failed`, within the catch block, if it throws.
+template <class Run, class Failed>
+DATABINDING_CATCHES_CANCELLATION void CatchAll(Run run, Failed failed) {
+  try {
+    run();
+  }
+  DATABINDING_PASS_CANCELLATION catch (...) { failed(); }
+}
+
+struct Report {
+  FailureHandler handler;
+  ListenerFailure failure;
+
+  static void Run(void* context) {
+    auto& self = *static_cast<Report*>(context);
+    CatchAll([&] { self.handler(self.failure); }, [] {});
+  }
+};
+
+/// False when the object that the handler is bound to has gone.
+bool Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t code) {
+  HandlerSlot& slot = Handler();
+  const auto current = [&] {
+    const ReadLock guard(slot.lock);
+    return slot.handler;
+  };
+  Report report{current(), {property, std::move(exception), code}};
+  if (report.handler.IsCancelled()) return false;
+  if (IsHardwareFaultGuardOn()) {
+    details::RunTrapping(&Report::Run, &report);
+  } else {
+    Report::Run(&report);
+  }
+  return true;
+}
+
+#if !defined(NDEBUG)
+
+/// Writes without allocating, since a fault may have left the heap locked.
+void Show(const VtrString& name, const char* failure) {
+  std::array<char, 64> inAscii{};
+  const auto length = std::min(static_cast<std::size_t>(name.GetLength()), inAscii.size() - 1);
+  for (std::size_t i = 0; i < length; ++i) {
+    const wchar_t character = name[i];
+    inAscii[i] = character < 0x80 ? static_cast<char>(character) : '?';
+  }
+  std::fprintf(stderr,
+               "DataBinding: swallowed a failure at \"%s\": %s. Only the first one is shown; "
+               "SetListenerFailureHandler tells of all.\n",
+               inAscii.data(), failure);
+}
+
+/// Shows the first failure of the process that no handler is told of.
+void ShowFirst(const VtrString& name, const std::exception_ptr& exception, std::uint32_t code) {
+  static constinit std::atomic_flag isShown;
+  if (isShown.test_and_set(std::memory_order_relaxed)) return;
+  if (exception == nullptr) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "hardware fault 0x%x", code);
+    return Show(name, text.data());
+  }
+  try {
+    std::rethrow_exception(exception);
+  } catch (const std::exception& thrown) {
+    Show(name, thrown.what());
+  } catch (...) {
+    Show(name, "an exception of a class of its own");
+  }
+}
+
+#endif
+
+struct GuardedStep {
+  void (*step)(void* context);
+  void* context;
+  const VtrString& property;
+
+  static void Run(void* self) {
+    const auto& guarded = *static_cast<GuardedStep*>(self);
+    for (bool done = false; !done;) {
+      CatchAll([&] { guarded.step(guarded.context), done = true; },
+               [&] { details::ReportFailure(guarded.property, std::current_exception()); });
+    }
+  }
+};
+
+}  // namespace
+
+void details::ReportFailure(const VtrString& name, const std::exception_ptr& exception,
+                            std::uint32_t code) {
+  bool isTold = false;
+  if (handlerIsSet.load(std::memory_order_acquire)) {
+    CatchAll([&] { isTold = Tell(name, exception, code); }, [] {});
+  }
+  if (isTold) return;
+#if !defined(NDEBUG)
+  ShowFirst(name, exception, code);
+#endif
+}
+
+void SetListenerFailureHandler(const FailureHandler& handler) {
+  HandlerSlot& slot = Handler();
+  FailureHandler former = handler;
+  const WriteLock guard(slot.lock);
+  std::swap(slot.handler, former);
+  handlerIsSet.store(static_cast<bool>(slot.handler), std::memory_order_release);
+}
+
+void SetHardwareFaultGuard(bool on) noexcept { faultGuardOn.store(on, std::memory_order_relaxed); }
+
+bool IsHardwareFaultGuardOn() noexcept {
+#if defined(DATABINDING_NO_FAULT_GUARD)
+  return false;
+#else
+  return faultGuardOn.load(std::memory_order_relaxed);
+#endif
+}
+
+namespace details {
+
+#if defined(DATABINDING_NO_FAULT_GUARD)
+
+std::uint32_t RunTrapping(void (*run)(void*), void* context) {
+  run(context);
+  return 0;
+}
+
+void RunUntrapped(void (*run)(void*), void* context) { run(context); }
+
+#endif
+
+void RunGuarded(void (*step)(void*), void* context, const VtrString& property) {
+  GuardedStep guarded{step, context, property};
+  if (!IsHardwareFaultGuardOn()) return RunUntrapped(&GuardedStep::Run, &guarded);
+  while (const auto code = RunTrapping(&GuardedStep::Run, &guarded)) {
+    ReportFailure(property, nullptr, code);
+  }
+}
+
+}  // namespace details
+}  // namespace DataBinding

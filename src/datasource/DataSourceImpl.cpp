@@ -1,0 +1,75 @@
+#include "DataBinding/datasource/DataSourceImpl.h"
+
+#include <algorithm>
+#include <typeinfo>
+
+#include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/foundation/StringSplit.h"
+#include "SilentSource.h"
+
+namespace DataBinding {
+
+namespace {
+
+constexpr wchar_t everyProperty[] = L"*";
+
+/// True for what splitting would give back as it is: most announcements, which need not be split.
+/// A list ends at a NUL.
+bool IsOneName(std::wstring_view names) noexcept {
+  const auto ends = [](wchar_t character) { return character == L',' || character == L'\0'; };
+  return names != everyProperty && std::ranges::none_of(names, ends) &&
+         !String::IsBlank(names.front()) && !String::IsBlank(names.back());
+}
+
+}  // namespace
+
+DataSourceImpl::DataSourceImpl() = default;
+DataSourceImpl::~DataSourceImpl() = default;
+
+void DataSourceImpl::Destroy() { delete this; }
+
+IDataContext* DataSourceImpl::GetDataContext() const {
+  IDataSourceProvider* const provider = GetDataSourceProvider();
+  return provider == nullptr ? nullptr : provider->GetDataContext();
+}
+
+void DataSourceImpl::SetDataSourceProvider(IDataSourceProvider* newProvider) {
+  dataSourceProvider = {};
+  if (newProvider != nullptr) dataSourceProvider = {newProvider->GetLiveness(), newProvider};
+}
+
+void DataSourceImpl::UpdateListeners(const VtrString& names) {
+  if (names.IsEmpty()) return;
+  if (!postConstructed) return NoteSilence(typeid(*this), broadcaster, names);
+  if (IsOneName(names)) return broadcaster.UpdateListeners(names);
+
+  const auto pieces = String::Split(names, L',', false, true);
+  const auto self = GetLiveness();
+  if (!pieces.empty() && pieces.front().Compare(everyProperty) != 0) {
+    for (const auto& piece : pieces) {
+      if (!self.IsValid()) return;
+      broadcaster.UpdateListeners(piece);
+    }
+    return;
+  }
+  std::set<VtrString> excluded;
+  for (std::size_t i = 1; i < pieces.size(); ++i) excluded.insert(pieces[i].Mid(1));
+  UpdateAllBut(excluded, self);
+}
+
+void DataSourceImpl::UpdateAllBut(const std::set<VtrString>& excluded,
+                                  const details::WeakReference& self) {
+  for (const auto& [name, item] : *this) {
+    if (item.type.get().IsFunction() || excluded.contains(name)) continue;
+    broadcaster.UpdateListeners(name);
+    if (!self.IsValid()) return;
+  }
+}
+
+void details::DataSourceAccess::Complete(DataSourceImpl& source, IDataSourceProvider* provider) {
+  source.SetDataSourceProvider(provider);
+  source.PostConstruct();
+  source.postConstructed = true;
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,262 @@
+#include "DataBinding/datasource/DataSourceProvider.h"
+
+#include <algorithm>
+#include <cassert>
+#include <iterator>
+#include <new>
+#include <utility>
+
+#include "Change.h"
+#include "Construction.h"
+#include "DataBinding/datasource/IDataListener.h"
+#include "DataBinding/datasource/IDataSource.h"
+#include "DataBinding/foundation/StringSplit.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
+#include "DataBinding/registrar/IDataSourceConstructor.h"
+#include "DataBinding/registrar/IDataSourceRegistrar.h"
+
+namespace DataBinding {
+
+DataSourceProvider::DataSourceProvider(IDataSourceProvider* parentProvider,
+                                       const wchar_t* categoryList, IDataContext* context)
+    : parent(parentProvider),
+      dataContext(context),
+      categories(String::Split(categoryList, L',', false, true)) {
+  // Makes the registrar, if need be, so that at exit it outlives even a static provider.
+  static_cast<void>(IDataSourceRegistrar::GetInstance());
+  // Makes what this allocates, so that the end needs no memory.
+  static_cast<void>(GetLiveness());
+  if (parent != nullptr) AddChildTo(*parent, this);
+}
+
+DataSourceProvider::DataSourceProvider(const DataSourceProvider&) = default;
+DataSourceProvider& DataSourceProvider::operator=(const DataSourceProvider&) = default;
+
+DataSourceProvider::~DataSourceProvider() {
+  calls.ends = true;
+  FirstFailure dropped;  // shutting down completes all its steps; a destructor lets nothing out
+  dropped.Try([this] { ShutDownFrom(0); });
+  // Ending a source, and what awaited the end of a change, may have added to this scope: end that,
+  // too. The number of rounds is limited, for a source whose end always builds another.
+  for (int round = 0; round < 10 && HoldsAnything(); ++round) {
+    dropped.Try([this] { ShutDownFrom(0); });
+  }
+}
+
+bool DataSourceProvider::HoldsAnything() const noexcept {
+  return !addedSources.empty() || !listeners.empty() || !children.empty();
+}
+
+/// A source that ends with the provider may ask for the provider's end once more.
+void DataSourceProvider::Destroy() {
+  if (!std::exchange(calls.ends, true)) delete this;
+}
+
+IDataSourceProvider* DataSourceProvider::CreateDataSourceProvider(const wchar_t* categoryList,
+                                                                  IDataContext* context) {
+  return new DataSourceProvider(this, categoryList, context);
+}
+
+IDataSourceProvider* DataSourceProvider::GetParent() const { return parent; }
+
+IDataContext* DataSourceProvider::GetDataContext() { return dataContext; }
+
+void DataSourceProvider::SetParent(IDataSourceProvider* newParent) {
+  if (parent != nullptr) RemoveChildFrom(*parent, this);
+  parent = newParent;
+  if (parent != nullptr) AddChildTo(*parent, this);
+}
+
+void DataSourceProvider::AddChild(IDataSourceProvider* child) { children.insert(child); }
+
+void DataSourceProvider::RemoveChild(IDataSourceProvider* child) { children.erase(child); }
+
+IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
+  if (name == nullptr) return nullptr;
+  if (IDataSource* held = FindLocal(name)) return held;
+  if (IsArriving(name)) return nullptr;
+  if (Construction::IsAskedForItself(*this, name)) return nullptr;
+  IDataSourceConstructor* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
+  if (CanBuild(constructor)) {
+    if (const auto built = BuildDataSource(name, *constructor)) return *built;
+  }
+  return parent == nullptr ? nullptr : parent->GetDataSource(name);
+}
+
+IDataSource& DataSourceProvider::GetDataSourceReference(const wchar_t* name) {
+  if (IDataSource* source = GetDataSource(name)) return *source;
+  throw VtrString().Format(L"No constructor found for data source %s.", VtrStringView(name));
+}
+
+IVantorGenericDetail::FindInterfaceProxy DataSourceProvider::GetDataSourceInterface(
+    const wchar_t* name) {
+  return IVantorGenericDetail::FindInterfaceProxy(GetDataSource(name));
+}
+
+IDataSource* DataSourceProvider::GetLocalDataSourceInstance(const wchar_t* name) const {
+  return FindLocal(name);
+}
+
+IDataSource* DataSourceProvider::FindLocal(const wchar_t* name) const {
+  if (name == nullptr) return nullptr;
+  const auto found = sourcesByName.find(VtrStringView(name));
+  return found == sourcesByName.end() ? nullptr : found->second;
+}
+
+/// Nothing where the constructor refuses; null for a source that has ended, or been ended with this
+/// scope, by what awaited the end of its addition.
+std::optional<IDataSource*> DataSourceProvider::BuildDataSource(
+    const wchar_t* name, IDataSourceConstructor& constructor) {
+  const Construction underWay(*this, name);
+  IDataSource* const built = constructor.CreateDataSource(this);
+  if (built == nullptr) return std::nullopt;
+  const auto isScopeThere = GetLiveness();
+  const Marking adding(*this, calls.built, built);
+  try {
+    const auto isThere = built->GetLiveness();
+    AddDataSource(built);
+    return isThere.IsValid() ? built : nullptr;
+  } catch (...) {
+    if (isScopeThere.IsValid() && calls.built == built) IDataSource::Destroy(built);
+    throw;
+  }
+}
+
+bool DataSourceProvider::CanBuild(IDataSourceConstructor* constructor) const {
+  return constructor != nullptr && MatchCategory(constructor->GetCategories(), categories);
+}
+
+/// True for the name of a source that is being added and that would be built here otherwise.
+bool DataSourceProvider::IsArriving(const wchar_t* name) const {
+  return std::ranges::count(calls.arriving, VtrStringView(name)) != 0 &&
+         CanBuild(IDataSourceRegistrar::GetInstance().FindConstructor(name));
+}
+
+bool DataSourceProvider::DeleteLocalDataSourceInstance(const wchar_t* name) {
+  if (name == nullptr) return false;
+  const auto filed = sourcesByName.find(VtrStringView(name));
+  if (filed == sourcesByName.end()) return false;
+  assert(calls.notifications == 0 && "a listener deletes a source while this provider connects it");
+  LetGo(VtrString(filed->first), filed->second, true);
+  return false;
+}
+
+/// Takes every addition of a source off the list of owned sources.
+void DataSourceProvider::ForgetSource(IDataSource* source) {
+  const auto [first, last] = additions.equal_range(source);
+  for (auto addition = first; addition != last; ++addition) addedSources.erase(addition->second);
+  additions.erase(first, last);
+}
+
+void* DataSourceProvider::SetCustomData(const Guid& id, void* value) {
+  return std::exchange(customData[id], value);
+}
+
+void* DataSourceProvider::GetCustomData(const Guid& id) const {
+  const auto found = customData.find(id);
+  if (found != customData.end()) return found->second;
+  return parent == nullptr ? nullptr : parent->GetCustomData(id);
+}
+
+const std::vector<VtrString>& DataSourceProvider::GetCategories() const { return categories; }
+
+void DataSourceProvider::GetCombinedCategoryList(std::vector<VtrString>& out) const {
+  if (parent != nullptr) AppendCategoriesOf(*parent, out);
+  out.insert(out.end(), categories.begin(), categories.end());
+}
+
+std::vector<VtrString> DataSourceProvider::GetRegisteredDataSources() const {
+  std::vector<VtrString> combined;
+  GetCombinedCategoryList(combined);
+  return IDataSourceRegistrar::GetInstance().GetRegisteredDataSources(combined);
+}
+
+bool DataSourceProvider::MatchCategory(const wchar_t* categoryList) const {
+  return MatchCategory(categoryList, categories);
+}
+
+bool DataSourceProvider::MatchCategory(const wchar_t* categoryList,
+                                       const std::vector<VtrString>& categories) {
+  for (const auto piece : String::SplitView(categoryList, L",", false, true)) {
+    for (const auto& category : categories) {
+      if (category.Compare(piece) == 0) return true;
+    }
+  }
+  return false;
+}
+
+bool DataSourceProvider::IsConnecting() const {
+  return calls.notifications != 0 || calls.tellsItsEnd;
+}
+
+void DataSourceProvider::WhenConnected(OneShotCallback<void()> callback) {
+  if (!IsConnecting()) return callback();
+  calls.awaiting.push_back(std::move(callback));
+}
+
+/// A Shutdown within another one leaves the sources to the outer one, which goes on ending them.
+void DataSourceProvider::Shutdown() {
+  ShutDownFrom(addedSources.empty() ? lastAddition + 1 : addedSources.begin()->first);
+}
+
+/// Ends the sources whose additions have that number or a later one.
+void DataSourceProvider::ShutDownFrom(std::uint64_t first) {
+  assert(calls.notifications == 0 && "a listener shuts this provider down while it is connected");
+  Change([this, first] { EndAll(first); });
+}
+
+/// Each step may end the provider, whose destructor then does what is left.
+void DataSourceProvider::EndAll(std::uint64_t first) {
+  const auto alive = GetLiveness();
+  FirstFailure failure;
+  calls.ending.merge(addedSources);
+  additions.clear();
+  sourcesByName.clear();
+  while (alive.IsValid() && !calls.ending.empty() && calls.ending.rbegin()->first >= first) {
+    const auto last = calls.ending.extract(std::prev(calls.ending.end()));
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor means this class
+    failure.Try([&] { DisconnectDataListeners(last.mapped()); });
+    failure.Try([&] { IDataSource::Destroy(last.mapped()); });
+  }
+  if (alive.IsValid() && !shutDown) {
+    failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
+  }
+  if (alive.IsValid()) failure.Try([&] { TellListenersOfTheEnd(); });
+  if (alive.IsValid()) LeaveTree();
+  failure.Rethrow();
+}
+
+/// They stay registered until all were told, if there is memory to tell them from a copy: a source
+/// that one of them adds connects the others. When one of them shuts the provider down again, the
+/// outer walk goes on; when one of them ends the provider, the destructor tells the rest.
+void DataSourceProvider::TellListenersOfTheEnd() {
+  if (calls.tellsItsEnd && !calls.ends) return;
+  try {
+    if (!calls.tellsItsEnd) calls.untold = listeners;
+  } catch (const std::bad_alloc&) {
+    calls.untold.swap(listeners);
+    waiting.clear();
+  }
+  const auto alive = GetLiveness();
+  const Marking telling(*this, calls.tellsItsEnd, true);
+  FirstFailure failure;
+  while (alive.IsValid() && !calls.untold.empty()) {
+    const auto told = calls.untold.extract(calls.untold.begin());
+    if (!told.mapped().liveness.IsValid()) continue;
+    failure.Try([&] { told.key()->NotifyDatasourceProviderDestroyed(this); });
+  }
+  failure.Rethrow();
+}
+
+/// Nobody is called who might end the provider.
+void DataSourceProvider::LeaveTree() {
+  listeners.clear();
+  waiting.clear();
+  if (parent != nullptr) RemoveChildFrom(*parent, this);
+  parent = nullptr;
+  for (IDataSourceProvider* child : std::exchange(children, {})) SetParentOf(*child, parent);
+  children.clear();
+  shutDown = true;
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,29 @@
+#include "DataBinding/datasource/IDataSourceProvider.h"
+
+namespace DataBinding {
+
+IDataSourceProvider::~IDataSourceProvider() = default;
+
+void IDataSourceProvider::Destroy(IDataSourceProvider* provider) {
+  if (provider != nullptr) provider->Destroy();
+}
+
+bool IDataSourceProvider::IsConnecting() const { return false; }
+
+void IDataSourceProvider::WhenConnected(OneShotCallback<void()> callback) { callback(); }
+
+// What is attached to a provider is no part of its state: a proxy may set it on a const one.
+CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+  return CustomDataProxy(const_cast<IDataSourceProvider*>(this));
+}
+
+void* CustomDataProxy::GetRaw(const Guid& id) const {
+  return provider == nullptr ? nullptr : provider->GetCustomData(id);
+}
+
+void* CustomDataProxy::SetRaw(const Guid& id, void* value) const {
+  return provider == nullptr ? nullptr : provider->SetCustomData(id, value);
+}
+
+}  // namespace DataBinding

@@ -1,0 +1,85 @@
+#include "DataBinding/datasource/MakeDataSource.h"
+
+#include <utility>
+
+#include "DataBinding/datasource/DataSourceProvider.h"
+
+namespace DataBinding {
+
+namespace {
+
+void TellScope(IDataSource* source, IDataSourceProvider* scope) {
+  if (auto* told = dynamic_cast<DataSourceImpl*>(source)) {
+    details::DataSourceAccess::SetProvider(*told, scope);
+  }
+}
+
+/// True when somebody has told the source, since it had the one scope, that it has another.
+bool HasMoved(IDataSource* source, const IDataSourceProvider* from) {
+  const auto* told = dynamic_cast<const DataSourceImpl*>(source);
+  return told != nullptr && details::DataSourceAccess::Provider(*told) != from;
+}
+
+/// A scope holds sources that it does not find by name, too: nameless ones and the second of a
+/// name.
+bool IsHeld(const IDataSourceProvider& scope, IDataSource* source) {
+  if (scope.GetLocalDataSourceInstance(source->GetDataSourceName()) == source) return true;
+  bool isFound = false;
+  if (const auto* provider = dynamic_cast<const DataSourceProvider*>(&scope)) {
+    provider->VisitDataSources([&](IDataSource& held) { isFound = isFound || &held == source; });
+  }
+  return isFound;
+}
+
+}  // namespace
+
+void DataSourceDeleter::operator()(IDataSource* source) const noexcept {
+  try {
+    IDataSource::Destroy(source);
+  } catch (...) {  // a source that will not be destroyed is left alive
+  }
+}
+
+namespace details {
+
+void Give(IDataSourceProvider& scope, DataSourcePtr<IDataSource> source) {
+  if (source == nullptr) return;
+  const WeakReference alive = source->GetLiveness();
+  const WeakReference isScopeThere = scope.GetLiveness();
+  TellScope(source.get(), &scope);
+  try {
+    scope.AddDataSource(source.get());
+  } catch (...) {
+    // The scope took it over, unless there was no memory for that. It may have let go of it since.
+    const bool isOwn = alive.IsValid() && isScopeThere.IsValid() &&
+                       !HasMoved(source.get(), &scope) && !IsHeld(scope, source.get());
+    if (!isOwn) static_cast<void>(source.release());
+    throw;
+  }
+  static_cast<void>(source.release());
+}
+
+DataSourcePtr<IDataSource> Take(IDataSourceProvider& scope, IDataSource* source) {
+  if (source == nullptr) return nullptr;
+  if (scope.GetLocalDataSourceInstance(source->GetDataSourceName()) != source) return nullptr;
+  const WeakReference alive = source->GetLiveness();
+  const WeakReference isScopeThere = scope.GetLiveness();
+  TellScope(source, nullptr);
+  // What awaits the end of the removal may give it to a scope.
+  const auto isOwn = [&] {
+    return alive.IsValid() && !HasMoved(source, nullptr) &&
+           !(isScopeThere.IsValid() && IsHeld(scope, source));
+  };
+  try {
+    scope.RemoveDataSource(source);
+  } catch (...) {
+    if (isOwn()) DataSourceDeleter()(source);
+    throw;
+  }
+  if (!isOwn()) return nullptr;
+  return DataSourcePtr<IDataSource>(source);
+}
+
+}  // namespace details
+
+}  // namespace DataBinding

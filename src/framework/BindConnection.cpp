@@ -1,0 +1,132 @@
+#include <algorithm>
+
+#include "BindLink.h"
+#include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
+#include "DataBinding/framework/DataBind.h"
+#include "Explanation.h"
+
+namespace DataBinding::details {
+
+BindConnection::BindConnection(const Framework::IBaseBind& bind, const runtime_type_base& plain,
+                               const runtime_type_base& readOnly)
+    : plainType(plain),
+      readOnlyType(readOnly),
+      contextName(bind.DataContextName()),
+      sourceName(bind.DataSource()),
+      propertyName(bind.Path()) {}
+
+BindConnection::~BindConnection() { InvalidateWeakPtrs(); }
+
+void BindConnection::Connect(const Framework::IBaseBind& bind, IDataSourceProvider* provider) {
+  const bool hadSource = source != nullptr;
+  links.clear();
+  contextName = bind.DataContextName();
+  sourceName = bind.DataSource();
+  propertyName = bind.Path();
+  Enter(provider);
+  Follow(NearestSource());
+  if (hadSource || source != nullptr) Notify();
+}
+
+IDataSourceProvider* BindConnection::Provider() const {
+  return links.empty() ? nullptr : links.front()->Scope();
+}
+
+void BindConnection::Enter(IDataSourceProvider* provider) {
+  IDataSourceProvider* connecting = provider;
+  while (connecting != nullptr && !connecting->IsConnecting()) connecting = connecting->GetParent();
+  isWaiting = connecting != nullptr;
+  if (isWaiting) {
+    links.push_back(std::make_unique<BindLink>(*this, *provider));
+    return links.front()->Await(*connecting);
+  }
+  for (auto* scope = provider; scope != nullptr; scope = scope->GetParent()) {
+    links.push_back(std::make_unique<BindLink>(*this, *scope));
+  }
+  const std::size_t first = NamesAProperty() ? ContextIndex() : links.size();
+  for (std::size_t i = 0; i < links.size(); ++i) links[i]->Listen(i >= first);
+}
+
+/// The scopes may be others by now.
+void BindConnection::Resume() {
+  IDataSourceProvider* const scope = Provider();
+  links.clear();
+  Enter(scope);
+  Update();
+}
+
+void BindConnection::CutAt(const BindLink& link) {
+  const auto cut = std::ranges::find(links, &link, [](const auto& each) { return each.get(); });
+  links.erase(cut, links.end());
+  Update();
+}
+
+void BindConnection::Update() {
+  IDataSource* const nearest = NearestSource();
+  if (nearest == source) return;
+  Follow(nearest);
+  Notify();
+}
+
+/// Takes the place of a listener at another source, or at none. The former one may be ending.
+void BindConnection::Follow(IDataSource* newSource) {
+  propertySubscription.Cancel();
+  source = newSource;
+  Refer(source, propertyName);
+  if (source == nullptr) return;
+  propertySubscription =
+      source->Register(BindWeak(AsWeakPtr(), &BindConnection::Notify), propertyName);
+}
+
+/// Calls each subscriber, whatever the others throw. One of them may end the connection.
+void BindConnection::Notify() {
+  CallbackWalk walk(changed.Core());
+  FirstFailure failure;
+  for (bool isDone = false; !isDone;) {
+    failure.Try([&] {
+      CallbackList<>::CallRest(walk);
+      isDone = true;
+    });
+  }
+  failure.Rethrow();
+}
+
+bool BindConnection::NamesAProperty() const {
+  return IsNamed(sourceName, Framework::nullDataMarker) &&
+         IsNamed(propertyName, Framework::nullPathMarker);
+}
+
+/// The place of the link to the scope that the data context's name means; past the end for none.
+std::size_t BindConnection::ContextIndex() const {
+  if (!IsNamed(contextName, Framework::nullDataMarker)) return 0;
+  std::size_t index = 0;
+  while (index < links.size() && !links[index]->HasCategory(contextName)) ++index;
+  return index;
+}
+
+IDataSource* BindConnection::NearestSource() const noexcept {
+  for (const auto& link : links) {
+    if (link->Source() != nullptr) return link->Source();
+  }
+  return nullptr;
+}
+
+Framework::BindStatus BindConnection::Status() const {
+  const Wish wish{sourceName, propertyName, &plainType, &readOnlyType};
+  if (!NamesAProperty()) return ExplainUnbound(sourceName);
+  if (Provider() == nullptr) return ExplainNoScope(wish);
+  if (isWaiting) return ExplainWaiting(wish);
+  const std::size_t context = ContextIndex();
+  IDataSourceProvider* scope = context < links.size() ? links[context]->Scope() : nullptr;
+  if (scope == nullptr) return ExplainNoContext(wish, contextName);
+  // A source that ends without its scope's knowledge tells one bind after the other.
+  const bool isThere = source != nullptr && !ReflectionAccess::IsEnding(*source);
+  if (!isThere) return ExplainMissing(wish, *scope);
+  const Framework::BindStatus status = ExplainFound(wish, *scope, *source);
+  // An accessor of another kind may be filed under the type that is wanted.
+  return status.IsConnected() && !HasValue() ? ExplainUnreachable(wish, *source) : status;
+}
+
+}  // namespace DataBinding::details

@@ -1,0 +1,71 @@
+#include "BindLink.h"
+
+#include <set>
+
+#include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/framework/DataBind.h"
+#include "Explanation.h"
+
+namespace DataBinding::details {
+
+BindLink::BindLink(BindConnection& listeningConnection, IDataSourceProvider& listenedScope)
+    : connection(listeningConnection),
+      scope(&listenedScope),
+      scopeLiveness(listenedScope.GetLiveness()) {}
+
+BindLink::~BindLink() {
+  isListening = false;
+  if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
+}
+
+void BindLink::Await(IDataSourceProvider& connecting) {
+  connecting.WhenConnected(BindWeak(AsWeakPtr(), &BindLink::Resume));
+}
+
+void BindLink::Resume() { connection.Resume(); }
+
+void BindLink::Listen(bool isSourceWanted) {
+  std::set<VtrString> names;
+  if (isSourceWanted) names.insert(connection.SourceName());
+  scope->AddDataListener(this, names, true);
+  // Names that cannot be had here are passed on to the outer scopes, which have links of their own.
+  if (IDataSourceProvider* outer = scope->GetParent()) outer->RemoveDataListener(this);
+  if (isSourceWanted) Know(scope->GetLocalDataSourceInstance(connection.SourceName()));
+  isListening = true;
+}
+
+bool BindLink::HasCategory(const VtrString& category) const {
+  return scopeLiveness.IsValid() && details::HasCategory(*scope, category);
+}
+
+void BindLink::ConnectToDatasource(IDataSource* added) {
+  if (!isListening) return;
+  // The first source of a name keeps it; a new one cannot be found by its name yet.
+  const VtrString& name = connection.SourceName();
+  if (source != nullptr && scope->GetLocalDataSourceInstance(name) == source) return;
+  Know(added);
+  connection.Update();
+}
+
+void BindLink::DisconnectFromDatasource(IDataSource* going) {
+  if (isListening && going == source) Lose();
+}
+
+void BindLink::NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) {
+  if (isListening) connection.CutAt(*this);
+}
+
+void BindLink::Know(IDataSource* newSource) {
+  sourceEnding = newSource == nullptr
+                     ? Subscription()
+                     : newSource->AddOnDestroyHandler(BindWeak(AsWeakPtr(), &BindLink::Lose));
+  source = newSource;
+}
+
+void BindLink::Lose() {
+  Know(nullptr);
+  connection.Update();
+}
+
+}  // namespace DataBinding::details

@@ -1,0 +1,55 @@
+/// A data bind's listener in one scope: it knows which source has the bind's name there.
+///
+/// The connection owns one link for each scope from its own outward. A link hears of its own scope
+/// only, and may end in its last step, when the connection tells subscribers. A source that ends
+/// without its provider's knowledge is forgotten all the same. One thread.
+#pragma once
+
+#include "DataBinding/datasource/IDataListener.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/foundation/WeakPtr.h"
+
+namespace DataBinding::details {
+
+class BindConnection;
+
+class BindLink final : public IDataListener, public SupportsWeakPtr<BindLink> {
+ public:
+  BindLink(BindConnection& listeningConnection, IDataSourceProvider& listenedScope);
+  BindLink(const BindLink&) = delete;
+  BindLink& operator=(const BindLink&) = delete;
+  ~BindLink() override;
+
+  /// Begins to listen when the provider has called its listeners, together with the outer scopes.
+  void Await(IDataSourceProvider& connecting);
+  /// Begins to listen: for the connection's source, or only for the end of the scope.
+  void Listen(bool isSourceWanted);
+  /// The source that has the name in the scope, or null.
+  [[nodiscard]] IDataSource* Source() const noexcept { return source; }
+  /// Null once the scope is gone.
+  [[nodiscard]] IDataSourceProvider* Scope() const noexcept {
+    return scopeLiveness.IsValid() ? scope : nullptr;
+  }
+  [[nodiscard]] bool HasCategory(const VtrString& category) const;
+  [[nodiscard]] const BindConnection& Connection() const noexcept { return connection; }
+
+  void ConnectToDatasource(IDataSource* added) override;
+  void DisconnectFromDatasource(IDataSource* going) override;
+  void NotifyDatasourceProviderDestroyed(IDataSourceProvider* provider) override;
+
+ private:
+  void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
+  void Resume();
+  void Know(IDataSource* newSource);
+  void Lose();
+
+  BindConnection& connection;
+  IDataSourceProvider* scope;
+  WeakReference scopeLiveness;
+  bool isListening = false;
+  IDataSource* source = nullptr;
+  Subscription sourceEnding;
+};
+
+}  // namespace DataBinding::details

@@ -1,0 +1,59 @@
+/// An event bind's listener in its scope. It waits for no source: it hears of the end of the scope,
+/// and lets Diagnose find the bind.
+///
+/// Owned by its bind. One thread.
+#pragma once
+
+#include "DataBinding/datasource/IDataListener.h"
+#include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/foundation/WeakPtr.h"
+
+namespace DataBinding {
+
+namespace Framework {
+class EventBind;
+}  // namespace Framework
+
+namespace details {
+
+class EventAnchor final : public IDataListener, public SupportsWeakPtr<EventAnchor> {
+ public:
+  EventAnchor(const Framework::EventBind& anchored, IDataSourceProvider& anchoring)
+      : bind(anchored), scope(&anchoring), scopeLiveness(anchoring.GetLiveness()) {
+    Listen();
+  }
+  EventAnchor(const EventAnchor&) = delete;
+  EventAnchor& operator=(const EventAnchor&) = delete;
+  ~EventAnchor() override {
+    if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
+  }
+
+  [[nodiscard]] const Framework::EventBind& Bind() const noexcept { return bind; }
+  /// Null once the scope is gone.
+  [[nodiscard]] IDataSourceProvider* Scope() const noexcept {
+    return scopeLiveness.IsValid() ? scope : nullptr;
+  }
+
+  void ConnectToDatasource(IDataSource* /*source*/) override {}
+  void DisconnectFromDatasource(IDataSource* /*source*/) override {}
+  void NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) override {
+    scopeLiveness = WeakReference();
+  }
+
+ private:
+  void Listen() {
+    if (!scopeLiveness.IsValid()) return;
+    if (!scope->IsConnecting()) return scope->AddDataListener(this, {}, false);
+    scope->WhenConnected(BindWeak(AsWeakPtr(), &EventAnchor::Listen));
+  }
+  void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
+
+  const Framework::EventBind& bind;
+  IDataSourceProvider* scope;
+  WeakReference scopeLiveness;
+};
+
+}  // namespace details
+
+}  // namespace DataBinding

@@ -1,0 +1,88 @@
+#include "DataBinding/framework/EventBind.h"
+
+#include <stdexcept>
+
+#include "EventAnchor.h"
+#include "Explanation.h"
+
+namespace DataBinding::Framework {
+
+namespace {
+
+const std::type_info& signature = typeid(void(IDataContext*));
+
+}  // namespace
+
+EventBind::EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
+                     const void* ownerKey)
+    : IEventBind(context, source, eventName), owner(ownerKey) {}
+EventBind::~EventBind() = default;
+
+void EventBind::Connect(IDataSourceProvider* provider) {
+  anchor.reset();
+  if (provider != nullptr) anchor = std::make_unique<details::EventAnchor>(*this, *provider);
+}
+
+BindStatus EventBind::Status() const {
+  BindStatus status = EventStatus();
+  if (!status.IsConnected() || FindContext()) return status;
+  if (const auto* followed = DataContextBind()) return followed->Status();
+  if (Scope() == nullptr) {
+    return {BindState::NoProvider,
+            VtrString().Format(L"There is no scope whose data context event \"%s\" is raised for.",
+                               Path())};
+  }
+  return {BindState::NoContext,
+          VtrString().Format(L"No scope here or further out has the category \"%s\", whose data "
+                             L"context event \"%s\" is raised for.",
+                             DataContextName(), Path())};
+}
+
+VtrString EventBind::EventName() const { return Path() == nullPathMarker ? VtrString() : Path(); }
+
+bool EventBind::CanRaise() const {
+  return EventStatus().IsConnected() && FindContext().has_value();
+}
+
+void EventBind::Raise() {
+  using Event = details::TypedEvent<IDataContext*>;
+  const auto context = FindContext();
+  if (!context || !EventStatus().IsConnected()) return;
+  const auto& event = details::EventName::Find(EventName(), signature);
+  details::NamedEvent::Queue(event, std::make_shared<Event>(event, owner, *context), false);
+}
+
+IDataContext* EventBind::DataContext() const { return FindContext().value_or(nullptr); }
+
+BindStatus EventBind::EventStatus() const {
+  const VtrString name = EventName();
+  if (name.IsEmpty()) return {BindState::Unbound, L"The bind names no event."};
+  try {
+    details::EventName::Check(name, signature);
+    return {BindState::Connected, {}};
+  } catch (const std::logic_error& clash) {
+    return {BindState::WrongType, VtrString().Format(L"The bind cannot raise its event: %s.",
+                                                     VtrString::FromUtf8(clash.what()))};
+  }
+}
+
+IDataSourceProvider* EventBind::Scope() const {
+  return anchor == nullptr ? nullptr : anchor->Scope();
+}
+
+IDataSourceProvider* EventBind::ContextScope() const {
+  IDataSourceProvider* scope = Scope();
+  const VtrString& category = DataContextName();
+  if (!details::IsNamed(category, nullDataMarker)) return scope;
+  while (scope != nullptr && !details::HasCategory(*scope, category)) scope = scope->GetParent();
+  return scope;
+}
+
+std::optional<IDataContext*> EventBind::FindContext() const {
+  if (const auto* followed = DataContextBind()) return followed->Get().value;
+  IDataSourceProvider* const scope = ContextScope();
+  if (scope == nullptr) return std::nullopt;
+  return scope->GetDataContext();
+}
+
+}  // namespace DataBinding::Framework

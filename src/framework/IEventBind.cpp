@@ -1,0 +1,114 @@
+#include "DataBinding/framework/IEventBind.h"
+
+#include <utility>
+#include <vector>
+
+namespace DataBinding::Framework {
+
+/// A call of the data context callback that is under way. It holds the callback meanwhile, so that
+/// the event bind may be given another one, or end, inside the call.
+class IEventBind::Run {
+ public:
+  explicit Run(IEventBind& bind)
+      : owner(&bind), outer(bind.running), subject(bind.dataContextBind.get()) {
+    ReserveRetired(this);
+    callback = std::move(bind.dataContextCallback);
+    bind.running = this;
+  }
+  Run(const Run&) = delete;
+  Run& operator=(const Run&) = delete;
+  ~Run() {
+    if (owner == nullptr) return;
+    owner->running = outer;
+    if (!isReplaced) owner->dataContextCallback = std::move(callback);
+  }
+
+  void Call() { callback(owner, subject); }
+  [[nodiscard]] bool IsReplaced() const noexcept { return isReplaced; }
+
+  /// Makes room to retire one more bind.
+  static void ReserveRetired(Run* innermost) {
+    if (innermost == nullptr) return;
+    Run& outermost = innermost->Outermost();
+    outermost.retired.reserve(outermost.retired.size() + 1);
+  }
+  /// Tells all calls that bind and callback are being replaced, and keeps the bind if one of them
+  /// was made for it. Room has been made for it.
+  static void Retire(Run* innermost, std::unique_ptr<IDataBind<IDataContext*>>& replaced) noexcept {
+    for (Run* run = innermost; run != nullptr; run = run->outer) {
+      run->isReplaced = true;
+      if (replaced == nullptr || run->subject != replaced.get()) continue;
+      run->Outermost().retired.push_back(std::move(replaced));
+    }
+  }
+  static void ForgetOwner(Run* innermost) noexcept {
+    for (Run* run = innermost; run != nullptr; run = run->outer) run->owner = nullptr;
+  }
+
+ private:
+  Run& Outermost() noexcept {
+    Run* run = this;
+    while (run->outer != nullptr) run = run->outer;
+    return *run;
+  }
+
+  /// Ends the binds in the order in which they were replaced. That of a vector depends on the C++
+  /// library.
+  struct RetiredBinds : std::vector<std::unique_ptr<IDataBind<IDataContext*>>> {
+    ~RetiredBinds() {
+      for (auto& bind : *this) bind.reset();
+    }
+  };
+
+  IEventBind* owner;
+  Run* outer;
+  IDataBind<IDataContext*>* subject;
+  bool isReplaced = false;
+  RetiredBinds retired;
+  DataContextCallback callback;
+};
+
+IEventBind::IEventBind() = default;
+IEventBind::IEventBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
+                       const VtrStringT<wchar_t>& pathInSource)
+    : IBaseBind(context, source, pathInSource) {}
+
+IEventBind::~IEventBind() {
+  EndDataContextBind();
+  Run::ForgetOwner(running);
+}
+
+BindTypeEnum IEventBind::BindType() const { return BindTypeEnum::Event; }
+
+void IEventBind::SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataContext*>> bind,
+                                    DataContextCallback callback) {
+  Run::ReserveRetired(running);
+  if (bind == nullptr) return EndDataContextBind();
+  Run::Retire(running, dataContextBind);
+  try {
+    dataContextBind = std::move(bind);
+    Run::ReserveRetired(running);
+    dataContextCallback = std::move(callback);
+    dataContextSubscription =
+        dataContextBind->SubscribeToChanges([this] { OnDataContextChanged(); });
+  } catch (...) {
+    EndDataContextBind();
+    throw;
+  }
+}
+
+void IEventBind::EndDataContextBind() noexcept {
+  dataContextSubscription.Cancel();
+  dataContextCallback = nullptr;
+  Run::Retire(running, dataContextBind);
+  dataContextBind.reset();
+}
+
+void IEventBind::OnDataContextChanged() {
+  if (running != nullptr && !running->IsReplaced()) return running->Call();
+  if (!dataContextCallback) return;
+  Run run(*this);
+  run.Call();
+}
+
+}  // namespace DataBinding::Framework

@@ -1,0 +1,62 @@
+#include "DataBinding/property/details/PropertyBase.h"
+
+#include <atomic>
+#include <cassert>
+
+#include "DataBinding/property/PropertyAccess.h"
+#include "PropertyAnnouncement.h"
+
+namespace DataBinding::details {
+
+PropertyBase::PropertyBase(DataSourceImpl& ownerSource, PropertyName propertyName)
+    : owner(ownerSource), filedName(propertyName.Get()) {
+  // Made now, so that nothing has to be allocated between a change and its notification.
+  static_cast<void>(DataSourceAccess::Liveness(owner));
+}
+
+PropertyBase::~PropertyBase() {
+  PropertyAnnouncement::ReleaseFollowers(*this);
+  PropertyAnnouncement::Forget(*this);
+  for (PropertyBase* other : dependents) std::erase(other->dependencies, this);
+  for (const PropertyBase* other : dependencies) std::erase(other->dependents, this);
+}
+
+void PropertyBase::File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
+  assert(!ReflectionAccess::HasLiving(owner, Name()) && "a source has two properties of one name");
+  ReflectionAccess::File(owner, Name(), accessor, type);
+}
+
+void PropertyBase::DependOn(std::initializer_list<const PropertyBase*> others) {
+  static constinit std::atomic<std::uint64_t> lastTurn{firstComputedTurn};
+  turn = lastTurn.fetch_add(1, std::memory_order_relaxed);
+  dependencies.reserve(others.size());
+  for (const PropertyBase* other : others) {
+    other->dependents.push_back(this);
+    dependencies.push_back(other);
+  }
+}
+
+void PropertyBase::NotifyChanged() {
+  PropertyChanges& changes = DataSourceAccess::Changes(owner);
+  const bool isAlone = dependents.empty() && dependencies.empty() && place == Place::None;
+  if (isAlone && !changes.IsOpen()) return owner.UpdateListeners(Name());
+  PropertyAnnouncement::Note(*this);
+  if (changes.IsOpen()) return;
+  PropertyAnnouncement announcement;
+  announcement.Take(changes);
+  announcement.Run();
+}
+
+SetResult PropertyBase::ReadOnlyResult(const runtime_type_base& wanted) const {
+  constexpr auto error = PropertyError::ReadOnly;
+  return {false, error, ReflectionAccess::Explain(error, &owner, Name(), wanted)};
+}
+
+SetResult PropertyBase::RefusedResult(const VtrString& reason) const {
+  SetResult result{false, PropertyError::Refused, {}, reason};
+  result.text.Format(L"Property \"%s\" of data source \"%s\" refuses the value: %s", Name(),
+                     ReflectionAccess::NameOf(owner), reason);
+  return result;
+}
+
+}  // namespace DataBinding::details

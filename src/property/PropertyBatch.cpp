@@ -1,0 +1,29 @@
+#include "DataBinding/property/PropertyBatch.h"
+
+#include <exception>
+
+#include "DataBinding/foundation/details/FirstFailure.h"
+#include "PropertyAnnouncement.h"
+
+namespace DataBinding {
+
+PropertyBatch::PropertyBatch(DataSourceImpl& changingSource)
+    : source(changingSource),
+      liveness(details::DataSourceAccess::Liveness(changingSource)),
+      uncaughtBefore(std::uncaught_exceptions()) {
+  details::DataSourceAccess::Changes(source).Open();
+}
+
+PropertyBatch::~PropertyBatch() noexcept(false) {
+  if (liveness.IsValid() && !details::DataSourceAccess::Changes(source).Close()) return;
+  details::PropertyAnnouncement announcement;
+  if (liveness.IsValid()) announcement.Take(details::DataSourceAccess::Changes(source));
+  if (std::uncaught_exceptions() == uncaughtBefore) {
+    announcement.Run();
+  } else {
+    FirstFailure dropped;  // another exception is on its way
+    dropped.Try([&] { announcement.Run(); });
+  }
+}
+
+}  // namespace DataBinding

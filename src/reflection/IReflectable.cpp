@@ -1,0 +1,91 @@
+#include "DataBinding/reflection/IReflectable.h"
+
+namespace DataBinding {
+
+// The resolvers go through the virtual operations of this very object and live no longer than it.
+IReflectable::IReflectable()
+    : reflectable([this](const VtrString& name,
+                         const runtime_type_base& type) { return GetDynamicDelegate(name, type); },
+                  [this](const VtrString& name) -> const runtime_type_base& {
+                    return GetDynamicType(name);
+                  }) {}
+
+// The references end before the table tells its destruction handlers.
+IReflectable::~IReflectable() { liveness.Invalidate(); }
+
+bool IReflectable::IsProperty(const VtrString& name) const { return reflectable.IsProperty(name); }
+
+bool IReflectable::IsWritableProperty(const VtrString& name) const {
+  return reflectable.IsWritableProperty(name);
+}
+
+RepeatingCallbackMemento IReflectable::GetDynamicDelegate(const VtrString& /*name*/,
+                                                          const runtime_type_base& /*type*/) {
+  return RepeatingCallbackMemento();
+}
+
+const runtime_type_base& IReflectable::GetDynamicType(const VtrString& /*name*/) {
+  return runtime_type<void>::Get();
+}
+
+Subscription IReflectable::AddOnDestroyHandler(const RepeatingCallback<void()>& callback) {
+  return reflectable.AddOnDestroyHandler(callback);
+}
+
+Subscription IReflectable::AddOnDestroyedHandler(const RepeatingCallback<void()>& callback) {
+  return reflectable.AddOnDestroyedHandler(callback);
+}
+
+IReflectable::iterator IReflectable::begin() { return reflectable.begin(); }
+IReflectable::const_iterator IReflectable::begin() const { return reflectable.begin(); }
+IReflectable::iterator IReflectable::end() { return reflectable.end(); }
+IReflectable::const_iterator IReflectable::end() const { return reflectable.end(); }
+
+void IReflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
+                                const runtime_type_base& type) {
+  reflectable._AddDelegate(name, delegate, type);
+}
+
+void IReflectable::_AddType(const VtrString& name, const runtime_type_base& type) {
+  reflectable._AddType(name, type);
+}
+
+std::pair<std::size_t, RepeatingCallbackMemento> IReflectable::_GetDelegate(
+    std::initializer_list<DelegateTag> tags) {
+  return reflectable._GetDelegate(tags);
+}
+
+std::pair<std::size_t, const runtime_type_base&> IReflectable::_GetType(
+    std::initializer_list<VtrString> names) {
+  return reflectable._GetType(names);
+}
+
+namespace {
+
+/// Looking up changes nothing, but the operations that overrides answer by are not const.
+IReflectable& Asked(const IReflectable* table) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
+  return const_cast<IReflectable&>(*table);
+}
+
+}  // namespace
+
+RepeatingCallbackMemento IReflectable::GetDelegateMemento(const VtrString& name,
+                                                          const runtime_type_base& type) const {
+  return Asked(this)._GetDelegate({{name, type}}).second;
+}
+
+const runtime_type_base& IReflectable::GetDelegateType(const VtrString& name) const {
+  return Asked(this)._GetType({name}).second;
+}
+
+const runtime_type_base& IReflectable::GetDelegatesType(
+    std::initializer_list<VtrString> names) const {
+  return Asked(this)._GetType(names).second;
+}
+
+// By value, as callers hand names over.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
+void IReflectable::MakeEventSource(VtrString name) { _AddType(name, runtime_type<void()>::Get()); }
+
+}  // namespace DataBinding

@@ -1,0 +1,215 @@
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <DataBinding/datasource/MakeDataSource.h>
+#include <DataBinding/datasource/NamedDataSource.h>
+#include <DataBinding/property/Property.h>
+#include <DataBinding/property/PropertyAccess.h>
+#include <DataBinding/property/PropertyBatch.h>
+#include <gtest/gtest.h>
+
+namespace DataBinding {
+namespace {
+
+VtrString OnlyPositive(const int& value) { return value < 0 ? L"must not be negative" : L""; }
+
+class Box : public NamedDataSource {
+ public:
+  Box() : NamedDataSource(L"Box") {}
+
+  Property<int> Width{this, L"Width", 2, {.validate = &OnlyPositive}};
+  Property<int> Height{this, L"Height", 3};
+  ComputedProperty<int> Area{this, L"Area", [this] { return *Width * *Height; }, Width, Height};
+  ReadOnlyProperty<VtrString> Label{this, L"Label", L"box"};
+
+  SetResult Rename(const wchar_t* label) { return Assign(Label, label); }
+  SetResult Rename(Box& other) { return Assign(other.Label, L"taken over"); }
+};
+
+/// Logs which of a box's properties are announced, by their first letters.
+class PropertyTest : public testing::Test {
+ protected:
+  void Listen(
+      const wchar_t* name, std::function<void()> then = [] {}) {
+    subscriptions.push_back(box->Register(
+        [this, letter = static_cast<char>(*name), then] {
+          log += letter;
+          then();
+        },
+        name));
+  }
+
+  DataSourcePtr<Box> box = MakeDataSource<Box>(nullptr);
+  std::vector<Subscription> subscriptions;
+  std::string log;
+};
+
+TEST_F(PropertyTest, ReadOnlyPropertyIsSetByItsOwnSourceOnly) {
+  const auto other = MakeDataSource<Box>(nullptr);
+  EXPECT_TRUE(box->Rename(L"crate").changed);
+  EXPECT_EQ(other->Rename(*box).error, PropertyError::ReadOnly);
+  EXPECT_EQ(*box->Label, L"crate");
+}
+
+TEST_F(PropertyTest, ListenerOfABatchMayEndTheSource) {
+  Listen(L"Height", [this] { box.reset(); });
+  Listen(L"Width");
+  {
+    const PropertyBatch batch(*box);
+    box->Height.Set(5);
+    box->Width.Set(5);
+  }
+  EXPECT_EQ(log, "H");
+}
+
+TEST_F(PropertyTest, PropertyThatEndsWithinABatchIsLeftOut) {
+  Property<int> first(box.get(), L"First");
+  auto second = std::make_unique<Property<int>>(box.get(), PropertyName(L"Second"));
+  auto third = std::make_unique<Property<int>>(box.get(), PropertyName(L"Third"));
+  for (const auto* name : {L"First", L"Second", L"Third", L"Height"}) Listen(name);
+  {
+    const PropertyBatch batch(*box);
+    first.Set(1);
+    second->Set(1);
+    box->Height.Set(5);
+    third->Set(1);
+    second.reset(), third.reset();
+    first.Set(2);
+  }
+  EXPECT_EQ(log, "FH");
+}
+
+TEST_F(PropertyTest, WhatAHookThrowsAtTheOldAndTheNewValueArrivesAfterTheListeners) {
+  const Property<int> dial(box.get(), L"Dial", 1, {.changed = [this](int before, int now) {
+                             log += std::to_string(before) + ">" + std::to_string(now) + " ";
+                             throw now;
+                           }});
+  Listen(L"Dial");
+  EXPECT_THROW(SetProperty(box.get(), L"Dial", 3), int);
+  EXPECT_EQ(log, "1>3 D");
+  EXPECT_EQ(*dial, 3);
+}
+
+TEST_F(PropertyTest, HookMayEndItsProperty) {
+  std::unique_ptr<Property<VtrString>> note;
+  note = std::make_unique<Property<VtrString>>(
+      box.get(), PropertyName(L"Note"), L"a",
+      PropertyOptions<VtrString>{.changed = [&, later = std::string("ended")](auto&, auto&) {
+        note.reset();
+        log += later;
+      }});
+  Listen(L"Note");
+  EXPECT_TRUE(note->Set(L"b").changed);
+  EXPECT_EQ(log, "ended");
+}
+
+TEST_F(PropertyTest, CannotBeReadWhileItsValueOrItsFunctionEnds) {
+  using Shared = std::shared_ptr<int>;
+  IDataSource* const source = box.get();
+  const auto askAtItsEnd = [&](auto reference) {
+    return Shared(new int(0), [this, reference](const int* number) {
+      log += reference().IsThere() ? '+' : '-';
+      delete number;
+    });
+  };
+  {
+    Property<Shared> value(box.get(), L"Value");
+    value.Set(askAtItsEnd([=] { return FindProperty<Shared>(source, L"Value"); }));
+    auto captured = askAtItsEnd([=] { return FindProperty<int>(source, L"Function"); });
+    const ComputedProperty<int> function(box.get(), L"Function",
+                                         [held = std::move(captured)] { return *held; });
+    EXPECT_EQ(*FindProperty<int>(source, L"Function").Get(), 0);
+  }
+  EXPECT_EQ(log, "--");
+}
+
+TEST_F(PropertyTest, ReadingByNameTellsFailuresApart) {
+  const IDataSource* source = box.get();
+  EXPECT_EQ(*GetProperty<int>(source, L"Area"), 6);
+  EXPECT_EQ(*GetProperty<VtrString>(source, L"Label"), L"box");
+  const auto absent = GetProperty<int>(source, L"Depth");
+  EXPECT_EQ(absent.error, PropertyError::Absent);
+  EXPECT_EQ(absent.text,
+            L"Data source \"Box\" has no property \"Depth\" (wanted type int, actual none).");
+  const auto wrong = GetProperty<double>(source, L"Width");
+  EXPECT_EQ(wrong.error, PropertyError::WrongType);
+  EXPECT_EQ(wrong.text, L"Property \"Width\" of data source \"Box\" has type int, not double.");
+  EXPECT_EQ(GetProperty<int>(nullptr, L"Width").error, PropertyError::NoSource);
+}
+
+template <class Ref>
+concept CanSet = requires(const Ref& reference) {
+  reference.Set(7);
+};
+
+TEST_F(PropertyTest, ReferenceIntoAConstSourceReadsOnly) {
+  const IDataSource* source = box.get();
+  const auto width = FindProperty<const int>(source, L"Width");
+  static_assert(!CanSet<decltype(width)> && CanSet<PropertyRef<int>>);
+  EXPECT_EQ(*width.Get(), 2);
+  EXPECT_TRUE(FindProperty<const int>(source, L"Area").IsReadOnly());
+}
+
+TEST_F(PropertyTest, SettingByNameTellsFailuresApart) {
+  IDataSource* source = box.get();
+  const auto readOnly = SetProperty(source, L"Area", 7);
+  EXPECT_EQ(readOnly.error, PropertyError::ReadOnly);
+  EXPECT_EQ(
+      readOnly.text,
+      L"Property \"Area\" of data source \"Box\" can be read, but only its data source sets it.");
+  EXPECT_EQ(SetProperty(source, L"Label", L"x").error, PropertyError::ReadOnly);
+  EXPECT_EQ(SetProperty(source, L"Width", -7).error, PropertyError::Refused);
+  EXPECT_EQ(SetProperty(source, L"Width", 7.0).error, PropertyError::WrongType);
+  EXPECT_EQ(SetProperty(source, L"Depth", 7).error, PropertyError::Absent);
+  EXPECT_EQ(*box->Width, 2);
+}
+
+TEST_F(PropertyTest, DeclarationsWithoutAnAccessorAndFunctionsCannotBeRead) {
+  class Plain : public NamedDataSource {
+   public:
+    Plain() : NamedDataSource(L"Plain") {
+      _AddType(L"Typed", runtime_type<int>::Get());
+      _AddDelegate(L"Odd", RepeatingCallback<int()>([] { return 1; }).GetMemento(),
+                   runtime_type<int>::Get());
+      MakeEventSource(L"Changed");
+    }
+  };
+  const auto plain = MakeDataSource<Plain>(nullptr);
+  EXPECT_EQ(GetProperty<int>(plain.get(), L"Typed").error, PropertyError::NoAccessor);
+  EXPECT_EQ(GetProperty<int>(plain.get(), L"Odd").error, PropertyError::NoAccessor);
+  EXPECT_EQ(GetProperty<int>(plain.get(), L"Changed").error, PropertyError::WrongType);
+}
+
+#if !defined(NDEBUG)
+TEST_F(PropertyTest, SecondOneOfANameAssertsWhileTheFirstLives) {
+  std::optional<Property<int>> depth;
+  depth.emplace(box.get(), PropertyName(L"Depth"), 1);
+  depth.emplace(box.get(), PropertyName(L"Depth"), 2);
+  EXPECT_EQ(*GetProperty<int>(box.get(), L"Depth"), 2);
+  EXPECT_DEATH(Property<double>(box.get(), L"Depth"), "two properties of one name");
+}
+#endif
+
+template <class Text>
+concept CanNameAProperty = std::is_convertible_v<Text, PropertyName>;
+
+TEST(PropertyNames, UnfitNamesAreRefused) {
+  static_assert(CanNameAProperty<const wchar_t(&)[5]>);
+  static_assert(!CanNameAProperty<const wchar_t*>, "only literals are checked by the compiler");
+  for (const auto* name : {L"", L"*", L"a,b", L",", L" a", L"a\t", L"\r"}) {
+    EXPECT_THROW(PropertyName{VtrString(name)}, std::invalid_argument);
+  }
+  EXPECT_THROW(PropertyName{std::wstring_view(L"a\0b", 3)}, std::invalid_argument);
+  for (const auto* name : {L"a", L"a b", L"**", L"*a", L"größe"}) {
+    EXPECT_EQ(PropertyName{VtrString(name)}.Get(), name);
+  }
+}
+
+}  // namespace
+}  // namespace DataBinding
