@@ -62,8 +62,8 @@ class DeliveryScope {
     return false;
   }
   [[nodiscard]] bool IsBroadcasterGone() const noexcept { return broadcaster == nullptr; }
-  /// The owner of the event that is being dispatched.
-  [[nodiscard]] const PolicyEventBroadcaster::EventPtr& Owner() const noexcept { return *event; }
+  /// The shared pointer to the event that is being dispatched.
+  [[nodiscard]] const PolicyEventBroadcaster::EventPtr& Event() const noexcept { return *event; }
   /// Tells a broadcaster's scopes, from the innermost one outward, that it ends.
   static void End(DeliveryScope* innermost) noexcept {
     for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {

@@ -56,14 +56,14 @@ template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, bool fireHeldEvent) {
   const auto disabled = disabledEvents.find(name);
   if (disabled == disabledEvents.end()) return;
-  const auto held = holds.find(name);
-  const bool isHeldOnly = held != holds.end() && held->second == disabled->second;
-  if (!isHeldOnly) Lower(name, fireHeldEvent);
+  const auto held = holdCounts.find(name);
+  const bool isHeldOnly = held != holdCounts.end() && held->second == disabled->second;
+  if (!isHeldOnly) UndoDisable(name, fireHeldEvent);
 }
 
 /// Undoes one disable, whoever's it is.
 template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::Lower(const VtrString& name, bool fireHeldEvent) {
+void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, bool fireHeldEvent) {
   const auto disabled = disabledEvents.find(name);
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);
@@ -73,14 +73,14 @@ void EventBroadcaster<Update, Threading>::Lower(const VtrString& name, bool fire
 
 /// Holds an event of a disabled name. An older one is released when the new one is in its place.
 template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::Keep(const VtrString& name, EventPtr event) {
+void EventBroadcaster<Update, Threading>::HoldEvent(const VtrString& name, EventPtr event) {
   std::swap(heldEvents[name], event);
 }
 
 template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::Hold(const VtrString& name) {
+void EventBroadcaster<Update, Threading>::BeginHold(const VtrString& name) {
   const details::OneThreadVisit visit(pendingEvents->delivering);
-  const auto held = holds.try_emplace(name, 0).first;
+  const auto held = holdCounts.try_emplace(name, 0).first;
   DisableEvent(name);
   ++held->second;
 }
@@ -89,10 +89,10 @@ template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name, bool fireHeldEvent) {
   {
     const details::OneThreadVisit visit(pendingEvents->delivering);
-    const auto held = holds.find(name);
-    if (--held->second == 0) holds.erase(held);
+    const auto held = holdCounts.find(name);
+    if (--held->second == 0) holdCounts.erase(held);
   }
-  Lower(name, fireHeldEvent);
+  UndoDisable(name, fireHeldEvent);
 }
 
 template <class Update, class Threading>
@@ -334,7 +334,7 @@ bool EventBroadcaster<Update, Threading>::PendingEventBase::HoldIfDisabled(
     EventBroadcaster& broadcaster, const VtrString& name, EventPtr event) {
   broadcaster.knownEvents.try_emplace(name, nullptr);
   if (!broadcaster.IsDisable(name)) return false;
-  if (event != nullptr) broadcaster.Keep(name, std::move(event));
+  if (event != nullptr) broadcaster.HoldEvent(name, std::move(event));
   return true;
 }
 

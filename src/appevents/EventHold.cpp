@@ -6,7 +6,7 @@ namespace DataBinding {
 
 EventHold::EventHold(const VtrString& eventName)
     : name(eventName), broadcaster(IAppEventBroadcaster::GetInstance().GetWeakPtr()) {
-  static_cast<PolicyEventBroadcaster&>(*broadcaster).Hold(name);
+  static_cast<PolicyEventBroadcaster&>(*broadcaster).BeginHold(name);
 }
 
 EventHold::EventHold(EventHold&& other) noexcept

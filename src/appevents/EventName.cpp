@@ -37,7 +37,7 @@ class EventNames {
     if (known != names.end()) ThrowUnlessFree(*known->second, key, signature);
   }
 
-  const wchar_t* Keep(VtrStringView name) {
+  const wchar_t* Intern(VtrStringView name) {
     const WriteLock guard(lock);
     return Obtain(name).text;
   }
@@ -71,6 +71,6 @@ void EventName::Check(VtrStringView name, const std::type_info& signature) {
   EventNames::Get().Check(name, signature);
 }
 
-const wchar_t* EventName::Keep(VtrStringView name) { return EventNames::Get().Keep(name); }
+const wchar_t* EventName::Intern(VtrStringView name) { return EventNames::Get().Intern(name); }
 
 }  // namespace DataBinding::details

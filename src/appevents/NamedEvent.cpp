@@ -49,7 +49,7 @@ void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
   Guarded(scope, broadcaster, [&] {
     channel = &broadcaster.Channel(name);
     isHeld = broadcaster.IsDisable(name.Text());
-    if (isHeld) broadcaster.Keep(name.Text(), scope.Owner());
+    if (isHeld) broadcaster.HoldEvent(name.Text(), scope.Event());
   });
   if (channel == nullptr || isHeld) return;
   CallbackWalk walk(channel->listeners.Core());

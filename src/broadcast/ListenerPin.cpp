@@ -13,10 +13,10 @@ constinit thread_local ListenerPin* innermostWithoutPlace = nullptr;
 
 }  // namespace
 
-void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& owner,
+void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& itsRegistry,
                        ReaderRecord* ofThread) noexcept {
   array = &pinned;
-  registry = &owner;
+  registry = &itsRegistry;
   if (ofThread != nullptr) {
     for (auto& each : ofThread->pins) {
       if (each.array.load(std::memory_order_relaxed) != 0) continue;
@@ -33,18 +33,18 @@ void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& owner,
   registry->AddKeeper();
 }
 
-std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& owner) noexcept {
+std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& registry) noexcept {
   const auto address = reinterpret_cast<std::uintptr_t>(&array);
   for (auto* record = ReaderRecord::First(); record != nullptr; record = record->Next()) {
     for (auto& [pin, next] : record->pins) {
       if (pin.load(std::memory_order_acquire) != address) continue;
       array.reports.fetch_add(1, std::memory_order_relaxed);
-      owner.AddKeeper();
+      registry.AddKeeper();
       auto expected = address;
       if (!pin.compare_exchange_strong(expected, address | ReaderRecord::handedOver,
                                        std::memory_order_acq_rel)) {
         array.reports.fetch_sub(1, std::memory_order_relaxed);  // it ended meanwhile
-        owner.DropKeeper();
+        registry.DropKeeper();
       }
     }
   }

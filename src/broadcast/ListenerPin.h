@@ -27,14 +27,14 @@ class ListenerPin {
   ~ListenerPin() { Release(); }
 
   /// Pins an array. The caller holds the registry's lock. Nested pins end in reverse order.
-  void Take(ListenerArray& pinned, WListenersImpl& owner, ReaderRecord* ofThread) noexcept;
+  void Take(ListenerArray& pinned, WListenersImpl& itsRegistry, ReaderRecord* ofThread) noexcept;
   [[nodiscard]] ListenerArray* Get() const noexcept { return array; }
   /// How far the run has come.
   [[nodiscard]] std::atomic<std::uint32_t>& Next() noexcept { return *next; }
 
   /// Makes every running broadcast of the array report its end, and tells how many there are. The
   /// caller holds the registry's write lock.
-  static std::uint32_t HandOver(ListenerArray& array, WListenersImpl& owner) noexcept;
+  static std::uint32_t HandOver(ListenerArray& array, WListenersImpl& registry) noexcept;
   /// True while another thread is in the call of the listener at a position, which new calls do
   /// nothing at. Where the others were not fenced since then, or a run has no place in its thread's
   /// record, true as well until the run has passed the position, or is over. The caller keeps the

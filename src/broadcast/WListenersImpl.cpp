@@ -14,7 +14,7 @@ namespace {
 /// What the Subscription of a property holds.
 class PropertyRegistration final : public RegistrationState<PropertyRegistration> {
  public:
-  explicit PropertyRegistration(WListenersImpl& owner) noexcept : registry(owner) {
+  explicit PropertyRegistration(WListenersImpl& itsRegistry) noexcept : registry(itsRegistry) {
     registry.AddKeeper();
   }
   ~PropertyRegistration() { registry.DropKeeper(); }

@@ -6,7 +6,6 @@
 #include <new>
 #include <utility>
 
-#include "Change.h"
 #include "Construction.h"
 #include "DataBinding/datasource/IDataListener.h"
 #include "DataBinding/datasource/IDataSource.h"
@@ -14,6 +13,7 @@
 #include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/registrar/IDataSourceConstructor.h"
 #include "DataBinding/registrar/IDataSourceRegistrar.h"
+#include "ProviderCalls.h"
 
 namespace DataBinding {
 

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "BindLink.h"
+#include "DataBindListener.h"
 #include "DataBinding/datasource/IDataSourceProvider.h"
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
@@ -21,7 +21,7 @@ BindConnection::~BindConnection() { InvalidateWeakPtrs(); }
 
 void BindConnection::Connect(const Framework::IBaseBind& bind, IDataSourceProvider* provider) {
   const bool hadSource = source != nullptr;
-  links.clear();
+  listeners.clear();
   contextName = bind.DataContextName();
   sourceName = bind.DataSource();
   propertyName = bind.Path();
@@ -31,7 +31,7 @@ void BindConnection::Connect(const Framework::IBaseBind& bind, IDataSourceProvid
 }
 
 IDataSourceProvider* BindConnection::Provider() const {
-  return links.empty() ? nullptr : links.front()->Scope();
+  return listeners.empty() ? nullptr : listeners.front()->Scope();
 }
 
 void BindConnection::Enter(IDataSourceProvider* provider) {
@@ -39,27 +39,28 @@ void BindConnection::Enter(IDataSourceProvider* provider) {
   while (connecting != nullptr && !connecting->IsConnecting()) connecting = connecting->GetParent();
   isWaiting = connecting != nullptr;
   if (isWaiting) {
-    links.push_back(std::make_unique<BindLink>(*this, *provider));
-    return links.front()->Await(*connecting);
+    listeners.push_back(std::make_unique<DataBindListener>(*this, *provider));
+    return listeners.front()->Await(*connecting);
   }
   for (auto* scope = provider; scope != nullptr; scope = scope->GetParent()) {
-    links.push_back(std::make_unique<BindLink>(*this, *scope));
+    listeners.push_back(std::make_unique<DataBindListener>(*this, *scope));
   }
-  const std::size_t first = NamesAProperty() ? ContextIndex() : links.size();
-  for (std::size_t i = 0; i < links.size(); ++i) links[i]->Listen(i >= first);
+  const std::size_t first = NamesAProperty() ? ContextIndex() : listeners.size();
+  for (std::size_t i = 0; i < listeners.size(); ++i) listeners[i]->Listen(i >= first);
 }
 
 /// The scopes may be others by now.
 void BindConnection::Resume() {
   IDataSourceProvider* const scope = Provider();
-  links.clear();
+  listeners.clear();
   Enter(scope);
   Update();
 }
 
-void BindConnection::CutAt(const BindLink& link) {
-  const auto cut = std::ranges::find(links, &link, [](const auto& each) { return each.get(); });
-  links.erase(cut, links.end());
+void BindConnection::CutAt(const DataBindListener& listener) {
+  const auto cut =
+      std::ranges::find(listeners, &listener, [](const auto& each) { return each.get(); });
+  listeners.erase(cut, listeners.end());
   Update();
 }
 
@@ -98,17 +99,18 @@ bool BindConnection::NamesAProperty() const {
          IsNamed(propertyName, Framework::nullPathMarker);
 }
 
-/// The place of the link to the scope that the data context's name means; past the end for none.
+/// The place of the listener to the scope that the data context's name means; past the end for
+/// none.
 std::size_t BindConnection::ContextIndex() const {
   if (!IsNamed(contextName, Framework::nullDataMarker)) return 0;
   std::size_t index = 0;
-  while (index < links.size() && !links[index]->HasCategory(contextName)) ++index;
+  while (index < listeners.size() && !listeners[index]->HasCategory(contextName)) ++index;
   return index;
 }
 
 IDataSource* BindConnection::NearestSource() const noexcept {
-  for (const auto& link : links) {
-    if (link->Source() != nullptr) return link->Source();
+  for (const auto& listener : listeners) {
+    if (listener->Source() != nullptr) return listener->Source();
   }
   return nullptr;
 }
@@ -119,7 +121,7 @@ Framework::BindStatus BindConnection::Status() const {
   if (Provider() == nullptr) return ExplainNoScope(wish);
   if (isWaiting) return ExplainWaiting(wish);
   const std::size_t context = ContextIndex();
-  IDataSourceProvider* scope = context < links.size() ? links[context]->Scope() : nullptr;
+  IDataSourceProvider* scope = context < listeners.size() ? listeners[context]->Scope() : nullptr;
   if (scope == nullptr) return ExplainNoContext(wish, contextName);
   // A source that ends without its scope's knowledge tells one bind after the other.
   const bool isThere = source != nullptr && !ReflectionAccess::IsEnding(*source);

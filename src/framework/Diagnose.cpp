@@ -5,12 +5,12 @@
 #include <tuple>
 #include <utility>
 
-#include "BindLink.h"
+#include "DataBindListener.h"
 #include "DataBinding/datasource/DataListener.h"
 #include "DataBinding/datasource/DataSourceProvider.h"
 #include "DataBinding/framework/DataBind.h"
 #include "DataBinding/framework/EventBind.h"
-#include "EventAnchor.h"
+#include "EventBindListener.h"
 #include "Explanation.h"
 
 namespace DataBinding {
@@ -24,17 +24,18 @@ class ListenerDiagnosis {
       : scope(diagnosedScope), out(rows), scopeName(ScopeName(diagnosedScope)) {}
 
   void Add(const IDataListener& listener) {
-    if (const auto* link = dynamic_cast<const BindLink*>(&listener)) return AddBind(*link);
-    if (const auto* anchor = dynamic_cast<const EventAnchor*>(&listener)) {
-      const Framework::EventBind& bind = anchor->Bind();
+    if (const auto* ofBind = dynamic_cast<const DataBindListener*>(&listener))
+      return AddBind(*ofBind);
+    if (const auto* ofEvent = dynamic_cast<const EventBindListener*>(&listener)) {
+      const Framework::EventBind& bind = ofEvent->Bind();
       return Add(bind.DataSource(), bind.EventName(), bind.Status());
     }
     if (const auto* entries = dynamic_cast<const DataListener*>(&listener)) AddEntries(*entries);
   }
 
  private:
-  void AddBind(const BindLink& link) {
-    const BindConnection& bind = link.Connection();
+  void AddBind(const DataBindListener& ofBind) {
+    const BindConnection& bind = ofBind.Connection();
     // A bind listens in the outer scopes too.
     if (bind.Provider() != &scope) return;
     Add(bind.SourceName(), bind.PropertyName(), bind.Status());
@@ -56,7 +57,7 @@ class ListenerDiagnosis {
       source = at->GetLocalDataSourceInstance(wish.source);
     }
     if (source == nullptr) return ExplainMissing(wish, scope);
-    return {Framework::BindState::NoSource,
+    return {Framework::BindStatus::State::NoSource,
             VtrString().Format(
                 L"Data source \"%s\" is there, but came unheard: in an outer scope, "
                 L"after the listener had been given its provider, or the entry was added "

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "EventAnchor.h"
+#include "EventBindListener.h"
 #include "Explanation.h"
 
 namespace DataBinding::Framework {
@@ -19,8 +19,9 @@ EventBind::EventBind(const VtrString& context, const VtrString& source, const Vt
 EventBind::~EventBind() = default;
 
 void EventBind::Connect(IDataSourceProvider* provider) {
-  anchor.reset();
-  if (provider != nullptr) anchor = std::make_unique<details::EventAnchor>(*this, *provider);
+  scopeListener.reset();
+  if (provider != nullptr)
+    scopeListener = std::make_unique<details::EventBindListener>(*this, *provider);
 }
 
 BindStatus EventBind::Status() const {
@@ -28,11 +29,11 @@ BindStatus EventBind::Status() const {
   if (!status.IsConnected() || FindContext()) return status;
   if (const auto* followed = DataContextBind()) return followed->Status();
   if (Scope() == nullptr) {
-    return {BindState::NoProvider,
+    return {BindStatus::State::NoProvider,
             VtrString().Format(L"There is no scope whose data context event \"%s\" is raised for.",
                                Path())};
   }
-  return {BindState::NoContext,
+  return {BindStatus::State::NoContext,
           VtrString().Format(L"No scope here or further out has the category \"%s\", whose data "
                              L"context event \"%s\" is raised for.",
                              DataContextName(), Path())};
@@ -56,18 +57,19 @@ IDataContext* EventBind::DataContext() const { return FindContext().value_or(nul
 
 BindStatus EventBind::EventStatus() const {
   const VtrString name = EventName();
-  if (name.IsEmpty()) return {BindState::Unbound, L"The bind names no event."};
+  if (name.IsEmpty()) return {BindStatus::State::Unbound, L"The bind names no event."};
   try {
     details::EventName::Check(name, signature);
-    return {BindState::Connected, {}};
+    return {BindStatus::State::Connected, {}};
   } catch (const std::logic_error& clash) {
-    return {BindState::WrongType, VtrString().Format(L"The bind cannot raise its event: %s.",
-                                                     VtrString::FromUtf8(clash.what()))};
+    return {BindStatus::State::WrongType,
+            VtrString().Format(L"The bind cannot raise its event: %s.",
+                               VtrString::FromUtf8(clash.what()))};
   }
 }
 
 IDataSourceProvider* EventBind::Scope() const {
-  return anchor == nullptr ? nullptr : anchor->Scope();
+  return scopeListener == nullptr ? nullptr : scopeListener->Scope();
 }
 
 IDataSourceProvider* EventBind::ContextScope() const {

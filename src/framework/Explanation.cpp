@@ -13,7 +13,7 @@ namespace DataBinding::details {
 
 namespace {
 
-using Framework::BindState;
+using State = Framework::BindStatus::State;
 using Framework::BindStatus;
 
 /// Calls visit(source, its name, its scope) for the sources that the scope and those further out
@@ -21,11 +21,12 @@ using Framework::BindStatus;
 template <class Visitor>
 void VisitOwned(IDataSourceProvider& nearest, const Visitor& visit) {
   for (IDataSourceProvider* scope = &nearest; scope != nullptr; scope = scope->GetParent()) {
-    const auto* owner = dynamic_cast<const DataSourceProvider*>(scope);
-    if (owner == nullptr) continue;
-    owner->VisitDataSources([&](IDataSource& source) {
+    const auto* provider = dynamic_cast<const DataSourceProvider*>(scope);
+    if (provider == nullptr) continue;
+    provider->VisitDataSources([&](IDataSource& source) {
       if (ReflectionAccess::IsEnding(source)) return;
-      if (const wchar_t* name = source.GetDataSourceName()) visit(source, VtrString(name), *owner);
+      if (const wchar_t* name = source.GetDataSourceName())
+        visit(source, VtrString(name), *provider);
     });
   }
 }
@@ -68,7 +69,7 @@ VtrString InScope(const IDataSourceProvider* scope) {
 /// Of a source that its own scope does not find by its name.
 BindStatus Displaced(const Wish& wish, const IDataSourceProvider& scope) {
   const bool isTaken = scope.GetLocalDataSourceInstance(wish.source) != nullptr;
-  return {BindState::Shadowed,
+  return {State::Shadowed,
           VtrString().Format(L"A data source \"%s\"%s cannot be found: another one %s.",
                              wish.source, InScope(&scope),
                              isTaken ? L"has its name" : L"had its name when it was added")};
@@ -81,7 +82,7 @@ BindStatus Hidden(const Wish& wish, const IDataSourceProvider& scope, IDataSourc
   while (nearer != nullptr && nearer->GetLocalDataSourceInstance(wish.source) != &found) {
     nearer = nearer->GetParent();
   }
-  return {BindState::Shadowed,
+  return {State::Shadowed,
           VtrString().Format(L"A data source \"%s\"%s is hidden by a nearer one of that name%s.",
                              wish.source, InScope(&scope), InScope(nearer))};
 }
@@ -93,11 +94,11 @@ bool HasProperty(IDataSource& source, const VtrString& name) {
 BindStatus NoSuchProperty(const Wish& wish, IDataSource& source) {
   const VtrString similar = SimilarProperty(wish.property, source);
   if (!similar.IsEmpty()) {
-    return {BindState::CaseDiffers,
+    return {State::CaseDiffers,
             VtrString().Format(L"Data source \"%s\" has no property \"%s\", but one named \"%s\".",
                                wish.source, wish.property, similar)};
   }
-  return {BindState::NoProperty,
+  return {State::NoProperty,
           ReflectionAccess::Explain(PropertyError::Absent, &source, wish.property, *wish.plain)};
 }
 
@@ -108,10 +109,10 @@ BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
     return ReflectionAccess::Explain(error, &source, wish.property, *wish.plain);
   };
   if (found.error == PropertyError::Absent) return NoSuchProperty(wish, source);
-  if (found.error != PropertyError::None) return {BindState::WrongType, explain(found.error)};
-  if (found.accessor.IsEmpty()) return {BindState::WrongType, explain(PropertyError::NoAccessor)};
-  if (found.isReadOnly) return {BindState::ReadOnly, explain(PropertyError::ReadOnly)};
-  return {BindState::Connected, {}};
+  if (found.error != PropertyError::None) return {State::WrongType, explain(found.error)};
+  if (found.accessor.IsEmpty()) return {State::WrongType, explain(PropertyError::NoAccessor)};
+  if (found.isReadOnly) return {State::ReadOnly, explain(PropertyError::ReadOnly)};
+  return {State::Connected, {}};
 }
 
 }  // namespace
@@ -134,28 +135,28 @@ VtrString ScopeName(const IDataSourceProvider& scope) {
 
 BindStatus ExplainUnbound(const VtrString& source) {
   if (!IsNamed(source, Framework::nullDataMarker)) {
-    return {BindState::Unbound, L"The bind names no data source."};
+    return {State::Unbound, L"The bind names no data source."};
   }
-  return {BindState::Unbound,
+  return {State::Unbound,
           VtrString().Format(L"The bind to data source \"%s\" names no property.", source)};
 }
 
 BindStatus ExplainNoScope(const Wish& wish) {
-  return {BindState::NoProvider,
+  return {State::NoProvider,
           VtrString().Format(
               L"There is no scope to look for data source \"%s\" with its property \"%s\".",
               wish.source, wish.property)};
 }
 
 BindStatus ExplainNoContext(const Wish& wish, const VtrString& context) {
-  return {BindState::NoContext,
+  return {State::NoContext,
           VtrString().Format(L"No scope here or further out has the category \"%s\", where data "
                              L"source \"%s\" with its property \"%s\" is looked for.",
                              context, wish.source, wish.property)};
 }
 
 BindStatus ExplainWaiting(const Wish& wish) {
-  return {BindState::NoSource,
+  return {State::NoSource,
           VtrString().Format(L"Data source \"%s\" is not looked for until a scope has told its "
                              L"listeners of another change.",
                              wish.source)};
@@ -163,23 +164,23 @@ BindStatus ExplainWaiting(const Wish& wish) {
 
 BindStatus ExplainMissing(const Wish& wish, IDataSourceProvider& scope) {
   const IDataSourceProvider* displacing = nullptr;
-  VisitOwned(scope, [&](const auto& source, const VtrString& name, const auto& owner) {
+  VisitOwned(scope, [&](const auto& source, const VtrString& name, const auto& itsScope) {
     if (displacing != nullptr || name != wish.source) return;
-    if (owner.GetLocalDataSourceInstance(name) != &source) displacing = &owner;
+    if (itsScope.GetLocalDataSourceInstance(name) != &source) displacing = &itsScope;
   });
   if (displacing != nullptr) return Displaced(wish, *displacing);
   if (CanBeBuilt(wish.source, scope)) {
-    return {BindState::NotBuilt,
+    return {State::NotBuilt,
             VtrString().Format(L"Data source \"%s\" could be built, but nobody has asked for it.",
                                wish.source)};
   }
   const VtrString similar = SimilarSource(wish.source, scope);
   if (!similar.IsEmpty()) {
-    return {BindState::CaseDiffers,
+    return {State::CaseDiffers,
             VtrString().Format(L"There is no data source \"%s\", but one named \"%s\".",
                                wish.source, similar)};
   }
-  return {BindState::NoSource,
+  return {State::NoSource,
           VtrString().Format(L"There is no data source \"%s\" to have a property \"%s\".",
                              wish.source, wish.property)};
 }
@@ -189,32 +190,32 @@ BindStatus ExplainFound(const Wish& wish, IDataSourceProvider& scope, IDataSourc
   if (status.IsConnected()) return status;
   const IDataSourceProvider* shadowing = nullptr;
   bool isFoundThere = false;
-  VisitOwned(scope, [&](IDataSource& source, const VtrString& name, const auto& owner) {
+  VisitOwned(scope, [&](IDataSource& source, const VtrString& name, const auto& itsScope) {
     if (shadowing != nullptr || name != wish.source) return;
     if (!ExplainProperty(wish, source).IsConnected()) return;
-    shadowing = &owner;
-    isFoundThere = owner.GetLocalDataSourceInstance(name) == &source;
+    shadowing = &itsScope;
+    isFoundThere = itsScope.GetLocalDataSourceInstance(name) == &source;
   });
   if (shadowing == nullptr) return status;
   return isFoundThere ? Hidden(wish, *shadowing, scope, found) : Displaced(wish, *shadowing);
 }
 
 BindStatus ExplainUnreachable(const Wish& wish, IDataSource& found) {
-  return {BindState::WrongType,
+  return {State::WrongType,
           ReflectionAccess::Explain(PropertyError::NoAccessor, &found, wish.property, *wish.plain)};
 }
 
 BindStatus ExplainHeard(const Wish& wish, IDataSourceProvider& scope) {
   bool isHeard = false;
   bool isKnown = false;
-  VisitOwned(scope, [&](IDataSource& source, const VtrString& name, const auto& /*owner*/) {
+  VisitOwned(scope, [&](IDataSource& source, const VtrString& name, const auto& /*itsScope*/) {
     if (name.CompareNoCase(wish.source) != 0) return;
     isHeard = true;
     isKnown = isKnown || HasProperty(source, wish.property);
   });
   if (!isHeard) return ExplainMissing(wish, scope);
-  if (isKnown) return {BindState::Connected, {}};
-  return {BindState::Connected,
+  if (isKnown) return {State::Connected, {}};
+  return {State::Connected,
           VtrString().Format(L"Changes of \"%s\" are listened for, but data source \"%s\" lists no "
                              L"property of that name.",
                              wish.property, wish.source)};

@@ -19,19 +19,19 @@ PropertyError ErrorOf(const runtime_type_base& actual, const runtime_type_base& 
 
 VtrString Explain(PropertyError error, IDataSource& source, const VtrString& name,
                   const runtime_type_base& actual, const runtime_type_base& wanted) {
-  const VtrString owner = ReflectionAccess::NameOf(source);
+  const VtrString sourceName = ReflectionAccess::NameOf(source);
   const VtrString wantedType = VtrString::FromUtf8(wanted.GetTypeName());
   VtrString text;
   switch (error) {
     case PropertyError::Absent:
-      return text.Format(L"Data source \"%s\" has no delegate \"%s\" (wanted type %s).", owner,
+      return text.Format(L"Data source \"%s\" has no delegate \"%s\" (wanted type %s).", sourceName,
                          name, wantedType);
     case PropertyError::WrongType:
-      return text.Format(L"\"%s\" of data source \"%s\" has type %s, not %s.", name, owner,
+      return text.Format(L"\"%s\" of data source \"%s\" has type %s, not %s.", name, sourceName,
                          VtrString::FromUtf8(actual.GetTypeName()), wantedType);
     default:
       return text.Format(L"\"%s\" of data source \"%s\" has type %s but nothing to call.", name,
-                         owner, wantedType);
+                         sourceName, wantedType);
   }
 }
 

@@ -52,24 +52,24 @@ VtrString ReflectionAccess::Explain(PropertyError error, const IDataSource* sour
     return text.Format(L"There is no data source to have a property \"%s\" of type %s.", name,
                        wantedType);
   }
-  const VtrString owner = NameOf(*source);
+  const VtrString sourceName = NameOf(*source);
   const VtrString actualType = VtrString::FromUtf8(source->GetDelegateType(name).GetTypeName());
   switch (error) {
     case PropertyError::Absent:
       return text.Format(
-          L"Data source \"%s\" has no property \"%s\" (wanted type %s, actual none).", owner, name,
-          wantedType);
+          L"Data source \"%s\" has no property \"%s\" (wanted type %s, actual none).", sourceName,
+          name, wantedType);
     case PropertyError::WrongType:
-      return text.Format(L"Property \"%s\" of data source \"%s\" has type %s, not %s.", name, owner,
-                         actualType, wantedType);
+      return text.Format(L"Property \"%s\" of data source \"%s\" has type %s, not %s.", name,
+                         sourceName, actualType, wantedType);
     case PropertyError::ReadOnly:
       return text.Format(
           L"Property \"%s\" of data source \"%s\" can be read, but only its data source sets it.",
-          name, owner);
+          name, sourceName);
     default:
       return text.Format(
-          L"Property \"%s\" of data source \"%s\" has type %s but no accessor for %s.", name, owner,
-          actualType, wantedType);
+          L"Property \"%s\" of data source \"%s\" has type %s but no accessor for %s.", name,
+          sourceName, actualType, wantedType);
   }
 }
 

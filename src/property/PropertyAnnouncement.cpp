@@ -37,11 +37,11 @@ PropertyBase* PropertyAnnouncement::TakeNext() noexcept {
 void PropertyAnnouncement::Tell(PropertyBase& property) {
   if (MustWait(property)) return Note(property);
   for (PropertyBase* follower : property.dependents) MakeDue(*follower);
-  property.owner.UpdateListeners(property.Name());
+  property.source.UpdateListeners(property.Name());
 }
 
 bool PropertyAnnouncement::MustWait(const PropertyBase& property) noexcept {
-  if (DataSourceAccess::Changes(property.owner).IsOpen()) return true;
+  if (DataSourceAccess::Changes(property.source).IsOpen()) return true;
   return std::ranges::any_of(property.dependencies, [](const PropertyBase* followed) {
     return followed->place == PropertyLink::Place::Noted;
   });
@@ -55,14 +55,14 @@ void PropertyAnnouncement::MakeDue(PropertyBase& property) noexcept {
 
 void PropertyAnnouncement::Forget(PropertyBase& property) noexcept {
   if (property.place == PropertyLink::Place::Noted)
-    DataSourceAccess::Changes(property.owner).Remove(property);
+    DataSourceAccess::Changes(property.source).Remove(property);
   if (property.place == PropertyLink::Place::Due) DueProperties::OfThisThread().Remove(property);
 }
 
 void PropertyAnnouncement::Note(PropertyBase& property) noexcept {
   if (property.place == PropertyLink::Place::Noted) return;
   Forget(property);
-  DataSourceAccess::Changes(property.owner).Add(property);
+  DataSourceAccess::Changes(property.source).Add(property);
 }
 
 void PropertyAnnouncement::ReleaseFollowers(const PropertyBase& ending) noexcept {

@@ -8,10 +8,10 @@
 
 namespace DataBinding::details {
 
-PropertyBase::PropertyBase(DataSourceImpl& ownerSource, PropertyName propertyName)
-    : owner(ownerSource), filedName(propertyName.Get()) {
+PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
+    : source(itsSource), filedName(propertyName.Get()) {
   // Made now, so that nothing has to be allocated between a change and its notification.
-  static_cast<void>(DataSourceAccess::Liveness(owner));
+  static_cast<void>(DataSourceAccess::Liveness(source));
 }
 
 PropertyBase::~PropertyBase() {
@@ -22,8 +22,8 @@ PropertyBase::~PropertyBase() {
 }
 
 void PropertyBase::File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
-  assert(!ReflectionAccess::HasLiving(owner, Name()) && "a source has two properties of one name");
-  ReflectionAccess::File(owner, Name(), accessor, type);
+  assert(!ReflectionAccess::HasLiving(source, Name()) && "a source has two properties of one name");
+  ReflectionAccess::File(source, Name(), accessor, type);
 }
 
 void PropertyBase::DependOn(std::initializer_list<const PropertyBase*> others) {
@@ -37,9 +37,9 @@ void PropertyBase::DependOn(std::initializer_list<const PropertyBase*> others) {
 }
 
 void PropertyBase::NotifyChanged() {
-  PropertyChanges& changes = DataSourceAccess::Changes(owner);
+  PropertyChanges& changes = DataSourceAccess::Changes(source);
   const bool isAlone = dependents.empty() && dependencies.empty() && place == Place::None;
-  if (isAlone && !changes.IsOpen()) return owner.UpdateListeners(Name());
+  if (isAlone && !changes.IsOpen()) return source.UpdateListeners(Name());
   PropertyAnnouncement::Note(*this);
   if (changes.IsOpen()) return;
   PropertyAnnouncement announcement;
@@ -49,13 +49,13 @@ void PropertyBase::NotifyChanged() {
 
 SetResult PropertyBase::ReadOnlyResult(const runtime_type_base& wanted) const {
   constexpr auto error = PropertyError::ReadOnly;
-  return {false, error, ReflectionAccess::Explain(error, &owner, Name(), wanted)};
+  return {false, error, ReflectionAccess::Explain(error, &source, Name(), wanted)};
 }
 
 SetResult PropertyBase::RefusedResult(const VtrString& reason) const {
   SetResult result{false, PropertyError::Refused, {}, reason};
   result.text.Format(L"Property \"%s\" of data source \"%s\" refuses the value: %s", Name(),
-                     ReflectionAccess::NameOf(owner), reason);
+                     ReflectionAccess::NameOf(source), reason);
   return result;
 }
 

@@ -7,7 +7,7 @@
 namespace DataBinding::Testing {
 namespace {
 
-using Framework::BindState;
+using State = Framework::BindStatus::State;
 using Framework::DataBind;
 
 class DataBinds : public BindTest {};
@@ -74,10 +74,10 @@ TEST_F(DataBinds, LoseWhatIsBehindAScopeThatShutsDown) {
   const auto watches = std::array{Watch(byContext), Watch(byName)};
   child.reset();
   EXPECT_EQ(Notes(), "- -");
-  EXPECT_EQ(byContext.Status().state, BindState::NoContext);
-  EXPECT_EQ(byName.Status().state, BindState::NoSource);
+  EXPECT_EQ(byContext.Status().state, State::NoContext);
+  EXPECT_EQ(byName.Status().state, State::NoSource);
   inner->Shutdown();
-  EXPECT_EQ(byName.Status().state, BindState::NoProvider);
+  EXPECT_EQ(byName.Status().state, State::NoProvider);
   AddGauge(inner);
   EXPECT_FALSE(byName.HasValue());
 }
@@ -238,7 +238,7 @@ TEST_F(DataBinds, FindAPropertyThatComesAndGoesWhileItsSourceStays) {
     drawer->Level->Set(level + 5);
     drawer->Level.reset();
     EXPECT_EQ(bind.Get().text, bind.Status().text);
-    EXPECT_EQ(bind.Status().state, BindState::NoProperty);
+    EXPECT_EQ(bind.Status().state, State::NoProperty);
   }
   EXPECT_EQ(Notes(), "6 7");
 }

@@ -173,7 +173,7 @@ TEST_F(EventBinds, CallbackThatThrowsIsCalledAgain) {
 
 TEST(Results, GoToStreamsAsTheirValueOrTheirText) {
   const SetResult refused{.error = PropertyError::Refused, .text = L"größer als 9"};
-  const BindStatus absent{BindState::NoSource, L"weg"};
+  const BindStatus absent{BindStatus::State::NoSource, L"weg"};
   const PropertyValue<double> value{2.25, PropertyError::None, {}};
   const PropertyValue<VtrString> none{{}, PropertyError::Absent, L"fehlt"};
 

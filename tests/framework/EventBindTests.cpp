@@ -13,7 +13,7 @@ class IDataContext {};
 namespace Testing {
 namespace {
 
-using Framework::BindState;
+using State = Framework::BindStatus::State;
 using Framework::DataBind;
 using Framework::EventBind;
 using Framework::IEventBind;
@@ -60,7 +60,7 @@ TEST_F(EventBindTest, RaisesNothingWithoutAScope) {
   for (const auto& end : ends) {
     end();
     EXPECT_FALSE(remove.CanRaise());
-    EXPECT_EQ(remove.Status().state, BindState::NoProvider);
+    EXPECT_EQ(remove.Status().state, State::NoProvider);
     EXPECT_EQ(remove.Status().text,
               L"There is no scope whose data context event \"Remove\" is raised for.");
     remove.Connect(scope);
@@ -76,7 +76,7 @@ TEST_F(EventBindTest, StandsInTheNearestScopeOfItsContextsCategory) {
     EventBind bind(name, L"", L"Remove");
     bind.Connect(row.get());
     EXPECT_EQ(bind.DataContext(), context);
-    EXPECT_EQ(bind.Status().state, context ? BindState::Connected : BindState::NoContext);
+    EXPECT_EQ(bind.Status().state, context ? State::Connected : State::NoContext);
     EXPECT_EQ(bind.Status().text,
               context ? L""
                       : L"No scope here or further out has the category \"Book\", whose data "
@@ -89,7 +89,7 @@ TEST_F(EventBindTest, NamesNoEventWhereItsPathIsEmptyOrTheMarker) {
     EventBind bind(L"", L"", path);
     bind.Connect(scope);
     bind.Raise();
-    EXPECT_EQ(bind.Status().state, BindState::Unbound);
+    EXPECT_EQ(bind.Status().state, State::Unbound);
     EXPECT_EQ(bind.Status().text, L"The bind names no event.");
   }
 }
@@ -115,12 +115,12 @@ TEST_F(EventBindTest, RaisesNoEventOfAnotherSignature) {
   EventBind bind(L"", L"", L"EventBindTest.Counted");
   bind.Connect(scope);
   EXPECT_TRUE(bind.CanRaise());
-  EXPECT_EQ(Diagnose(*scope).at(0).status.state, BindState::Connected);
+  EXPECT_EQ(Diagnose(*scope).at(0).status.state, State::Connected);
   const AppEvent<int> other(L"EventBindTest.Counted");
   const auto subscription = other.Subscribe([](int) {});  // asking has fixed nothing
   bind.Raise();
   EXPECT_FALSE(bind.CanRaise());
-  EXPECT_EQ(bind.Status().state, BindState::WrongType);
+  EXPECT_EQ(bind.Status().state, State::WrongType);
   EXPECT_NE(std::wstring_view(bind.Status().text).find(L"(int)"), std::wstring_view::npos);
 }
 

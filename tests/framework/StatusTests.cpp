@@ -7,7 +7,7 @@
 namespace DataBinding::Testing {
 namespace {
 
-using Framework::BindState;
+using State = Framework::BindStatus::State;
 using Framework::DataBind;
 
 /// A child scope with a gauge, in a parent with a "Shared" one and two that can be built.
@@ -26,41 +26,41 @@ class BindStates : public BindTest {
 
 struct Case {
   const wchar_t *context, *source, *property;
-  BindState state;
+  State state;
   const wchar_t* text;
 };
 
 const std::vector<Case>& Cases() {
   static const std::vector<Case> cases{
-      {L"", L"Gauge", L"Level", BindState::Connected, L""},
-      {L"", L"Gauge", L"Limit", BindState::ReadOnly,
+      {L"", L"Gauge", L"Level", State::Connected, L""},
+      {L"", L"Gauge", L"Limit", State::ReadOnly,
        L"Property \"Limit\" of data source \"Gauge\" can be read, but only its data source sets "
        L"it."},
-      {L"", L"", L"Level", BindState::Unbound, L"The bind names no data source."},
-      {L"", L"Gauge", L"VtrFrmWk::NullPath", BindState::Unbound,
+      {L"", L"", L"Level", State::Unbound, L"The bind names no data source."},
+      {L"", L"Gauge", L"VtrFrmWk::NullPath", State::Unbound,
        L"The bind to data source \"Gauge\" names no property."},
-      {L"D", L"Gauge", L"Level", BindState::NoContext,
+      {L"D", L"Gauge", L"Level", State::NoContext,
        L"No scope here or further out has the category \"D\", where data source \"Gauge\" "
        L"with its property \"Level\" is looked for."},
-      {L"A", L"Gauge", L"Level", BindState::NoSource,
+      {L"A", L"Gauge", L"Level", State::NoSource,
        L"There is no data source \"Gauge\" to have a property \"Level\"."},
-      {L"", L"Foreign", L"Level", BindState::NoSource,
+      {L"", L"Foreign", L"Level", State::NoSource,
        L"There is no data source \"Foreign\" to have a property \"Level\"."},
-      {L"", L"FOREIGN", L"Level", BindState::NoSource,
+      {L"", L"FOREIGN", L"Level", State::NoSource,
        L"There is no data source \"FOREIGN\" to have a property \"Level\"."},
-      {L"", L"Late", L"Level", BindState::NotBuilt,
+      {L"", L"Late", L"Level", State::NotBuilt,
        L"Data source \"Late\" could be built, but nobody has asked for it."},
-      {L"", L"shared", L"Level", BindState::CaseDiffers,
+      {L"", L"shared", L"Level", State::CaseDiffers,
        L"There is no data source \"shared\", but one named \"Shared\"."},
-      {L"", L"LATE", L"Level", BindState::CaseDiffers,
+      {L"", L"LATE", L"Level", State::CaseDiffers,
        L"There is no data source \"LATE\", but one named \"Late\"."},
-      {L"", L"Gauge", L"level", BindState::CaseDiffers,
+      {L"", L"Gauge", L"level", State::CaseDiffers,
        L"Data source \"Gauge\" has no property \"level\", but one named \"Level\"."},
-      {L"", L"Gauge", L"Ratio", BindState::WrongType,
+      {L"", L"Gauge", L"Ratio", State::WrongType,
        L"Property \"Ratio\" of data source \"Gauge\" has type double, not int."},
-      {L"", L"Gauge", L"Unit", BindState::WrongType,
+      {L"", L"Gauge", L"Unit", State::WrongType,
        L"Property \"Unit\" of data source \"Gauge\" has type VtrString, not int."},
-      {L"", L"Gauge", L"Depth", BindState::NoProperty,
+      {L"", L"Gauge", L"Depth", State::NoProperty,
        L"Data source \"Gauge\" has no property \"Depth\" (wanted type int, actual none)."}};
   return cases;
 }
@@ -72,7 +72,7 @@ TEST_F(BindStates, TellWhyABindShowsNothing) {
     EXPECT_EQ(status.state, each.state) << each.text;
     EXPECT_EQ(status.text, each.text);
     EXPECT_EQ(status.IsConnected(), bind.HasValue());
-    EXPECT_EQ(status.state == BindState::ReadOnly, bind.IsReadOnly());
+    EXPECT_EQ(status.state == State::ReadOnly, bind.IsReadOnly());
   }
   EXPECT_EQ(Notes(), "late:registered foreign:registered");
 }
@@ -81,7 +81,7 @@ TEST_F(BindStates, TellAShadowedSource) {
   child->AddDataSource(MakeDataSource<LoggedSource>(child.get(), L"Shared", log).release());
   const auto inner = MakeProvider(child.get(), L"Row");
   DataBind<int> shared(inner.get(), L"Shared", L"Level");
-  EXPECT_EQ(shared.Status().state, BindState::Shadowed);
+  EXPECT_EQ(shared.Status().state, State::Shadowed);
   EXPECT_EQ(shared.Status().text,
             L"A data source \"Shared\" in scope \"A,B\" is hidden by a nearer one of that name in "
             L"scope \"C\".");
@@ -90,9 +90,9 @@ TEST_F(BindStates, TellAShadowedSource) {
             L"A data source \"Shared\" in scope \"C\" cannot be found: another one has its name.");
   for (int i = 0; i < 2; ++i) AddGauge(parent), AddGauge(child);
   DataBind<int> bind(child.get(), L"Gauge", L"Level");
-  EXPECT_EQ(bind.Status().state, BindState::Connected);
+  EXPECT_EQ(bind.Status().state, State::Connected);
   for (const auto& scope : {&parent, &child}) (*scope)->DeleteLocalDataSourceInstance(L"Gauge");
-  EXPECT_EQ(bind.Status().state, BindState::Shadowed);
+  EXPECT_EQ(bind.Status().state, State::Shadowed);
   EXPECT_EQ(
       bind.Status().text,
       L"A data source \"Gauge\" in scope \"C\" cannot be found: another one had its name when "
@@ -115,7 +115,7 @@ TEST_F(BindStates, TellOfAPropertyThatIsFiledUnderAnotherType) {
   };
   child->AddDataSource(MakeDataSource<Mislabelled>(child.get(), log).release());
   const DataBind<int> bind(child.get(), L"Odd", L"Level");
-  EXPECT_EQ(bind.Status().state, BindState::WrongType);
+  EXPECT_EQ(bind.Status().state, State::WrongType);
   EXPECT_EQ(bind.Get().text,
             L"Property \"Level\" of data source \"Odd\" has type int but no accessor for int.");
 }
@@ -125,14 +125,14 @@ TEST_F(BindStates, TellThatThereIsNoScopeOrNoneAnyMore) {
   for (const bool isScopeGone : {false, true}) {
     if (isScopeGone) {
       bind.Connect(child.get());
-      EXPECT_EQ(bind.Status().state, BindState::NoContext);
+      EXPECT_EQ(bind.Status().state, State::NoContext);
       child.reset();
     }
-    EXPECT_EQ(bind.Status().state, BindState::NoProvider);
+    EXPECT_EQ(bind.Status().state, State::NoProvider);
     EXPECT_EQ(bind.Status().text,
               L"There is no scope to look for data source \"Gauge\" with its property \"Level\".");
   }
-  EXPECT_EQ(DataBind<int>().Status().state, BindState::Unbound);
+  EXPECT_EQ(DataBind<int>().Status().state, State::Unbound);
 }
 
 class Label : public DataListener {

@@ -68,7 +68,7 @@ class AppEvent {
   /// The text, most often a literal, must stay as long as the event and its copies.
   explicit constexpr AppEvent(const wchar_t* eventName) noexcept : text(eventName) {}
   /// For a name that is made up at run time. Its text is kept until the process ends.
-  explicit AppEvent(const VtrString& eventName) : text(details::EventName::Keep(eventName)) {}
+  explicit AppEvent(const VtrString& eventName) : text(details::EventName::Intern(eventName)) {}
   /// Copies name the same event and its text, which is not copied.
   ///@{
   AppEvent(const AppEvent& other) noexcept

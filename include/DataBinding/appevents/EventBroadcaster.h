@@ -196,10 +196,10 @@ class DATABINDING_API EventBroadcaster {
   void Drop(Matches matches);
   void Deliver(const EventPtr& event);
   void AskForPass();
-  void Keep(const VtrString& name, EventPtr event);
-  void Hold(const VtrString& name);
+  void HoldEvent(const VtrString& name, EventPtr event);
+  void BeginHold(const VtrString& name);
   void EndHold(const VtrString& name, bool fireHeldEvent);
-  void Lower(const VtrString& name, bool fireHeldEvent);
+  void UndoDisable(const VtrString& name, bool fireHeldEvent);
   [[nodiscard]] details::EventChannel& Channel(const details::EventName& name);
 
   std::map<VtrString, details::EventChannel*> knownEvents;
@@ -213,7 +213,7 @@ class DATABINDING_API EventBroadcaster {
   /// Set when the UpdateUI callback could not be run to its end.
   std::atomic<bool> isPassOwed{false};
   /// How many of a name's disables belong to EventHolds, which EnableEvent leaves alone.
-  std::map<VtrString, std::int32_t> holds;
+  std::map<VtrString, std::int32_t> holdCounts;
   /// The listeners of typed events, by the number of their names.
   std::vector<std::unique_ptr<details::EventChannel>> channels;
   ErrorHandler errorHandler;

@@ -10,7 +10,7 @@
 #include "DataBinding/Export.h"
 #include "DataBinding/Fwd.h"
 #include "DataBinding/broadcast/IBroadcaster.h"
-#include "DataBinding/foundation/VantorGeneric.h"
+#include "DataBinding/foundation/IVantorGeneric.h"
 #include "DataBinding/reflection/IReflectable.h"
 
 namespace DataBinding {

@@ -16,8 +16,8 @@
 #include "DataBinding/datasource/CustomDataProxy.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/Guid.h"
+#include "DataBinding/foundation/IVantorGeneric.h"
 #include "DataBinding/foundation/String.h"
-#include "DataBinding/foundation/VantorGeneric.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {

@@ -35,18 +35,18 @@ template <class T>
   return !target.expired();
 }
 template <class T>
-[[nodiscard]] T* Hold(const WeakPtr<T>& target) noexcept {
+[[nodiscard]] T* Lock(const WeakPtr<T>& target) noexcept {
   return target.Get();
 }
 template <class T>
-[[nodiscard]] std::shared_ptr<T> Hold(const std::weak_ptr<T>& target) noexcept {
+[[nodiscard]] std::shared_ptr<T> Lock(const std::weak_ptr<T>& target) noexcept {
   return target.lock();
 }
 ///@}
 
 template <class Target, class Method, class... Bound>
 class WeakBinding {
-  using Object = decltype(*Hold(std::declval<const Target&>()));
+  using Object = decltype(*Lock(std::declval<const Target&>()));
 
  public:
   template <class... Values>
@@ -60,7 +60,7 @@ class WeakBinding {
   requires std::is_invocable_v<Method, Object, Bound&..., Args...>
   auto operator()(Args&&... args) -> std::invoke_result_t<Method, Object, Bound&..., Args...> {
     using Result = std::invoke_result_t<Method, Object, Bound&..., Args...>;
-    const auto object = Hold(target);
+    const auto object = Lock(target);
     if (object == nullptr) return SkippedResult<Result>();
     return std::apply(
         [&](Bound&... first) -> Result {

@@ -12,29 +12,29 @@
 
 namespace DataBinding::Framework {
 
-enum class BindState {
-  Connected,    ///< shows the value and may set it
-  ReadOnly,     ///< shows the value; only the data source itself may set it
-  Unbound,      ///< names no data source or no property, perhaps on purpose
-  NoProvider,   ///< is connected to no scope, or its scope is gone
-  NoContext,    ///< no scope here or further out has the data context's name as a category
-  NoSource,     ///< there is no such data source, or not yet
-  NotBuilt,     ///< the data source could be built, but nobody has asked for it
-  CaseDiffers,  ///< a data source or a property has that name in other case
-  Shadowed,     ///< an earlier data source or one of a nearer scope has the name
-  NoProperty,   ///< the data source has no such property
-  WrongType     ///< the property or event has another type, or none that can be reached
-};
-
 struct BindStatus {
+  enum class State {
+    Connected,    ///< shows the value and may set it
+    ReadOnly,     ///< shows the value; only the data source itself may set it
+    Unbound,      ///< names no data source or no property, perhaps on purpose
+    NoProvider,   ///< is connected to no scope, or its scope is gone
+    NoContext,    ///< no scope here or further out has the data context's name as a category
+    NoSource,     ///< there is no such data source, or not yet
+    NotBuilt,     ///< the data source could be built, but nobody has asked for it
+    CaseDiffers,  ///< a data source or a property has that name in other case
+    Shadowed,     ///< an earlier data source or one of a nearer scope has the name
+    NoProperty,   ///< the data source has no such property
+    WrongType     ///< the property or event has another type, or none that can be reached
+  };
+
   /// Unbound unless it was taken from a bind.
-  BindState state = BindState::Unbound;
+  State state = State::Unbound;
   /// Why the value is not shown, cannot be set, or cannot be looked up.
   VtrString text;
 
   /// True when the value is shown.
   [[nodiscard]] bool IsConnected() const noexcept {
-    return state == BindState::Connected || state == BindState::ReadOnly;
+    return state == State::Connected || state == State::ReadOnly;
   }
   /// Writes the text as UTF-8: nothing where all is well.
   template <class Traits>

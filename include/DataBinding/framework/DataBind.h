@@ -27,7 +27,7 @@ namespace DataBinding {
 
 namespace details {
 
-class BindLink;
+class DataBindListener;
 
 /// The part of a data bind that does not depend on its type. It stands on the heap for its bind,
 /// and each of its calls ends with telling the subscribers, who may end it.
@@ -57,7 +57,7 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   [[nodiscard]] IDataSource* Source() const noexcept { return source; }
 
  private:
-  friend class BindLink;
+  friend class DataBindListener;
 
   /// Finds the property in its new source, or in none.
   virtual void Refer(IDataSource* newSource, const VtrString& name) = 0;
@@ -66,7 +66,7 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   void Enter(IDataSourceProvider* provider);
   void Resume();
   /// A scope can be reached no more, and with it all further out.
-  void CutAt(const BindLink& link);
+  void CutAt(const DataBindListener& listener);
   void Update();
   void Follow(IDataSource* newSource);
   void Notify();
@@ -80,8 +80,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   VtrString sourceName;
   VtrString propertyName;
   /// One for each scope, from the one that was given outward.
-  std::vector<std::unique_ptr<BindLink>> links;
-  /// The first link waits until the scopes have called their listeners.
+  std::vector<std::unique_ptr<DataBindListener>> listeners;
+  /// The first listener waits until the scopes have called their listeners.
   bool isWaiting = false;
   IDataSource* source = nullptr;
   Subscription propertySubscription;

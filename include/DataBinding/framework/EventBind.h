@@ -20,7 +20,7 @@
 namespace DataBinding {
 
 namespace details {
-class EventAnchor;
+class EventBindListener;
 }  // namespace details
 
 namespace Framework {
@@ -62,7 +62,7 @@ class DATABINDING_API EventBind final : public IEventBind {
   [[nodiscard]] std::optional<IDataContext*> FindContext() const;
 
   const void* owner;
-  std::unique_ptr<details::EventAnchor> anchor;
+  std::unique_ptr<details::EventBindListener> scopeListener;
 };
 
 }  // namespace Framework

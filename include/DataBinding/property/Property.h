@@ -37,9 +37,9 @@ namespace details {
 template <class T, class Filed>
 class StoredProperty : public TypedProperty<T, Filed> {
  public:
-  StoredProperty(DataSourceImpl* ownerSource, PropertyName name, T initial = T(),
+  StoredProperty(DataSourceImpl* itsSource, PropertyName name, T initial = T(),
                  PropertyOptions<T> extras = {})
-      : TypedProperty<T, Filed>(*ownerSource, name),
+      : TypedProperty<T, Filed>(*itsSource, name),
         value(std::move(initial)),
         options(std::move(extras)) {}
 
@@ -70,7 +70,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
   friend DataSourceAccess;
 
   SetResult StoreFor(const DataSourceImpl& setter, T wanted) {
-    if (&setter != &this->Owner()) return this->ReadOnlyResult(runtime_type<T>::Get());
+    if (&setter != &this->Source()) return this->ReadOnlyResult(runtime_type<T>::Get());
     return Store(std::move(wanted));
   }
   /// Notifies also when the hook throws, and not when it ends the property.
@@ -132,9 +132,9 @@ class ComputedProperty final : public details::TypedProperty<T, const T> {
  public:
   /// Of the function, and of the properties whose changes it is notified for.
   template <std::derived_from<details::PropertyBase>... Others>
-  ComputedProperty(DataSourceImpl* ownerSource, PropertyName name, RepeatingCallback<T()> function,
+  ComputedProperty(DataSourceImpl* itsSource, PropertyName name, RepeatingCallback<T()> function,
                    Others&... others)
-      : details::TypedProperty<T, const T>(*ownerSource, name), compute(std::move(function)) {
+      : details::TypedProperty<T, const T>(*itsSource, name), compute(std::move(function)) {
     this->DependOn({&others...});
   }
   ~ComputedProperty() { this->InvalidateWeakPtrs(); }

@@ -27,7 +27,7 @@ class DATABINDING_API EventName {
   /// Throws where Find would, but fixes no signature and keeps no name.
   static void Check(VtrStringView name, const std::type_info& signature);
   /// The text of a name, to be kept forever. Fixes no signature.
-  [[nodiscard]] static const wchar_t* Keep(VtrStringView name);
+  [[nodiscard]] static const wchar_t* Intern(VtrStringView name);
 
   [[nodiscard]] const VtrString& Text() const noexcept { return text; }
   /// std::hash of the text.

@@ -1,4 +1,4 @@
-/// What all properties share: owner, name, and those that are computed from them.
+/// What all properties share: their data source, their name, and those that are computed from them.
 ///
 /// A property belongs to one data source and is a member of it. It files itself in the source's
 /// reflection table when it is made; its accessor there answers only as long as the property lives.
@@ -23,21 +23,21 @@ namespace DataBinding::details {
 /// How a property of a value type is reached by name: its accessor gives this, or null when the
 /// property is gone.
 template <class T>
-class PropertyAccess {
+class IProperty {
  public:
   [[nodiscard]] virtual T GetValue() const = 0;
   /// Refuses, as read-only, unless the property may be set from outside.
   virtual SetResult SetValue(T value) = 0;
 
  protected:
-  PropertyAccess() noexcept = default;
-  PropertyAccess(const PropertyAccess&) noexcept = default;
-  PropertyAccess& operator=(const PropertyAccess&) noexcept = default;
-  ~PropertyAccess() = default;
+  IProperty() noexcept = default;
+  IProperty(const IProperty&) noexcept = default;
+  IProperty& operator=(const IProperty&) noexcept = default;
+  ~IProperty() = default;
 };
 
 template <class T>
-using PropertyAccessor = RepeatingCallback<PropertyAccess<T>*()>;
+using PropertyAccessor = RepeatingCallback<IProperty<T>*()>;
 
 class PropertyAnnouncement;
 
@@ -56,13 +56,13 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
   void NotifyChanged();
 
  protected:
-  PropertyBase(DataSourceImpl& ownerSource, PropertyName propertyName);
+  PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName);
   ~PropertyBase();
 
   void File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type);
   /// Notifies of this property whenever one of those changes.
   void DependOn(std::initializer_list<const PropertyBase*> others);
-  [[nodiscard]] DataSourceImpl& Owner() const noexcept { return owner; }
+  [[nodiscard]] DataSourceImpl& Source() const noexcept { return source; }
   [[nodiscard]] SetResult ReadOnlyResult(const runtime_type_base& wanted) const;
   [[nodiscard]] SetResult RefusedResult(const VtrString& reason) const;
 
@@ -70,7 +70,7 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
   friend DataSourceAccess;
   friend PropertyAnnouncement;
 
-  DataSourceImpl& owner;
+  DataSourceImpl& source;
   VtrString filedName;
   /// The properties that are computed from this one. It is mutable since following a property does
   /// not change it.
@@ -80,17 +80,17 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
 
 /// Files a property under its name. Filed is `const T` for one that only its source may set.
 template <class T, class Filed>
-class TypedProperty : public PropertyBase, protected PropertyAccess<T> {
+class TypedProperty : public PropertyBase, protected IProperty<T> {
  protected:
-  TypedProperty(DataSourceImpl& ownerSource, PropertyName propertyName)
-      : PropertyBase(ownerSource, propertyName) {
+  TypedProperty(DataSourceImpl& itsSource, PropertyName propertyName)
+      : PropertyBase(itsSource, propertyName) {
     const PropertyAccessor<T> accessor = BindWeak(AsWeakPtr(), &TypedProperty::Access);
     File(accessor.GetMemento(), runtime_type<Filed>::Get());
   }
   ~TypedProperty() = default;
 
  private:
-  static PropertyAccess<T>* Access(PropertyBase& property) {
+  static IProperty<T>* Access(PropertyBase& property) {
     return &static_cast<TypedProperty&>(property);
   }
 };

@@ -1,4 +1,4 @@
-#include "DataBinding/foundation/VantorGeneric.h"
+#include "DataBinding/foundation/IVantorGeneric.h"
 
 namespace VtrUtils {
 

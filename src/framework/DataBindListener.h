@@ -1,8 +1,8 @@
 /// A data bind's listener in one scope: it knows which source has the bind's name there.
 ///
-/// The connection owns one link for each scope from its own outward. A link hears of its own scope
-/// only, and may end in its last step, when the connection tells subscribers. A source that ends
-/// without its provider's knowledge is forgotten all the same. One thread.
+/// The connection owns one listener for each scope from its own outward. A listener hears of its
+/// own scope only, and may end in its last step, when the connection tells subscribers. A source
+/// that ends without its provider's knowledge is forgotten all the same. One thread.
 #pragma once
 
 #include "DataBinding/datasource/IDataListener.h"
@@ -14,12 +14,12 @@ namespace DataBinding::details {
 
 class BindConnection;
 
-class BindLink final : public IDataListener, public SupportsWeakPtr<BindLink> {
+class DataBindListener final : public IDataListener, public SupportsWeakPtr<DataBindListener> {
  public:
-  BindLink(BindConnection& listeningConnection, IDataSourceProvider& listenedScope);
-  BindLink(const BindLink&) = delete;
-  BindLink& operator=(const BindLink&) = delete;
-  ~BindLink() override;
+  DataBindListener(BindConnection& listeningConnection, IDataSourceProvider& listenedScope);
+  DataBindListener(const DataBindListener&) = delete;
+  DataBindListener& operator=(const DataBindListener&) = delete;
+  ~DataBindListener() override;
 
   /// Begins to listen when the provider has called its listeners, together with the outer scopes.
   void Await(IDataSourceProvider& connecting);

@@ -17,15 +17,15 @@ class EventBind;
 
 namespace details {
 
-class EventAnchor final : public IDataListener, public SupportsWeakPtr<EventAnchor> {
+class EventBindListener final : public IDataListener, public SupportsWeakPtr<EventBindListener> {
  public:
-  EventAnchor(const Framework::EventBind& anchored, IDataSourceProvider& anchoring)
-      : bind(anchored), scope(&anchoring), scopeLiveness(anchoring.GetLiveness()) {
+  EventBindListener(const Framework::EventBind& listeningBind, IDataSourceProvider& listenedScope)
+      : bind(listeningBind), scope(&listenedScope), scopeLiveness(listenedScope.GetLiveness()) {
     Listen();
   }
-  EventAnchor(const EventAnchor&) = delete;
-  EventAnchor& operator=(const EventAnchor&) = delete;
-  ~EventAnchor() override {
+  EventBindListener(const EventBindListener&) = delete;
+  EventBindListener& operator=(const EventBindListener&) = delete;
+  ~EventBindListener() override {
     if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
   }
 
@@ -45,7 +45,7 @@ class EventAnchor final : public IDataListener, public SupportsWeakPtr<EventAnch
   void Listen() {
     if (!scopeLiveness.IsValid()) return;
     if (!scope->IsConnecting()) return scope->AddDataListener(this, {}, false);
-    scope->WhenConnected(BindWeak(AsWeakPtr(), &EventAnchor::Listen));
+    scope->WhenConnected(BindWeak(AsWeakPtr(), &EventBindListener::Listen));
   }
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
 

@@ -1,4 +1,4 @@
-#include "BindLink.h"
+#include "DataBindListener.h"
 
 #include <set>
 
@@ -9,37 +9,39 @@
 
 namespace DataBinding::details {
 
-BindLink::BindLink(BindConnection& listeningConnection, IDataSourceProvider& listenedScope)
+DataBindListener::DataBindListener(BindConnection& listeningConnection,
+                                   IDataSourceProvider& listenedScope)
     : connection(listeningConnection),
       scope(&listenedScope),
       scopeLiveness(listenedScope.GetLiveness()) {}
 
-BindLink::~BindLink() {
+DataBindListener::~DataBindListener() {
   isListening = false;
   if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
 }
 
-void BindLink::Await(IDataSourceProvider& connecting) {
-  connecting.WhenConnected(BindWeak(AsWeakPtr(), &BindLink::Resume));
+void DataBindListener::Await(IDataSourceProvider& connecting) {
+  connecting.WhenConnected(BindWeak(AsWeakPtr(), &DataBindListener::Resume));
 }
 
-void BindLink::Resume() { connection.Resume(); }
+void DataBindListener::Resume() { connection.Resume(); }
 
-void BindLink::Listen(bool isSourceWanted) {
+void DataBindListener::Listen(bool isSourceWanted) {
   std::set<VtrString> names;
   if (isSourceWanted) names.insert(connection.SourceName());
   scope->AddDataListener(this, names, true);
-  // Names that cannot be had here are passed on to the outer scopes, which have links of their own.
+  // Names that cannot be had here are passed on to the outer scopes, which have listeners of their
+  // own.
   if (IDataSourceProvider* outer = scope->GetParent()) outer->RemoveDataListener(this);
   if (isSourceWanted) Know(scope->GetLocalDataSourceInstance(connection.SourceName()));
   isListening = true;
 }
 
-bool BindLink::HasCategory(const VtrString& category) const {
+bool DataBindListener::HasCategory(const VtrString& category) const {
   return scopeLiveness.IsValid() && details::HasCategory(*scope, category);
 }
 
-void BindLink::ConnectToDatasource(IDataSource* added) {
+void DataBindListener::ConnectToDatasource(IDataSource* added) {
   if (!isListening) return;
   // The first source of a name keeps it; a new one cannot be found by its name yet.
   const VtrString& name = connection.SourceName();
@@ -48,22 +50,23 @@ void BindLink::ConnectToDatasource(IDataSource* added) {
   connection.Update();
 }
 
-void BindLink::DisconnectFromDatasource(IDataSource* going) {
+void DataBindListener::DisconnectFromDatasource(IDataSource* going) {
   if (isListening && going == source) Lose();
 }
 
-void BindLink::NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) {
+void DataBindListener::NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) {
   if (isListening) connection.CutAt(*this);
 }
 
-void BindLink::Know(IDataSource* newSource) {
-  sourceEnding = newSource == nullptr
-                     ? Subscription()
-                     : newSource->AddOnDestroyHandler(BindWeak(AsWeakPtr(), &BindLink::Lose));
+void DataBindListener::Know(IDataSource* newSource) {
+  sourceEnding =
+      newSource == nullptr
+          ? Subscription()
+          : newSource->AddOnDestroyHandler(BindWeak(AsWeakPtr(), &DataBindListener::Lose));
   source = newSource;
 }
 
-void BindLink::Lose() {
+void DataBindListener::Lose() {
   Know(nullptr);
   connection.Update();
 }

@@ -3,7 +3,6 @@
 #include <cassert>
 #include <utility>
 
-#include "Change.h"
 #include "DataBinding/datasource/DataSourceProvider.h"
 #include "DataBinding/datasource/IDataListener.h"
 #include "DataBinding/datasource/IDataSource.h"
@@ -11,6 +10,7 @@
 #include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/registrar/IDataSourceRegistrar.h"
 #include "KeptName.h"
+#include "ProviderCalls.h"
 
 namespace DataBinding {
 
