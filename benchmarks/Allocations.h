@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Counts what a benchmark allocates, by the operators new of the whole process.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// From a property that is set to the function that shows it.
 ///
 /// A peer holds a property and a function joined to it: Set(number) sets the one, and Shown() is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Announcing: to more and more listeners, one of more and more names, from two threads.
 #pragma once
 

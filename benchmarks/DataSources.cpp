@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Finding data sources by name: the library's provider beside plain maps.
 
 #include <map>

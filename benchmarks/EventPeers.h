@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Queues of named events side by side: the library and what one would use in its place.
 ///
 /// A peer has Subscribe(name), Raise(name, reading), Dispatch() and, where it can replace the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Queued events: raising, replacing, delivering.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Queues of events that are there wherever the benchmarks are built.
 
 #include <cstddef>

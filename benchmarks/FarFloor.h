@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The loop of Floor in a module of its own, linked as the library is.
 ///
 /// Where a processor's branch predictor keeps short distances only, a call into another module

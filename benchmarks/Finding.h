@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Finding one of many sources by its name.
 ///
 /// A peer is made with the names of the sources, finds by its Name, and answers something that is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // GLib's idle sources in the place of the library's queue.
 
 #include "EventWorkloads.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// GObject's signals and property notifications in the place of the library's broadcaster.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the steps of one provider grow with its sources, its listeners and the depth of its tree.
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What objects and listeners hold, in bytes.
 ///
 /// Counted by the C library itself, so that it does not matter how a peer allocates: the bytes of

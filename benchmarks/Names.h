@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Property names by the thousand, all of twelve characters, and the order in which to use them.
 ///
 /// Deterministic, so that every peer gets the same names in the same order.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What is measured side by side: the library and others that do the same, under one interface.
 ///
 /// A peer that announces has

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's typed properties, and those that one writes by hand.
 
 #include "Properties.h"

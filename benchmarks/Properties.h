@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Properties that hold a number and announce its changes.
 ///
 /// A peer has a Handle, Register(listener), Set(number) and, where it is found by name, Get(): both

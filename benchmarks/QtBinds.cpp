@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Qt's bindings, and its search for objects by name.
 
 #include "Binds.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Qt's posted events and queued connections in the place of the library's queue.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Qt's signals, bindable properties, declared and dynamic properties in the place of the
 /// library's broadcaster and properties.
 #pragma once

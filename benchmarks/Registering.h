@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Registering and cancelling, beside others and on a new object.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Scopes with data sources in them, for what is measured on whole trees of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// libsigc++ in the place of the library's broadcaster. Its signals know nothing of threads.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Peers that announce and are there wherever the benchmarks are built.
 
 #include "Signals.h"

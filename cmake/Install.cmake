@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The installed package: library, headers, CMake package and pkg-config file. All of it finds its
 # parts relative to itself, so that an installed tree can be moved.
 

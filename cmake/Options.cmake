@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What a builder can choose, and the settings that the project's own targets share.
 
 option(DATABINDING_FAULT_GUARD "Survive hardware faults in property listeners" ON)

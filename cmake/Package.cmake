@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Debian packages, made by cpack: libdatabinding<major>, which programs depend on, and
 # libdatabinding-dev, which they are built with. `./dev package` makes them of a release build.
 

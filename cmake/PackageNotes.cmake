@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Gives each Debian package the notes that Debian wants in a folder of the package's name.
 # cpack runs this when the files of all packages lie ready, each in the folder of its component.
 

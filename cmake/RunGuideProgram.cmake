@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Runs the program of a page of the guide, and fails where it prints anything but what the page shows
 # in its ```text block. Takes page, program and, for programs of other systems, emulator.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Compares what the shared library exports, on Linux and on Windows, with cmake/exports.txt.
 
 usage: check-exports.py [--write] <shared object> <DLL>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks that the documents show what is there; prints each violation and exits 1 where it finds any.
 
 - Every program examples/guide/<name>.cpp has its page docs/guide/<name>.md, or docs/<name>.md, and

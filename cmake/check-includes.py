@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks who includes whom; prints each violation and exits 1 where it finds any.
 
 - Every subsystem includes only the subsystems that ALLOWED grants it.

@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks the shape of the sources; prints each violation and exits 1 where it finds any.
 
 - A file has at most 400 lines, unless LONGER names it and says why.
-- A header has `#pragma once`; a public header opens with a `///` banner of 5 to 12 lines before it;
-  Fwd.h only declares names, and a line will do.
-- README's C++ example is examples/readme.cpp, which the build compiles.
+- Every file opens with the line that names its licence.
+- A header has `#pragma once`; a public header has a `///` banner of 5 to 30 lines before it; Fwd.h
+  only declares names, and a line will do.
+- README's C++ example is examples/readme.cpp, which the build compiles, without that first line.
 - The name of a test is PascalCase without underscores, its body has at most 25 lines, and no test
   is left disabled or skipped.
 """
@@ -17,6 +19,8 @@ ROOT = Path(__file__).resolve().parent.parent
 FOLDERS = ("include", "src", "tests", "stress", "fuzz", "examples", "benchmarks")
 MOST_LINES = 400
 MOST_TEST_LINES = 25
+MOST_BANNER_LINES = 30
+LICENCE = "SPDX-License-Identifier: Apache-2.0"
 
 # Files that are longer for a reason: path -> reason.
 LONGER = {}
@@ -42,12 +46,13 @@ def check_header(file, lines):
     if "#pragma once" not in lines:
         report(file, "no #pragma once")
     elif file.is_relative_to(ROOT / "include"):
-        banner = 0
-        while lines[banner].startswith("///"):
-            banner += 1
+        banner = lines.index("#pragma once") - 1
         least = 1 if file.name == "Fwd.h" else 5
-        if not least <= banner <= 12:
-            report(file, f"its banner has {banner} lines, not {least} to 12")
+        if not least <= banner <= MOST_BANNER_LINES:
+            report(file, f"its banner has {banner} lines, not {least} to {MOST_BANNER_LINES}")
+        for line in lines[1:banner + 1]:
+            if not line.startswith("///"):
+                report(file, f"between its licence and #pragma once stands: {line}")
 
 
 def check_tests(file, text):
@@ -63,7 +68,8 @@ def check_tests(file, text):
 def check_readme():
     shown = re.search(r"```cpp\n(.*?)```", (ROOT / "README.md").read_text(encoding="utf-8"), re.DOTALL)
     example = ROOT / "examples" / "readme.cpp"
-    if shown is None or shown.group(1) != example.read_text(encoding="utf-8"):
+    lines = example.read_text(encoding="utf-8").splitlines(keepends=True)
+    if shown is None or shown.group(1) != "".join(lines[1:]):
         report(example, "README.md does not show it as it is")
 
 
@@ -74,6 +80,8 @@ def main():
         text = file.read_text(encoding="utf-8")
         lines = text.splitlines()
         check_length(file, lines)
+        if not lines or lines[0] != f"// {LICENCE}":
+            report(file, f"its first line is not // {LICENCE}")
         if file.suffix == ".h":
             check_header(file, lines)
         if file.is_relative_to(ROOT / "tests"):

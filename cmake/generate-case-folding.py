@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes src/foundation/CaseFoldingTable.h from Unicode's CaseFolding.txt.
 
 Usage: generate-case-folding.py /usr/share/unicode/CaseFolding.txt > CaseFoldingTable.h
@@ -37,6 +38,7 @@ def rows(pairs):
 
 
 entries = list(foldings(sys.argv[1]))
+print("// SPDX-License-Identifier: Apache-2.0")
 print("/// Unicode %s simple case folding. Made by cmake/generate-case-folding.py; not edited by hand." % entries[0][0])
 print("#pragma once\n\n#include <cstdint>\n")
 print("namespace VtrPlatform::details {\n")

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Builds with the newest Clang that is installed with libc++, its own C++ library.
 #
 # Debian's newest Clang may come with the headers and the static library of its libc++ beside the

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Builds for 64-bit Windows with Debian's MinGW g++, and runs what was built under Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Shows the library's objects in GDB by what they mean: names as text, properties with their
 values, data sources with their properties, providers with their sources.
 

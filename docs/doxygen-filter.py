@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Shows Doxygen a public header as its readers take it; prints the header, line for line.
 
 - The banner that a header opens with documents the class that the header is named after, or the
@@ -56,6 +57,7 @@ def main():
     path = Path(sys.argv[1])
     text = path.read_text(encoding="utf-8")
     lines = EXPLICIT.sub(lambda match: "\n" * match[0].count("\n"), text).splitlines()
+    lines = lines[1:]  # the licence, whose line is printed empty
     size = next((number for number, line in enumerate(lines) if not line.startswith("///")), 0)
     banner, rest = lines[:size], lines[size:]
     place = main_compound(rest, path.stem)
@@ -66,6 +68,7 @@ def main():
         lines = rest[:place - 1] + banner + ["///"] + rest[place:]
     else:
         lines = rest[:place] + banner + rest[place:]
+    print()
     for line in lines:
         print("" if COMPILER_ONLY.match(line) else INDENTED.sub(r"\1       \2", line))
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Formatting: any format with a number, a text and a real number, and single conversions against
 /// the C library.
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the fuzz targets share.
 ///
 /// Each <Target>.cpp defines CheckInput, which aborts where something does not hold of the input.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the system monitor reads in /proc, as a whole and with the input as a process's name, and
 /// how it shows such a name.
 #include <clocale>

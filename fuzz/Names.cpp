@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Lists of names: one line is split, announced, and taken for categories with those of the next.
 #include <set>
 

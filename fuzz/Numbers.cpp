@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Texts that a user types as the value of a property.
 #include <cmath>
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Checks each file of a folder, for compilers without a fuzzer.
 #include <filesystem>
 #include <fstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// UTF-8 to wide text and back, of any bytes and any wide units; and how two such texts compare.
 #include <bit>
 #include <cstdint>

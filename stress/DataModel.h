@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the data half of the library is to do, written down as plainly as it can be: sources,
 /// providers and listeners are numbers in maps, and every question is answered by searching.
 #pragma once

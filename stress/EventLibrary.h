@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The library's side of the event scripts: carries each operation out and notes what it brings.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the event half of the library is to do, written down as plainly as it can be.
 #pragma once
 

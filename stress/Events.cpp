@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "EventLibrary.h"
 #include "EventModel.h"
 #include "Subjects.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the scripts of the event half are about: the operations, and the names that they use.
 #pragma once
 

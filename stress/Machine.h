@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the program asks of the machine that it runs on.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // psapi.h needs what windows.h declares.
 // clang-format off
 #include <windows.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Half of the scripts have seeds that are always the same, the others random ones; all random where
 // there is a time. Scripts run in a child process, so that a crash is shrunk like a wrong answer.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the scripts of properties and binds are about: the operations, and the names that they use.
 #pragma once
 

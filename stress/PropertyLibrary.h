@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The library's side of the scripts of properties and binds.
 #pragma once
 

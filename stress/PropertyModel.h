@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What properties and binds are to do, written down as plainly as it can be: who is told of a
 /// change, and in which order.
 #pragma once

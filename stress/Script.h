@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Random scripts of operations, played to the library and to a plain model of it side by side.
 ///
 /// A script is a sequence of numbers, each of which decodes into one operation, so that generating,

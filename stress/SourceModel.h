@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What sources are to do by themselves: keep their values and call those who listen to them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What there is to be stressed, for the program that does it.
 #pragma once
 

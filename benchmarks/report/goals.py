@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The table of goals: a workload, what it is compared with, and the largest ratio."""
 
 from typing import NamedTuple

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Runs the executable of the benchmarks and keeps what it measures."""
 
 import itertools

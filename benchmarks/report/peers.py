@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What is measured beside the library: how each peer is called, drawn and to be understood."""
 
 from typing import NamedTuple

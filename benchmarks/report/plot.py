@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Draws the cost of peers against a growing number, on logarithmic axes, as SVG.
 
 The colours are of middling lightness, so that they can be told apart on white and on black alike;

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Why a peer that is safe in the use of threads is ahead, where it is, as a profile shows it.
 
 By the sweep's slug and the peer; a peer of None stands for all others of the sweep.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The sweeps: one workload for all its peers, over a growing number of something."""
 
 from typing import NamedTuple

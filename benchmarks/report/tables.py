@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Turns measurements into Markdown: the table of goals, and one for each sweep."""
 
 import math

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A system monitor: the library's data sources, scopes, events and binds at work on live figures.
 ///
 ///   system   reads the machine                      plain structs, on a thread of their own

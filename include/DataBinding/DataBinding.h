@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Everything that the library offers.
 ///
 /// Data sources publish properties, providers find sources by name, listeners hear of changes. The

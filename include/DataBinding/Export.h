@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Marks what the shared library exports.
 ///
 /// DATABINDING_BUILD is defined while the library itself is built, DATABINDING_STATIC when it is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Names of the library's classes, for headers that only pass them through.
 #pragma once
 

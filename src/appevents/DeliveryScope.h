@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A delivery under way: knows whether its broadcaster was released meanwhile.
 ///
 /// Stands on the stack of the delivering thread; scopes of one broadcaster nest.

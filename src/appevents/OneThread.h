@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What only one thread may be inside at a time, though another one at another time.
 ///
 /// Debug builds of the library check it; others do nothing. A thread may enter again while it is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The queue of an event broadcaster: entries in order of arrival, with an index by name.
 ///
 /// Replacing the newest entry of a name puts the new event into that entry and links the entry to

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The runtime's record of the exceptions that a thread is handling. A jump out of a catch block
 /// leaves it as it was inside: whoever jumps keeps a copy and puts it back.
 #pragma once

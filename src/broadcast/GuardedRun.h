@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Runs the listeners of one broadcast so that what one of them throws, or the hardware fault that
 /// it causes, costs that listener only.
 ///

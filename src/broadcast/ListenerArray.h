@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The listeners of one property: one block of memory, in order of registration.
 ///
 /// A broadcast runs the first `count` listeners of the array that it pinned and writes nothing to

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Keeps a listener array as it is for as long as a broadcast runs it.
 ///
 /// The pin stands in the thread's record, so that pinning writes no shared memory. A writer that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Property names and their listener arrays: an open-addressing table keyed by the sampling hash,
 /// with linear probing and backward-shift deletion (Knuth, TAOCP 3, 6.4, algorithm R).
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What each thread says of the broadcasts that it is in: one record a thread, in cache lines of
 /// its own, written by that thread and read by writers of any registry.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The thread's end is told by fiber-local storage, which hands the record over. A thread_local
 // owner would not do: MinGW frees thread-local memory before destructors run, and keeps the library
 // loaded for the sake of a thread that has one.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The reader/writer lock of a listener registry. A reader marks its thread's record only; a writer
 /// announces itself and waits until no record shows a reader of this lock.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The registry behind a broadcaster and its copies: listeners by property.
 ///
 /// Owned in common by the broadcasters (owners); it empties itself, under its lock, when the last

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Which sources are being built on this thread, to answer constructors that ask for each other.
 ///
 /// A constructor that asks its scope for further sources has these built first. When one of them

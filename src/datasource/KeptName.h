@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A name that must stay while others are called: a copy of a text that may not.
 ///
 /// Where there is no memory for the copy it is the text itself, for those who must be told all the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// How a provider changes its sources and listeners, and marks what is under way.
 ///
 /// While it calls listeners it must not be changed; those who would do so leave a callback, which

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a provider wires listeners to sources: sources come and go, listeners wait for them by name.
 
 #include <cassert>

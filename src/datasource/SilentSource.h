@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Debug builds' word on sources that nobody will ever hear, because they were not
 /// post-constructed.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Unicode 15.0.0 simple case folding. Made by cmake/generate-case-folding.py; not edited by hand.
 #pragma once
 

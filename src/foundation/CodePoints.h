@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Reads and writes characters of wide strings: UTF-16 where wchar_t has 16 bits, else UTF-32.
 ///
 /// Anything that is no Unicode character (a lone surrogate, a value past U+10FFFF) reads as U+FFFD.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "DataBinding/foundation/StringSplit.h"
 
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A data bind's listener in one scope: it knows which source has the bind's name there.
 ///
 /// The connection owns one listener for each scope from its own outward. A listener hears of its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// An event bind's listener in its scope. It waits for no source: it hears of the end of the scope,
 /// and lets Diagnose find the bind.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Tells why a bind or a listener does not show what it names.
 ///
 /// Walks scopes and their sources, and looks into the registrar, but never has a source built; for

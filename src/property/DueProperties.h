@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The properties that one thread is about to announce, of all announcements that are under way on
 /// it: those of the innermost announcement first, within it those of the lesser turn.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Announces the changed properties of a source, and whatever is computed from them in any source.
 ///
 /// A property is in one of three places. It is *noted* by its source when it has changed; *due*

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Events and listeners that note what happens to them, and a fixture that gives each test a
 /// broadcaster and a registrar of its own.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A shared library or plug-in, loaded for as long as an object of this class lives.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// This program is not linked with the library: it loads and unloads it, alone and under a plug-in.
 #include <cstdlib>
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the plug-in's files know of each other.
 #pragma once
 

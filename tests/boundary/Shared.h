@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the modules of the boundary tests know of each other: a value type, a singleton, and the
 /// functions through which the test drives them.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Ways to fault, and how the guard names them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A broadcaster for tests, with its protected query in the open.
 ///
 /// Names are passed as literals; log listeners write their mark into a text that tests compare.

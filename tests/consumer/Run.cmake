@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Comes by the library in one of the ways that a stranger's project has, then builds and runs the
 # consumer with it. -D way= is one of
 #   installed     cmake --install of the library just built, to a folder that is moved afterwards

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes a data source, finds it by name, hears of a change and raises an event, with the installed
 // package alone.
 #include <DataBinding/DataBinding.h>

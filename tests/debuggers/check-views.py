@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks the debugger views; prints what is wrong and exits 1 where anything is.
 
 Usage: check-views.py <gdb> <program built of tests/consumer/main.cpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A data source for binds, and a note of what a bind's subscriber sees.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Runs scenes again and again, each time with another one of their allocations failing.
 ///
 /// A scene is made of steps. The step in which the allocation fails throws std::bad_alloc, or says

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Counts the allocations of a test executable and of the library, and makes one of them fail.
 ///
 /// Executables that link the target test_allocations have their operators new and delete replaced.

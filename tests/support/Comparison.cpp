@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A wmemcmp that is compiled with the tests and takes the place of the C library's, which compares
 // names where neither the address sanitizer nor Valgrind looks: here both see a name that has
 // ended.

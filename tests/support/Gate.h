@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Lets threads go on together, any number of times. It watches instead of sleeping: the condition
 /// variable behind MinGW's std::barrier may miss its wake-up.
 #pragma once

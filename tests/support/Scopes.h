@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Sources, listeners and constructors that note what happens to them, and a fixture around them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What stands between a reading of the system and the figures on the screen.
 #include <chrono>
 #include <string>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Runs the monitor as users do, and compares what it reports with what this machine says of itself.
 
 usage: check-report.py <command...>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The idle pass in GLib's loop, which has a picture to draw all the time.
 #include <glib.h>
 

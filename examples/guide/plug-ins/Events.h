@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What host and plug-in say to each other.
 #pragma once
 

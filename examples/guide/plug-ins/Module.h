@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A module loaded at run time, for as long as an object of this class lives.
 ///
 /// It throws std::runtime_error where the module or a function of it is not to be had. Whatever

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The newest events, in order of delivery, in the vocabulary that model and views share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The limits of alarms, as anybody finds them who knows no more than the source's name.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Figures that carry their unit in their type.
 ///
 /// This is the vocabulary that the model and the views share: whoever finds a property by its name

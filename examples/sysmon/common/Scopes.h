@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// How a view finds its way: values by name, sources by scope, scopes by category.
 #pragma once
 

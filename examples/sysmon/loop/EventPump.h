@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Brings the events that any thread raises to a loop: something to wait for, which becomes ready
 /// when some are queued, and the delivery of them.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The loop of the program: delivers events, draws, and obeys keys and signals.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the world outside asks of the program by signals, or on Windows by console events, as
 /// requests that a loop meets among its other input.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What a loop waits for: the things that become ready, one that any thread makes so, and the
 /// waiting itself.
 #pragma once

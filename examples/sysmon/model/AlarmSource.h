@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The data source of the alarms: limits that anybody may set, and whether each is reached.
 ///
 /// The limits of processors and memory are percentages. A limit's alarm bears its name; it is shown

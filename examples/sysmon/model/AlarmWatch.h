@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Compares what is measured with the limits of the "Alarms" source, and raises an event when one
 /// is crossed, be it that a measurement or that a limit has changed.
 #pragma once

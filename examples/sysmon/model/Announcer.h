@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Turns readings of the system into events: measurements, and what has happened between two.
 ///
 /// It remembers the reading before, and is used by one thread at a time, whichever that is: events

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Writes each event that is delivered into a log, with its arguments.
 #pragma once
 

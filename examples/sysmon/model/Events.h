@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The events of this program, each declared once for those that raise it and those that hear it.
 ///
 /// The sampling thread raises the measurements, of which only the latest counts, and beside them

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The model: publishes the machine below a root scope, and follows the measurements of it.
 ///
 ///   root       "root"       Host, Cpu, Memory, Load

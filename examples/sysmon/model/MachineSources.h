@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The data sources of the root scope: what there is to know of the machine as a whole.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Holds the measurements back, so that everything shown of them stays as it is, until it is over
 /// or ends: the newest of each is delivered then. What has happened is told all the while.
 #pragma once

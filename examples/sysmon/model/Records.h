@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The latest samples of what the scopes are about: the machine, one of its processes, one of its
 /// network interfaces. The data sources of a scope show its record, which is its data context.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A data source whose properties follow a record, which listeners to events write.
 ///
 /// It is built on demand, reads its record at once, and again whenever it is refreshed. The model

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The thread that reads the system at each tick and has an announcer raise what it finds.
 ///
 /// It begins at once. Whoever delivers the events outlives it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What is known of the machine and its parts at one moment: readings, and what only two of them
 /// together can tell.
 ///

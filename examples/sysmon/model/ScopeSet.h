@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The child scopes of one category: one for each thing of a kind that the system has.
 ///
 /// A scope is made when its thing is first reported, with a record of it as data context, and ended

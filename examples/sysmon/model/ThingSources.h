@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The data sources of the child scopes: what there is to know of one process or one network
 /// interface. They find their record as the data context of the scope that they are built in.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Tells when a measured value comes to reach a limit and when it stays below it again, whichever
 /// of the two moved.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Parsers of the texts that Linux keeps in /proc.
 ///
 /// They read any bytes: what is missing, torn or not understood is left out or stays zero. Text in,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The state of the machine as plain figures, however the operating system tells them.
 ///
 /// A reading is a snapshot. Counters and times only grow, so what happened between two readings is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Reads /proc and /sys. Every file is optional: processes end and interfaces go while they are
 /// being read, and a container may hide any of it.
 #include <fcntl.h>

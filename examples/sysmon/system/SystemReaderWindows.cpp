@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Asks Windows. What it does not tell stays empty or 0: load averages, the states of processes,
 /// their command lines, times of waiting. A process that this user may not open has a name and an
 /// id only.

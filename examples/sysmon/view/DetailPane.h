@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Everything that the sources of one scope publish, live, whatever it is: sources are listed by
 /// the registrar, their properties by reflection.
 #pragma once

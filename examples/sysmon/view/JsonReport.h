@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The whole tree of scopes as JSON, found by walking it, and the log of events: no name of a
 /// source, property or event is known here.
 ///

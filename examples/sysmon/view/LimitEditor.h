@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A line in which the limit of an alarm is edited: a widget, joined to the limit by its name.
 ///
 /// What is refused stays in the line, with the reason beside it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The newest events, one in a line: what has happened alone, or the measurements too.
 #pragma once
 

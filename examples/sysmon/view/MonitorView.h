@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The whole screen: the summary, the interfaces, the processes, the details of one process, and
 /// the log of events.
 ///

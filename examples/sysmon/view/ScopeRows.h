@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A sorted row of values for each child scope of a category, as the scopes come and go.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The machine as a whole, in five lines: a watch on the sources of the root scope.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What views draw on: lines of character cells, of a terminal or of a printed page.
 ///
 /// Views write a text only when it has changed; the surface counts the cells, so that this can be

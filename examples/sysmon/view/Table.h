@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Shows rows of scopes below a line of titles, with one of them chosen, and redraws those cells
 /// only whose value or row has changed.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The terminal, or the console of Windows, as a surface and a source of keys. It is put back as it
 /// was when this ends.
 ///

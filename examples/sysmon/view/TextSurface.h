@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A page of text on standard output, printed whole each time it is shown: for pipes and files.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The current values of some named properties of a scope, and which of them have changed.
 ///
 /// It is connected to each source when that appears, building it if it can be built, and holds

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A named application event with its signature: a value, declared once in a header and used by
 /// every module that includes it.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The base of objects that listen to application events.
 ///
 /// A subclass says in InitEventMap which events it wants, with On; the map is turned into

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// One line of a listener's event map: an event that it wants, and how to subscribe to it.
 ///
 /// AppEventListener::On makes them; a listener may add kinds of its own to its map, which owns

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The engine behind application-wide named events: a queue that any thread fills and one thread,
 /// the delivering thread, empties on the application's idle pass.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Holds an event back for the length of a block: while it lives the name is disabled, and the
 /// newest event of it is kept.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The event broadcaster of the application: one in the process, whichever modules use it.
 ///
 /// Beside what every broadcaster does it has hooks, which see all events with their arguments, for

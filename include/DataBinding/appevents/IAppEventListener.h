@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the registrar sees of a listener to application events.
 ///
 /// It fills its event map when it is first needed, subscribes what the map says, and unsubscribes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Joins the event broadcaster to the application's message loop: wakes the loop when events are
 /// queued, and delivers them when the loop is idle.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The lock of an event broadcaster's queue.
 ///
 /// A critical section: recursive, tried first, then spun upon, then waited for. The broadcaster

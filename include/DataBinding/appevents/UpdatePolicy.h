@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Ties an event broadcaster to the application's idle pass.
 ///
 /// One callback in the process, the UpdateUI callback, tells the application that events wait: its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Knows every activated listener to application events, and subscribes each as late as it may.
 ///
 /// A listener that is added waits until the next flush, which comes before the next event is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Property-change notification: callbacks registered for a property name are run when somebody
 /// announces a change of exactly that name.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What happens to a property listener that throws or faults: it is skipped and the next one runs.
 ///
 /// C++ exceptions are always caught. Hardware faults (access violations, divisions by zero, illegal

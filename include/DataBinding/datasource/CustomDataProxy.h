@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Typed access to the values that an application attaches to a provider.
 ///
 /// A key pairs an identifier with the type of its value. Values are not owned and are looked up

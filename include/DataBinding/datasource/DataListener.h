@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A listener that runs callbacks when named properties of named data sources change, without
 /// holding the sources.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The base from which client modules derive their data sources.
 ///
 /// A source is built, given its provider, post-constructed, and handed to a provider that owns it

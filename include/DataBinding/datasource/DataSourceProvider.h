@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The provider that the library itself builds: see IDataSourceProvider for what it does.
 ///
 /// Re-entrancy: from inside its ConnectToDatasource or DisconnectFromDatasource a listener must not

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What a provider sees of a listener: it is connected to sources, disconnected from them, and told
 /// when its provider goes.
 ///

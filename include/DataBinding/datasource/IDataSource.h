@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A named object that publishes properties (IReflectable) and announces their changes
 /// (IBroadcaster).
 ///

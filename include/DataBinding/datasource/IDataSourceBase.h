@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// An empty marker base through which an application reaches its own data source classes.
 ///
 /// A concrete data source returns this part of itself from GetDataSourceBaseImpl; the application

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// One scope in a tree of scopes in which data sources are found by name.
 ///
 /// A name is answered by the sources that were added here, then by building the source from a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Makes data sources so that nothing is forgotten, and hands them to scopes and back so that
 /// somebody owns them at any time.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A data source that is told its name: the shortest way to write one.
 ///
 ///   class Thermostat : public NamedDataSource {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A DataListener that leaves its scope by itself when it is given another one.
 ///
 /// Give it a provider to enter a scope, another one to move there, null to leave. Given its own

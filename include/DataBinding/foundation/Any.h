@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A type-erased value, the form in which events carry their arguments to those who do not know
 /// their signature.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// BindWeak: a callable that runs a method of an object for as long as the object lives. This is
 /// the safe way to give a callback its `this`: a Subscription that is cancelled in the midst of an
 /// announcement does not take back the call that the announcement is still to make.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Typed callbacks over any callable: RepeatingCallback, copied freely and run many times, and
 /// OneShotCallback, moved and run once.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A signal with typed arguments: an ordered list of callbacks, called often and changed seldom.
 ///
 /// One thread adds, calls and ends; subscriptions may be cancelled on any thread. A call runs, in

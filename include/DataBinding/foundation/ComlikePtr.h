@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// An owning pointer to an object that counts its own references, and the base that counts them.
 ///
 /// A comlike_ptr made from a raw pointer takes over one existing reference, which a new object has;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A recursive lock for short sections: tries, spins for a while, and only then blocks.
 ///
 /// The thread that holds it may enter again and leaves as often. The system's own critical section

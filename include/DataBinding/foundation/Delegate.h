@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A two-word value, a context and a function, that is copied freely and called as
 /// function(context, arguments...).
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A multicast event: callbacks subscribe and are run, in order of subscription, when it is raised.
 ///
 /// A raise runs those that were subscribed when it began and still are when reached; one that

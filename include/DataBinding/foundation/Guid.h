@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A 16-byte identifier: plain data, ordered by its bytes as they lie in memory.
 ///
 /// On Windows GUID is the system's own structure of the same layout; elsewhere it is Guid.

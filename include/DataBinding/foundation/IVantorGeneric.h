@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// An object that can be asked for its interfaces by identifier, and the typed form of the
 /// question.
 ///

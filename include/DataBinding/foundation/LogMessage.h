@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A diagnostic message: text is streamed into it, and its end hands the text to the sink.
 ///
 /// Without a sink, which is how a process starts, messages go nowhere. The library emits none of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Keeps the callback of one registration from being called for a scope.
 ///
 /// It is made of the Subscription of a property, an event, a bind, a destruction handler or a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A base whose PostConstruct is run by the creator once construction is complete.
 ///
 /// An override does what needs the finished object, such as calling virtual operations, and calls

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// basic_safe_function: a callable passed by value and moved, never copied.
 ///
 /// Callables of up to Words pointers are kept inside it, larger ones on the heap. It is safe in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The hash of property names: reads at most ten characters of a name, evenly spread.
 ///
 /// Its cost is bounded however long a name is, at the price that long names which differ only

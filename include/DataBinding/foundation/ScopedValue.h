@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Gives a variable another value during a scope.
 ///
 /// The variable must outlive the scope, and gets its former value back however the scope is left.

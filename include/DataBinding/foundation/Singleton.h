@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Singleton<T, N>: one T in a process, shared by all modules that ask for it.
 ///
 /// T derives from it, and makes it a friend where its constructor or destructor is private; N only

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The process-wide bookkeeping of singletons: one entry a type, whichever modules ask for it.
 ///
 /// Entries are keyed by a copy of the type's name, so that they outlive the module that asked

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The wide string of every name: an immutable, shared, NUL-terminated run of characters.
 ///
 /// A string is one pointer. Copies share one counted buffer, so copying allocates nothing and

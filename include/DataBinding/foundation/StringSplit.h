@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Splits a list of names at a separator.
 ///
 /// Blanks are U+0020 and U+0009 to U+000D. With blanks trimmed and empty pieces dropped, as name

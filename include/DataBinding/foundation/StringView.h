@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A borrowed run of wide characters with its length: the parameter type of everything that only
 /// reads a name.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A registration's other end: while it lives the registration stands.
 ///
 /// Dropping it, assigning another over it or calling Cancel ends the registration, once. It may

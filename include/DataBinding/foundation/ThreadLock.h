@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A reader/writer lock with its two scope guards.
 ///
 /// Many readers or one writer. It is not recursive: a thread that holds it, for reading or for

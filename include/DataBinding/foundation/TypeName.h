@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Names of types, for messages and for telling types apart across modules.
 ///
 /// The texts are owned by whoever asks, so that they outlive the module that a type belongs to.

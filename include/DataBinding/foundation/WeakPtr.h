@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Weak pointers: they look at an object without keeping it, and know when it is gone.
 ///
 /// An object owns a WeakReferenceOwner, most easily through SupportsWeakPtr<T> or a WeakPtrFactory;

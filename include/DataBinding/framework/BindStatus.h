@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Whether a bind shows what it names, and if not, why.
 ///
 /// A plain value, taken when it is asked for: it does not follow the bind. The text is for people;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The kinds of binds, and the two names that leave a part of a bind open on purpose.
 ///
 /// A marker stands where a name is expected and says "nothing is meant to be bound here"; an empty

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// DataBind: one property of a data source, found by name and followed wherever it goes.
 ///
 /// Connected to a scope, the bind looks for its data source there and further out, beginning with

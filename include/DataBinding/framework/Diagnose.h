@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Diagnose: what every bind and listener of a scope tree shows, or why it shows nothing.
 ///
 /// For a debug window or a log, when a label stays empty. Takes a snapshot of plain values; builds

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// EventBind: a button's end of an application event. Its path is the event's name.
 ///
 /// Raise raises AppEvent<IDataContext*>(Path()) with the data context that the bind stands in.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// std::formatter for strings and results, where the compiler has `<format>`; nothing elsewhere.
 ///
 /// Strings and the texts of results are written as by `<<`, as UTF-8 in narrow formats, and take

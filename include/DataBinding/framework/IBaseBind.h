@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What every bind between a user-interface element and data knows: which data context it looks in,
 /// which data source there, and which path inside the data source.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A bind that carries a value, whatever its type: what lists and editors of binds need of it.
 ///
 /// Copying and moving take the names only, so a bind that was moved from stays as it was. Concrete

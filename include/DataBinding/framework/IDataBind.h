@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A bind that carries a value of type T: read it, set it, hear of its changes.
 ///
 /// Failures are values: where there is nothing to read or set, the answer says why. DataBind<T> is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A bind that raises an event, with the data context that it currently stands in.
 ///
 /// It may follow a data context that changes: it owns the bind whose value that context is, and

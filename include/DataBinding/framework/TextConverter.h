@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Converters between a bind's values and what a widget shows.
 ///
 /// A converter is a pair of functions and is copied with them. TextConverter<T> is the one between

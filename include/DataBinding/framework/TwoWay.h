@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// TwoWay: joins a bind to a widget that shows its value and lets the user edit it.
 ///
 /// The widget is a pair of functions. `write` is called at once and on each change of the bind;

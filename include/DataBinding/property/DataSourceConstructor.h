@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Registers a data source class, to be built on demand, for as long as this object lives.
 ///
 /// The name must be that of the sources it builds. A T is constructed from the provider where it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Finds and calls delegates by name, with their signatures checked, for code that does not know
 /// the source's class.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Typed properties: members of a data source that announce their own changes.
 ///
 /// Property<T> may be set by anybody, ReadOnlyProperty<T> only by its source (see Assign),

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Reads and sets properties by name, with their types checked, for code that does not know the
 /// source's class.
 ///

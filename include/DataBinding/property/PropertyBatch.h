@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A scope in which a source's changed properties are noted, to be announced at its end by one call
 /// of UpdateListeners each: those that were set, in order of their first change, then what is
 /// computed from them, in this source or others, in the order in which those properties were made.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A name that a property may bear: not empty, no comma, not "*", no blank at either end and no
 /// NUL, since names are sent in trimmed, comma-separated lists, which end at a NUL.
 ///

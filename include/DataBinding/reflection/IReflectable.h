@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// An object that publishes named members at run time: properties (a name with a type), delegates
 /// (a name with a type and a callback) and event sources (a name of type `void()`).
 ///

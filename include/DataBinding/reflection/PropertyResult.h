@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What comes of reading or setting a property, or of calling a delegate: the outcome, and a text
 /// for people where it failed.
 ///

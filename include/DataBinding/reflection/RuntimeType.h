@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Descriptors of the types of reflected members: runtime_type<T>, one static instance per T.
 ///
 /// A property's type is its value type, `const T` for one that only its source may write; a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The registrar itself. Applications reach it through IDataSourceRegistrar::GetInstance; tests
 /// make one of their own and install it for their duration.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Builds data sources of one name on demand.
 ///
 /// Client modules implement it, most easily by DataSourceConstructor<T>, and register it with the

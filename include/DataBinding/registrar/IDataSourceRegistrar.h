@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The process-wide catalogue of data source constructors, and the owner of the root provider.
 ///
 /// Names and categories are matched exactly, case included. Constructors and attached providers are

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The memory of raised events.
 ///
 /// Each thread keeps the blocks of events that ended on it, up to a bound, for the next ones that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What a process knows of an application event: its name, its signature, and a number that finds
 /// it in a table.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The part of a raised AppEvent that does not depend on its signature: how it is queued, held and
 /// delivered.
 ///

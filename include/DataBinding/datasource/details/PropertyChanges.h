@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The properties of one data source that have changed and wait to be announced, in order of their
 /// first change: while a PropertyBatch is open on the source, or while something that they are
 /// computed from waits.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What a callback is made of: a counted state with its functions, and the untyped callback bases.
 ///
 /// A state holds a target with its bound arguments. Its invoke function takes the state and the

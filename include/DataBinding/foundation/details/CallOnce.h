@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// A callback that is called once at most and ends its registration when it has been: what
 /// RegisterOnce and its like are made of.
 ///

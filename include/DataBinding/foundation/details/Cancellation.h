@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Lets a thread's cancellation through a catch block that would hold everything back.
 ///
 /// On glibc pthread_cancel and pthread_exit unwind the thread as an exception that must go on;

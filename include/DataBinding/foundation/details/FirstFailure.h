@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Runs the steps of a tear-down to the end, whatever they throw, and keeps the first exception.
 ///
 /// Allocates nothing of its own. Owns the exception that it keeps. For one thread.

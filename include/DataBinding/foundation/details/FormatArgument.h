@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// One argument of a formatted string, with its kind.
 ///
 /// Made implicitly from arithmetic values, enumerations, pointers and wide texts. Since the kind

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// Values by name, found in constant time however many there are, in no order.
 ///
 /// Names are told apart exactly, case included, and hashed by all their characters, so that names

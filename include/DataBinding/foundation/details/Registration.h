@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What the library's own subscriptions hold: the state of the callback that ends a registration,
 /// which can pause the registration and wait for its callback, too.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// The shared storage of a wide string: a count of owners, a length and a hash, then the
 /// characters.
 ///

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /// What all properties share: their data source, their name, and those that are computed from them.
 ///
 /// A property belongs to one data source and is a member of it. It files itself in the source's
