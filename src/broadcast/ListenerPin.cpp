@@ -30,8 +30,7 @@ void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& itsRegistry,
   }
   outer = std::exchange(innermostWithoutPlace, this);
   array->withoutPlace.fetch_add(1, std::memory_order_relaxed);
-  array->reports.fetch_add(1, std::memory_order_relaxed);
-  registry->AddKeeper();
+  registry->ExpectReport(*array);
 }
 
 std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& registry) noexcept {
@@ -39,13 +38,12 @@ std::uint32_t ListenerPin::HandOver(ListenerArray& array, WListenersImpl& regist
   for (auto* record = ReaderRecord::First(); record != nullptr; record = record->Next()) {
     for (auto& [pin, next] : record->pins) {
       if (pin.load(std::memory_order_acquire) != address) continue;
-      array.reports.fetch_add(1, std::memory_order_relaxed);
-      registry.AddKeeper();
+      // The exchange fails when the run has just ended. A run that sees the mark at its end reports
+      // under the write lock, which the caller holds, so it may be counted after the exchange.
       auto expected = address;
-      if (!pin.compare_exchange_strong(expected, address | ReaderRecord::handedOver,
-                                       std::memory_order_acq_rel)) {
-        array.reports.fetch_sub(1, std::memory_order_relaxed);  // it ended meanwhile
-        registry.DropKeeper();
+      if (pin.compare_exchange_strong(expected, address | ReaderRecord::handedOver,
+                                      std::memory_order_acq_rel)) {
+        registry.ExpectReport(array);
       }
     }
   }

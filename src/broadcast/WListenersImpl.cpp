@@ -160,8 +160,7 @@ WListenersImpl::Place WListenersImpl::KeepWhereCalled(std::uint64_t id, bool fen
 }
 
 WListenersImpl::Place WListenersImpl::Keep(ListenerArray& array, std::uint64_t id) noexcept {
-  array.reports.fetch_add(1, std::memory_order_relaxed);
-  AddKeeper();
+  ExpectReport(array);
   return {&array, array.Find(id)};
 }
 
@@ -192,6 +191,11 @@ void WListenersImpl::ChangeInAll(const Registered& listener, ListenerChange chan
   };
   if (IsRegistered(listener)) changeIn(*listener.entry->array);
   for (auto* array = retired; array != nullptr; array = array->nextRetired) changeIn(*array);
+}
+
+void WListenersImpl::ExpectReport(ListenerArray& array) noexcept {
+  array.reports.fetch_add(1, std::memory_order_relaxed);
+  AddKeeper();
 }
 
 void WListenersImpl::Report(ListenerArray& array) noexcept {

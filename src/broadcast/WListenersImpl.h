@@ -47,6 +47,9 @@ class WListenersImpl {
   void RemoveAndWait(Registered& listener);
   /// Pauses the listener or ends one of its pauses, by ListenerArray::Pause or Resume.
   void Pause(Registered& listener, ListenerChange change);
+  /// Counts a report that is due for an array, and the keeper that goes with it, so that neither the
+  /// array nor the registry is freed before that Report(). The caller holds the registry's lock.
+  void ExpectReport(ListenerArray& array) noexcept;
   /// The end of a broadcast whose pin was handed over; drops its report and its keeper.
   void Report(ListenerArray& array) noexcept;
 
