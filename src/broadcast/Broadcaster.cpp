@@ -28,7 +28,7 @@ WListenersImpl& Broadcaster::Listeners() const {
   if (existing != nullptr) return *existing;
   auto* const made = new WListenersImpl;
   if (registry.compare_exchange_strong(existing, made)) return *made;
-  made->DropOwner();  // another thread was first
+  made->DropOwner();  // another thread was faster, and its registry is used
   return *existing;
 }
 

@@ -1,20 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The runtime's record of the exceptions that a thread is handling. A jump out of a catch block
-/// leaves it as it was inside: whoever jumps keeps a copy and puts it back.
+/// Gives access to the C++ runtime's record of the exceptions that a thread is handling.
+///
+/// A long jump out of a catch block would leave this record as it was inside the block. The code
+/// that jumps therefore keeps a copy from before and puts it back.
 #pragma once
 
 #include <cxxabi.h>
 
 #if defined(_LIBCPPABI_VERSION)
 namespace __cxxabiv1 {
-// The ABI lays this function down, and the C++ library has it; its header just does not say so.
+// The ABI specifies this function, and the C++ library has it, but its header does not declare it.
 extern "C" void* __cxa_get_globals() noexcept;
 }  // namespace __cxxabiv1
 #endif
 
 namespace DataBinding::details {
 
-/// Laid out by the Itanium C++ ABI (2.2.2).
+/// Has the layout that the Itanium C++ ABI specifies (2.2.2).
 struct CatchState {
   void* caught;
   unsigned int uncaughtCount;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the part of the guard that is the same on all platforms: the loop that goes on
+// after a failure, the failure handler, and what a debug build shows where there is no handler.
 #include "GuardedRun.h"
 
 #include <algorithm>
@@ -19,10 +21,11 @@ using FailureHandler = RepeatingCallback<void(const ListenerFailure&)>;
 
 constinit std::atomic<bool> faultGuardOn{true};
 
-/// False while nobody is to be told: then a failure costs nothing but itself.
+/// While no handler is set, a failure takes no lock: this flag is looked at first.
 constinit std::atomic<bool> handlerIsSet{false};
 
-/// Who is told of failures. Never destroyed, since listeners may still run while the process ends.
+/// Holds the handler that is told of failures. The slot is never destroyed, because listeners may
+/// still run while the process ends.
 struct HandlerSlot {
   ThreadLock lock;
   FailureHandler handler DATABINDING_GUARDED_BY(lock);
@@ -32,7 +35,7 @@ HandlerSlot& Handler() {
   return *slot;
 }
 
-/// Calls `run` and then `failed`, within the catch block, if it throws.
+/// Calls `run`. If that throws, calls `failed` within the catch block.
 template <class Run, class Failed>
 DATABINDING_CATCHES_CANCELLATION void CatchAll(Run run, Failed failed) {
   try {
@@ -41,6 +44,7 @@ DATABINDING_CATCHES_CANCELLATION void CatchAll(Run run, Failed failed) {
   DATABINDING_PASS_CANCELLATION catch (...) { failed(); }
 }
 
+/// One call of the failure handler, which may fault or throw as well.
 struct Report {
   FailureHandler handler;
   ListenerFailure failure;
@@ -51,7 +55,7 @@ struct Report {
   }
 };
 
-/// False when the object that the handler is bound to has gone.
+/// Tells the handler. Returns false when the object that the handler is bound to has gone.
 bool Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t code) {
   HandlerSlot& slot = Handler();
   const auto current = [&] {
@@ -104,6 +108,7 @@ void ShowFirst(const VtrString& name, const std::exception_ptr& exception, std::
 
 #endif
 
+/// Calls the step until it returns without an exception.
 struct GuardedStep {
   void (*step)(void* context);
   void* context;

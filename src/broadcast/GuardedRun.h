@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Runs the listeners of one broadcast so that what one of them throws, or the hardware fault that
-/// it causes, costs that listener only.
+/// Runs the listeners of one broadcast so that an exception or a hardware fault of one listener
+/// ends that listener only.
 ///
-/// The guard is armed once for a whole broadcast and again after each fault. A step therefore keeps
-/// its own cursor, and moves it on before it calls a listener.
+/// Arming the guard costs more than a call does, so it is armed once for a whole broadcast and
+/// again after each fault. The guarded function is therefore called again after a failure, and has
+/// to know how far it has come: it keeps a cursor, which it moves on before it calls a listener.
 #pragma once
 
 #include <cstdint>
@@ -12,15 +13,16 @@
 
 namespace DataBinding::details {
 
-/// Calls the step again and again until it comes to its end. Failures are reported under the
-/// property's name. Lets nothing out but a thread's cancellation.
+/// Calls the step, and calls it again after each failure, until it returns. Failures are reported
+/// under the property's name. Only the cancellation of the thread leaves this function.
 void RunGuarded(void (*step)(void* context), void* context, const VtrString& property);
 
-/// Runs a function and answers 0, or the code of the hardware fault that ended it. The platform's
-/// part of the guard: catches no exceptions.
+/// Runs a function and returns 0, or the code of the hardware fault that ended it. This is the
+/// part of the guard that differs by platform. It catches no C++ exceptions.
 std::uint32_t RunTrapping(void (*run)(void* context), void* context);
 
-/// Runs a function whose faults no guarded run around it may catch.
+/// Runs a function with the guard off: its hardware faults are not caught, not even by a guarded
+/// run that this call is nested in.
 void RunUntrapped(void (*run)(void* context), void* context);
 
 }  // namespace DataBinding::details

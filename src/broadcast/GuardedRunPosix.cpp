@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// On POSIX a hardware fault arrives as a signal. A handler of the whole process looks whether the
+// faulting thread is in a guarded run, and jumps back to its beginning; other faults are passed on.
 #include <dlfcn.h>
 #include <pthread.h>
 #include <setjmp.h>
@@ -16,7 +18,8 @@ namespace DataBinding::details {
 
 namespace {
 
-/// Where a fault on this thread goes: one for each guarded run that it is in.
+/// The place to which a fault on this thread jumps. A thread has one trap for each guarded run that
+/// it is in; the innermost one catches.
 struct Trap {
   Trap() noexcept;
   Trap(const Trap&) = delete;
@@ -43,7 +46,7 @@ struct sigaction& FormerAction(int signal) noexcept {
   return formerActions[i];
 }
 
-/// Does what would have happened without the guard.
+/// Does what would have happened with the signal if the guard had not been there.
 void PassOn(int signal, siginfo_t* info, void* context) {
   const struct sigaction& former = FormerAction(signal);
   if ((former.sa_flags & SA_SIGINFO) != 0) {
@@ -51,7 +54,8 @@ void PassOn(int signal, siginfo_t* info, void* context) {
   } else if (former.sa_handler != SIG_DFL && former.sa_handler != SIG_IGN) {
     former.sa_handler(signal);
   } else if (former.sa_handler == SIG_DFL || info->si_code > 0) {
-    // The kernel ignores no fault. The instruction faults again when this returns.
+    // The kernel does not ignore a fault even where SIG_IGN is set. When this handler returns, the
+    // instruction faults again, and then the default action is taken.
     ::signal(signal, SIG_DFL);
     if (info->si_code <= 0) raise(signal);
   }
@@ -66,7 +70,7 @@ void OnFault(int signal, siginfo_t* info, void* context) {
   siglongjmp(trap->target, 1);
 }
 
-/// The handlers must not go away while they are installed.
+/// Pins the library, because the handlers stay installed and must not be unloaded.
 void KeepLibraryLoaded() {
   Dl_info library;
   if (dladdr(reinterpret_cast<void*>(&OnFault), &library) != 0) {
@@ -102,7 +106,7 @@ std::uint32_t RunTrapping(void (*run)(void*), void* context) {
 }
 
 void RunUntrapped(void (*run)(void*), void* context) {
-  Trap suspended;  // puts the outer trap back in force at its end
+  Trap suspended;  // its destructor puts the outer trap back in force
   innermostTrap = nullptr;
   run(context);
 }

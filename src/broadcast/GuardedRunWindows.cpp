@@ -10,8 +10,9 @@
 #include "CatchState.h"
 #endif
 
-// Structured exceptions end at a table-based frame. C++ exceptions travel as structured ones too
-// and pass: they were caught further in, or are not the guard's business.
+// On Windows a hardware fault is a structured exception, which a table-based frame catches. C++
+// exceptions travel as structured exceptions, too. The frame lets them pass: RunGuarded catches the
+// exceptions of this C++ runtime further in, and those of another are not the guard's business.
 
 namespace DataBinding::details {
 
@@ -19,7 +20,8 @@ namespace DataBinding::details {
 
 namespace {
 
-/// Guarded frames above this address, further out, do not catch: see RunUntrapped.
+/// Guarded frames above this address are further out than an unguarded run, and do not catch: see
+/// RunUntrapped.
 constinit thread_local std::uintptr_t barrier = UINTPTR_MAX;
 
 bool IsCppException(DWORD code) noexcept {
@@ -28,7 +30,7 @@ bool IsCppException(DWORD code) noexcept {
   return code == microsoft || (code & 0x00FFFFFF) == gcc;
 }
 
-/// What the debugger is to see first, and what only a debugger knows.
+/// True for breakpoints and single steps, which belong to the debugger.
 bool IsForDebugger(DWORD code) noexcept {
   return code == EXCEPTION_BREAKPOINT || code == EXCEPTION_SINGLE_STEP;
 }
@@ -46,7 +48,8 @@ bool IsToBeCaught(DWORD code, const void* frame) noexcept {
          !IsForDebugger(code);
 }
 
-/// A stack overflow uses up the page that tells of one. Without it, the next ends the process.
+/// Returns the code. A stack overflow uses up the guard page by which it was noticed; without that
+/// page the next overflow would end the process, so the page is put back.
 std::uint32_t Recovered(std::uint32_t code) noexcept {
   if (code == EXCEPTION_STACK_OVERFLOW) _resetstkoflw();
   return code;
@@ -70,7 +73,7 @@ std::uint32_t RunTrapping(void (*run)(void*), void* context) {
 
 #else
 
-// A frame that calls run(context) and answers 0, or what its handler unwound it with.
+// A frame that calls run(context). It returns 0, or the code with which its handler unwound it.
 extern "C" std::uint32_t DataBindingRunInFrame(void (*run)(void*), void* context);
 extern "C" const char DataBindingFrameEnd[];
 

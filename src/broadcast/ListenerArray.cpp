@@ -9,7 +9,8 @@ namespace DataBinding::details {
 
 namespace {
 
-/// Stands at holes and at null callbacks, so that a broadcast need not ask.
+/// Stands at holes, at null callbacks and at silenced listeners, so that a broadcast can call every
+/// position without a question.
 void RunNothing(const BindStateBase* /*state*/) {}
 
 Listener::Function Function(const BindStateBase& state) noexcept {

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The listeners of one property: one block of memory, in order of registration.
+/// The listeners of one property, in one block of memory, in the order of their registration.
 ///
-/// A broadcast runs the first `count` listeners of the array that it pinned and writes nothing to
-/// it. Writers hold the registry's write lock. They append in place, behind what running broadcasts
-/// look at; they change or free nothing that a pinned array shows. So a listener that is removed
-/// while the array is pinned stays in it, marked with the number of its removal: broadcasts that
-/// began before still run it, later ones skip it, and the last of the former sweeps it out. With no
-/// pin in the way it is taken out at once and leaves a hole that runs nothing; holes are closed
-/// when they outnumber the listeners. Removing never allocates.
+/// A broadcast pins the array, runs the listeners that the array had at that moment, and writes
+/// nothing to it. A writer holds the registry's write lock. It appends in place, behind the
+/// listeners that running broadcasts look at, and moves or frees nothing that they still see.
 ///
-/// One thing is changed under pins: the function of a listener that is paused, or ended for good,
-/// is exchanged for one that does nothing.
+/// So a listener that is removed while the array is pinned stays in it, marked with the number of
+/// its removal: broadcasts that began before the removal still run it, later ones skip it, and it
+/// is swept out at the end of the last broadcast that could see it. Without a pin the listener is
+/// taken out at once and leaves a hole, at which a broadcast runs nothing. Holes are closed when
+/// they outnumber the listeners. Removing never allocates.
+///
+/// Two things change under a pin: the mark, and the function of a listener that is paused or ended
+/// for good, which is exchanged for a function that does nothing. docs/how-it-works.md, "The
+/// broadcast protocol", states the invariants.
 #pragma once
 
 #include <atomic>
@@ -24,25 +27,27 @@
 
 namespace DataBinding::details {
 
-/// What a broadcast reads: one call.
+/// The function and the state that a broadcast calls for one listener.
 using Listener = VtrUtils::details::DirectCall;
 
-/// What writers know of the listener at the same position.
+/// Says which listener stands at a position, and whether it is registered.
 struct ListenerMark {
   static constexpr std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
   static constexpr std::uint64_t mostPauses = std::numeric_limits<std::uint32_t>::max();
   static constexpr std::uint64_t hole = 0;
 
   std::uint64_t id;
-  /// While the listener is registered, never less the number of its pauses; once its place is
-  /// empty, hole; else the number of its removal. Read by broadcasts while a writer sets it.
+  /// While the listener is registered: `never`, minus the number of its pauses. Once its place is
+  /// empty: `hole`. Otherwise the number of its removal. A broadcast calls the listener if this is
+  /// greater than the number of the last removal before the broadcast began. Broadcasts may read it
+  /// while a writer sets it.
   std::atomic<std::uint64_t> removal;
 };
 
 class ListenerArray {
  public:
   [[nodiscard]] static ListenerArray* Make(const VtrString& property, std::uint32_t capacity);
-  /// Releases the states that are still in it and frees the memory.
+  /// Releases the callbacks that are still in the array and frees the memory.
   static void Destroy(ListenerArray* array);
 
   ListenerArray(const ListenerArray&) = delete;
@@ -50,58 +55,61 @@ class ListenerArray {
 
   [[nodiscard]] const VtrString& Property() const noexcept { return property; }
   [[nodiscard]] const Listener* Listeners() const noexcept { return listeners; }
-  /// Each listener has a mark; the marks stand behind the room for the listeners.
+  /// The mark of each listener. The marks stand behind the room for the listeners.
   [[nodiscard]] ListenerMark* Marks() const noexcept {
     return reinterpret_cast<ListenerMark*>(listeners + capacity);
   }
-  /// What runs the listeners: the loop of the module that all of them come from, else the
-  /// library's.
+  /// The loop that calls the listeners. If all of them come from one module, it is that module's
+  /// copy, which reaches them faster; otherwise it is the library's.
   [[nodiscard]] BindStateBase::CallLoop Loop() const noexcept { return loop; }
   /// How many positions are in use, holes included.
   [[nodiscard]] std::uint32_t Count() const noexcept { return count; }
   /// How many listeners are registered.
   [[nodiscard]] std::uint32_t Live() const noexcept { return live; }
   [[nodiscard]] bool IsFull() const noexcept { return count == capacity; }
-  /// The number of the last removal from under a pin.
+  /// The number of the last removal that was made under a pin.
   [[nodiscard]] std::uint64_t LastRemoval() const noexcept { return lastRemoval; }
-  /// True while it holds listeners that were removed from under a pin.
+  /// True while the array holds listeners that were removed under a pin.
   [[nodiscard]] bool HasRemoved() const noexcept { return removed != 0; }
 
   /// Adds a listener at the end. The array must not be full.
   void Append(std::uint64_t id, const RepeatingCallback<void()>& callback) noexcept;
-  /// Makes room by closing holes; for an array that nobody has pinned.
+  /// Makes room by closing holes. The array must not be pinned.
   void CloseHoles() noexcept;
-  /// A larger array with the same listeners. An array that nobody has pinned is left empty, a
-  /// pinned one keeps what it shows and the two share the states.
+  /// Makes a larger array with the same listeners. This array is left empty, unless it is pinned:
+  /// then it keeps its listeners, and both arrays share the callbacks.
   [[nodiscard]] ListenerArray* Grown(bool pinned);
 
-  /// Takes a listener out and gives its state to the caller, to be released without the lock.
+  /// Takes a listener out of an array that is not pinned. The caller gets the callback's state, and
+  /// releases it when it no longer holds the lock.
   [[nodiscard]] comlike_ptr<const BindStateBase> TakeOut(std::uint64_t id) noexcept;
   /// Marks a listener of a pinned array as removed.
   void MarkRemoved(std::uint64_t id) noexcept;
-  /// Where a listener stands, or stood while this array is pinned; Count() for one that does not.
+  /// The position of a listener, which may be one that was removed under a pin. Count() if the
+  /// array does not have the listener. Takes logarithmic time.
   [[nodiscard]] std::uint32_t Find(std::uint64_t id) const noexcept;
-  /// Has broadcasts that come to a position call nothing there.
+  /// From now on a broadcast that comes to this position calls nothing there.
   void Silence(std::uint32_t position) noexcept;
-  /// Counts a pause of the listener at a position, or the end of one.
+  /// Begins or ends a pause of the listener at a position. Pauses are counted.
   ///@{
   void Pause(std::uint32_t position) noexcept;
   void Resume(std::uint32_t position) noexcept;
   ///@}
 
-  /// Takes listeners out that were marked as removed, as many as there is room for. None is left
-  /// when the last place stays empty.
+  /// Takes out listeners that are marked as removed, as many as `out` has room for. If the last
+  /// place of `out` is still empty, no removed listener is left.
   void Sweep(std::span<comlike_ptr<const BindStateBase>> out) noexcept;
 
-  /// How many running broadcasts will report their end, see ListenerPin. Rises under the
+  /// How many reports are due: one from each running broadcast whose pin was handed over (see
+  /// ListenerPin), and one from each thread that waits for the end of a call. It changes under the
   /// registry's lock only.
   std::atomic<std::uint32_t> reports{0};
-  /// How many of the running broadcasts have no place in their threads' records.
+  /// How many running broadcasts found no free pin in their thread's record.
   std::atomic<std::uint32_t> withoutPlace{0};
-  /// Set, under the write lock, when the registry lets go of an array that is still running: the
-  /// last broadcast to report destroys it.
+  /// True once no property has this array any more, although broadcasts still run it. The last
+  /// broadcast that reports destroys it. Set under the write lock.
   bool retired = false;
-  /// The next one in the registry's list of retired arrays.
+  /// Leads through the registry's list of retired arrays.
   ListenerArray* nextRetired = nullptr;
 
  private:

@@ -9,7 +9,7 @@ namespace DataBinding::details {
 
 namespace {
 
-/// The head of the list of the calling thread's pins that found no place in its record.
+/// Heads the list of the calling thread's pins that found no place in its record.
 constinit thread_local ListenerPin* innermostWithoutPlace = nullptr;
 
 }  // namespace

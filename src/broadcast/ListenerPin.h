@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Keeps a listener array as it is for as long as a broadcast runs it.
 ///
-/// The pin stands in the thread's record, so that pinning writes no shared memory. A writer that
-/// must know when the run ends hands the pin over: it counts a report on the array and a keeper of
-/// the registry, and marks the pin; the broadcast then reports to the registry at its end. A thread
-/// without a free place in its record reports from the start.
+/// The pin stands in the record of the running thread, so that pinning an array writes no memory
+/// that other threads write. A writer that has to know when the run ends hands the pin over: it
+/// marks the pin and counts a report for the array, and at its end the broadcast reports to the
+/// registry. When the thread has no free pin in its record, a report is counted from the start.
 ///
-/// The pin also shows which listener is being called: a thread that ends a listener and waits looks
-/// at the pins of the others.
+/// The pin also shows which listener is being called. A thread that ends a listener and waits for
+/// its call looks at the pins of the other threads. docs/how-it-works.md, "The broadcast protocol",
+/// tells why each step is needed.
 #pragma once
 
 #include <atomic>
@@ -27,19 +28,23 @@ class ListenerPin {
   ListenerPin& operator=(const ListenerPin&) = delete;
   ~ListenerPin() { Release(); }
 
-  /// Pins an array. The caller holds the registry's lock. Nested pins end in reverse order.
+  /// Pins an array. The caller holds the registry's lock, for reading at least. Pins of one thread
+  /// end in the reverse order.
   void Take(ListenerArray& pinned, WListenersImpl& itsRegistry, ReaderRecord* ofThread) noexcept;
   [[nodiscard]] ListenerArray* Get() const noexcept { return array; }
-  /// How far the run has come.
+  /// The position that the run comes to next.
   [[nodiscard]] std::atomic<std::uint32_t>& Next() noexcept { return *next; }
 
-  /// Makes every running broadcast of the array report its end, and tells how many there are. The
-  /// caller holds the registry's write lock.
+  /// Makes every running broadcast of the array report its end, and returns how many reports are
+  /// due. The caller holds the registry's write lock, so that no broadcast begins meanwhile.
   static std::uint32_t HandOver(ListenerArray& array, WListenersImpl& registry) noexcept;
-  /// True while another thread is in the call of the listener at a position, which new calls do
-  /// nothing at. Where the others were not fenced since then, or a run has no place in its thread's
-  /// record, true as well until the run has passed the position, or is over. The caller keeps the
-  /// array from ending.
+  /// True while another thread is calling the listener at a position. The listener must have been
+  /// silenced, so that no new call of it begins.
+  ///
+  /// It is not always possible to see the call itself. If the other threads were not fenced after
+  /// the silencing, the answer is true until their runs have passed the position. If a run has no
+  /// pin in its thread's record, it is true until that run is over. The caller has counted a report
+  /// for the array, so that the array stays.
   static bool IsCalledElsewhere(const ListenerArray& array, std::uint32_t position,
                                 bool fenced) noexcept;
 
@@ -48,11 +53,12 @@ class ListenerPin {
 
   ListenerArray* array = nullptr;
   WListenersImpl* registry = nullptr;
-  /// Its place in the thread's record; null for one that was counted as a report from the start.
+  /// The place in the thread's record. Null if none was free: then a report was counted from the
+  /// start.
   ReaderRecord::Pin* pin = nullptr;
   std::atomic<std::uint32_t>* next = &ownNext;
   std::atomic<std::uint32_t> ownNext{0};
-  /// The next one out of this thread's pins without a place.
+  /// Links this thread's pins that found no place, from the innermost one outwards.
   ListenerPin* outer = nullptr;
 };
 

@@ -32,7 +32,7 @@ PropertyEntry* PropertyTable::Find(const VtrString& name) const noexcept {
   const Slot& slot = Probe(name.GetSamplingHash());
   if (slot.first == nullptr || slot.first->Name() == name) return slot.first;
   if (slot.alike == nullptr) return nullptr;
-  // Not by equal_range, which reads the node behind those of the hash, too.
+  // A loop instead of equal_range, which would read one node more.
   const auto hash = FullHash(name);
   for (auto node = slot.alike->find(hash); node != slot.alike->end(); ++node) {
     if (node->first != hash) break;
@@ -93,7 +93,8 @@ void PropertyTable::RemoveFromSlot(Slot& slot, PropertyEntry& entry) noexcept {
   if (slot.alike->empty()) slot.alike.reset();
 }
 
-/// Empties a slot and moves later slots of its run up, so that no probe meets a gap.
+/// Empties a slot. A probe stops at an empty slot, so the slots behind it that belong further up
+/// are moved into the gap.
 void PropertyTable::Vacate(Slot& slot) noexcept {
   auto gap = static_cast<std::size_t>(&slot - slots.get());
   for (std::size_t i = (gap + 1) & (capacity - 1); slots[i].first != nullptr;

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Property names and their listener arrays: an open-addressing table keyed by the sampling hash,
-/// with linear probing and backward-shift deletion (Knuth, TAOCP 3, 6.4, algorithm R).
+/// A table of property names with their listener arrays. It uses open addressing by the sampling
+/// hash, with linear probing and backward-shift deletion (Knuth, TAOCP 3, 6.4, algorithm R).
 ///
-/// Names that sample alike share one slot: the first stands in the slot itself, further ones in a
-/// map by their full-length hash, so that they slow nobody down. Entries do not move while they are
-/// in the table. No threads of its own: the registry's lock guards it.
+/// The sampling hash reads only ten characters, so different names may have the same one. Such
+/// names share one slot: the first stands in the slot itself, the others in a map by the hash of
+/// all their characters, so that they do not slow down the search for other names. An entry does
+/// not move while it is in the table. The registry's lock guards the table.
 #pragma once
 
 #include <cstddef>
@@ -24,7 +25,7 @@ struct ListenerArrayDeleter {
 };
 using ListenerArrayPtr = std::unique_ptr<ListenerArray, ListenerArrayDeleter>;
 
-/// One property that somebody is registered for.
+/// One property for which listeners are registered.
 struct PropertyEntry {
   ListenerArrayPtr array;
 
@@ -39,9 +40,9 @@ class PropertyTable {
   ~PropertyTable();
 
   [[nodiscard]] PropertyEntry* Find(const VtrString& name) const noexcept;
-  /// Adds a name that is not there yet, with an empty array for one listener.
+  /// Adds a name that is not in the table yet, with an empty array that has room for one listener.
   PropertyEntry& Insert(const VtrString& name);
-  /// Takes an entry out.
+  /// Takes an entry out of the table and gives it to the caller.
   std::unique_ptr<PropertyEntry> Extract(PropertyEntry& entry) noexcept;
   [[nodiscard]] std::size_t Size() const noexcept { return size; }
 
@@ -56,7 +57,8 @@ class PropertyTable {
   }
 
  private:
-  /// By the full-length hash, which the nodes keep: no neighbour is hashed again.
+  /// Entries by the hash of all characters. The nodes keep the hash, so that a search does not
+  /// compute it again for the names that it passes.
   using Alike = std::unordered_multimap<std::size_t, PropertyEntry*>;
   struct Slot {
     std::uint64_t hash = 0;
@@ -65,7 +67,7 @@ class PropertyTable {
   };
   static constexpr std::size_t firstCapacity = 4;
 
-  /// The slot of a hash, or the empty slot where it belongs.
+  /// The slot with this hash, or the empty slot in which it belongs.
   [[nodiscard]] Slot& Probe(std::uint64_t hash) const noexcept;
   [[nodiscard]] std::size_t Home(std::uint64_t hash) const noexcept {
     return (hash ^ (hash >> 32)) & (capacity - 1);

@@ -9,7 +9,7 @@ namespace {
 
 constinit std::atomic<ReaderRecord*> firstRecord{nullptr};
 
-/// The first records, so that most processes never allocate one.
+/// Most processes never allocate a record, because they do not need more than these.
 constinit std::array<ReaderRecord, 16> pool;
 constinit std::atomic<std::size_t> pooledRecords{0};
 

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What each thread says of the broadcasts that it is in: one record a thread, in cache lines of
-/// its own, written by that thread and read by writers of any registry.
+/// One thread's record of the broadcasts that it is in. The thread writes its record, and writers
+/// of all registries read it.
 ///
-/// A thread that looks listeners up says in which registry; a thread that runs a listener array
-/// says which one, in a pin. So a broadcast writes no memory that another thread's broadcast writes
-/// or reads, and two threads that announce one property do not slow each other down. The idea is
-/// that of biased reader/writer locks (Dice and Kogan, USENIX ATC 2019) and of hazard pointers
-/// (Michael, IEEE TPDS 2004).
+/// While a thread looks listeners up, its record names the registry's lock. While it runs a
+/// listener array, a pin in its record names the array. Each record has cache lines of its own, so
+/// a broadcast writes no memory that another thread's broadcast reads or writes, and two threads
+/// that announce one property do not slow each other down. The idea is that of biased reader/writer
+/// locks (Dice and Kogan, USENIX ATC 2019) and of hazard pointers (Michael, IEEE TPDS 2004).
 ///
-/// Records are made at a thread's first broadcast, taken over by later threads when theirs ends,
-/// and never freed.
+/// A thread gets its record at its first broadcast and gives it back when it ends, for a later
+/// thread to take over. Records are never freed, because writers walk their list without a lock.
 #pragma once
 
 #include <algorithm>
@@ -22,31 +22,32 @@ namespace DataBinding::details {
 
 class alignas(64) ReaderRecord {
  public:
-  /// How many broadcasts of one thread may nest and still be pinned here.
+  /// How many nested broadcasts of one thread can be pinned in its record.
   static constexpr std::size_t mostPins = 6;
-  /// Set in a pin by a writer that counts on being told when the run ends.
+  /// A writer sets this bit in a pin to have the broadcast report its end.
   static constexpr std::uintptr_t handedOver = 1;
   struct Pin {
-    /// The array, as an address; 0 for none. Only the thread itself sets one.
+    /// The address of the pinned array, or 0. Only the thread itself sets and clears it; writers
+    /// may add the bit `handedOver`.
     std::atomic<std::uintptr_t> array{0};
-    /// The position behind the listener that the thread is calling.
+    /// While the thread calls a listener, the position behind that listener.
     std::atomic<std::uint32_t> next{0};
   };
 
-  /// The calling thread's record, made at its first broadcast, or null when there is no memory or
-  /// the thread is ending.
+  /// The calling thread's record, which is made if the thread has none. Null when there is no
+  /// memory, or the thread is ending.
   [[nodiscard]] static ReaderRecord* Current() noexcept {
     return ofThread != nullptr ? ofThread : MakeCurrent();
   }
 
-  /// The calling thread's record if it has one: for what must not allocate.
+  /// The calling thread's record, or null if it has none. For callers that must not allocate.
   [[nodiscard]] static ReaderRecord* Existing() noexcept { return ofThread; }
 
-  /// The first of all records; Next leads to the others.
+  /// The first of all records. Next leads to the others.
   [[nodiscard]] static ReaderRecord* First() noexcept;
   [[nodiscard]] ReaderRecord* Next() const noexcept { return next; }
 
-  /// The registry lock under which this thread looks something up, or null.
+  /// The registry lock that this thread holds for reading, or null.
   std::atomic<const void*> reading{nullptr};
   /// The arrays that this thread runs.
   std::array<Pin, mostPins> pins{};
@@ -57,14 +58,15 @@ class alignas(64) ReaderRecord {
     });
   }
 
-  /// Has every other thread of the process pass a memory fence, so that threads which run listeners
-  /// need none: what they wrote before is seen now, and they see what this thread wrote. False
-  /// where the system cannot do that.
+  /// Makes every other thread of the process pass a memory fence, so that threads which run
+  /// listeners need no fence of their own. When this returns, the calling thread sees what the
+  /// others wrote before their fence, and they see what it wrote before the call. False if the
+  /// system cannot do that.
   static bool FenceOthers() noexcept;
 
  private:
   friend class ReaderRecordOwner;
-  /// Sees to it that the record is given back when the thread ends.
+  /// Gets a record for the thread, which is given back when the thread ends.
   [[nodiscard]] static ReaderRecord* MakeCurrent() noexcept;
   [[nodiscard]] static ReaderRecord* Acquire() noexcept;
   void GiveBack() noexcept { taken.store(false, std::memory_order_release); }

@@ -13,8 +13,8 @@ namespace {
 constinit thread_local bool threadIsEnding = false;
 }  // namespace
 
-/// Gives the record back when its thread ends. A thread that leaves a callback by exit() has not
-/// ended: it goes on to the static destructors inside of its announcement, and keeps the record.
+/// Gives the record back when its thread ends. A thread that calls exit() in a callback keeps its
+/// record: it runs the static destructors while it is still inside of its announcement.
 class ReaderRecordOwner {
  public:
   ReaderRecordOwner() noexcept : record(ReaderRecord::Acquire()) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The thread's end is told by fiber-local storage, which hands the record over. A thread_local
-// owner would not do: MinGW frees thread-local memory before destructors run, and keeps the library
-// loaded for the sake of a thread that has one.
+// Fiber-local storage calls a function with the record when the thread ends. A thread_local owner
+// would not do: MinGW frees thread-local memory before destructors run, and keeps the library
+// loaded for as long as a thread has such an object.
 
 #include <windows.h>
 
@@ -14,10 +14,10 @@ class ReaderRecordOwner {
   ReaderRecordOwner() noexcept : slot(FlsAlloc(&GiveBack)) {}
   ReaderRecordOwner(const ReaderRecordOwner&) = delete;
   ReaderRecordOwner& operator=(const ReaderRecordOwner&) = delete;
-  /// When the library is unloaded; gives all records back.
+  /// Runs when the library is unloaded, and gives all records back.
   ~ReaderRecordOwner() { FlsFree(slot); }
 
-  /// The record of a thread whose thread-local memory is gone already, or null.
+  /// The record that the calling thread had before its thread-local memory was freed, or null.
   [[nodiscard]] ReaderRecord* Former() const noexcept {
     return static_cast<ReaderRecord*>(FlsGetValue(slot));
   }

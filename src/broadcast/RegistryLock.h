@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The reader/writer lock of a listener registry. A reader marks its thread's record only; a writer
-/// announces itself and waits until no record shows a reader of this lock.
+/// The reader/writer lock of a listener registry. It is built so that readers on different threads
+/// write no common memory.
 ///
-/// Not recursive. Readers only look something up, they call nobody; so writers wait briefly, by
-/// yielding. A reader that meets a writer, or has no record, queues at the writers' mutex.
+/// A reader names the lock in its thread's record, and then looks whether a writer has announced
+/// itself. A writer announces itself, and then waits until no record names the lock. Both do this
+/// in sequentially consistent order, so that at least one of them sees the other. A reader that
+/// meets a writer, or has no record, locks the mutex of the writers instead.
+///
+/// A reader looks something up and calls no callback, so writers wait only briefly, by yielding.
+/// The lock is not recursive.
 #pragma once
 
 #include <atomic>

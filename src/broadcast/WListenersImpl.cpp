@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds what the registry does: subscriptions, a broadcast's run, registering, removing,
+// waiting and pausing, the report of a run, the questions, and the end of the registry.
 #include "WListenersImpl.h"
 
 #include <array>
@@ -12,7 +14,7 @@ namespace DataBinding::details {
 
 namespace {
 
-/// What the Subscription of a property holds.
+/// The state behind a property's Subscription.
 class PropertyRegistration final : public RegistrationState<PropertyRegistration> {
  public:
   explicit PropertyRegistration(WListenersImpl& itsRegistry) noexcept : registry(itsRegistry) {
@@ -33,7 +35,7 @@ class PropertyRegistration final : public RegistrationState<PropertyRegistration
   Registered listener;
 };
 
-/// One announcement: what it runs, and how far it has come.
+/// One run of a property's listeners. It remembers what the array showed when the run began.
 class Broadcast {
  public:
   /// The caller holds the registry's lock.
@@ -51,7 +53,9 @@ class Broadcast {
   }
 
  private:
-  /// Both steps move on before they call out: a listener that throws or faults counts as done.
+  /// Both steps store the next position before they call a listener, so that a listener which
+  /// throws or faults counts as called. An array without removed listeners needs no look at the
+  /// marks, which makes the first step faster.
   static void Step(void* context) {
     auto& self = *static_cast<Broadcast*>(context);
     auto& next = self.pin.Next();
@@ -137,7 +141,8 @@ void WListenersImpl::RemoveAndWait(Registered& listener) {
   }
 }
 
-/// Has nobody begin a call of the listener any more, and keeps its property's array, if it has one.
+/// Makes sure that no call of the listener begins any more. If the listener is still registered,
+/// ends the registration and keeps its property's array, in which a call may be under way.
 WListenersImpl::Place WListenersImpl::Silence(Registered& listener) {
   Removed removed;
   const RegistryWriteLock guard(lock);
@@ -148,7 +153,7 @@ WListenersImpl::Place WListenersImpl::Silence(Registered& listener) {
   return place;
 }
 
-/// Keeps a retired array in which another thread is in the call of the listener.
+/// Finds a retired array in which another thread is calling the listener, and keeps it.
 WListenersImpl::Place WListenersImpl::KeepWhereCalled(std::uint64_t id, bool fenced) noexcept {
   const RegistryWriteLock guard(lock);
   for (auto* array = retired; array != nullptr; array = array->nextRetired) {
@@ -164,7 +169,7 @@ WListenersImpl::Place WListenersImpl::Keep(ListenerArray& array, std::uint64_t i
   return {&array, array.Find(id)};
 }
 
-/// Leaves a running array to the last broadcast that reports.
+/// Leaves an array that is being run to the last broadcast that reports.
 void WListenersImpl::Retire(ListenerArrayPtr& array) noexcept {
   array->retired = true;
   array->nextRetired = retired;
@@ -182,8 +187,8 @@ void WListenersImpl::Pause(Registered& listener, ListenerChange change) {
   if (listener.entry != nullptr) ChangeInAll(listener, change);
 }
 
-/// Changes the listener in each array that shows it: that of its property, if it is registered, and
-/// the arrays that were retired while they ran.
+/// Changes the listener in each array that shows it: the array of its property, if the listener is
+/// registered, and the retired arrays.
 void WListenersImpl::ChangeInAll(const Registered& listener, ListenerChange change) noexcept {
   const auto changeIn = [&](ListenerArray& array) {
     const auto position = array.Find(listener.id);
@@ -259,7 +264,7 @@ void WListenersImpl::DropKeeper() noexcept {
 void WListenersImpl::Clear() noexcept {
   const auto takeAll = [this] {
     const RegistryWriteLock guard(lock);
-    // The lock is held: Clang does not look into the loop.
+    // Clang's analysis does not see that the lock is held within the lambda.
     properties.ForEach([this](PropertyEntry& entry)
                            DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
                              if (ListenerPin::HandOver(*entry.array, *this) != 0)

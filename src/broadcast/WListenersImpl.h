@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The registry behind a broadcaster and its copies: listeners by property.
+/// The registry behind a broadcaster and its copies. It holds the listeners by property.
 ///
-/// Owned in common by the broadcasters (owners); it empties itself, under its lock, when the last
-/// of them goes. Subscriptions and reporting broadcasts keep only its memory (keepers): they ask
-/// under the lock whether it has been emptied, and are inert from then on. Callbacks and their
-/// states run and are released with no lock held.
+/// The broadcasters own it in common. When the last of these owners ends, the registry empties
+/// itself under its lock. Subscriptions, and broadcasts that will report, may need the registry
+/// after that: they are its keepers, and it is freed with the last of them. A keeper asks under the
+/// lock whether the registry has been emptied, and has nothing left to do then.
+///
+/// Callbacks are run, and released, with no lock held. docs/how-it-works.md, "The broadcast
+/// protocol", tells how this works together with arrays, pins and reports.
 #pragma once
 
 #include <atomic>
@@ -19,8 +22,8 @@
 
 namespace DataBinding::details {
 
-/// By this a subscription finds its listener again. The registry's lock guards the entry, which is
-/// null when the listener has ended, and must not be read when the registry has been emptied.
+/// Leads a subscription to its listener. The registry's lock guards the entry. The entry is null
+/// once the listener has ended, and must not be used once the registry has been emptied.
 struct Registered {
   PropertyEntry* entry = nullptr;
   std::uint64_t id = 0;
@@ -40,17 +43,20 @@ class WListenersImpl {
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property);
   [[nodiscard]] std::vector<VtrString> GetRegisteredProperties();
 
-  /// Ends one registration, unless it or the registry has ended already.
+  /// Ends a registration. Does nothing if it has ended already, or the registry has been emptied.
   void Remove(Registered& listener);
-  /// The same, but waits for other threads that are in the call of the listener, and sees to it
-  /// that nobody calls it any more, also when the registry has been emptied under such a call.
+  /// Ends a registration, makes broadcasts that are under way pass the listener over, and waits
+  /// until no other thread is calling it. It waits also when the registry has been emptied during
+  /// such a call.
   void RemoveAndWait(Registered& listener);
-  /// Pauses the listener or ends one of its pauses, by ListenerArray::Pause or Resume.
+  /// Begins or ends a pause of the listener; `change` is ListenerArray::Pause or Resume.
   void Pause(Registered& listener, ListenerChange change);
-  /// Counts a report that is due for an array, and the keeper that goes with it, so that neither the
-  /// array nor the registry is freed before that Report(). The caller holds the registry's lock.
+  /// Counts a report that is due for an array, and the keeper that goes with it, so that neither
+  /// the array nor the registry is freed before that Report(). The caller holds the registry's
+  /// lock.
   void ExpectReport(ListenerArray& array) noexcept;
-  /// The end of a broadcast whose pin was handed over; drops its report and its keeper.
+  /// Makes a report that was expected: releases what was removed from the array, if no other run
+  /// can see it, and frees a retired array after its last report. Then drops the keeper.
   void Report(ListenerArray& array) noexcept;
 
   void AddOwner() noexcept { owners.fetch_add(1, std::memory_order_relaxed); }
@@ -62,12 +68,13 @@ class WListenersImpl {
   void DropKeeper() noexcept;
 
  private:
-  /// What is to be released without the lock.
+  /// What a removal leaves to be released after the lock.
   struct Removed {
     comlike_ptr<const BindStateBase> state;
     std::unique_ptr<PropertyEntry> entry;
   };
-  /// Where a listener stands in an array that is kept by a report to come; null for nowhere.
+  /// The position of a listener in an array for which a report is expected, so that the array
+  /// stays. The array is null if there is nothing to wait for.
   struct Place {
     ListenerArray* array = nullptr;
     std::uint32_t position = 0;
@@ -93,9 +100,9 @@ class WListenersImpl {
   RegistryLock lock;
   PropertyTable properties DATABINDING_GUARDED_BY(lock);
   std::uint64_t lastListenerId DATABINDING_GUARDED_BY(lock) = 0;
-  /// The first of the arrays that broadcasts still run, but no property has any more.
+  /// Heads the list of the arrays that no property has any more, but broadcasts still run.
   ListenerArray* retired DATABINDING_GUARDED_BY(lock) = nullptr;
-  /// Set when the entries have gone with the last owner.
+  /// Set when the last owner has ended and the entries are gone.
   bool isEmptied DATABINDING_GUARDED_BY(lock) = false;
   std::atomic<std::uint32_t> owners{1};
   /// Starts at 1: the owners share one keeper, which is dropped with the last of them.

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Property-change notification: callbacks registered for a property name are run when somebody
-/// announces a change of exactly that name.
+/// Notifies callbacks of changed properties: a callback is registered for the name of a property,
+/// and runs whenever somebody announces a change of exactly that name.
 ///
-/// Register, cancel, query and announce from any thread, for the first time too; only copying,
-/// assigning and ending a broadcaster must not race with its other uses. Callbacks run on the
-/// announcing thread, in order of registration, with no lock held: they may register, cancel,
-/// announce, or end the broadcaster. An announcement runs those that were registered when it began:
-/// one that is cancelled meanwhile still runs once, one that registers meanwhile waits for the
-/// next. What a callback throws is swallowed and the next one runs (see ListenerGuard.h).
+/// Any thread may register, cancel, ask and announce, also for the first time. Only copying,
+/// assigning and ending a broadcaster must not race with its other uses.
+///
+/// Callbacks run on the announcing thread, in the order of their registration. No lock is held
+/// while they run, so they may register, cancel, announce, or end the broadcaster. An announcement
+/// runs the callbacks that were registered when it began: a callback that is cancelled meanwhile
+/// still runs once, and a callback that is registered meanwhile first runs in the next
+/// announcement. When a callback throws, the exception is swallowed and the next callback runs
+/// (see ListenerGuard.h).
 #pragma once
 
 #include <atomic>
@@ -25,7 +28,8 @@ namespace details {
 
 class WListenersImpl;
 
-/// Holds the listeners of one broadcaster and its copies: one pointer, null until needed.
+/// Points to the listeners that one broadcaster shares with its copies. The pointer is null until
+/// the broadcaster is first used.
 class DATABINDING_API Broadcaster {
  public:
   Broadcaster() noexcept = default;
@@ -51,33 +55,34 @@ class DATABINDING_API Broadcaster {
 
 }  // namespace details
 
-/// Copies deliberately share their listeners: what is registered through one is announced through
-/// both, for code that hands a broadcaster on by value. A copy made before the first use shares
-/// nothing. The listeners end with the last copy.
+/// Copies deliberately share their listeners, for code that hands a broadcaster on by value: an
+/// announcement through one copy reaches what was registered through another. A copy that is made
+/// before the first use shares nothing. The listeners end with the last copy.
 class DATABINDING_API IBroadcaster {
  public:
   IBroadcaster() noexcept;
-  /// Shares the other's listeners, if it has been used.
+  /// Shares the listeners of the other broadcaster, if that has been used.
   ///@{
   IBroadcaster(const IBroadcaster& other) noexcept;
   IBroadcaster& operator=(const IBroadcaster& other) noexcept;
   ///@}
 
   /// Runs the callback whenever the property is announced, until the subscription ends. Registering
-  /// one callback twice makes two listeners. A null callback is counted and never run.
+  /// one callback twice makes two listeners. A null callback is counted and does nothing.
   virtual Subscription Register(const RepeatingCallback<void()>& callback,
                                 const VtrString& property);
-  /// Registers a callback that is called by one announcement only: the registration ends when it
-  /// has returned or thrown. It is called at most once also where announcements nest or several
-  /// threads announce at a time. It may own its Subscription, by which it can be ended before.
-  /// Where Register is overridden and gives a Subscription of its own, only that one ends it.
+  /// Registers a callback for one announcement only: the registration ends when the callback has
+  /// returned or thrown. It is called at most once, even where announcements nest or several
+  /// threads announce at a time. The Subscription ends the registration before that, and the
+  /// callback may own it. Where an override of Register returns a Subscription of its own, the
+  /// registration does not end after the call, but only with that Subscription.
   Subscription RegisterOnce(OneShotCallback<void()> callback, const VtrString& property);
-  /// Runs the property's callbacks. Allocates nothing once the broadcaster has been used and the
-  /// thread has announced before.
+  /// Runs the callbacks that are registered for the property. It allocates nothing once the
+  /// broadcaster has been used and the thread has announced before.
   virtual void UpdateListeners(const VtrString& property);
-  /// True when somebody is registered for the property.
+  /// True when a callback is registered for the property.
   [[nodiscard]] virtual bool AreListenersAvailable(const VtrString& property) const;
-  /// The properties that somebody is registered for, in no particular order.
+  /// The properties for which callbacks are registered, in no particular order.
   [[nodiscard]] virtual std::vector<VtrString> GetRegisteredProperties() const;
 
  protected:
@@ -86,7 +91,8 @@ class DATABINDING_API IBroadcaster {
   /// How many callbacks are registered for exactly this property.
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property) const;
 
-  /// For derived classes that announce without their own override.
+  /// A derived class that overrides UpdateListeners announces by this object, which does not call
+  /// the override.
   details::Broadcaster broadcaster;
 };
 

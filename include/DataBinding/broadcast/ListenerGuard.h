@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What happens to a property listener that throws or faults: it is skipped and the next one runs.
+/// Decides what becomes of a property listener that throws or faults: it is skipped, and the next
+/// one runs.
 ///
 /// C++ exceptions are always caught. Hardware faults (access violations, divisions by zero, illegal
-/// instructions) are caught as well unless that is switched off, at run time here or at build time
-/// with the CMake option DATABINDING_FAULT_GUARD. A faulting listener is abandoned where it stood:
-/// the destructors of its frames do not run, so locks stay held and memory leaks; a scope that was
-/// calling listeners, a batch that was open and an event that was being delivered stay so for ever,
-/// and the broadcaster of that event is not to be used any more. A stack overflow
-/// is survived on Windows, but for announcements that nest without end, and elsewhere only on a
-/// thread that has an alternate signal stack. Thread cancellation passes through. All functions
-/// here may be called on any thread.
+/// instructions) are caught as well, unless that is switched off: at run time by
+/// SetHardwareFaultGuard, or at build time by the CMake option DATABINDING_FAULT_GUARD.
+///
+/// A listener that faults is abandoned where it stood. The destructors of its frames do not run, so
+/// its locks stay held and its memory leaks. A scope that was calling listeners, a batch that was
+/// open and an event that was being delivered stay in that state for ever, and the broadcaster of
+/// that event is not to be used any more.
+///
+/// A stack overflow is survived on Windows, except where announcements nest without end. Elsewhere
+/// it is survived only on a thread that has an alternate signal stack. The cancellation of a thread
+/// is not caught. All functions here may be called on any thread.
 #pragma once
 
 #include <cstdint>
@@ -21,10 +25,11 @@
 
 namespace DataBinding {
 
-/// Tells of a listener that let an exception or a fault out, or of a data source whose building
-/// asks for that same source.
+/// Describes one failure: a listener let an exception or a fault out, or the constructor of a data
+/// source asked for the source that it was building.
 struct ListenerFailure {
-  /// The name that was announced; for a data source that asks for itself, the source's name.
+  /// The name that was announced, or the name of the data source that was asked for while it was
+  /// built.
   VtrString property;
   /// The exception, or null for a hardware fault.
   std::exception_ptr exception;
@@ -32,28 +37,29 @@ struct ListenerFailure {
   std::uint32_t faultCode = 0;
 };
 
-/// Sets who is told, on the broadcasting thread, of what was swallowed; null, which is how a
-/// process starts, for nobody. What the handler throws is dropped. While there is none, or
-/// the object that it is bound to has gone, a debug build of the library writes the first failure
-/// of the process to standard error, so that a listener which is skipped without a word can be
-/// found.
+/// Sets the handler that is told of each swallowed failure, on the thread on which it happened. A
+/// process starts without a handler, and null removes it. What the handler throws is dropped.
+///
+/// While there is no handler, or the object that it is bound to has gone, a debug build of the
+/// library writes the first failure of the process to standard error. Otherwise nothing would show
+/// that a listener was skipped.
 DATABINDING_API void SetListenerFailureHandler(
     const RepeatingCallback<void(const ListenerFailure&)>& handler);
 
-/// Switches the guard against hardware faults for broadcasts that start from now on.
+/// Switches the guard against hardware faults on or off, for broadcasts that start from now on.
 ///
-/// On POSIX the first broadcast that has listeners, with the guard on, or the first failure that
-/// the failure handler is told of, installs handlers for SIGSEGV, SIGBUS, SIGFPE and SIGILL; from
-/// then on the library stays loaded. Faults outside a listener go to whoever had installed a
-/// handler before. Whoever installs one later without chaining takes the faults over, those of
-/// listeners too.
+/// While the guard is on, a POSIX process gets handlers for SIGSEGV, SIGBUS, SIGFPE and SIGILL at
+/// its first broadcast that has listeners, or at the first failure that the failure handler is told
+/// of. From then on the library stays loaded. A fault outside of listeners is passed on to the
+/// handler that was installed before. A handler that is installed later and does not chain takes
+/// all faults over, also the faults of listeners.
 DATABINDING_API void SetHardwareFaultGuard(bool on) noexcept;
 /// False as well where the library was built without the guard.
 [[nodiscard]] DATABINDING_API bool IsHardwareFaultGuardOn() noexcept;
 
 namespace details {
 
-/// Tells the failure handler of an exception that goes nowhere else, or of a hardware fault.
+/// Tells the failure handler of an exception that nobody else learns of, or of a hardware fault.
 void ReportFailure(const VtrString& name, const std::exception_ptr& exception,
                    std::uint32_t code = 0);
 
