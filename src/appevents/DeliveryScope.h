@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A delivery under way: knows whether its broadcaster was released meanwhile.
+/// A delivery that is under way. It tells the code that delivers whether a callback has released
+/// the broadcaster.
 ///
-/// Stands on the stack of the delivering thread; scopes of one broadcaster nest.
+/// A scope stands on the stack of the delivering thread. The scopes of one broadcaster nest and
+/// form a chain, from the innermost, to which EventBroadcaster::delivery points, outward. Dropping
+/// events and asking for those still to come go along this chain, because the batches under
+/// delivery are known here only.
 #pragma once
 
 #include <utility>
@@ -32,13 +36,14 @@ class DeliveryScope {
     return *delivering.delivery;
   }
 
-  /// Dispatches an event, which finds its owner here if it is to be held.
+  /// Dispatches one event. While that lasts, Event() gives its shared pointer, which the event
+  /// needs when it is to be held.
   void Dispatch(const PolicyEventBroadcaster::EventPtr& owned) {
     const ScopedValue dispatching(event, &owned);
     owned->Dispatch(*broadcaster);
   }
-  /// Dispatches one after the other, until the broadcaster is released. What ends the events
-  /// afterwards finds the batch no longer here.
+  /// Dispatches the events of a batch in order, until the broadcaster is released. The scope knows
+  /// the batch for that time only: when the events end afterwards, nothing looks for them here.
   void Dispatch(PendingEvents::Batch& whole) {
     const ScopedValue delivering(batch, &whole);
     while (const auto* next = whole.Next()) {
@@ -46,8 +51,8 @@ class DeliveryScope {
       if (IsBroadcasterGone()) return;
     }
   }
-  /// Moves the events of which matches(name, event) is true, and which are still to come in the
-  /// batches under way, to `dropped`.
+  /// Moves the events that are still to come in the batches under way, and for which
+  /// matches(name, event) is true, to `dropped`.
   template <class Matches>
   static void Drop(DeliveryScope* innermost, const Matches& matches,
                    std::vector<PolicyEventBroadcaster::EventPtr>& dropped) {
@@ -65,7 +70,7 @@ class DeliveryScope {
   [[nodiscard]] bool IsBroadcasterGone() const noexcept { return broadcaster == nullptr; }
   /// The shared pointer to the event that is being dispatched.
   [[nodiscard]] const PolicyEventBroadcaster::EventPtr& Event() const noexcept { return *event; }
-  /// Tells a broadcaster's scopes, from the innermost one outward, that it ends.
+  /// Tells the scopes of a broadcaster, from the innermost one outward, that the broadcaster ends.
   static void End(DeliveryScope* innermost) noexcept {
     for (auto* scope = innermost; scope != nullptr; scope = scope->outer) {
       scope->broadcaster = nullptr;

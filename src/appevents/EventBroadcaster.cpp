@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+// The engine of application events, in this order: its end; disabling, holding and enabling names;
+// cleanup callbacks; delivery of the queue, whole or within a budget of time; queueing; dropping
+// events; failures of listeners; the listeners of each name; and the helpers with which events of
+// an application's own kinds deliver themselves.
 #include "DataBinding/appevents/EventBroadcaster.h"
 
 #include <utility>
@@ -46,7 +50,7 @@ bool EventBroadcaster<Update, Threading>::AnyEventHooksRegistered() const {
   return false;
 }
 
-// Each override is given a name of its own.
+// The name is passed by value, so that each override has one of its own.
 // NOLINTBEGIN(performance-unnecessary-value-param)
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::OnEventDispatched(VtrString /*name*/,
@@ -62,7 +66,7 @@ void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, boo
   if (!isHeldOnly) UndoDisable(name, fireHeldEvent);
 }
 
-/// Undoes one disable, whoever's it is.
+/// Undoes one disable, be it of DisableEvent or of an EventHold.
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, bool fireHeldEvent) {
   const auto disabled = disabledEvents.find(name);
@@ -72,7 +76,8 @@ void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, boo
   if (fireHeldEvent && !held.empty()) Deliver(held.mapped());
 }
 
-/// Holds an event of a disabled name. An older one is released when the new one is in its place.
+/// Holds an event of a disabled name. The older event ends after the new one is in its place, since
+/// its destructor may use the broadcaster.
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::HoldEvent(const VtrString& name, EventPtr event) {
   std::swap(heldEvents[name], event);
@@ -104,7 +109,7 @@ void EventBroadcaster<Update, Threading>::DisableEvent(const VtrString& name) {
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
   const auto alive = GetWeakPtr();
-  FirstFailure failed;  // of events of other kinds
+  FirstFailure failed;  // events of an application's own kinds may throw
   for (auto known = knownEvents.begin(); known != knownEvents.end();) {
     const VtrString name = known->first;
     failed.Try([&] { EnableEvent(name, fireHeldEvent); });
@@ -116,7 +121,8 @@ void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DisableAllEvents() {
-  auto disabled = disabledEvents;  // all or none
+  // Counted in a copy: if memory runs out on the way, no name is disabled rather than some.
+  auto disabled = disabledEvents;
   for (const auto& [name, channel] : knownEvents) ++disabled[name];
   disabledEvents.swap(disabled);
 }
@@ -139,7 +145,8 @@ void EventBroadcaster<Update, Threading>::AddCleanupCallback(void* owner,
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::RemoveCleanupCallback(void* owner) {
-  const auto removed = cleanupCallbacks.extract(owner);  // what it owns may take others off
+  // Extracted before it ends, because its end may remove other callbacks.
+  const auto removed = cleanupCallbacks.extract(owner);
 }
 
 template <class Update, class Threading>
@@ -194,7 +201,8 @@ void EventBroadcaster<Update, Threading>::Deliver(const EventPtr& event) {
   if (alive && !IsDelivering() && !hadFailure && HasFailure()) AskForPass();
 }
 
-/// Runs the UpdateUI callback for the sake of a failure, which is kept even if that fails.
+/// Runs the UpdateUI callback, so that a pass comes and shows the failure that is kept. The failure
+/// stays kept when the callback throws.
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::AskForPass() {
   FirstFailure dropped;
@@ -266,8 +274,8 @@ void EventBroadcaster<Update, Threading>::DropOwner(const void* owner) {
   Drop([owner](const VtrString&, const PendingEventBase& event) { return event.Owner() == owner; });
 }
 
-/// Takes all events that match out before it ends the first of them: what an event owns may drop
-/// others while it ends, deliver, or release this broadcaster.
+/// Takes out all events that match before it ends the first of them, because the destructor of an
+/// event's argument may drop or deliver others, or release this broadcaster.
 template <class Update, class Threading>
 template <class Matches>
 void EventBroadcaster<Update, Threading>::Drop(Matches matches) {
@@ -293,7 +301,7 @@ EventFailure EventBroadcaster<Update, Threading>::TakeFailure() {
   return std::exchange(failure, {});
 }
 
-/// The handler may throw in its turn, and may release the broadcaster.
+/// The handler may itself throw, and it may release the broadcaster.
 template <class Update, class Threading>
 DATABINDING_CATCHES_CANCELLATION void EventBroadcaster<Update, Threading>::ReportFailure(
     const VtrString& name) {

@@ -11,7 +11,8 @@
 
 namespace DataBinding::details {
 
-/// All names. Never destroyed: events are named while the process ends.
+/// The table of all names. It is never destroyed, because events may be raised while the process
+/// ends.
 class EventNames {
  public:
   static EventNames& Get() {
@@ -44,7 +45,7 @@ class EventNames {
   }
 
  private:
-  /// Passes a name that has this signature, or none yet.
+  /// Throws std::logic_error unless the name has this signature, or none yet.
   static void ThrowUnlessFree(const EventName& name, const std::string& key,
                               const std::type_info& signature) {
     if (name.signatureKey.empty() || name.signatureKey == key) return;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// The state that a pass shares with its UpdateUI callback; the chain of passes, which a pass enters
+// and leaves; and Run and RunFor, which deliver.
 #include "DataBinding/appevents/IdlePass.h"
 
 #include <atomic>
@@ -10,12 +12,13 @@
 
 namespace DataBinding {
 
-/// What a pass shares with its UpdateUI callback, which another thread may be running.
+/// The state that a pass shares with its UpdateUI callback. It is shared, because another thread
+/// may still run the callback when the pass ends.
 class IdlePass::State {
  public:
   explicit State(RepeatingCallback<void()> callback) : wake(std::move(callback)) {}
 
-  /// Wakes the loop unless that was done since the last Begin.
+  /// Wakes the loop, unless it was woken since the last Begin.
   DATABINDING_CATCHES_CANCELLATION void Request() {
     if (ended || requested.exchange(true, std::memory_order_acq_rel)) return;
     try {
@@ -25,7 +28,8 @@ class IdlePass::State {
       throw;
     }
   }
-  /// An event that was queued without waking, since somebody else had, is seen after this.
+  /// Run calls this before it takes the queue. A thread that found `requested` set, and so did not
+  /// wake the loop, had queued its event before; the queue that is taken after this has the event.
   void Begin() noexcept {
     if (IsRequested()) requested.exchange(false, std::memory_order_acq_rel);
   }
@@ -42,7 +46,7 @@ class IdlePass::State {
 
 namespace {
 
-/// The passes that there are, newest first. For the delivering thread.
+/// The newest pass, from which nextPass leads to the older ones. For the delivering thread.
 IdlePass*& NewestPass() noexcept {
   static IdlePass* newest = nullptr;
   return newest;
@@ -62,12 +66,13 @@ IdlePass::IdlePass(RepeatingCallback<void()> wake)
     : state(std::make_shared<State>(std::move(wake))),
       installed([shared = state] { shared->Request(); }),
       former(AEB::UpdatePolicy::UpdateUICallback()) {
-  if (IsAnythingToDo()) state->Request();  // may throw: nothing is installed yet
+  if (IsAnythingToDo()) state->Request();  // first, since it may throw: nothing is installed yet
   nextPass = std::exchange(NewestPass(), this);
   AEB::UpdatePolicy::SetUpdateUICallback(installed);
 }
 
-/// Takes this pass out of the chain of callbacks, wherever in it it stands.
+/// Takes this pass out of the chain of callbacks. If a newer pass has replaced this one's callback,
+/// that pass is given the callback that this one had replaced.
 IdlePass::~IdlePass() {
   state->End();
   const auto isMine = [this](const RepeatingCallback<void()>& callback) {
@@ -95,7 +100,7 @@ void IdlePass::RunFor(std::chrono::nanoseconds budget) {
 
 template <class Dispatch>
 void IdlePass::Deliver(Dispatch dispatch) {
-  const auto keep = state;  // the pass may end meanwhile
+  const auto keep = state;  // a listener may end the pass
   keep->Begin();
   if (!IAppEventBroadcaster::HasInstance()) return;
   auto& events = IAppEventBroadcaster::GetInstance();
@@ -109,7 +114,7 @@ void IdlePass::Deliver(Dispatch dispatch) {
   }
   if (!alive) return;
   if (events.HasPendingEvents()) keep->Request();
-  // In a modal loop: what a listener of the outer batch threw is not this loop's business.
+  // Inside a delivery, as in a modal loop, the outer Run throws the failure at its end.
   if (!events.HasFailure() || events.IsDelivering()) return;
   const EventFailure failure = events.TakeFailure();
   keep->droppedFailures = failure.others;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The doors through which AppEvent raises, sends and subscribes, and the delivery of one event.
 #include "DataBinding/appevents/details/NamedEvent.h"
 
 #include "DataBinding/appevents/IAppEventBroadcaster.h"
@@ -60,7 +61,7 @@ void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
   Guarded(scope, broadcaster, [&] { NotifyHooks(broadcaster, name.Text(), BoxArguments()); });
 }
 
-/// Runs a step of the delivery and says whether it came to its end without an exception.
+/// Runs a step of the delivery, and reports an exception of it. True when there was none.
 template <class Step>
 DATABINDING_CATCHES_CANCELLATION bool NamedEvent::Guarded(const DeliveryScope& scope,
                                                           PolicyEventBroadcaster& broadcaster,

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What only one thread may be inside at a time, though another one at another time.
+/// A check that only one thread at a time is inside a piece of the library. Another thread may be
+/// inside later.
 ///
-/// Debug builds of the library check it; others do nothing. A thread may enter again while it is
-/// inside. What is entered must outlive the visit.
+/// Debug builds of the library assert it; other builds do nothing. A thread may enter again while
+/// it is inside. The OneThread must outlive the visits.
 #pragma once
 
 #include <atomic>
@@ -35,7 +36,7 @@ class OneThread {
 #endif
 };
 
-/// Inside from now on until its end.
+/// The thread is inside for the life of this object.
 class OneThreadVisit {
  public:
   explicit OneThreadVisit(OneThread& visited) noexcept : thread(visited) { thread.Enter(); }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// Taking events out of the queue, singly or as a batch; closing the holes that this leaves; and the
+// index by which Replace finds the newest event of a name.
 #include "PendingEvents.h"
 
 #include <algorithm>
@@ -44,19 +46,21 @@ bool PendingEvents::Batch::HasNext() const noexcept {
   return std::any_of(rest, end, isThere);
 }
 
-/// Before the memory grows: empty entries in front may be reason enough not to let it.
+/// Is called when the memory is full. Where more than half of the entries are empty, it closes
+/// these holes, so that the memory need not grow.
 void PendingEvents::MakeRoom() {
   if (events < entries.size() / 2) CloseHoles(Room());
 }
 
-/// Memory for what is in the queue, and for as much as it may yet take in.
+/// Memory of the capacity that the queue has now.
 std::vector<PendingEvents::Entry> PendingEvents::Room() const {
   std::vector<Entry> room;
   room.reserve(entries.capacity());
   return room;
 }
 
-/// Moves the entries that have their events to where there is room for them, in their order.
+/// Moves the entries that have events to the given memory, in their order. The memory is reserved
+/// by the caller, because this must not throw half-way.
 void PendingEvents::CloseHoles(std::vector<Entry> room) noexcept {
   Batch whole;
   Take(whole);
@@ -65,14 +69,14 @@ void PendingEvents::CloseHoles(std::vector<Entry> room) noexcept {
   events = entries.size();
 }
 
-/// The newest entry of a name that still has its event, or none.
+/// Finds the newest entry of a name that still has its event, or `none`.
 std::uint32_t PendingEvents::FindLast(const VtrString& name, std::uint64_t hash) {
   IndexRest();
   const std::uint32_t found = newest.empty() ? none : Slot(name, hash);
   return found == none || entries[found].event == nullptr ? none : found;
 }
 
-/// Enters what was appended since the index was last used.
+/// Enters the entries that were appended since the index was last used.
 void PendingEvents::IndexRest() {
   if (entries.size() >= none) throw std::length_error("vector too long");
   for (; indexed < entries.size(); ++indexed) {
@@ -107,7 +111,7 @@ void PendingEvents::GrowIndex() {
 
 void PendingEvents::ClearIndex() noexcept {
   if (indexed == 0) return;
-  // A table that was grown for a rare burst would make every later batch pay.
+  // A table that has grown for a rare burst is freed, or clearing it would cost every later batch.
   if (newest.size() > smallestIndex && newest.size() > names * 16) {
     newest = {};
   } else {

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 /// The queue of an event broadcaster: entries in order of arrival, with an index by name.
 ///
-/// Replacing the newest entry of a name puts the new event into that entry and links the entry to
-/// the end of the order, so that nothing moves and nothing is scanned. Index and links are made
-/// only when a name is first sought, and only over what came since: plain appending does not pay
-/// for them. Taking events singly leaves empty entries behind, until the queue is empty or its
-/// memory would have to grow. The owner's lock guards all of it.
+/// Replace puts the new event into the newest entry of its name and links this entry to the end of
+/// the order, so that it moves no entry and scans nothing. The index and the links are made only
+/// when a name is sought, and only over the entries that came since the last time, so plain
+/// appending does not pay for them. Taking events out singly leaves empty entries behind, until the
+/// queue is empty or its memory would have to grow. The broadcaster's lock guards the queue.
 ///
-/// 1. An entry before `indexed` is linked or empty. The others have events and follow the linked.
-/// 2. `newest` knows the last entry of each name among those before `indexed`. Where that one is
-///    empty, no event of the name is among them: events leave from the front.
+/// 1. An entry before `indexed` is linked or empty. The entries from `indexed` on have events, and
+///    come after the linked ones in the order.
+/// 2. `newest` leads to the last entry of each name before `indexed`. If that entry is empty, no
+///    event of the name is left before `indexed`, because events leave from the front.
+///
+/// docs/how-it-works.md has a drawing.
 #pragma once
 
 #include <algorithm>
@@ -39,18 +42,18 @@ class PendingEvents {
 
   template <class Name>
   void Append(const Name& name, EventPtr&& event);
-  /// Puts the event in the place of the newest one of its name, at the end of the queue, and gives
-  /// that one; appends it and gives null where there is none.
+  /// Replaces the newest event of the name, moves its entry to the end of the queue, and gives the
+  /// replaced event. Appends the event and gives null if the queue has none of that name.
   template <class Name>
   [[nodiscard]] EventPtr Replace(const Name& name, std::uint64_t hash, EventPtr&& event);
-  /// Begins a pass and gives its number: events that are queued from now on come after it.
+  /// Begins a pass and gives its number. Events that are queued from now on are not of this pass.
   [[nodiscard]] std::uint32_t BeginPass() noexcept { return ++pass; }
   /// Takes out the oldest event that was queued before that pass began, or null.
   [[nodiscard]] EventPtr TakeFirst(std::uint32_t ofPass) noexcept;
   [[nodiscard]] bool IsEmpty() const noexcept { return events == 0; }
-  /// Exchanges all entries for an empty batch, whose memory is used on.
+  /// Moves all entries to an empty batch, and goes on with the memory of that batch.
   void Take(Batch& batch) noexcept;
-  /// Moves the events of which matches(name, event) is true to `dropped`.
+  /// Moves the events for which matches(name, event) is true to `dropped`.
   template <class Matches>
   void Drop(Matches matches, std::vector<EventPtr>& dropped);
 
@@ -74,18 +77,18 @@ class PendingEvents {
   std::vector<Entry> entries;
   std::size_t events = 0;
   std::uint32_t pass = 0;
-  /// The order of those entries that are indexed; the others follow as they stand.
+  /// The ends of the list of indexed entries; the other entries follow as they stand.
   std::uint32_t first = none;
   std::uint32_t last = none;
   std::size_t indexed = 0;
-  /// Open addressing: the newest entry of each name indexed so far, found by the name's hash.
+  /// A hash table with open addressing: the newest indexed entry of each name.
   std::vector<std::uint32_t> newest;
   std::size_t names = 0;
 
  public:
-  /// An emptied batch, kept for its memory. The delivering thread's, not guarded by the lock.
+  /// An emptied batch, kept for its memory. Only the delivering thread uses it; no lock guards it.
   std::unique_ptr<Batch> spare;
-  /// Deliveries, and changes of what only the delivering thread uses.
+  /// Checks that deliveries, subscriptions and holds are made by one thread at a time.
   OneThread delivering;
 };
 
@@ -99,12 +102,12 @@ class PendingEvents::Entry {
   [[nodiscard]] const VtrString& Name() const noexcept {
     return permanentName == nullptr ? ownName : *permanentName;
   }
-  /// Looks at the texts only where it must: they lie elsewhere.
+  /// Compares addresses first, because the texts lie elsewhere in memory.
   [[nodiscard]] bool IsNamed(const VtrString& name) const noexcept {
     return permanentName == &name || Name() == name;
   }
 
-  /// Numbers may wrap around between two passes.
+  /// Compares by the difference, because the numbers may wrap around between two passes.
   [[nodiscard]] bool IsBefore(std::uint32_t ofPass) const noexcept {
     return static_cast<std::int32_t>(pass - ofPass) < 0;
   }
@@ -113,21 +116,21 @@ class PendingEvents::Entry {
     return event != nullptr && matches(Name(), *event);
   }
 
-  EventPtr event;  // null once it was taken out
+  EventPtr event;  // null once it was taken out or dropped
 
  private:
   friend class PendingEvents;
   friend class Batch;
 
   VtrString ownName;
-  const VtrString* permanentName = nullptr;  // one that is never destroyed needs no counting
-  std::uint32_t pass;  // the last one that had begun when the event was queued
+  const VtrString* permanentName = nullptr;  // a name that is never destroyed, so it is not copied
+  std::uint32_t pass;  // the number of the pass that had begun last when the event was queued
   std::uint32_t hash = 0;
   std::uint32_t previous = none;
   std::uint32_t next = none;
 };
 
-/// What is dispatched at one time.
+/// The events that DispatchPendingEvents delivers in one call.
 class PendingEvents::Batch {
  public:
   /// The next event in order, or null at the end.
@@ -138,7 +141,7 @@ class PendingEvents::Batch {
   /// False when Next would give null.
   [[nodiscard]] bool HasNext() const noexcept;
   void Clear() noexcept { entries.clear(); }
-  /// Moves the events that match, but for the current one, to `dropped`.
+  /// Moves the events that match to `dropped`, except the one that is being delivered.
   template <class Matches>
   void Drop(const EventPtr& current, const Matches& matches, std::vector<EventPtr>& dropped) {
     for (Entry& entry : entries) {
@@ -162,8 +165,9 @@ class PendingEvents::Batch {
   }
 
   std::vector<Entry> entries;
-  /// The next of the linked entries, and of those that follow them.
+  /// The next of the linked entries.
   std::uint32_t first = none;
+  /// The next of the entries that follow the linked ones, and their end.
   Entry* rest = nullptr;
   Entry* end = nullptr;
 };

@@ -5,7 +5,7 @@
 
 namespace DataBinding::AEB {
 
-/// Never destroyed: threads may raise events while the process ends.
+/// The callback is never destroyed, because threads may raise events while the process ends.
 RepeatingCallback<void()>& UpdatePolicy::UpdateUICallback() {
   static auto* callback = new RepeatingCallback<void()>;
   return *callback;

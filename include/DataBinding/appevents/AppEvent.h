@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A named application event with its signature: a value, declared once in a header and used by
-/// every module that includes it.
+/// A named application event with its signature. It is declared once in a header and used by every
+/// module that includes this header.
 ///
-/// Making one costs nothing and cannot fail, so it may stand at namespace scope. The name fixes the
-/// signature for the whole process: its first use with another one, on whatever operation, throws
-/// std::logic_error naming both. Raise and RaiseLatest work on any thread; Send and Subscribe
-/// belong to the delivering thread. Listeners take the arguments as constant references, which live
-/// until the delivery is over; they may raise, send, subscribe and cancel (see CallbackList.h).
+/// Making an AppEvent of a literal costs nothing and cannot fail, so it may stand at namespace
+/// scope. A name has one signature in the whole process, that of its first use: any operation that
+/// uses it with another one throws std::logic_error, which names both signatures.
+///
+/// Any thread may call Raise and RaiseLatest; Send and Subscribe belong to the delivering thread.
+/// Listeners take the arguments as constant references, which live until the delivery is over. A
+/// listener may raise, send, subscribe and cancel (see CallbackList.h).
 ///
 ///   inline constinit const AppEvent<VtrString, int> processStarted{L"ProcessStarted"};
 ///   Subscription log = processStarted.Subscribe([](const VtrString& name, int id) { ... });
@@ -33,15 +35,15 @@
 
 namespace DataBinding {
 
-/// Stands for the module (executable, library, plug-in) whose code calls it: the owner of the
-/// events that this module raises. See PolicyEventBroadcaster::DropOwner.
+/// Gives an address that stands for the module (executable, library or plug-in) whose code calls
+/// it. The module is the owner of the events that it raises, see PolicyEventBroadcaster::DropOwner.
 [[nodiscard]] DATABINDING_MODULE_LOCAL inline const void* ThisModule() noexcept {
   static constexpr char here = 0;
   return &here;
 }
 
 namespace details {
-/// Arguments that refer to what somebody else owns: it may be gone when the event is delivered.
+/// True for types that only refer to something, which may be gone when the event is delivered.
 template <class T>
 inline constexpr bool isBorrowed = std::same_as<T, VtrStringView>;
 template <class C, class Traits>
@@ -63,14 +65,14 @@ class AppEvent {
                 "a view, a reference or a plain text may be gone when the queue is delivered");
 
  public:
-  /// What subscribes: takes each argument by constant reference.
+  /// The callback of a listener, which takes each argument by constant reference.
   using Callback = RepeatingCallback<void(const Args&...)>;
 
-  /// The text, most often a literal, must stay as long as the event and its copies.
+  /// The text, most often a literal, must live as long as the event and its copies.
   explicit constexpr AppEvent(const wchar_t* eventName) noexcept : text(eventName) {}
   /// For a name that is made up at run time. Its text is kept until the process ends.
   explicit AppEvent(const VtrString& eventName) : text(details::EventName::Intern(eventName)) {}
-  /// Copies name the same event and its text, which is not copied.
+  /// A copy names the same event. It refers to the same text, which is not copied.
   ///@{
   AppEvent(const AppEvent& other) noexcept
       : text(other.text), known(other.known.load(std::memory_order_acquire)) {}
@@ -83,18 +85,19 @@ class AppEvent {
   ///@}
   ~AppEvent() = default;
 
-  /// Queues an event for the next idle pass. Any thread. When the loop cannot be woken, what `wake`
-  /// throws comes out of here, with the event queued.
+  /// Queues an event for the next idle pass. Any thread. When `wake` (see IdlePass) throws because
+  /// it cannot wake the loop, Raise lets the exception out, and the event is queued all the same.
   DATABINDING_MODULE_LOCAL void Raise(Args... args) const {
     details::NamedEvent::Queue(Known(), Make(std::move(args)...), false);
   }
-  /// The same, in place of the newest queued event of this name: only the latest one counts. The
-  /// arguments of the former one end on this thread, before the call returns.
+  /// Queues an event that takes the place of the newest queued event of this name, for readings of
+  /// which only the latest counts. The arguments of the replaced event end on this thread, before
+  /// the call returns. As Raise otherwise.
   DATABINDING_MODULE_LOCAL void RaiseLatest(Args... args) const {
     details::NamedEvent::Queue(Known(), Make(std::move(args)...), true);
   }
-  /// Delivers an event now, on this thread, by the rules of a queued one: it is held while the name
-  /// is disabled, hooks see it, and what listeners throw goes to the error handler.
+  /// Delivers an event now, on this thread, by the rules of a queued one: the event is held if its
+  /// name is disabled, hooks see it, and exceptions of listeners go to the error handler.
   DATABINDING_MODULE_LOCAL void Send(Args... args) const {
     details::NamedEvent::Send(Make(std::move(args)...));
   }
@@ -104,25 +107,27 @@ class AppEvent {
   Subscription Subscribe(const Callback& callback) const {
     return Subscribe(IAppEventBroadcaster::GetInstance(), callback);
   }
-  /// The same at a broadcaster in hand.
+  /// Subscribes at the given broadcaster instead of that of the process.
   Subscription Subscribe(IAppEventBroadcaster& broadcaster, const Callback& callback) const {
     return details::NamedEvent::Subscribe(broadcaster, Known(), callback.GetMemento());
   }
-  /// Calls the callback for one event only: the subscription ends when it has returned or thrown.
-  /// It is called at most once also where an event is sent inside it. It may own its Subscription,
-  /// by which it can be ended before. A null callback gives an inert subscription.
+  /// Calls the callback for one event only: the subscription ends when the callback has returned or
+  /// thrown. A callback that sends the event itself is not called again. The callback may own its
+  /// Subscription, by which it can be ended earlier. A null callback gives an inert subscription.
   Subscription SubscribeOnce(OneShotCallback<void(const Args&...)> callback) const {
     if (!callback) return {};
     return details::CallOnce(std::move(callback),
                              [this](const Callback& once) { return Subscribe(once); });
   }
-  /// True when an event that is sent now would be heard. Listeners that wait are subscribed first;
-  /// what their InitEventMap throws comes out. Hooks do not count, nor do callbacks that are paused
-  /// or bound to objects that have gone. What On and SubscribeOnce were given counts while it is
-  /// subscribed, and listeners to a disabled name do, too. For the delivering thread.
+  /// True when a listener would hear an event that is sent now. Listeners that wait in the
+  /// registrar are subscribed first, and an exception of their InitEventMap comes out of here.
+  /// Hooks do not count, nor do callbacks that are paused or bound to objects that have gone.
+  /// Callbacks of On and SubscribeOnce count while they are subscribed, whatever they are bound to,
+  /// and listeners to a disabled name count, too. For the delivering thread.
   [[nodiscard]] bool HasListeners() const { return details::NamedEvent::HasListeners(Known()); }
-  /// The text, kept until the process ends. Fixes the signature: asking the names of all events at
-  /// the start finds a name that is used with two before a thread comes across it.
+  /// The name, which is kept until the process ends. Asking for it is a use of the name and fixes
+  /// the signature: an application that asks all events at its start finds a name with two
+  /// signatures there, and not later on some thread.
   [[nodiscard]] const VtrString& Name() const { return Known().Text(); }
 
  private:

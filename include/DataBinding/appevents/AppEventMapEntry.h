@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// One line of a listener's event map: an event that it wants, and how to subscribe to it.
+/// One line of a listener's event map: an event that the listener wants, and how to subscribe to
+/// it.
 ///
-/// AppEventListener::On makes them; a listener may add kinds of its own to its map, which owns
-/// them. Subscribe is called each time that the listener is subscribed, on the delivering thread;
-/// what it gives ends when the listener is unsubscribed.
+/// AppEventListener::On makes entries; a listener may also add entries of a class of its own to its
+/// map, which owns them. The listener calls Subscribe each time that it is subscribed, on the
+/// delivering thread, and ends the subscription when it is unsubscribed.
 #pragma once
 
 #include <utility>
@@ -17,15 +18,15 @@ namespace DataBinding {
 
 class DATABINDING_API AppEventMapEntry {
  public:
-  /// For the event of that name.
+  /// Makes an entry for the event of that name.
   explicit AppEventMapEntry(VtrString eventName) noexcept : name(std::move(eventName)) {}
   AppEventMapEntry(const AppEventMapEntry&) = delete;
   AppEventMapEntry& operator=(const AppEventMapEntry&) = delete;
   virtual ~AppEventMapEntry();
 
-  /// Subscribes what the entry calls; an entry that has nothing to call gives an inert one.
+  /// Subscribes the entry's callback. An entry without a callback gives an inert subscription.
   virtual Subscription Subscribe(IAppEventBroadcaster& broadcaster) = 0;
-  /// What AppEventListener::HasListener looks for.
+  /// The name by which AppEventListener::HasListener finds the entry.
   [[nodiscard]] const VtrString& Name() const noexcept { return name; }
 
  private:

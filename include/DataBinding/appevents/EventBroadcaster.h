@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The engine behind application-wide named events: a queue that any thread fills and one thread,
-/// the delivering thread, empties on the application's idle pass.
+/// The engine behind application-wide named events: a queue that any thread fills, and that one
+/// thread, the delivering thread, empties on the application's idle pass.
 ///
-/// Events of a disabled name are held, the newest one a name, until it is enabled again. Raising
-/// (QueueEvent, AppEvent) works on any thread; all else belongs to the delivering thread, and runs
-/// there with no lock held. A listener may raise, disable and enable events, subscribe, cancel,
-/// dispatch again (a modal loop) and even release the broadcaster. Events still queued or held when
-/// the broadcaster ends are dropped.
+/// A name can be disabled. The newest event of a disabled name is held until the name is enabled
+/// again, and older ones are lost. Events that are still queued or held when the broadcaster ends
+/// are dropped.
 ///
-/// Applications use IAppEventBroadcaster, the one of the process, and AppEvent to raise.
+/// Any thread may raise events (QueueEvent, AppEvent). All other operations belong to the
+/// delivering thread, which holds no lock while it calls listeners. A listener may raise, disable
+/// and enable events, subscribe, cancel, dispatch again (as a modal loop does) and even release the
+/// broadcaster.
+///
+/// Applications use IAppEventBroadcaster, which is the broadcaster of the process, and raise events
+/// by AppEvent. docs/how-it-works.md follows an event through this class.
 #pragma once
 
 #include <atomic>
@@ -38,13 +42,13 @@ class PendingEvents;
 struct EventChannel;
 }  // namespace details
 
-/// What listeners and hooks have thrown since somebody asked.
+/// The exceptions of listeners and hooks since the last TakeFailure.
 struct EventFailure {
-  /// The event that the first one listened to.
+  /// The event during whose delivery the first exception was thrown.
   VtrString eventName;
   /// The first exception; null for none.
   std::exception_ptr exception;
-  /// How many were thrown after it, which are dropped.
+  /// How many exceptions followed the first one; they are dropped.
   std::size_t others = 0;
 
   /// True when something was thrown.
@@ -58,14 +62,15 @@ class EventHold;
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #endif
 
-/// The library holds one instantiation, that with the policies of namespace AEB; it can be derived
-/// from, and deleted only as what it is.
+/// The library has one instantiation, with the policies of namespace AEB. Classes may derive from
+/// it, but a derived object is not deleted through a pointer to this class.
 template <class UpdatePolicyType, class ThreadingPolicyType>
 class DATABINDING_API EventBroadcaster {
  public:
-  /// An event in the queue, owned through std::shared_ptr. AppEvent makes them; an application may
-  /// queue kinds of its own with QueueEvent. What their Dispatch lets out abandons the batch;
-  /// RunFor leaves the rest of it queued.
+  /// An event in the queue, owned through std::shared_ptr. AppEvent makes such events; an
+  /// application may derive kinds of its own and queue them with QueueEvent. When their Dispatch
+  /// throws, DispatchPendingEvents drops the rest of the batch, and DispatchPendingEventsFor leaves
+  /// the rest queued.
   class DATABINDING_API PendingEventBase {
    public:
     PendingEventBase(const PendingEventBase&) = delete;
@@ -73,25 +78,26 @@ class DATABINDING_API EventBroadcaster {
     virtual ~PendingEventBase() = default;
     /// Delivers the event to its listeners. Runs on the delivering thread.
     virtual void Dispatch(EventBroadcaster& broadcaster) = 0;
-    /// What DropOwner knows the event by; see ThisModule.
+    /// The key by which DropOwner finds the event; see ThisModule. Null for an event without owner.
     [[nodiscard]] const void* Owner() const noexcept { return owner; }
 
    protected:
-    /// Of an owner, or of nobody: DropOwner then passes it over.
+    /// Makes an event of an owner. Null stands for none, and DropOwner passes the event over.
     explicit PendingEventBase(const void* ownerKey = nullptr) noexcept : owner(ownerKey) {}
-    /// For Dispatch, before all else: subscribes the listeners that wait for it.
+    /// Dispatch calls this first: it subscribes the listeners that wait in WAppEventRegistrar.
     static void PreNotify(EventBroadcaster& broadcaster);
-    /// For Dispatch: keeps the event, in place of an older one, if its name is disabled, and says
-    /// whether it is. A name becomes known by this. Null is not kept.
+    /// Dispatch calls this before it calls listeners. If the name is disabled, it holds the event
+    /// in the place of an older one, and returns true. Makes the name known (see DisableAllEvents).
+    /// A null event is not held.
     [[nodiscard]] static bool HoldIfDisabled(EventBroadcaster& broadcaster, const VtrString& name,
                                              std::shared_ptr<PendingEventBase> event);
-    /// For Dispatch, after the listeners: lets the hooks see the event. The arguments are boxed
-    /// only when there are hooks: `if (HasHooks(b)) NotifyHooks(b, name, {...});`
+    /// Dispatch asks this after the listeners, since the arguments need to be boxed only when there
+    /// are hooks: `if (HasHooks(b)) NotifyHooks(b, name, {...});`
     [[nodiscard]] static bool HasHooks(const EventBroadcaster& broadcaster);
-    /// Runs the hooks; what they throw is treated as a listener's exception.
+    /// Runs the hooks. An exception of a hook is treated like a listener's.
     static void NotifyHooks(EventBroadcaster& broadcaster, const VtrString& name,
                             const std::vector<Any>& args);
-    /// For a catch block of Dispatch: treats the exception as that of a listener.
+    /// A catch block of Dispatch calls this, which treats the exception like a listener's.
     static void ReportFailure(EventBroadcaster& broadcaster, const VtrString& name);
 
    private:
@@ -99,7 +105,7 @@ class DATABINDING_API EventBroadcaster {
   };
   /// The queue, the held events and a batch under delivery share an event.
   using EventPtr = std::shared_ptr<PendingEventBase>;
-  /// Gets the event's name and the exception, on the delivering thread.
+  /// Is given the event's name and the exception, on the delivering thread.
   using ErrorHandler = RepeatingCallback<void(const VtrString&, const std::exception_ptr&)>;
 
   EventBroadcaster();
@@ -107,80 +113,87 @@ class DATABINDING_API EventBroadcaster {
   EventBroadcaster& operator=(const EventBroadcaster&) = delete;
 
  protected:
-  /// True when somebody wants to see every event.
+  /// True when there are hooks, which see every event.
   [[nodiscard]] virtual bool AnyEventHooksRegistered() const;
-  /// An event was delivered with these arguments.
+  /// Is called when an event with these arguments was delivered, if AnyEventHooksRegistered.
   virtual void OnEventDispatched(VtrString name, const std::vector<Any>& args);
 
  public:
-  /// Runs the cleanup callbacks, then drops everything. Deliberately not virtual: whoever owns a
-  /// derived broadcaster deletes it as that.
+  /// Runs the cleanup callbacks, then drops everything. Deliberately not virtual: the owner of a
+  /// derived broadcaster deletes it through the derived type.
   ~EventBroadcaster();
 
-  /// Undoes one DisableEvent. When that was the last one, the event held meanwhile is delivered at
-  /// once or dropped. Does nothing for a name that is not disabled, or by EventHolds only.
+  /// Undoes one DisableEvent. When it undoes the last one, it delivers the held event at once, or
+  /// drops it if fireHeldEvent is false. Does nothing for a name that is not disabled, or that only
+  /// EventHolds disable.
   void EnableEvent(const VtrString& name, bool fireHeldEvent);
-  /// Holds the name's events back from now on, also those that are queued already. Counts.
+  /// Holds the name's events back from now on, also those that are queued already. Calls count: as
+  /// many EnableEvents undo them.
   void DisableEvent(const VtrString& name);
-  /// EnableEvent of each known name, in ascending order. All are enabled, also when held events of
-  /// another kind throw: the first exception comes out when that is done.
+  /// Calls EnableEvent for each known name, in ascending order. When a held event of the
+  /// application's own kind throws, the other names are enabled all the same, and then the first
+  /// exception comes out.
   void EnableAllEvents(bool fireHeldEvent);
-  /// DisableEvent of each known name, in ascending order. A name is known once it was subscribed to
-  /// or an event of it was dispatched. The others are not reached, such as those of listeners that
-  /// wait to be subscribed: call WAppEventRegistrar::RegisterAppEvents before.
+  /// Calls DisableEvent for each known name, in ascending order. A name is known once a listener
+  /// has subscribed to it or an event of it was dispatched. Listeners that still wait in the
+  /// registrar have not made their names known; call WAppEventRegistrar::RegisterAppEvents first to
+  /// reach them.
   void DisableAllEvents();
-  /// True while the name is disabled, by whomever.
+  /// True while the name is disabled, by DisableEvent or by an EventHold.
   [[nodiscard]] bool IsDisable(const VtrString& name);
   /// True when the name is disabled and an event is held for it.
   [[nodiscard]] bool AnyPendingDisableEvents(const VtrString& name) const;
-  /// Runs the callback when the broadcaster ends; what it throws then is dropped. A second one of
-  /// the same owner is dropped, too.
+  /// Has the broadcaster run the callback when it ends; an exception of the callback is dropped. An
+  /// owner has one callback: a second one for the same owner is dropped without being run.
   void AddCleanupCallback(void* owner, OneShotCallback<void()> callback);
   /// Drops the owner's callback without running it.
   void RemoveCleanupCallback(void* owner);
-  /// Delivers what is queued so far. What is raised meanwhile waits for the next call; a call from
-  /// inside a delivery delivers what was raised since, before the rest of the outer batch.
+  /// Delivers the events that are queued now, as one batch. Events that are raised meanwhile wait
+  /// for the next call. A call from inside a listener delivers what was raised since, and then the
+  /// outer call goes on with the rest of its batch.
   void DispatchPendingEvents();
-  /// Delivers one event after the other, at least one, until as much time has passed; the others
-  /// stay queued, for the caller to come back to. As above, it delivers nothing that is raised
-  /// meanwhile. What has not been reached counts as queued: RaiseLatest replaces it, a call from
-  /// inside delivers it, and an exception out of an event of another kind leaves it for later.
-  /// Looks at the clock after each event.
+  /// Delivers events one after the other, at least one, until the budget is used up, and looks at
+  /// the clock after each. The others stay queued, and the caller is to come back for them. Events
+  /// that are raised meanwhile wait for the next call. Events that were not reached count as
+  /// queued: RaiseLatest replaces them, a call from inside a listener delivers them, and an
+  /// exception out of an event of the application's own kind leaves them for later.
   void DispatchPendingEventsFor(std::chrono::nanoseconds budget);
 
-  /// Queues an event of the caller's own kind. Any thread. With `replaceLast` it takes the place of
-  /// the newest queued event of its name, which ends on this thread, at the end of the queue.
-  /// Ignores null. What the UpdateUI callback throws comes out of here, with the event queued; the
-  /// next event runs it again.
+  /// Queues an event of the caller's own kind. Any thread. With `replaceLast` the event goes to the
+  /// end of the queue and replaces the newest queued event of its name, which ends on this thread.
+  /// Ignores null. An exception of the UpdateUI callback comes out of here, but the event is
+  /// queued, and the next event runs the callback again.
   void QueueEvent(const VtrString& name, EventPtr event, bool replaceLast = false);
-  /// True while events are queued; false already while a batch with the last of them is under
-  /// delivery. Any thread.
+  /// True while events are queued. Events that DispatchPendingEvents has taken out as its batch do
+  /// not count, even before they are delivered. Any thread.
   [[nodiscard]] bool HasPendingEvents() const noexcept;
-  /// True while events are queued or still to come in a batch under delivery. Those that are being
-  /// delivered are not counted, nor those that are held.
+  /// True while events are queued or still to come in a batch under delivery. Events that are being
+  /// delivered or held do not count.
   [[nodiscard]] bool HasUndeliveredEvents() const noexcept;
-  /// Drops the name's events, or the owner's, that are queued, held, or still to come in a batch
-  /// under delivery, for example those of a plug-in which is about to be unloaded. What they own
-  /// may drop others while it ends, and may release the broadcaster. The whole queue is looked at.
+  /// Drops the events of a name that are queued, held, or still to come in a batch under delivery.
+  /// The destructors of their arguments may drop further events and release the broadcaster. Takes
+  /// time in proportion to the queue.
   void DropEvents(const VtrString& name);
-  /// The same for the events of an owner, whatever their names. None for null.
+  /// Drops the events of an owner, whatever their names, for example those of a plug-in that is
+  /// about to be unloaded. As DropEvents otherwise. Does nothing for null.
   void DropOwner(const void* owner);
-  /// Takes what listeners and hooks throw. Without one (null, or bound to an object that has gone
-  /// since) the first exception is kept for TakeFailure; outside a dispatch an idle pass is asked
-  /// for, so that it comes to light. What the handler itself throws is kept in the place of what it
-  /// was given, which counts as another.
+  /// Has the handler called with each exception of a listener or hook. Without a handler (null, or
+  /// bound to an object that has gone since) the first exception is kept for TakeFailure. If it was
+  /// thrown outside a dispatch, an idle pass is asked for, so that it comes to light. When the
+  /// handler itself throws, its exception is kept, and the one that it was given counts among the
+  /// others.
   void SetErrorHandler(ErrorHandler handler);
   /// True when TakeFailure would give an exception.
   [[nodiscard]] bool HasFailure() const noexcept { return failure.exception != nullptr; }
-  /// What was thrown since the last call.
+  /// Gives and forgets the exceptions that were kept since the last call.
   [[nodiscard]] EventFailure TakeFailure();
   /// True while an event is dispatched, on the delivering thread.
   [[nodiscard]] bool IsDelivering() const noexcept { return delivery != nullptr; }
-  /// Tells whether this broadcaster, and not a later one, is still there.
+  /// Gives a pointer that tells whether this broadcaster, and not a later one, is still there.
   [[nodiscard]] WeakPtr<EventBroadcaster> GetWeakPtr() const { return weakFactory.GetWeakPtr(); }
 
  protected:
-  /// Passes the exception that is being handled to the error handler, or keeps it.
+  /// Gives the exception that is being handled to the error handler, or keeps it.
   void ReportFailure(const VtrString& name);
 
  private:
@@ -211,7 +224,7 @@ class DATABINDING_API EventBroadcaster {
   ThreadingPolicyType threadingPolicy;
   UpdatePolicyType updatePolicy;
   std::atomic<bool> anyPending{false};
-  /// Set when the UpdateUI callback could not be run to its end.
+  /// True after the UpdateUI callback has thrown, until it runs to its end.
   std::atomic<bool> isPassOwed{false};
   /// How many of a name's disables belong to EventHolds, which EnableEvent leaves alone.
   std::map<VtrString, std::int32_t> holdCounts;
@@ -227,12 +240,12 @@ class DATABINDING_API EventBroadcaster {
 #pragma GCC diagnostic pop
 #endif
 
-/// The one broadcaster that there is code for; IAppEventBroadcaster is it.
+/// The only instantiation that the library has; IAppEventBroadcaster derives from it.
 using PolicyEventBroadcaster = EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
-/// What applications derive events of their own kinds from.
+/// The base of events of an application's own kinds.
 using PendingEventBase = PolicyEventBroadcaster::PendingEventBase;
 
-#if !defined(_WIN32)  // there MinGW would export no inline member of what is declared extern
+#if !defined(_WIN32)  // MinGW exports no inline member of a template that is declared extern
 extern template class EventBroadcaster<AEB::UpdatePolicy, AEB::ThreadingPolicy>;
 #endif
 

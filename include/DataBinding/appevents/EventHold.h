@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Holds an event back for the length of a block: while it lives the name is disabled, and the
-/// newest event of it is kept.
+/// Holds an event back for the length of a block: while the hold lives, the event's name is
+/// disabled, and the newest event that comes up for delivery is kept.
 ///
-/// It is for states, of which the newest says all: of events that are counted or collected the
-/// others are lost. At its end, if nobody else disables the name, the held event is delivered at
-/// once, unless Drop was called. Holds nest and count. EnableEvent does nothing where only holds
-/// disable the name. A hold that outlives its broadcaster does nothing to the next one. For the
-/// delivering thread.
+/// Older events of the name are lost, so a hold suits states, of which the newest says all, and not
+/// events that are counted or collected. When the hold ends and nobody else disables the name, the
+/// kept event is delivered at once, unless Drop was called.
+///
+/// Holds nest and count. EnableEvent does nothing to a name that only holds disable. A hold that
+/// outlives its broadcaster does nothing to the next broadcaster. For the delivering thread.
 ///
 ///   const EventHold pause(loadChanged);
 #pragma once
@@ -26,17 +27,19 @@ class DATABINDING_API EventHold {
   /// Disables the event's name from now on.
   template <class... Args>
   [[nodiscard]] explicit EventHold(const AppEvent<Args...>& event) : EventHold(event.Name()) {}
-  /// The hold goes along; the other one holds nothing then. What was held before is let go.
+  /// Takes over the other hold, which then holds nothing. Assignment first ends the hold that this
+  /// object had.
   ///@{
   EventHold(EventHold&& other) noexcept;
   EventHold& operator=(EventHold&& other) noexcept;
   ///@}
   EventHold(const EventHold&) = delete;
   EventHold& operator=(const EventHold&) = delete;
-  /// What a held event of the application's own kind throws goes to the error handler.
+  /// Delivers the held event, see above. What an event of the application's own kind throws goes to
+  /// the error handler.
   ~EventHold();
 
-  /// Lets the name go at the end without delivering what was held.
+  /// Has the end of the hold enable the name without delivering the held event.
   void Drop() noexcept { firesAtEnd = false; }
 
  private:

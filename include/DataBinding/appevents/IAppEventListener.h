@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the registrar sees of a listener to application events.
+/// The interface by which WAppEventRegistrar calls a listener to application events.
 ///
-/// It fills its event map when it is first needed, subscribes what the map says, and unsubscribes
-/// on request. AppEventListener is the reusable implementation. Called with the registrar's lock
-/// held, on the thread that flushes, registers or removes.
+/// The registrar has the listener fill its event map when it is first needed, has it subscribe to
+/// the events of the map, and later has it unsubscribe. AppEventListener implements this. The
+/// registrar calls with its lock held, on the thread that flushes, registers or removes.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -17,12 +17,13 @@ class DATABINDING_API IAppEventListener {
   IAppEventListener& operator=(const IAppEventListener&) = delete;
   virtual ~IAppEventListener();
 
-  /// Says which events it wants. Called again each time before it is subscribed anew.
+  /// Says which events the listener wants. Called each time before RegisterAppEventListeners.
   virtual void InitEventMap() = 0;
-  /// Subscribes. Called after InitEventMap.
+  /// Subscribes the listener to its events. Called after InitEventMap.
   virtual void RegisterAppEventListeners() = 0;
-  /// Unsubscribes. Also called for a listener that was not subscribed, because it was removed in
-  /// its own InitEventMap or another one threw out of the flush before it was reached.
+  /// Ends all subscriptions. Must also do for a listener that was never subscribed: one that was
+  /// removed in its own InitEventMap, or one that a flush did not reach because another listener
+  /// threw.
   virtual void UnregisterAppEventListeners() = 0;
 };
 

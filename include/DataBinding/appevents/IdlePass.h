@@ -2,11 +2,13 @@
 /// Joins the event broadcaster to the application's message loop: wakes the loop when events are
 /// queued, and delivers them when the loop is idle.
 ///
-/// Make it on the delivering thread before any producer starts, and end it after they have stopped.
-/// `wake` runs on the thread that raises, once until the next Run: it must be safe on any thread
-/// and get the loop to call Run soon, or throw if it cannot. Run may be entered again from a modal
-/// loop that a listener runs. Several passes may end in any order: each gives the callback that it
-/// replaced back. The newest is woken, and counts as woken until its own Run.
+/// Make it on the delivering thread before any thread starts to raise events, and end it after all
+/// have stopped. It calls `wake` on the thread that raises, and then not again until the next Run.
+/// `wake` must be safe on any thread. It gets the loop to call Run soon, or throws if it cannot.
+///
+/// A listener that runs a modal loop may call Run again inside a Run. Several passes may exist and
+/// end in any order, because each restores the callback that it replaced. Only the newest one is
+/// woken, and it counts as woken until its own Run.
 ///
 ///   IdlePass idle([&] { loop.Wake(); });     // poll: write one byte to a pipe
 ///   while (loop.Wait()) idle.Run();          // RunFor(8ms) where events may come in floods
@@ -23,25 +25,27 @@ namespace DataBinding {
 
 class DATABINDING_API IdlePass {
  public:
-  /// Installs the UpdateUI callback. Wakes at once when events are queued already.
+  /// Installs the UpdateUI callback. Calls `wake` at once when events are queued already, or when a
+  /// listener's exception waits for a Run; if `wake` throws then, nothing is installed.
   [[nodiscard]] explicit IdlePass(RepeatingCallback<void()> wake);
   IdlePass(const IdlePass&) = delete;
   IdlePass& operator=(const IdlePass&) = delete;
-  /// Restores the former UpdateUI callback, and runs it if events are left for it.
+  /// Restores the UpdateUI callback that this pass replaced, and runs it if events are left.
   ~IdlePass();
 
-  /// Delivers what is queued. What comes in meanwhile wakes the loop for another pass. Afterwards
-  /// throws what the first listener or hook threw, if no error handler takes that; a Run inside a
-  /// delivery leaves it to the outer one. Costs next to nothing when nothing is queued. The pass
-  /// may end, and the broadcaster be released, meanwhile.
+  /// Delivers the events that are queued now. Events that are raised meanwhile wake the loop for
+  /// another pass. Afterwards Run throws the first exception of a listener or hook, if no error
+  /// handler took it; a Run inside a delivery leaves the exception to the outer one. Costs next to
+  /// nothing when nothing is queued. A listener may end this pass and release the broadcaster.
   void Run();
-  /// The same, but stops after the event, at least one, during which as much time has passed: the
-  /// others stay queued, in their order, and the loop is woken for another pass. A Run from inside
-  /// delivers them first. What an event of another kind lets out leaves them queued, too.
+  /// Delivers like Run, but stops after the first event at whose end the budget is used up. The
+  /// other events stay queued in their order, and the loop is woken for another pass. A Run inside
+  /// a listener delivers them first. They stay queued, too, when the Dispatch of an event of the
+  /// application's own kind throws.
   void RunFor(std::chrono::nanoseconds budget);
-  /// True from the waking until the next Run.
+  /// True from a successful call of `wake` until the next Run.
   [[nodiscard]] bool IsRequested() const noexcept;
-  /// How many exceptions were dropped beside the one that Run threw last.
+  /// How many further exceptions came with the one that Run threw last, and were dropped.
   [[nodiscard]] std::size_t DroppedFailures() const noexcept;
 
  private:

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 /// The lock of an event broadcaster's queue.
 ///
-/// A critical section: recursive, tried first, then spun upon, then waited for. The broadcaster
-/// holds it for a few instructions at a time and never while a callback runs.
-///
-/// Held by value in its broadcaster; neither copied nor moved.
+/// It is a recursive critical section. A thread that finds it taken spins for a while before it
+/// sleeps, because the broadcaster holds the lock for a few instructions only, and never while a
+/// callback runs. The broadcaster holds the policy by value; it is neither copied nor moved.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -19,7 +18,7 @@ struct DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Thread
   ThreadingPolicy& operator=(const ThreadingPolicy&) = delete;
   ~ThreadingPolicy() = default;
 
-  /// Any thread; the one that holds it may enter again and then leaves as often.
+  /// Takes the lock. Any thread; a thread that holds it may enter again, and leaves as often.
   void EnterCriticalSection() DATABINDING_THREAD_ANNOTATION(acquire_capability());
   /// Undoes one entry of this thread.
   void LeaveCriticalSection() DATABINDING_THREAD_ANNOTATION(release_capability());

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a process knows of an application event: its name, its signature, and a number that finds
-/// it in a table.
+/// The record that the process keeps of an application event's name: the name, its signature, and a
+/// number by which a broadcaster finds the listeners in a table.
 ///
-/// There is one for each name, whichever modules use it. It is never destroyed and owns its texts,
-/// so it outlives the module that named it first. Any thread. AppEvent is its user.
+/// The process has one record for each name, whichever modules use it. A record is never destroyed
+/// and owns its texts, so it outlives the module that used the name first. Any thread may ask for
+/// one. AppEvent uses it.
 #pragma once
 
 #include <cstddef>
@@ -22,18 +23,18 @@ class DATABINDING_API EventName {
   EventName& operator=(const EventName&) = delete;
   ~EventName() = default;
 
-  /// The event of that name. Throws std::logic_error, naming the event and both signatures, when
-  /// the name was first used with another signature.
+  /// Finds or makes the record of a name. Throws std::logic_error, which names the event and both
+  /// signatures, when the name was first used with another signature.
   [[nodiscard]] static const EventName& Find(VtrStringView name, const std::type_info& signature);
-  /// Throws where Find would, but fixes no signature and keeps no name.
+  /// Throws where Find would throw, but makes no record and fixes no signature.
   static void Check(VtrStringView name, const std::type_info& signature);
-  /// The text of a name, to be kept forever. Fixes no signature.
+  /// Gives a copy of the name that is never freed. Fixes no signature.
   [[nodiscard]] static const wchar_t* Intern(VtrStringView name);
 
   [[nodiscard]] const VtrString& Text() const noexcept { return text; }
   /// std::hash of the text.
   [[nodiscard]] std::uint64_t Hash() const noexcept { return hash; }
-  /// Counts from 0 in order of first use.
+  /// The names are numbered from 0 in the order of their first use.
   [[nodiscard]] std::size_t Number() const noexcept { return number; }
 
  private:

@@ -2,10 +2,11 @@
 /// The part of a raised AppEvent that does not depend on its signature: how it is queued, held and
 /// delivered.
 ///
-/// Delivery subscribes the listeners that wait for it, holds the event back if its name is
-/// disabled, calls the listeners in order of subscription and then the hooks. What one of them
-/// throws goes to the broadcaster's error handler and stops nobody else. Owned through
-/// std::shared_ptr. AppEvent is its user.
+/// A delivery first subscribes the listeners that wait in WAppEventRegistrar. If the event's name
+/// is disabled, it holds the event. Otherwise it calls the listeners in order of subscription, and
+/// then the hooks. When one of them throws, the broadcaster's error handler gets the exception, and
+/// the others are called all the same. Events are owned through std::shared_ptr. AppEvent uses
+/// this.
 #pragma once
 
 #include <memory>
@@ -36,12 +37,12 @@ class DATABINDING_API NamedEvent : public PendingEventBase {
   void Dispatch(PolicyEventBroadcaster& broadcaster) final;
   /// Queues the event at the process's broadcaster. Any thread.
   static void Queue(const EventName& name, Ptr&& event, bool replaceLast);
-  /// Delivers the event at once, by the same rules.
+  /// Delivers the event at once, at the process's broadcaster.
   static void Send(const Ptr& event);
-  /// Adds a listener of the name's signature.
+  /// Adds a listener. The callback must have the name's signature, which is not checked here.
   static Subscription Subscribe(IAppEventBroadcaster& broadcaster, const EventName& name,
                                 const RepeatingCallbackMemento& callback);
-  /// Whether anybody is subscribed to the name at the process's broadcaster.
+  /// See AppEvent::HasListeners.
   [[nodiscard]] static bool HasListeners(const EventName& name);
 
  protected:
@@ -49,8 +50,9 @@ class DATABINDING_API NamedEvent : public PendingEventBase {
       : PendingEventBase(ownerKey), name(eventName) {}
 
  private:
-  /// Calls the rest of the walk. After an exception it is called again.
+  /// Calls the listeners that the walk has not reached. It is called again when one has thrown.
   virtual void CallListeners(CallbackWalk& walk) const = 0;
+  /// Copies the arguments for the hooks.
   [[nodiscard]] virtual std::vector<Any> BoxArguments() const = 0;
   template <class Step>
   bool Guarded(const DeliveryScope& scope, PolicyEventBroadcaster& broadcaster, Step step);
