@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Typed access to the values that an application attaches to a provider.
+/// CustomDataProxy gives typed access to the values that an application attaches to a provider.
 ///
-/// A key pairs an identifier with the type of its value. Values are not owned and are looked up
-/// through the enclosing scopes; see IDataSourceProvider::SetCustomData and GetCustomData.
+/// A key pairs an identifier with the type of its value. The provider does not own the values. A
+/// value that is not stored in the provider itself is looked up in the enclosing scopes: see
+/// SetCustomData and GetCustomData of IDataSourceProvider.
 ///
 ///   constexpr CustomDataKey<Theme> themeKey{Guid{0x2f3c1a90, 0x11d2, 0x4b7e, {1, 2}}};
 ///   provider.GetCustomData().Set(themeKey, &theme);
@@ -15,25 +16,25 @@
 
 namespace DataBinding {
 
-/// An identifier with the type of the values that are stored under it: T* everywhere, or the
-/// value is read as what it is not.
+/// A key joins an identifier to the type of the values that are stored under it. All code must use
+/// the same T for one identifier, because a value is read as a T* without a check.
 template <class T>
 struct CustomDataKey {
-  /// The same in all modules that share the values.
+  /// All modules that share the values use the same identifier.
   Guid id;
 };
 
 class CustomDataProxy {
  public:
-  /// For a provider, which must outlive the proxy.
+  /// Makes a proxy for a provider, which must outlive it. For null, Get and Set answer null.
   explicit CustomDataProxy(IDataSourceProvider* asked) noexcept : provider(asked) {}
 
-  /// The value here or in the nearest enclosing scope that has one, else null.
+  /// Returns the value of this provider or of the nearest enclosing scope that has one, else null.
   template <class T>
   [[nodiscard]] T* Get(const CustomDataKey<T>& key) const {
     return static_cast<T*>(GetRaw(key.id));
   }
-  /// Stores a value here and returns the former one or null.
+  /// Stores a value in this provider and returns the one that it replaces, or null.
   template <class T>
   T* Set(const CustomDataKey<T>& key, T* value) const {
     return static_cast<T*>(SetRaw(key.id, value));

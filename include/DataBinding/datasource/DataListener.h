@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A listener that runs callbacks when named properties of named data sources change, without
-/// holding the sources.
+/// A DataListener runs callbacks when named properties of named data sources change. It does not
+/// need to hold the sources.
 ///
-/// Add all entries first, then give it a provider: that connects it to each wanted source which it
-/// or an enclosing scope holds, later to those that are added to it (see
-/// IDataSourceProvider::AddDataListener), and disconnects it when a source goes. One thread, that
-/// of the provider tree; callbacks run on the thread that announces the change.
+/// Add all entries first, then give the listener a provider. The provider connects it at once to
+/// each wanted source that it or an enclosing scope holds, connects it later to each wanted source
+/// that is added to it (see IDataSourceProvider::AddDataListener), and disconnects it when a source
+/// goes. Use a listener on one thread, that of the provider tree; its callbacks run on the thread
+/// that announces the change.
 ///
 ///   CpuView::CpuView() { AddDataListener(L"Cpu", L"Load", [this] { Redraw(); }); }
 ///   ...
@@ -27,58 +28,64 @@ namespace details {
 class ListenerDiagnosis;
 }  // namespace details
 
-/// One wanted property, and the registration while its source is connected.
+/// An entry names one wanted property and holds its registration while the source is connected.
 struct DataListenerEntry {
-  /// The provider finds a source by exactly this name, case included. Once it has connected the
-  /// listener to one, all entries are matched to the source's name without regard to case.
+  /// The provider finds a source by exactly this name, case included. Once the provider has
+  /// connected the listener to a source, all entries are compared with the source's name without
+  /// regard to case.
   VtrString dataSourceName;
-  /// Matched exactly; may be a name that is announced without being a property.
+  /// This name is matched exactly. It may be a name that is announced without being a property.
   VtrString propertyName;
-  /// Runs on the thread that announces the change.
+  /// This callback runs on the thread that announces the change.
   RepeatingCallback<void()> callback;
-  /// Stands while the source is connected.
+  /// This subscription stands while the source is connected.
   Subscription subscription;
 };
 
-/// A listener must name its sources exactly, case included, to be connected to them. Among the
-/// entries of a connected listener case does not matter: an entry for "doc" hears a source "Doc"
-/// where another entry has named "Doc". Property names are passed on as they are.
+/// A provider connects a listener only to sources whose names it gives exactly, case included.
+/// Among the entries of a connected listener case does not matter: an entry for "doc" hears a
+/// source "Doc" where another entry names "Doc". Property names are passed on as they are.
 ///
-/// A callback is not run once its listener has ended, not even in an announcement that is under way
-/// on this thread. It may therefore use the listener, and may end it, or any other.
+/// A callback does not run once its listener has ended, not even in an announcement that is under
+/// way on this thread. It may therefore use the listener, and may end this listener or any other.
 ///
-/// Deliberate, and to be known: setting another provider does not take the listener off the former
-/// one; ScopedListener does that. An entry that is added later is heard only after the provider's
-/// RemoveDataListener followed by SetDataSourceProvider, since a provider keeps the names that it
-/// was first given. A move takes the entries along with their live subscriptions, while the
-/// provider goes on knowing the object that was moved from: move a listener only before it has a
-/// provider.
+/// Three behaviours are deliberate and need to be known. Setting another provider does not take the
+/// listener off the former one; ScopedListener does that. A provider keeps the names that it was
+/// first given, so an entry that is added later is heard only after RemoveDataListener of the
+/// provider and another SetDataSourceProvider. A move takes the entries along with their live
+/// subscriptions, but the provider still knows the object that was moved from; therefore move a
+/// listener only before it has a provider.
 ///
-/// A class that overrides the calls below and owns its scope, or a source of it, calls Leave in its
-/// destructor: else the overrides run while its members are being destroyed.
+/// A class that overrides the calls below, and owns its scope or a source of its scope, calls Leave
+/// in its destructor. Otherwise the overrides run while the members of the class are being
+/// destroyed.
 class DATABINDING_API DataListener : public IDataListener {
  public:
   DataListener() noexcept;
-  /// Takes the entries with their live subscriptions; for listeners without a provider.
+  /// Takes the other's entries with their live subscriptions. This is meant for listeners that have
+  /// no provider yet.
   DataListener(DataListener&& other) noexcept;
-  /// The same; entries that were here before are ended.
+  /// Does the same as the move constructor, and ends the entries that this listener had before.
   DataListener& operator=(DataListener&& other) noexcept;
   /// Takes the listener off its provider.
   ~DataListener() override;
 
-  /// Attaches the listener, after OnDataSourceProviderChanging. Null only forgets the provider.
+  /// Calls OnDataSourceProviderChanging and then attaches the listener to the provider. Null only
+  /// makes the listener forget its provider.
   void SetDataSourceProvider(IDataSourceProvider* newProvider);
 
  protected:
-  /// Adds an entry. It takes effect with the next SetDataSourceProvider. Equal entries each run.
+  /// Adds an entry, which takes effect with the next SetDataSourceProvider. Where several entries
+  /// are equal, each of them runs.
   void AddDataListener(const VtrString& dataSourceName, const VtrString& propertyName,
                        const RepeatingCallback<void()>& callback);
-  /// The provider, or null where there is none or it is gone.
+  /// Returns the provider, or null if the listener has none or the provider has ended.
   [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept {
     return providerLiveness.IsValid() ? dataSourceProvider : nullptr;
   }
-  /// Takes the listener off its provider and ends the registrations of all entries. The provider
-  /// stays stored. For destructors of derived classes, and to move to another scope.
+  /// Takes the listener off its provider and ends the registrations of all entries; the provider
+  /// stays stored. Destructors of derived classes call this, and so does a listener that moves to
+  /// another scope.
   void Leave();
 
   void ConnectToDatasource(IDataSource* source) override;
@@ -94,7 +101,8 @@ class DATABINDING_API DataListener : public IDataListener {
   void SetProvider(IDataSourceProvider* newProvider);
 
   std::vector<DataListenerEntry> listenerEntries;
-  /// Lives as long as the entries, also where they are moved to: their callbacks ask for it.
+  /// This object lives as long as the entries do, also when they are moved to another listener.
+  /// Their callbacks ask whether it still lives.
   std::unique_ptr<EntryLife> entryLife;
   IDataSourceProvider* dataSourceProvider = nullptr;
   details::WeakReference providerLiveness;

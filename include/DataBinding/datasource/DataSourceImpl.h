@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The base from which client modules derive their data sources.
+/// DataSourceImpl is the base from which client modules derive their data sources.
 ///
-/// A source is built, given its provider, post-constructed, and handed to a provider that owns it
-/// from then on; MakeDataSource does the first three, Emplace all four. Until it is
-/// post-constructed its announcements reach nobody, deliberately: a source that is still being
-/// built has nothing to tell. Because a source that was never post-constructed stays silent for
-/// good, debug builds say so on standard error, once for each class, when it announces a property
-/// that somebody is registered for.
+/// A source is built, given its provider, post-constructed, and handed to a provider, which owns it
+/// from then on. MakeDataSource does the first three of these steps, and Emplace all four.
+///
+/// The announcements of a source reach nobody until it is post-constructed. This is deliberate: a
+/// source that is still being built has nothing to tell. A source that was never post-constructed
+/// would stay silent for good, so debug builds say so on standard error, once for each class, when
+/// it announces a property that somebody is registered for.
 #pragma once
 
 #include <set>
@@ -28,34 +29,36 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
  public:
   DataSourceImpl();
 
-  /// The provider that the source belongs to, or null: also once that provider has ended. Not
-  /// owned.
+  /// Returns the provider that the source belongs to. Returns null if there is none or it has
+  /// ended. The source does not own its provider.
   [[nodiscard]] IDataSourceProvider* GetDataSourceProvider() const noexcept {
     return dataSourceProvider.Get();
   }
-  /// The provider's context, or null without a provider.
+  /// Returns the provider's context, or null without a provider.
   [[nodiscard]] IDataContext* GetDataContext() const override;
 
-  /// Announces changes: of one property, of each one of a comma-separated list in its order, or,
-  /// for a list that begins with "*" (or holds no name at all), of every reflected property in
-  /// order of name. Names after the "*" are left out; the first character of each is dropped
-  /// whatever it is, deliberately, so that "*,-Size" and "*,!Size" both read naturally. "*" in a
-  /// later place is a name like any other. A listener may destroy the source: the rest of the list
-  /// is then dropped. Listeners' exceptions do not arrive here.
+  /// Announces changes. The text is one property's name, or a comma-separated list, whose names are
+  /// announced in its order. A list that begins with "*", or holds no name at all, announces every
+  /// reflected property in order of name. Names after the "*" are left out of that; the first
+  /// character of each is dropped whatever it is, deliberately, so that "*,-Size" and "*,!Size"
+  /// both read naturally. A "*" in a later place is a name like any other. A listener may destroy
+  /// the source, and the rest of the list is then dropped. Exceptions of listeners do not arrive
+  /// here.
   ///
-  /// Typed properties call it once for each of their names that is announced, also at the end of a
-  /// PropertyBatch: an override hears of every change. The text is the property's, and a listener
-  /// may end that: an override that needs it after this call copies it before.
+  /// Typed properties call this operation once for each of their names that is announced, also at
+  /// the end of a PropertyBatch, so an override hears of every change. The text belongs to the
+  /// property, and a listener may end the property. An override that needs the text after this call
+  /// therefore copies it before.
   void UpdateListeners(const VtrString& names) override;
 
  protected:
   ~DataSourceImpl() override;
 
-  /// Sets a property of this source, a read-only one too, and says whether it changed. Refuses, as
-  /// read-only, a property of another source.
+  /// Sets a property of this source, even a read-only one, and says whether it changed. A property
+  /// of another source is refused as read-only.
   template <class Property, class Value>
   auto Assign(Property& property, Value&& value);
-  /// Stores the provider; tells nobody.
+  /// Stores the provider and tells nobody.
   void SetDataSourceProvider(IDataSourceProvider* newProvider);
 
  private:
@@ -70,15 +73,16 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
 
 namespace details {
 
-/// What the library's own helpers do to a data source on its author's behalf.
+/// DataSourceAccess lets the library's own helpers use those parts of a data source that its author
+/// need not touch.
 class DATABINDING_API DataSourceAccess {
  public:
   template <class Property, class Value>
   static auto Assign(const DataSourceImpl& source, Property& property, Value&& value) {
     return property.StoreFor(source, std::forward<Value>(value));
   }
-  /// Gives a new source its provider and post-constructs it, even where an override of
-  /// PostConstruct forgets its base.
+  /// Gives a new source its provider and post-constructs it. The source counts as post-constructed
+  /// even where an override of PostConstruct does not call its base.
   static void Complete(DataSourceImpl& source, IDataSourceProvider* provider);
   static void SetProvider(DataSourceImpl& source, IDataSourceProvider* provider) {
     source.SetDataSourceProvider(provider);

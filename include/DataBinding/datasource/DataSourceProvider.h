@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The provider that the library itself builds: see IDataSourceProvider for what it does.
+/// DataSourceProvider is the provider that the library itself builds. IDataSourceProvider says what
+/// a provider does.
 ///
-/// Re-entrancy: from inside its ConnectToDatasource or DisconnectFromDatasource a listener must not
-/// add or remove listeners or sources of the provider that calls it, nor do so by way of a scope
-/// within it, which passes on listeners that it does not serve. Debug builds assert it, but for
-/// taking a listener off. It may look up names, also where the provider has to build the source;
-/// one that is just being added is not found yet. A listener may end there, itself or another one:
-/// it is then not called any more. A source that ends, and a listener that hears of the provider's
-/// end, may end the provider, which does then what is left. An entry that was left behind, because
-/// its listener moved to another provider or a scope between them was shut down, knows whether the
-/// listener lives, and is dropped silently when it does not. One thread.
+/// Re-entrancy: while the provider runs a listener's ConnectToDatasource or
+/// DisconnectFromDatasource, that listener must not add listeners or sources to the provider or
+/// remove them from it. It must not do so by way of a scope within the provider either, since such
+/// a scope passes on the listeners that it does not serve. Debug builds assert this, except when a
+/// listener is taken off. The listener may look up names, also where the provider has to build the
+/// source; a source that is just being added is not found yet. A listener may end itself or another
+/// one there, and the provider does not call a listener that has ended. A source that ends, and a
+/// listener that hears of the provider's end, may end the provider, which then does what is left to
+/// do.
+///
+/// A listener may leave an entry behind in a provider, because it has moved to another one or
+/// because a scope between them was shut down. The entry knows whether its listener lives, and the
+/// provider drops it silently when it does not. All of this belongs to one thread.
 #pragma once
 
 #include <cstdint>
@@ -27,21 +32,21 @@
 
 namespace DataBinding {
 
-/// Copies are plain member-wise copies, deliberately: they tell nobody, are no child of their
-/// parent, and name the same sources, which both would end. Copy only a root without sources,
-/// children and listeners, as a template for another.
+/// Copies are plain member-wise copies, deliberately. A copy tells nobody, is no child of its
+/// parent, and names the same sources as the original, and both would end these. Therefore copy
+/// only a root without sources, children and listeners, as a template for another one.
 class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
  public:
-  /// A scope below the parent, or a root for null. Null categories are none. The registrar is not
-  /// told: see IDataSourceRegistrar::AttachProvider.
+  /// Makes a scope below the parent, or a root when the parent is null. Null categories mean none.
+  /// The registrar does not hear of the scope: see IDataSourceRegistrar::AttachProvider.
   DataSourceProvider(IDataSourceProvider* parentProvider, const wchar_t* categoryList,
                      IDataContext* context);
-  /// Member-wise, with all that follows from it; see the class.
+  /// Copies member by member. The comment of the class says what follows from that.
   ///@{
   DataSourceProvider(const DataSourceProvider&);
   DataSourceProvider& operator=(const DataSourceProvider&);
   ///@}
-  /// Shuts the provider down; what that throws is dropped.
+  /// Shuts the provider down. An exception that this throws is dropped.
   ~DataSourceProvider() override;
 
   IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categoryList,
@@ -70,13 +75,14 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   [[nodiscard]] bool IsConnecting() const override;
   void WhenConnected(OneShotCallback<void()> callback) override;
 
-  /// True when the comma-separated list holds one of the categories, exactly, case included.
+  /// Returns true when the comma-separated list holds one of the categories, exactly, case
+  /// included.
   [[nodiscard]] static bool MatchCategory(const wchar_t* categoryList,
                                           const std::vector<VtrString>& categories);
 
-  /// Calls visit(IDataSource&) for the sources that were added here, in order of addition. One from
-  /// which the listeners are just being disconnected is skipped, and so are those that are removed
-  /// meanwhile; those that are added meanwhile are not visited.
+  /// Calls visit(IDataSource&) for the sources that were added here, in order of addition. It skips
+  /// a source from which the listeners are just being disconnected, and sources that are removed
+  /// meanwhile. It does not visit sources that are added meanwhile.
   template <class Visitor>
   void VisitDataSources(Visitor&& visit) const {
     const std::uint64_t last = lastAddition;
@@ -86,8 +92,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
       next = addedSources.upper_bound(number);
     }
   }
-  /// Calls visit(IDataSourceProvider&) for the child scopes, in no meaningful order. Those that
-  /// leave meanwhile are skipped. To go deeper, dynamic_cast a child to DataSourceProvider.
+  /// Calls visit(IDataSourceProvider&) for the child scopes, in no meaningful order. It skips
+  /// children that leave meanwhile. To go deeper, dynamic_cast a child to DataSourceProvider.
   template <class Visitor>
   void VisitChildren(Visitor&& visit) const {
     for (IDataSourceProvider* child : std::set(children)) {
@@ -95,7 +101,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     }
   }
   /// Calls visit(IDataListener&) for the living listeners that are registered here, in no
-  /// meaningful order. Those that leave meanwhile are skipped, those that come may be.
+  /// meaningful order. It skips listeners that leave meanwhile, and may or may not visit listeners
+  /// that come meanwhile.
   template <class Visitor>
   void VisitDataListeners(Visitor&& visit) const {
     for (auto next = listeners.begin(); next != listeners.end();) {
@@ -110,8 +117,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     std::shared_ptr<const std::set<VtrString>> names;
     details::WeakReference liveness;
   };
-  /// What is under way in a provider. Its copies have nothing under way, and a provider that
-  /// another is assigned to goes on with its own.
+  /// Notes what is under way in a provider. A copy of a provider has nothing under way, and a
+  /// provider that another one is assigned to goes on with its own calls.
   struct Calls {
     Calls() = default;
     Calls(const Calls& /*others*/) noexcept {}
@@ -119,19 +126,22 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     Calls& operator=(const Calls& /*others*/) noexcept { return *this; }
     ~Calls() = default;
 
-    /// The changes, one within the other, and the calls to listeners within them.
+    /// Counts the changes that are under way, one within the other; `notifications` counts the
+    /// calls to listeners within them.
     int changes = 0;
     int notifications = 0;
     bool tellsItsEnd = false;
-    /// The provider is being destroyed.
+    /// Set when the provider is being destroyed.
     bool ends = false;
-    /// The source from which the listeners are just being disconnected.
+    /// The listeners are just being disconnected from this source.
     IDataSource* leaving = nullptr;
-    /// The source that was built by name and is being added, until the scope has taken it over.
+    /// This source was built by name and is being added. The pointer is null again once the scope
+    /// has taken the source over.
     IDataSource* built = nullptr;
-    /// The names of the sources to which listeners are just being connected.
+    /// Listeners are just being connected to the sources of these names.
     std::vector<VtrStringView> arriving;
-    /// The sources that a Shutdown has yet to end, and the listeners that it has yet to tell.
+    /// A Shutdown has yet to end the sources in `ending`, and has yet to tell the listeners in
+    /// `untold`.
     std::map<std::uint64_t, IDataSource*> ending;
     std::map<IDataListener*, ListenerEntry> untold;
     std::vector<OneShotCallback<void()>> awaiting;
@@ -146,7 +156,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   template <class T>
   class Marking;
   class Arrival;
-  /// Runs a change of sources or listeners and, when it is the outermost one, what awaits its end.
+  /// Runs a change of sources or listeners. If it is the outermost change, the callbacks that await
+  /// its end run afterwards.
   template <class Step>
   void Change(Step step);
   [[nodiscard]] bool HoldsAnything() const noexcept;
@@ -177,13 +188,14 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   std::set<IDataSourceProvider*> children;
   std::vector<VtrString> categories;
   NameMap<IDataSource*> sourcesByName;
-  /// The owned sources by the number of their addition, and the way back.
+  /// `addedSources` holds the owned sources by the number of their addition, and `additions` the
+  /// numbers by source.
   std::map<std::uint64_t, IDataSource*> addedSources;
   std::multimap<IDataSource*, std::uint64_t> additions;
   std::uint64_t lastAddition = 0;
   std::map<Guid, void*> customData;
   std::map<IDataListener*, ListenerEntry> listeners;
-  /// The same listeners by the names that they wait for here.
+  /// Holds the same listeners by the names that they wait for here.
   NameMap<std::set<IDataListener*>> waiting;
   bool shutDown = false;
   Calls calls;

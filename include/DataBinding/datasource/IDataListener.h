@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a provider sees of a listener: it is connected to sources, disconnected from them, and told
-/// when its provider goes.
+/// IDataListener is what a provider sees of a listener: the provider connects it to sources,
+/// disconnects it from them, and tells it when the provider itself goes.
 ///
-/// A provider does not own its listeners; it knows when one has ended and then leaves it alone.
-/// DataListener is the reusable implementation. One thread, that of the provider tree.
+/// A provider does not own its listeners. It knows when a listener has ended, and then leaves it
+/// alone. DataListener is the implementation for general use. A listener belongs to one thread,
+/// that of the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -14,24 +15,24 @@ namespace DataBinding {
 
 class DATABINDING_API IDataListener {
  public:
-  /// A source of one of the wanted names is there.
+  /// Called when a source of one of the wanted names is there.
   virtual void ConnectToDatasource(IDataSource* source) = 0;
-  /// That source is going.
+  /// Called when such a source is going.
   virtual void DisconnectFromDatasource(IDataSource* source) = 0;
-  /// The provider is shutting down. Its parent is still set.
+  /// Called when the provider shuts down. Its parent is still set.
   virtual void NotifyDatasourceProviderDestroyed(IDataSourceProvider* provider) = 0;
 
  protected:
   virtual ~IDataListener();
 
   IDataListener() noexcept;
-  /// A copy is another listener, which no provider knows.
+  /// A copy is another listener, and no provider knows it.
   ///@{
   IDataListener(const IDataListener&) noexcept;
   IDataListener& operator=(const IDataListener&) noexcept;
   ///@}
 
-  /// Runs before the listener is given a new provider; the old one is still in place.
+  /// Runs before the listener is given a new provider, while the old one is still in place.
   virtual void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) = 0;
 
  private:

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A named object that publishes properties (IReflectable) and announces their changes
-/// (IBroadcaster).
+/// IDataSource is a named object that publishes properties (IReflectable) and announces their
+/// changes (IBroadcaster).
 ///
-/// Providers file sources by name and own those that were added to them; whoever owns a source ends
-/// it with IDataSource::Destroy, never with delete. Client modules write the concrete sources, most
-/// easily from NamedDataSource, else from DataSourceImpl. Used on the thread that owns the provider
-/// tree.
+/// Providers file sources by name and own the sources that were added to them. The owner of a
+/// source ends it with IDataSource::Destroy, never with delete. Client modules write the concrete
+/// sources, most easily by deriving from NamedDataSource, else from DataSourceImpl. A source is
+/// used on the thread that owns the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -22,32 +22,32 @@ struct DATABINDING_API IDataSource : public IVantorGeneric,
  public:
   IDataSource();
 
-  /// Runs PreDestroy, then destroys the source. Does nothing for null.
+  /// Runs PreDestroy, then destroys the source. Null does nothing.
   ///
-  /// When PreDestroy throws, the source stays alive, and its provider has let go of it already. An
-  /// exception derived from std::exception then arrives as a plain std::exception, deliberately:
-  /// its type may belong to a module that is going away. What a destruction handler throws arrives
-  /// once the source is gone.
+  /// When PreDestroy throws, the source stays alive, although its provider has let go of it
+  /// already. An exception derived from std::exception then arrives as a plain std::exception,
+  /// deliberately: its type may belong to a module that is going away. An exception of a
+  /// destruction handler arrives once the source is gone.
   static void Destroy(IDataSource* source);
 
  protected:
-  /// Knows the identifier of IDataSource only.
+  /// Answers for the identifier of IDataSource only.
   bool FindInterfaceByIID(const GUID& id, void** out) override;
 
  private:
   virtual void Destroy() = 0;
 
  public:
-  /// A hook that runs just before the source is destroyed.
+  /// Runs just before the source is destroyed.
   virtual void PreDestroy();
-  /// The name under which providers file the source. A source that answers null is owned by its
-  /// provider but cannot be found.
+  /// Returns the name under which providers file the source. A source that answers null is owned by
+  /// its provider but cannot be found.
   virtual const wchar_t* GetDataSourceName() = 0;
-  /// The context that the source's data belongs to, or null.
+  /// Returns the context that the source's data belongs to, or null.
   virtual IDataContext* GetDataContext() const = 0;
-  /// What GetDataSourceBaseImpl answers.
+  /// Returns what GetDataSourceBaseImpl returns.
   virtual IDataSourceBase* GetDataSourceBase();
-  /// The application's own part of the source, or null.
+  /// Returns the application's own part of the source, or null.
   virtual IDataSourceBase* GetDataSourceBaseImpl() = 0;
 
  protected:
@@ -56,10 +56,10 @@ struct DATABINDING_API IDataSource : public IVantorGeneric,
 
 }  // namespace DataBinding
 
-/// {E7971A8A-7E61-442A-8FFC-4EC80A8E756E}: what FindInterfaceByIID knows a data source by.
+/// FindInterfaceByIID knows a data source by {E7971A8A-7E61-442A-8FFC-4EC80A8E756E}.
 template <>
 struct VtrUtils::InterfaceId<DataBinding::IDataSource> {
-  /// The identifier.
+  /// Holds the identifier.
   static constexpr GUID value{
       0xE7971A8A, 0x7E61, 0x442A, {0x8F, 0xFC, 0x4E, 0xC8, 0x0A, 0x8E, 0x75, 0x6E}};
 };

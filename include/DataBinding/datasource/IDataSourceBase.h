@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// An empty marker base through which an application reaches its own data source classes.
+/// IDataSourceBase is an empty marker base through which an application reaches its own data source
+/// classes.
 ///
-/// A concrete data source returns this part of itself from GetDataSourceBaseImpl; the application
-/// casts it to what it knows it to be. Owns nothing, is owned by the data source that it is a part
-/// of. Copying is trivial.
+/// A concrete data source returns this part of itself from GetDataSourceBaseImpl, and the
+/// application casts it to the class that it knows it to be. The base owns nothing; the data source
+/// of which it is a part owns it. Copying it is trivial.
 #pragma once
 
 #include "DataBinding/Export.h"

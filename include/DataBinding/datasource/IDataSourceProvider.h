@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// One scope in a tree of scopes in which data sources are found by name.
+/// IDataSourceProvider is one scope in a tree of scopes in which data sources are found by name.
 ///
-/// A name is answered by the sources that were added here, then by building the source from a
-/// registered constructor whose categories match this provider's, then by the parent. A provider
-/// owns the sources that were added to it and nothing else; its creator ends it with
-/// IDataSourceProvider::Destroy. A tree is used on one thread.
+/// A provider answers a name with a source that was added to it. If it has none, it builds the
+/// source by a registered constructor whose categories match its own. If there is no such
+/// constructor, it asks its parent. A provider owns the sources that were added to it and nothing
+/// else. Whoever creates a provider ends it with IDataSourceProvider::Destroy. A tree is used on
+/// one thread.
 #pragma once
 
 #include <cstddef>
@@ -25,108 +26,118 @@ namespace DataBinding {
 
 class DATABINDING_API IDataSourceProvider {
  public:
-  /// What GetCustomData gives.
+  /// GetCustomData returns this type.
   using CustomDataProxy = DataBinding::CustomDataProxy;
 
   IDataSourceProvider() noexcept = default;
   IDataSourceProvider(const IDataSourceProvider&) noexcept = default;
   IDataSourceProvider& operator=(const IDataSourceProvider&) noexcept = default;
 
-  /// Ends a provider. Does nothing for null.
+  /// Ends a provider. Null does nothing.
   static void Destroy(IDataSourceProvider* provider);
-  /// Typed access to this provider's custom data.
+  /// Gives typed access to this provider's custom data.
   [[nodiscard]] CustomDataProxy GetCustomData() const noexcept;
-  /// Tells whether the provider is still there, for those that keep a pointer to it.
+  /// Returns a reference that tells whether the provider is still there, for code that keeps a
+  /// pointer to it.
   [[nodiscard]] details::WeakReference GetLiveness() const { return liveness.GetRef(); }
 
-  /// A new child scope with its own comma-separated categories. The caller owns it.
+  /// Makes a child scope with its own comma-separated categories. The caller owns it.
   [[nodiscard]] virtual IDataSourceProvider* CreateDataSourceProvider(const wchar_t* categories,
                                                                       IDataContext* context) = 0;
-  /// The enclosing scope, or null for a root.
+  /// Returns the enclosing scope, or null for a root.
   [[nodiscard]] virtual IDataSourceProvider* GetParent() const = 0;
-  /// The source of that name: held here, built here, or the parent's answer; else null. A source
-  /// that is just being built here cannot be had yet: when its building asks for it, by way of
-  /// other constructors too, the answer is null, and the failure handler is told (ListenerGuard.h).
+  /// Returns the source of that name: the one held here, else one built here, else the parent's
+  /// answer, else null. A source that is just being built here cannot be had yet. When its own
+  /// building asks for it, also by way of other constructors, the answer is null and the failure
+  /// handler is told (ListenerGuard.h).
   virtual IDataSource* GetDataSource(const wchar_t* name) = 0;
-  /// As GetDataSource. Throws a VtrString, "No constructor found for data source %s.", for none.
+  /// Does the same as GetDataSource, but throws a VtrString, "No constructor found for data source
+  /// %s.", when there is no source.
   virtual IDataSource& GetDataSourceReference(const wchar_t* name) = 0;
-  /// As GetDataSource, to be asked for an interface.
+  /// Does the same as GetDataSource, and returns a proxy that can be asked for an interface of the
+  /// source.
   virtual IVantorGenericDetail::FindInterfaceProxy GetDataSourceInterface(const wchar_t* name) = 0;
-  /// The source that is held here under that name, or null. Neither builds nor climbs.
+  /// Returns the source that is held here under that name, or null. Neither builds it nor asks the
+  /// parent.
   [[nodiscard]] virtual IDataSource* GetLocalDataSourceInstance(const wchar_t* name) const = 0;
-  /// Disconnects and ends the source that is held here under that name. Always answers false,
-  /// deliberately: callers must not read anything into the answer.
+  /// Disconnects and ends the source that is held here under that name. The answer is always false,
+  /// deliberately: callers must not read anything into it.
   virtual bool DeleteLocalDataSourceInstance(const wchar_t* name) = 0;
-  /// The opaque context that the provider was made with.
+  /// Returns the opaque context that the provider was made with.
   [[nodiscard]] virtual IDataContext* GetDataContext() = 0;
   /// Takes a source over and connects the listeners that wait here for its name. The first source
-  /// of a name keeps it; a later one is owned, and connected, but not found by name. Ignores null.
-  /// Add a source once: each addition ends it.
-  /// When a listener throws, the source is taken over all the same; without memory it is not.
-  /// The source is told nothing, deliberately: Emplace and GiveDataSource (MakeDataSource.h) tell
-  /// it its scope, and lose no source when something is thrown.
+  /// of a name keeps the name; a later one is owned and connected, but not found by the name. Null
+  /// is ignored. Add a source only once, because each addition ends it.
+  ///
+  /// When a listener throws, the source has been taken over all the same; when there is no memory,
+  /// it has not. The source is told nothing, deliberately: Emplace and GiveDataSource
+  /// (MakeDataSource.h) tell it its scope, and lose no source when something is thrown.
   virtual void AddDataSource(IDataSource* source) = 0;
-  /// Adds each in order.
+  /// Adds each source in order.
   virtual void AddDataSources(IDataSource* const* sources, std::size_t count) = 0;
   /// Disconnects a source and gives it back to the caller. Does nothing when nothing is held here
-  /// under its name; what is held under its name is taken off it, even if it is another source.
+  /// under the source's name. The name becomes free even if another source is held under it.
   /// TakeDataSource tells whether the source was given back.
   virtual void RemoveDataSource(IDataSource* source) = 0;
-  /// Removes each in order.
+  /// Removes each source in order.
   virtual void RemoveDataSources(IDataSource* const* sources, std::size_t count) = 0;
-  /// Connects a listener to the sources of those names: now to those that are held here, later to
-  /// those that are added here. Names that are neither held nor can be built here go to the parent,
-  /// which connects those that it holds, keeps those that it can build and drops the rest; they are
-  /// kept here too when keepUnresolved is true. So a source that appears later is heard of in the
-  /// scope asked, or where an outer scope could build it when the listener was added. A listener
-  /// that is registered already keeps its first names: call RemoveDataListener before registering
-  /// it with others.
+  /// Connects a listener to the sources of those names: now to the ones that are held here, later
+  /// to the ones that are added here. Names that are neither held here nor can be built here go to
+  /// the parent. The parent connects the ones that it holds, keeps the ones that it can build, and
+  /// drops the rest; this scope keeps them too when keepUnresolved is true. So a listener hears of
+  /// a source that appears later if it appears in the scope that was asked, or in an outer scope
+  /// that could build it when the listener was added. A listener that is registered already keeps
+  /// its first names: call RemoveDataListener before registering it with others.
   virtual void AddDataListener(IDataListener* listener, const std::set<VtrString>& names,
                                bool keepUnresolved) = 0;
   /// Disconnects a listener here and in all enclosing scopes.
   virtual void RemoveDataListener(IDataListener* listener) = 0;
-  /// Stores a value under an identifier, here, and returns the former one or null.
+  /// Stores a value under an identifier in this provider and returns the one that it replaces, or
+  /// null.
   virtual void* SetCustomData(const Guid& id, void* value) = 0;
-  /// The value stored here or in the nearest enclosing scope that has the identifier, else null.
-  /// A null that is stored here hides outer values.
+  /// Returns the value that is stored here or in the nearest enclosing scope that has the
+  /// identifier, else null. A null that is stored here hides the values of enclosing scopes.
   [[nodiscard]] virtual void* GetCustomData(const Guid& id) const = 0;
-  /// The names of all sources that could be built here or in an enclosing scope, in order.
+  /// Returns the names of all sources that could be built here or in an enclosing scope, in order.
   [[nodiscard]] virtual std::vector<VtrString> GetRegisteredDataSources() const = 0;
-  /// True when the comma-separated list shares a category with this provider's own.
+  /// Returns true when the comma-separated list shares a category with this provider.
   [[nodiscard]] virtual bool MatchCategory(const wchar_t* categoryList) const = 0;
-  /// Disconnects and ends the sources, last one first, tells the listeners, leaves the tree and
-  /// makes the children roots. Completes although one of them throws, then throws the first
-  /// exception. The provider may be used again.
+  /// Disconnects and ends the sources, the last one first, tells the listeners, leaves the tree and
+  /// makes the children roots. Completes although one of these steps throws, and then throws the
+  /// first exception. The provider may be used again.
   virtual void Shutdown() = 0;
 
  private:
   virtual void Destroy() = 0;
 
  public:
-  /// This provider's own categories, in the order in which they were given.
+  /// Returns this provider's own categories, in the order in which they were given.
   [[nodiscard]] virtual const std::vector<VtrString>& GetCategories() const = 0;
 
  protected:
   virtual ~IDataSourceProvider();
 
-  /// For providers of your own, which join a tree by calling what its other members keep private.
+  /// These functions serve providers that an application writes itself. Such a provider joins a
+  /// tree by calling operations that are private in its other members.
   ///@{
-  /// Moves a provider below another one, or makes it a root. Both parents are told.
+  /// Moves a provider below another one, or makes it a root when the new parent is null. Both
+  /// parents are told.
   static void SetParentOf(IDataSourceProvider& child, IDataSourceProvider* newParent) {
     child.SetParent(newParent);
   }
-  /// Enters a child at its parent, or takes it off; the child's own parent is not changed.
+  /// Enters a child at a parent, or takes it off. The parent that the child itself knows does not
+  /// change.
   static void AddChildTo(IDataSourceProvider& parent, IDataSourceProvider* child) {
     parent.AddChild(child);
   }
   static void RemoveChildFrom(IDataSourceProvider& parent, IDataSourceProvider* child) {
     parent.RemoveChild(child);
   }
-  /// Appends the categories of the provider and those further out, the outermost ones first.
+  /// Appends the categories of the provider and of its enclosing scopes, the outermost first.
   static void AppendCategoriesOf(const IDataSourceProvider& provider, std::vector<VtrString>& out) {
     provider.GetCombinedCategoryList(out);
   }
-  /// Disconnects the listeners that wait in the provider for the source's name.
+  /// Disconnects from the source the listeners that wait in the provider for its name.
   static void DisconnectListenersIn(IDataSourceProvider& provider, IDataSource* source) {
     provider.DisconnectDataListeners(source);
   }
@@ -140,27 +151,28 @@ class DATABINDING_API IDataSourceProvider {
   virtual void DisconnectDataListeners(IDataSource* source) = 0;
 
  public:
-  /// True while the provider calls its listeners, because a source comes or goes or because it ends
-  /// itself. While a source comes or goes nothing may be added to it or removed from it; a name
-  /// that it has to build may be asked for. A scope within one that is connecting does not tell:
-  /// who adds a listener to it asks those further out, too. False for providers that do not tell.
+  /// Returns true while the provider calls its listeners, because a source comes or goes or because
+  /// the provider ends. While a source comes or goes, nothing may be added to the provider or
+  /// removed from it, but a name may be asked for, even one that it has to build. A scope within a
+  /// connecting one does not tell; so code that adds a listener to it asks its enclosing scopes
+  /// too. Providers that cannot tell return false.
   [[nodiscard]] virtual bool IsConnecting() const;
-  /// Runs the callback once the provider may be changed: at once, or when the outermost change that
-  /// is under way is over. What it throws then leaves the operation that made the change. When the
-  /// provider is ending, it runs before the provider is gone; it is dropped when the provider ends
-  /// in the callback of another.
+  /// Runs the callback as soon as the provider may be changed: at once, or when the outermost
+  /// change that is under way is over. An exception of a callback that had to wait leaves the
+  /// operation that made the change. When the provider is ending, the callback runs before the
+  /// provider is gone; it is dropped when the provider ends inside another such callback.
   virtual void WhenConnected(OneShotCallback<void()> callback);
 
  private:
   details::WeakReferenceOwner liveness;
 };
 
-/// Ends a provider by IDataSourceProvider::Destroy.
+/// DataSourceProviderDeleter ends a provider by IDataSourceProvider::Destroy.
 struct DATABINDING_API DataSourceProviderDeleter {
-  /// Does nothing for null.
+  /// Ends the provider. Null does nothing.
   void operator()(IDataSourceProvider* provider) const { IDataSourceProvider::Destroy(provider); }
 };
-/// Owns a scope that somebody has created.
+/// A DataSourceProviderPtr owns a scope that somebody has created.
 using DataSourceProviderPtr = std::unique_ptr<IDataSourceProvider, DataSourceProviderDeleter>;
 
 }  // namespace DataBinding

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Makes data sources so that nothing is forgotten, and hands them to scopes and back so that
-/// somebody owns them at any time.
+/// These functions make data sources so that no step is forgotten, and hand them to scopes and back
+/// so that each source has an owner at any time.
 ///
-/// Emplace makes a source in a scope. MakeDataSource makes one that its DataSourcePtr owns;
-/// GiveDataSource hands it to a scope, TakeDataSource gets it back. Exceptions lose no source. One
-/// thread, that of the provider tree.
+/// Emplace makes a source in a scope. MakeDataSource makes a source that its DataSourcePtr owns;
+/// GiveDataSource hands it to a scope, and TakeDataSource gets it back. An exception loses no
+/// source. Call them on one thread, that of the provider tree.
 ///
 ///   CpuSource& cpu = Emplace<CpuSource>(scope);
 ///   if (auto taken = TakeDataSource(scope, &cpu)) GiveDataSource(otherScope, std::move(taken));
@@ -18,19 +18,21 @@
 
 namespace DataBinding {
 
-/// Ends a data source by IDataSource::Destroy. What that throws is dropped, and the source with it.
+/// DataSourceDeleter ends a data source by IDataSource::Destroy. An exception from that is dropped;
+/// a source whose PreDestroy throws is left alive.
 struct DATABINDING_API DataSourceDeleter {
-  /// Does nothing for null.
+  /// Ends the source. Null does nothing.
   void operator()(IDataSource* source) const noexcept;
 };
 
-/// Owns a source until it is given to a scope.
+/// A DataSourcePtr owns a source until the source is given to a scope.
 template <class T>
 using DataSourcePtr = std::unique_ptr<T, DataSourceDeleter>;
 
 namespace details {
 
-/// While one is there, a source is being made on this thread: that it is silent is no mistake.
+/// While an object of this class exists, a source is being made on its thread, so it is no mistake
+/// that the source is silent.
 class DATABINDING_API SourceBeingMade {
  public:
   SourceBeingMade() noexcept;
@@ -39,7 +41,7 @@ class DATABINDING_API SourceBeingMade {
   ~SourceBeingMade();
 };
 
-/// The untyped parts of GiveDataSource and TakeDataSource.
+/// These are the untyped parts of GiveDataSource and TakeDataSource.
 ///@{
 DATABINDING_API void Give(IDataSourceProvider& scope, DataSourcePtr<IDataSource> source);
 [[nodiscard]] DATABINDING_API DataSourcePtr<IDataSource> Take(IDataSourceProvider& scope,
@@ -49,7 +51,7 @@ DATABINDING_API void Give(IDataSourceProvider& scope, DataSourcePtr<IDataSource>
 }  // namespace details
 
 /// Constructs a T from the arguments, sets its provider (which may be null) and post-constructs it.
-/// It is not added to the provider: GiveDataSource does that, or Emplace both.
+/// The source is not added to the provider: GiveDataSource does that, and Emplace does both.
 template <std::derived_from<DataSourceImpl> T, class... Args>
 [[nodiscard]] DataSourcePtr<T> MakeDataSource(IDataSourceProvider* provider, Args&&... args) {
   const details::SourceBeingMade making;
@@ -59,8 +61,9 @@ template <std::derived_from<DataSourceImpl> T, class... Args>
 }
 
 /// Adds a source to a scope, which owns it from then on, and tells the source that this is its
-/// scope. Returns the source; null does nothing and gives null. When a listener throws while it is
-/// connected, the scope owns the source all the same; when there is no memory to add it, it ends.
+/// scope. Returns the source. Null does nothing and returns null. When a listener throws while it
+/// is connected, the scope owns the source all the same; when there is no memory to add the source,
+/// the source ends.
 template <std::derived_from<IDataSource> T>
 T* GiveDataSource(IDataSourceProvider& scope, DataSourcePtr<T> source) {
   T* const given = source.get();
@@ -69,16 +72,16 @@ T* GiveDataSource(IDataSourceProvider& scope, DataSourcePtr<T> source) {
 }
 
 /// Constructs a T from the arguments, post-constructs it and gives it to the scope. The reference
-/// is good as long as the scope holds the source.
+/// is valid as long as the scope holds the source.
 template <std::derived_from<DataSourceImpl> T, class... Args>
 T& Emplace(IDataSourceProvider& scope, Args&&... args) {
   return *GiveDataSource(scope, MakeDataSource<T>(&scope, std::forward<Args>(args)...));
 }
 
-/// Removes a source from the scope and gives it back; it has no scope then. Answers null, and
-/// changes nothing, for null and for a source that the scope does not find under its name: one that
-/// it does not hold, or that came second to another of that name. When a listener throws while it
-/// is disconnected, the source ends.
+/// Removes a source from the scope and gives it back; the source has no scope then. Answers null,
+/// and changes nothing, for null and for a source that the scope does not find under its name,
+/// because the scope does not hold it or because it came second to another source of that name.
+/// When a listener throws while it is disconnected, the source ends.
 template <std::derived_from<IDataSource> T>
 [[nodiscard]] DataSourcePtr<T> TakeDataSource(IDataSourceProvider& scope, T* source) {
   return DataSourcePtr<T>(details::Take(scope, source).release() == nullptr ? nullptr : source);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A data source that is told its name: the shortest way to write one.
+/// NamedDataSource is a data source that is told its name. Deriving from it is the shortest way to
+/// write a source.
 ///
 ///   class Thermostat : public NamedDataSource {
 ///    public:
@@ -19,11 +20,11 @@ namespace DataBinding {
 
 class DATABINDING_API NamedDataSource : public DataSourceImpl, public IDataSourceBase {
  public:
-  /// The name stays as it is given; providers match it case included.
+  /// Keeps the name as it is given. Providers match it case included.
   explicit NamedDataSource(VtrString name);
 
   const wchar_t* GetDataSourceName() override;
-  /// This object.
+  /// Returns this object.
   IDataSourceBase* GetDataSourceBaseImpl() override;
 
  protected:

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A DataListener that leaves its scope by itself when it is given another one.
+/// ScopedListener is a DataListener that leaves its scope by itself when it is given another one.
 ///
-/// Give it a provider to enter a scope, another one to move there, null to leave. Given its own
-/// provider once more, it takes up the entries that were added since. One thread, that of the
-/// provider tree.
+/// Give it a provider to make it enter that scope, another provider to make it move there, or null
+/// to make it leave. When it is given its own provider once more, it takes up the entries that were
+/// added since. Use it on one thread, that of the provider tree.
 ///
 ///   class CpuView : public ScopedListener {
 ///    public:
@@ -18,7 +18,7 @@ namespace DataBinding {
 
 class DATABINDING_API ScopedListener : public DataListener {
  protected:
-  /// Leaves the former scope. An override calls this one first.
+  /// Leaves the former scope. An override calls this operation first.
   void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) override;
 };
 

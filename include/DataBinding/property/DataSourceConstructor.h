@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Registers a data source class, to be built on demand, for as long as this object lives.
+/// DataSourceConstructor registers a data source class for as long as this object lives, so that
+/// scopes build sources of the class on demand.
 ///
-/// The name must be that of the sources it builds. A T is constructed from the provider where it
-/// can be, else without arguments, or by a factory. It unregisters at the registrar at which it
-/// registered, which must outlive it and deletes the sources of that name in attached providers.
+/// The name must be that of the sources that it builds. A T is constructed from the provider where
+/// it can be, else without arguments, or by a factory. The object unregisters at the registrar at
+/// which it registered. That registrar must outlive it, and deletes the sources of that name in the
+/// attached providers.
 ///
 ///   const DataSourceConstructor<CpuSource> cpu(L"Cpu", L"root");
 #pragma once
@@ -26,15 +28,15 @@ namespace DataBinding {
 template <std::derived_from<DataSourceImpl> T>
 class DataSourceConstructor final : public IDataSourceConstructor {
  public:
-  /// Makes a source that knows the given provider, or none.
+  /// A Factory makes a source that knows the given provider, or returns null to make none.
   using Factory = RepeatingCallback<DataSourcePtr<T>(IDataSourceProvider*)>;
 
-  /// Throws std::invalid_argument when the name is empty or taken.
+  /// Registers the class. Throws std::invalid_argument when the name is empty or taken.
   DataSourceConstructor(VtrString sourceName, VtrString categoryList,
                         Placement place = Placement::Back) requires std::default_initializable<T> ||
       std::constructible_from<T, IDataSourceProvider*>
       : DataSourceConstructor(std::move(sourceName), std::move(categoryList), place, &Build) {}
-  /// The same with a factory, for sources that are made of more than their provider.
+  /// Does the same with a factory, for sources that need more than their provider to be made.
   DataSourceConstructor(VtrString sourceName, VtrString categoryList, Placement place,
                         Factory sourceFactory)
       : registrar(IDataSourceRegistrar::GetInstance()),
@@ -68,7 +70,7 @@ class DataSourceConstructor final : public IDataSourceConstructor {
   const wchar_t* GetCategories() override { return categories; }
 
  private:
-  /// A source that will not end is its own concern; the name is free again.
+  /// Drops what a source throws that refuses to end: the name is free again all the same.
   void Unregister() noexcept {
     FirstFailure dropped;
     dropped.Try([this] { registrar.UnregisterDataSource(this); });

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Finds and calls delegates by name, with their signatures checked, for code that does not know
-/// the source's class.
+/// DelegateRef and FindDelegate find and call delegates by name, with their signatures checked, for
+/// code that does not know the source's class.
 ///
-/// A source files a delegate with AddDelegate. Why a delegate was not found, or not called, is told
-/// apart by a PropertyError and explained by a text, as for properties. Signatures must be equal:
-/// there are no conversions. After a source's first look-up nothing is allocated where nothing
-/// fails. Used on the thread that owns the provider tree.
+/// A source files a delegate with AddDelegate. When a delegate cannot be found or called, a
+/// PropertyError tells the reason and a text explains it, as for properties. Signatures must be
+/// equal: nothing is converted. After a source's first look-up nothing is allocated where nothing
+/// fails. These operations belong to the thread that owns the provider tree.
 ///
 ///   AddDelegate<int(int)>(L"Raise", [this](int by) { return Raise(by); });  // in the source
 ///   if (const auto raised = FindDelegate<int(int)>(source, L"Raise")(3)) Show(*raised);
@@ -26,25 +26,25 @@ namespace DataBinding {
 
 namespace details {
 
-/// The part of a DelegateRef that does not depend on the signature.
+/// DelegateRefBase is the part of a DelegateRef that does not depend on the signature.
 class DATABINDING_API DelegateRefBase {
  public:
-  /// Why the delegate was not found; None when it was, also after it has gone.
+  /// Tells why the delegate was not found; None when it was found, also after it has gone.
   [[nodiscard]] PropertyError Error() const noexcept { return error; }
-  /// Why the delegate was not found. Empty when it was.
+  /// Explains why the delegate was not found. The text is empty when it was found.
   [[nodiscard]] const VtrString& Text() const noexcept { return text; }
-  /// True when the delegate was found.
+  /// Returns true when the delegate was found.
   explicit operator bool() const noexcept { return error == PropertyError::None; }
 
  protected:
   DelegateRefBase(IDataSource* source, VtrString delegateName);
-  /// Says what is wrong with what was found under the name.
+  /// Notes what is wrong with what was found under the name.
   void Judge(IDataSource* source, const runtime_type_base& wanted,
              const RepeatingCallbackBase& found);
-  /// False for null, and while a source's destruction handlers run: its table then holds delegates
-  /// that refer to a source that is gone.
+  /// Returns false for null, and while the source's destruction handlers run: its table then holds
+  /// delegates that refer to a source that is gone.
   [[nodiscard]] bool IsSourceThere() const noexcept { return sourceLiveness.IsValid(); }
-  /// For a delegate that was not found, or is gone since.
+  /// Makes the result of calling a delegate that was not found, or that has gone since.
   template <class Result>
   [[nodiscard]] Result Failure(const runtime_type_base& wanted) const {
     Result result;
@@ -67,8 +67,9 @@ class DATABINDING_API DelegateRefBase {
 template <class Signature>
 class DelegateRef;
 
-/// A delegate found by name. It may be kept: it answers "absent" once its source is gone. It goes
-/// on calling what it has found, also when the source files another delegate under the name.
+/// A DelegateRef is a delegate that was found by name. It may be kept: it answers "absent" once its
+/// source is gone. It goes on calling the delegate that it has found, even when the source files
+/// another one under the name.
 template <class Result, class... Args>
 class DelegateRef<Result(Args...)> : public details::DelegateRefBase {
   static_assert(!std::is_reference_v<Result>, "a delegate called by name gives a value or nothing");
@@ -82,13 +83,13 @@ class DelegateRef<Result(Args...)> : public details::DelegateRefBase {
     Judge(source, wanted, callback);
   }
 
-  /// True while the delegate can be called: it was found, and neither its source nor what it is
-  /// weakly bound to is gone since.
+  /// Returns true while the delegate can be called: it was found, its source is still there, and so
+  /// is the object that it is weakly bound to.
   [[nodiscard]] bool IsThere() const {
     return IsSourceThere() && callback && !callback.IsCancelled();
   }
-  /// Calls the delegate and gives its result, or why it was not called. What the delegate throws
-  /// leaves this. The source may be gone when this returns.
+  /// Calls the delegate and returns its result, or the reason why it was not called. An exception
+  /// of the delegate leaves this operation. The source may be gone when this returns.
   // NOLINTNEXTLINE(modernize-use-nodiscard): a delegate is also called for its effect
   PropertyValue<Result> operator()(Args... args) const {
     if (!IsThere()) {
@@ -106,7 +107,7 @@ class DelegateRef<Result(Args...)> : public details::DelegateRefBase {
   RepeatingCallback<Result(Args...)> callback;
 };
 
-/// Finds a delegate, to be called once or more often.
+/// Finds a delegate, which can then be called any number of times.
 template <class Signature>
 [[nodiscard]] DelegateRef<Signature> FindDelegate(IDataSource* source, const VtrString& name) {
   return DelegateRef<Signature>(source, name);

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Typed properties: members of a data source that announce their own changes.
+/// Property, ReadOnlyProperty and ComputedProperty are typed properties: members of a data source
+/// that announce their own changes.
 ///
-/// Property<T> may be set by anybody, ReadOnlyProperty<T> only by its source (see Assign),
-/// ComputedProperty<T> by nobody: it is a function of other properties. All are found by name with
-/// the typed look-up of PropertyAccess.h. Setting validates, compares, stores, runs the change hook
-/// and notifies once; values without == count as changed each time. A hook that throws lets its
-/// exception out after listeners were notified.
+/// Anybody may set a Property<T>. Only its source may set a ReadOnlyProperty<T> (see Assign).
+/// Nobody sets a ComputedProperty<T>, since its value is a function of other properties. The typed
+/// look-up of PropertyAccess.h finds all of them by name. Setting a property validates the value,
+/// compares it with the old one, stores it, runs the change hook and notifies once. Values without
+/// == count as changed each time. The exception of a hook leaves the operation after listeners were
+/// notified.
 ///
 ///   Property<int> size{this, L"Size", 1, {.validate = [](int n) { return n ? L"" : L"is 0"; }}};
 ///   ReadOnlyProperty<double> load{this, L"Load"};
@@ -23,11 +25,11 @@
 
 namespace DataBinding {
 
-/// What a property does beside keeping its value.
+/// PropertyOptions holds what a property does beside keeping its value.
 template <class T>
 struct PropertyOptions {
-  /// Answers why a value is refused, or an empty text to accept it. One of BindWeak refuses every
-  /// value once its object is gone.
+  /// Answers why a value is refused, or an empty text to accept it. A validator that was made by
+  /// BindWeak refuses every value once its object is gone.
   RepeatingCallback<VtrString(const T& value)> validate = {};
   /// Runs after the value has changed and before the listeners do.
   RepeatingCallback<void(const T& before, const T& now)> changed = {};
@@ -49,7 +51,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
   [[nodiscard]] const T* operator->() const noexcept { return &value; }
 
  protected:
-  /// The accessor answers no more while the value goes.
+  /// Ends the accessor first, so that nobody reads the value while it goes.
   virtual ~StoredProperty() { this->InvalidateWeakPtrs(); }
 
   SetResult Store(T wanted) {
@@ -74,7 +76,8 @@ class StoredProperty : public TypedProperty<T, Filed> {
     if (&setter != &this->Source()) return this->ReadOnlyResult(runtime_type<T>::Get());
     return Store(std::move(wanted));
   }
-  /// Notifies also when the hook throws, and not when it ends the property.
+  /// Runs the change hook and notifies. It notifies also when the hook throws, but not when the
+  /// hook ends the property.
   DATABINDING_CATCHES_CANCELLATION void RunHookAndNotify(const T& before) {
     const auto self = this->AsWeakPtr();
     std::exception_ptr failure;
@@ -93,11 +96,11 @@ class StoredProperty : public TypedProperty<T, Filed> {
 
 }  // namespace details
 
-/// A property that anybody may set.
+/// A Property may be set by anybody.
 ///
-/// Made of its source, its name, a first value and options: `{this, L"Size", 1, options}`. `Get()`,
-/// `*size` and `size->` read the value, `Name()` tells the name, and `NotifyChanged()` tells the
-/// listeners of a change that Set has not made.
+/// It is made from its source, its name, a first value and options: `{this, L"Size", 1, options}`.
+/// `Get()`, `*size` and `size->` read the value, `Name()` tells the name, and `NotifyChanged()`
+/// tells the listeners of a change that Set has not made.
 template <std::copyable T>
 class Property final : public details::StoredProperty<T, T> {
  public:
@@ -110,9 +113,9 @@ class Property final : public details::StoredProperty<T, T> {
   SetResult SetValue(T wanted) override { return this->Store(std::move(wanted)); }
 };
 
-/// A property that only its source may set, by `Assign(property, value)`.
+/// A ReadOnlyProperty may be set only by its source, with `Assign(property, value)`.
 ///
-/// Made and read as a Property.
+/// It is made and read like a Property.
 template <std::copyable T>
 class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
  public:
@@ -122,16 +125,17 @@ class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
   SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(runtime_type<T>::Get()); }
 };
 
-/// A property whose value is a function of other properties.
+/// The value of a ComputedProperty is a function of other properties.
 ///
-/// It is computed each time it is read. Its listeners are notified whenever one of the others
-/// changes, equal result or not: once for each change, after the listeners of all that it follows,
-/// and, where one of those waits for the end of a PropertyBatch, when that is over. Others of
-/// another source must be cared for by the function: it may be called after they are gone.
+/// The value is computed each time it is read. Whenever one of the other properties changes, the
+/// listeners of this one are notified, whether the result is equal or not. They are notified once
+/// for each change, after the listeners of all properties that this one follows. If one of those
+/// waits for the end of a PropertyBatch, they are notified when the batch is over. The function may
+/// be called after a property of another source is gone, and must take care of that.
 template <std::copyable T>
 class ComputedProperty final : public details::TypedProperty<T, const T> {
  public:
-  /// Of the function, and of the properties whose changes it is notified for.
+  /// Takes the function, and the properties whose changes it is notified for.
   template <std::derived_from<details::PropertyBase>... Others>
   ComputedProperty(DataSourceImpl* itsSource, PropertyName name, RepeatingCallback<T()> function,
                    Others&... others)

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Reads and sets properties by name, with their types checked, for code that does not know the
-/// source's class.
+/// GetProperty, SetProperty and PropertyRef read and set properties by name, with their types
+/// checked, for code that does not know the source's class.
 ///
-/// A failure is told apart by its PropertyError and explained by its text. Reading accepts
-/// read-only properties of the same value type; there are no conversions between types. Nothing is
+/// When a look-up fails, its PropertyError tells the reason and its text explains it. Reading
+/// accepts read-only properties of the same value type; no type is converted to another. Nothing is
 /// allocated where nothing fails, beyond what copying the value takes.
 ///
 ///   if (const auto load = GetProperty<double>(source, L"Load")) Show(*load);
@@ -24,7 +24,7 @@ namespace DataBinding {
 
 namespace details {
 
-/// The untyped part of a look-up.
+/// ReflectionAccess is the untyped part of a look-up.
 class DATABINDING_API ReflectionAccess {
  public:
   struct Found {
@@ -36,19 +36,19 @@ class DATABINDING_API ReflectionAccess {
   [[nodiscard]] static Found Find(const IDataSource* source, const VtrString& name,
                                   const runtime_type_base& plain,
                                   const runtime_type_base& readOnly);
-  /// The text for an error of that look-up.
+  /// Returns the text for an error of that look-up.
   [[nodiscard]] static VtrString Explain(PropertyError error, const IDataSource* source,
                                          const VtrString& name, const runtime_type_base& wanted);
-  /// The text for a property whose source is gone, or going.
+  /// Returns the text for a property whose source is gone, or going.
   [[nodiscard]] static VtrString ExplainGone(const VtrString& name,
                                              const runtime_type_base& wanted);
-  /// True once the source's destruction handlers run, when it has no name any more.
+  /// Returns true once the source's destruction handlers run. It has no name any more then.
   [[nodiscard]] static bool IsEnding(const IDataSource& source) noexcept {
     return source.reflectable.IsEnding();
   }
-  /// The source's name for a message; empty while it is ending.
+  /// Returns the source's name for a message. The name is empty while the source is ending.
   [[nodiscard]] static VtrString NameOf(const IDataSource& source);
-  /// True when a property of that name stands in the table and is not gone.
+  /// Returns true when a property of that name stands in the table and is not gone.
   [[nodiscard]] static bool HasLiving(const IReflectable& table, const VtrString& name);
   static void File(IReflectable& table, const VtrString& name,
                    const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
@@ -58,16 +58,17 @@ class DATABINDING_API ReflectionAccess {
 
 }  // namespace details
 
-/// A property found by name. It may be kept: it answers "absent" once the property is gone.
+/// A PropertyRef is a property that was found by name. It may be kept: it answers "absent" once the
+/// property is gone.
 ///
-/// A PropertyRef<const int> reads a property of type int and cannot set it, and so may be had of a
-/// source that is const.
+/// A PropertyRef<const int> reads a property of type int and cannot set it. Therefore a const
+/// source gives one, too.
 template <class T>
 class PropertyRef {
  public:
-  /// What the property's value is; T without its const.
+  /// The type of the property's value, which is T without its const.
   using Value = std::remove_const_t<T>;
-  /// What the property is looked up in.
+  /// The property is looked up in a source of this type.
   using Source = std::conditional_t<std::is_const_v<T>, const IDataSource, IDataSource>;
 
   /// Looks the property up, once. The source may be null and may end later.
@@ -84,21 +85,21 @@ class PropertyRef {
     }
   }
 
-  /// Why the property was not found; None when it was, also after it has gone.
+  /// Tells why the property was not found; None when it was found, also after it has gone.
   [[nodiscard]] PropertyError Error() const noexcept { return error; }
-  /// Why the property was not found. Empty when it was.
+  /// Explains why the property was not found. The text is empty when it was found.
   [[nodiscard]] const VtrString& Text() const noexcept { return text; }
-  /// True for a property that only its source may set, and for computed ones.
+  /// Returns true for a property that only its source may set, and for computed ones.
   [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
-  /// True when the property was found.
+  /// Returns true when the property was found.
   explicit operator bool() const noexcept { return error == PropertyError::None; }
 
-  /// True while the property can be read: it was found and is not gone since.
+  /// Returns true while the property can be read: it was found and is not gone since.
   [[nodiscard]] bool IsThere() const {
     return error == PropertyError::None && accessor() != nullptr;
   }
 
-  /// A copy of the value, or why there is none.
+  /// Returns a copy of the value, or the reason why there is none.
   [[nodiscard]] PropertyValue<Value> Get() const {
     if (error != PropertyError::None) return {{}, error, text};
     const auto* access = accessor();
@@ -126,8 +127,8 @@ class PropertyRef {
   VtrString text;
 };
 
-/// Finds a property to be read and set more than once, without another look-up;
-/// `FindProperty<const int>` finds it to be read only, in a const source too.
+/// Finds a property that can then be read and set more than once without another look-up;
+/// `FindProperty<const int>` finds it only to be read, in a const source too.
 template <class T>
 [[nodiscard]] PropertyRef<T> FindProperty(typename PropertyRef<T>::Source* source,
                                           const VtrString& name) {
@@ -146,13 +147,13 @@ SetResult SetProperty(IDataSource* source, const VtrString& name, T value) {
   return FindProperty<T>(source, name).Set(std::move(value));
 }
 
-/// A literal sets a property of type VtrString.
+/// Sets a property of type VtrString from a literal.
 inline SetResult SetProperty(IDataSource* source, const VtrString& name, const wchar_t* text) {
   return SetProperty<VtrString>(source, name, text);
 }
 
-/// Calls visit(value) with the property's value if its type is one of those listed, and tells
-/// whether it was. For code that writes out whatever it finds.
+/// Calls visit(value) with the property's value if its type is one of the listed ones, and tells
+/// whether it was. This serves code that writes out whatever it finds.
 template <class... Types, class Visitor>
 bool VisitProperty(const IDataSource* source, const VtrString& name, Visitor&& visit) {
   const auto attempt = [&]<class T>(std::type_identity<T>) {

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A scope in which a source's changed properties are noted, to be announced at its end by one call
-/// of UpdateListeners each: those that were set, in order of their first change, then what is
-/// computed from them, in this source or others, in the order in which those properties were made.
+/// While a PropertyBatch is open on a source, the changed properties of the source are only noted.
+/// At the end of the scope, UpdateListeners is called once for each of them: first for the
+/// properties that were set, in order of their first change, then for what is computed from them,
+/// in this source or others, in the order in which those properties were made.
 ///
-/// Batches on one source may nest: the outermost announces. What the source announces itself, by
-/// UpdateListeners, is not held back. The source may end within the scope: nothing of it is
-/// announced then.
+/// Batches on one source may nest; the outermost one announces. A batch does not hold back what the
+/// source announces itself by UpdateListeners. The source may end within the scope, and nothing of
+/// it is announced then.
 ///
 ///   PropertyBatch batch(source);
 ///   source.width.Set(4);
@@ -24,9 +25,10 @@ class DATABINDING_API PropertyBatch {
   [[nodiscard]] explicit PropertyBatch(DataSourceImpl& changingSource);
   PropertyBatch(const PropertyBatch&) = delete;
   PropertyBatch& operator=(const PropertyBatch&) = delete;
-  /// Announces. The first exception that an overridden UpdateListeners throws goes through when all
-  /// is announced, unless another one ends the scope. A thread's cancellation goes through at once;
-  /// what is left then is announced by the next batch of its source.
+  /// Announces. An exception that an overridden UpdateListeners throws does not stop the rest; the
+  /// first one is thrown when all is announced, unless another exception ends the scope. A thread's
+  /// cancellation goes through at once, and the next batch of the source announces what is left
+  /// then.
   ~PropertyBatch() noexcept(false);
 
  private:

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A name that a property may bear: not empty, no comma, not "*", no blank at either end and no
-/// NUL, since names are sent in trimmed, comma-separated lists, which end at a NUL.
+/// A PropertyName is a name that a property may bear. It is not empty, holds no comma and no NUL,
+/// is not "*" and has no blank at either end, since names are sent in trimmed, comma-separated
+/// lists, which end at a NUL.
 ///
-/// A literal is checked when it is compiled; any other text is checked when the name is made, which
-/// throws std::invalid_argument. It refers to the text that it was made from.
+/// A literal is checked when it is compiled. Any other text is checked when the name is made, which
+/// throws std::invalid_argument for a bad one. The name refers to the text that it was made from.
 ///
 ///   Property<int> size{this, L"Size"};                       // checked by the compiler
 ///   Property<int> extra{this, PropertyName(column.name)};    // checked at run time
@@ -22,13 +23,13 @@ namespace DataBinding {
 
 class PropertyName {
  public:
-  /// A literal, checked when it is compiled.
+  /// Takes a literal, which is checked when it is compiled.
   template <std::size_t Size>
   consteval PropertyName(const wchar_t (&literal)[Size]) : text(literal, Size - 1) {
     Check(text);
   }
-  /// Any other text, which must outlive this object. Throws std::invalid_argument for what is no
-  /// name.
+  /// Takes any other text, which must outlive this object. Throws std::invalid_argument for a text
+  /// that cannot be a name.
   ///@{
   template <class Pointer>
   requires std::same_as<Pointer, const wchar_t*> || std::same_as<Pointer, wchar_t*>
@@ -38,7 +39,7 @@ class PropertyName {
   explicit PropertyName(std::wstring_view name) : text(name) { Check(text); }
   ///@}
 
-  /// The checked text, where it was made from.
+  /// Returns the checked text, in the place that it was made from.
   [[nodiscard]] constexpr std::wstring_view Get() const noexcept { return text; }
 
  private:

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The registrar itself. Applications reach it through IDataSourceRegistrar::GetInstance; tests
-/// make one of their own and install it for their duration.
+/// DataSourceRegistrar is the registrar itself. Applications reach it through
+/// IDataSourceRegistrar::GetInstance. A test makes one of its own and installs it for as long as
+/// the test runs.
 ///
-/// All walks bear changes: a constructor may register others when it is offered a provider, a
-/// source may unregister a constructor when it ends, and OnUnregistered may delete its constructor.
+/// Constructors and providers may come and go while the registrar goes through them. A constructor
+/// may register others when it is offered a provider, a source may unregister a constructor when it
+/// ends, and OnUnregistered may delete its constructor.
 #pragma once
 
 #include <list>
@@ -43,7 +45,7 @@ class DATABINDING_API DataSourceRegistrar final : public IDataSourceRegistrar {
 
   std::map<VtrString, IDataSourceConstructor*, std::less<>> constructors;
   std::map<VtrString, ConstructorList> categoryConstructors;
-  /// The attached providers. One that ended without being detached is passed over.
+  /// Holds the attached providers. A provider that ended without being detached is passed over.
   std::map<IDataSourceProvider*, details::WeakReference> providers;
   bool initialized = false;
   IDataSourceProvider* rootProvider = nullptr;

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Builds data sources of one name on demand.
+/// A constructor builds data sources of one name on demand.
 ///
-/// Client modules implement it, most easily by DataSourceConstructor<T>, and register it with the
-/// registrar, which does not own it: a constructor unregisters before it ends. Its operations are
-/// called on the thread that owns the provider tree.
+/// Client modules implement IDataSourceConstructor, most easily by DataSourceConstructor<T>, and
+/// register their constructors with the registrar. The registrar does not own them, so a
+/// constructor unregisters before it ends. The operations of a constructor are called on the thread
+/// that owns the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -11,33 +12,33 @@
 
 namespace DataBinding {
 
-/// Where a constructor goes in the list of each of its categories.
+/// Placement says where a constructor goes in the list of each of its categories.
 enum class Placement : int { Nowhere = 0, Front = 1, Back = 2 };
 
 class DATABINDING_API IDataSourceConstructor {
  protected:
-  /// Constructors end with their modules' own objects; nobody else deletes them.
+  /// A constructor ends with the objects of its own module; no other code deletes it.
   virtual ~IDataSourceConstructor();
 
  public:
-  /// Called once when the constructor is filed under its name. It must not end here.
+  /// Called once when the constructor is filed under its name. The constructor must not end here.
   virtual void OnRegistered() = 0;
-  /// Called once when the constructor is taken off its name. It may delete itself here,
-  /// if its destructor does not unregister it once more.
+  /// Called once when the constructor is taken off its name. The constructor may delete itself
+  /// here, if its destructor does not unregister it once more.
   virtual void OnUnregistered() = 0;
-  /// The name of the sources that it builds, under which it is filed. It should not change while
-  /// the constructor is registered.
+  /// Returns the name of the sources that the constructor builds. The constructor is filed under
+  /// this name, which should not change while it is registered.
   virtual const wchar_t* GetName() = 0;
-  /// Builds a source that knows this provider; null when it will not. The provider takes it over.
-  /// It may ask the provider for other sources. Two constructors that ask for each other do not
-  /// both get what they ask for: the second one gets null.
+  /// Builds a source that knows this provider, or returns null to refuse. The provider takes the
+  /// source over. The constructor may ask the provider for other sources. When two constructors ask
+  /// for each other, only one of them gets what it asks for; the second one gets null.
   virtual IDataSource* CreateDataSource(IDataSourceProvider* provider) = 0;
-  /// Offers a provider of a matching category, for constructors that add something to each.
+  /// Offers a provider of a matching category to the constructor, which may add something to it.
   virtual void OnProviderAttached(IDataSourceProvider* provider) = 0;
-  /// A value of Placement; any other means Nowhere. Asked anew for each category. It may register
-  /// other constructors.
+  /// Returns a value of Placement; any other value means Nowhere. The registrar asks anew for each
+  /// category. The constructor may register other constructors here.
   virtual int GetPlacement() = 0;
-  /// The comma-separated categories of the providers in which it builds.
+  /// Returns the comma-separated categories of the providers in which the constructor builds.
   virtual const wchar_t* GetCategories() = 0;
 };
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The properties of one data source that have changed and wait to be announced, in order of their
-/// first change: while a PropertyBatch is open on the source, or while something that they are
-/// computed from waits.
+/// PropertyChanges lists the properties of one data source that have changed and wait to be
+/// announced, in order of their first change. They wait while a PropertyBatch is open on the
+/// source, or while a property that they are computed from waits.
 ///
-/// The properties bring their links along, so that noting a change allocates nothing. A property
-/// that ends takes itself out.
+/// Each property brings along the links by which it stands in the list. So noting a change
+/// allocates nothing, and a property that ends takes itself out.
 #pragma once
 
 #include <cstdint>
@@ -13,15 +13,16 @@
 
 namespace DataBinding::details {
 
-/// By its link a property is noted as changed and waits to be announced. The link stands in at most
-/// one place at a time.
+/// A property derives from this link, by which it is noted as changed and waits to be announced.
+/// The link stands in at most one place at a time.
 struct PropertyLink {
   enum class Place : std::uint8_t {
     None,
-    Noted,  ///< in the PropertyChanges of its source
-    Due     ///< among those that this thread is about to announce
+    Noted,  ///< it stands in the PropertyChanges of its source
+    Due     ///< it stands in the DueProperties of the announcing thread
   };
-  /// Computed properties have a turn from here on, given in the order in which they are made.
+  /// The turns of computed properties begin here. They are given in the order in which the
+  /// properties are made.
   static constexpr auto firstComputedTurn = std::uint64_t{1} << 63;
 
   [[nodiscard]] bool IsComputed() const noexcept { return turn >= firstComputedTurn; }
@@ -30,9 +31,10 @@ struct PropertyLink {
   PropertyLink* previous = nullptr;
   PropertyLink* child = nullptr;
   /// Within one announcement, properties are told in the order of their turns, the least first. A
-  /// property that is not computed has the number of its change for its turn.
+  /// property that is not computed takes the number of its change as its turn.
   std::uint64_t turn = 0;
-  /// The announcement that it is due in: 1 for the outermost one, more for nested ones.
+  /// Tells the announcement in which the property is due: 1 for the outermost one, more for nested
+  /// ones.
   std::uint32_t depth = 0;
   Place place = Place::None;
 };
@@ -45,15 +47,15 @@ class DATABINDING_API PropertyChanges {
   ~PropertyChanges() = default;
 
   void Open() noexcept { ++openBatches; }
-  /// True when the last batch was closed.
+  /// Closes one batch, and returns true if it was the last open one.
   [[nodiscard]] bool Close() noexcept { return --openBatches == 0; }
   [[nodiscard]] bool IsOpen() const noexcept { return openBatches != 0; }
 
-  /// Notes a property that stands nowhere.
+  /// Adds a property that stands in no place yet.
   void Add(PropertyLink& property) noexcept;
   /// Takes out a property that is noted here.
   void Remove(PropertyLink& property) noexcept;
-  /// Takes the first one out; null when there is none.
+  /// Takes out the first property and returns it, or null when there is none.
   [[nodiscard]] PropertyLink* TakeFirst() noexcept;
 
  private:

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What all properties share: their data source, their name, and those that are computed from them.
+/// PropertyBase holds what all properties share: their data source, their name, and the properties
+/// that are computed from them.
 ///
 /// A property belongs to one data source and is a member of it. It files itself in the source's
-/// reflection table when it is made; its accessor there answers only as long as the property lives.
-/// Used on the thread that owns the provider tree.
+/// reflection table when it is made, and its accessor there answers only as long as the property
+/// lives. It is used on the thread that owns the provider tree.
 #pragma once
 
 #include <initializer_list>
@@ -21,13 +22,13 @@
 
 namespace DataBinding::details {
 
-/// How a property of a value type is reached by name: its accessor gives this, or null when the
-/// property is gone.
+/// IProperty is the interface of a property that was found by name. The property's accessor returns
+/// it, or null when the property is gone.
 template <class T>
 class IProperty {
  public:
   [[nodiscard]] virtual T GetValue() const = 0;
-  /// Refuses, as read-only, unless the property may be set from outside.
+  /// Sets the value. Refuses it as read-only unless the property may be set from outside.
   virtual SetResult SetValue(T value) = 0;
 
  protected:
@@ -49,11 +50,11 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
 
   [[nodiscard]] const VtrString& Name() const noexcept { return filedName; }
 
-  /// Tells the listeners of this property that the value has changed, then those of all that is
-  /// computed from it, directly or not, each property once and after all that it is computed from.
-  /// It calls UpdateListeners of the source once for each name. Where a PropertyBatch is open on a
-  /// source, its properties, and what is computed from those, wait for its end. This property, its
-  /// source or others may be gone when this returns.
+  /// Tells the listeners of this property that the value has changed, and then the listeners of all
+  /// properties that are computed from it, directly or not: each property once, and after all that
+  /// it is computed from. It calls UpdateListeners of a property's source once for each name. While
+  /// a PropertyBatch is open on a source, the properties of the source, and what is computed from
+  /// them, wait for its end. This property, its source or others may be gone when this returns.
   void NotifyChanged();
 
  protected:
@@ -61,7 +62,7 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
   ~PropertyBase();
 
   void File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type);
-  /// Notifies of this property whenever one of those changes.
+  /// Makes this property follow others: it is notified whenever one of them changes.
   void DependOn(std::initializer_list<const PropertyBase*> others);
   [[nodiscard]] DataSourceImpl& Source() const noexcept { return source; }
   [[nodiscard]] SetResult ReadOnlyResult(const runtime_type_base& wanted) const;
@@ -73,13 +74,14 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
 
   DataSourceImpl& source;
   VtrString filedName;
-  /// The properties that are computed from this one. It is mutable since following a property does
-  /// not change it.
+  /// Holds the properties that are computed from this one. It is mutable since following a property
+  /// does not change it.
   mutable std::vector<PropertyBase*> dependents;
   std::vector<const PropertyBase*> dependencies;
 };
 
-/// Files a property under its name. Filed is `const T` for one that only its source may set.
+/// TypedProperty files a property under its name. Filed is `const T` for a property that only its
+/// source may set.
 template <class T, class Filed>
 class TypedProperty : public PropertyBase, protected IProperty<T> {
  protected:
