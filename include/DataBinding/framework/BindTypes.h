@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The kinds of binds, and the two names that leave a part of a bind open on purpose.
+/// This header names the kinds of binds, and two markers that leave a part of a bind open on
+/// purpose.
 ///
-/// A marker stands where a name is expected and says "nothing is meant to be bound here"; an empty
-/// name says the same by omission, and is what binds start with. Markers are compared exactly, case
+/// A marker stands where a name is expected and says "nothing is meant to be bound here". An empty
+/// name, which binds start with, says the same by omission. Markers are compared exactly, case
 /// included. The constants live as long as the library and may be used during static
 /// initialisation.
 #pragma once
@@ -11,16 +12,16 @@
 
 namespace DataBinding::Framework {
 
-/// What a bind is, for code that holds binds of all kinds.
+/// Tells what kind a bind is, for code that holds binds of all kinds.
 enum class BindTypeEnum {
   None = 0,
-  Data = 1,  ///< carries a value
-  Event = 2  ///< raises an event; its number is laid down
+  Data = 1,  ///< the bind carries a value
+  Event = 2  ///< the bind raises an event; this number is fixed
 };
 
-/// In place of a data context's or a data source's name.
+/// Stands in place of a data context's or a data source's name.
 DATABINDING_API extern const wchar_t* const nullDataMarker;
-/// In place of a path.
+/// Stands in place of a path.
 DATABINDING_API extern const wchar_t* const nullPathMarker;
 
 }  // namespace DataBinding::Framework

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// DataBind: one property of a data source, found by name and followed wherever it goes.
+/// A DataBind finds one property of a data source by name and follows it wherever it goes.
 ///
-/// Connected to a scope, the bind looks for its data source there and further out, beginning with
-/// the nearest scope that has the data context's name as a category (with the given scope for an
-/// empty name or the null-data marker). It connects when the source appears, prefers a nearer
-/// source of that name to one further out, and falls back when the nearer one goes; it never has a
-/// source built. When its scope shuts down it is connected to none. Bind, scopes, sources and
-/// subscriptions may end in any order. One thread, that of the provider tree.
+/// A bind that is connected to a scope looks for its data source there and in the enclosing scopes.
+/// It begins with the nearest scope that has the data context's name as a category; for an empty
+/// name or the null-data marker it begins with the given scope. It connects when the source
+/// appears, prefers a source of that name in a nearer scope, and falls back to one further out when
+/// the nearer one goes. It never has a source built. When its scope shuts down, it is connected to
+/// no scope. Bind, scopes, sources and subscriptions may end in any order. A bind is used on one
+/// thread, that of the provider tree.
 ///
 ///   Framework::DataBind<double> load(&provider, L"Cpu", L"Load");
 ///   Subscription redraw = load.SubscribeToChanges([&] { label.Show(load.Get()); });
@@ -30,25 +31,25 @@ namespace details {
 
 class DataBindListener;
 
-/// The part of a data bind that does not depend on its type. It stands on the heap for its bind,
-/// and each of its calls ends with telling the subscribers, who may end it.
+/// BindConnection is the part of a data bind that does not depend on its type. It stands on the
+/// heap because each of its calls ends with telling the subscribers, who may end the bind.
 class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
  public:
-  /// For a bind's names, and a property filed under one of the types.
+  /// Takes a bind's names, and the two types under which its property may be filed.
   BindConnection(const Framework::IBaseBind& bind, const runtime_type_base& plain,
                  const runtime_type_base& readOnly);
   BindConnection(const BindConnection&) = delete;
   BindConnection& operator=(const BindConnection&) = delete;
   virtual ~BindConnection();
 
-  /// Looks for what the bind names, in place of what was connected before.
+  /// Looks for the data source and property that the bind names, in place of the ones before.
   void Connect(const Framework::IBaseBind& bind, IDataSourceProvider* provider);
-  /// The scope that it is connected to, or null.
+  /// Returns the scope that the bind is connected to, or null.
   [[nodiscard]] IDataSourceProvider* Provider() const;
   [[nodiscard]] Framework::BindStatus Status() const;
   [[nodiscard]] const VtrString& SourceName() const noexcept { return sourceName; }
   [[nodiscard]] const VtrString& PropertyName() const noexcept { return propertyName; }
-  /// True while there is a property to read.
+  /// Returns true while there is a property to read.
   [[nodiscard]] virtual bool HasValue() const = 0;
   Subscription Subscribe(const RepeatingCallback<void()>& callback) {
     return changed.Add(callback);
@@ -60,13 +61,14 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
  private:
   friend class DataBindListener;
 
-  /// Finds the property in its new source, or in none.
+  /// Finds the property in its new source. A null source has none.
   virtual void Refer(IDataSource* newSource, const VtrString& name) = 0;
 
-  /// Begins to listen in a scope and those further out; later if one is calling its listeners.
+  /// Begins to listen in a scope and its enclosing ones. If one of them is calling its listeners,
+  /// this waits until it has called them.
   void Enter(IDataSourceProvider* provider);
   void Resume();
-  /// A scope can be reached no more, and with it all further out.
+  /// Called when a scope can no longer be reached, and with it the scopes further out.
   void CutAt(const DataBindListener& listener);
   void Update();
   void Follow(IDataSource* newSource);
@@ -80,9 +82,9 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   VtrString contextName;
   VtrString sourceName;
   VtrString propertyName;
-  /// One for each scope, from the one that was given outward.
+  /// Holds one listener for each scope, from the given one outward.
   std::vector<std::unique_ptr<DataBindListener>> listeners;
-  /// The first listener waits until the scopes have called their listeners.
+  /// True while the first listener waits until the scopes have called their listeners.
   bool isWaiting = false;
   IDataSource* source = nullptr;
   Subscription propertySubscription;
@@ -114,7 +116,8 @@ class TypedBindConnection final : public BindConnection {
   void Refer(IDataSource* newSource, const VtrString& name) override {
     property = PropertyRef<T>(newSource, name);
   }
-  /// Looks for a property again that was not there: it may come and go while its source stays.
+  /// Looks for a property again if it was not there, since it may come and go while its source
+  /// stays.
   [[nodiscard]] const PropertyRef<T>& Property() const {
     if (Source() != nullptr && !property.IsThere()) {
       property = PropertyRef<T>(Source(), PropertyName());
@@ -130,38 +133,38 @@ class TypedBindConnection final : public BindConnection {
 namespace Framework {
 
 /// A copy has the same names and a connection of its own to the same scope; subscribers stay with
-/// the bind to which they subscribed. Moving copies, deliberately: a bind that was moved from still
-/// serves its subscribers. Assigning makes a bind look for what the other one names, where the
-/// other one does, and tells its subscribers.
+/// the bind to which they subscribed. A move does the same, deliberately, so that a bind that was
+/// moved from still serves its subscribers. A bind that is assigned to takes over the other's names
+/// and scope, looks for what they name, and tells its own subscribers.
 ///
-/// So keep binds in a std::deque, or each in a unique_ptr, where others subscribe to them: a vector
-/// that grows copies its binds, and the subscribers of the former ones hear nothing more.
+/// Therefore keep binds to which others subscribe in a std::deque, or each in a unique_ptr. A
+/// vector that grows copies its binds, and the subscribers of the former ones hear nothing more.
 ///
-/// A bind that is connected, made or assigned while one of its scopes calls its listeners, because
-/// a source comes or goes, begins to look when that scope has done so, and then tells its
-/// subscribers.
+/// A bind may be connected, made or assigned while one of its scopes calls its listeners because a
+/// source comes or goes. It then begins to look when that scope has called them, and tells its
+/// subscribers after that.
 template <class T>
 class DataBind final : public IDataBind<T> {
  public:
   DataBind() : DataBind(VtrString(), VtrString(), VtrString()) {}
-  /// Connected to nothing until Connect.
+  /// Takes the names. The bind is connected to nothing until Connect.
   DataBind(const VtrString& context, const VtrString& source, const VtrString& property)
       : IDataBind<T>(context, source, property), connection(std::make_unique<Connection>(*this)) {}
-  /// Connects at once.
+  /// Takes the names and connects at once.
   DataBind(IDataSourceProvider* provider, const VtrString& context, const VtrString& source,
            const VtrString& property)
       : DataBind(context, source, property) {
     connection->Connect(*this, provider);
   }
-  /// The same, beginning at the given scope itself.
+  /// Does the same, beginning at the given scope itself.
   DataBind(IDataSourceProvider* provider, const VtrString& source, const VtrString& property)
       : DataBind(provider, VtrString(), source, property) {}
-  /// Connects to the scope that the other one is connected to.
+  /// Connects to the scope that the other bind is connected to.
   DataBind(const DataBind& other)
       : IDataBind<T>(other), connection(std::make_unique<Connection>(*this)) {
     connection->Connect(*this, other.connection->Provider());
   }
-  /// Takes names and scope over, and tells the subscribers, which stay.
+  /// Takes the other's names and scope over, and tells the subscribers, which stay.
   DataBind& operator=(const DataBind& other) {
     if (this == &other) return *this;
     IDataBind<T>::operator=(other);
@@ -171,7 +174,7 @@ class DataBind final : public IDataBind<T> {
   ~DataBind() override { this->EndLiveness(); }
 
   void Connect(IDataSourceProvider* provider) override { connection->Connect(*this, provider); }
-  /// Data, for every value bind.
+  /// Returns Data, as every value bind does.
   [[nodiscard]] BindTypeEnum BindType() const override { return BindTypeEnum::Data; }
   [[nodiscard]] BindStatus Status() const override { return connection->Status(); }
   [[nodiscard]] bool IsReadOnly() const override { return connection->IsReadOnly(); }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// std::formatter for strings and results, where the compiler has `<format>`; nothing elsewhere.
+/// This header specialises std::formatter for strings and results, where the compiler has
+/// `<format>`, and holds nothing elsewhere.
 ///
 /// Strings and the texts of results are written as by `<<`, as UTF-8 in narrow formats, and take
 /// the format of a string. A PropertyValue<T> is written as std::format writes the T and takes a
-/// T's format, which is for values only: a text that stands in place of a value is written as it
-/// is.
+/// T's format, which applies to values only: a text that stands in place of a value is written as
+/// it is.
 ///
 ///   std::format("{:>12} {:.1f}", name, GetProperty<double>(source, name));
 #pragma once

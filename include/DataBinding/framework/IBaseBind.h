@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What every bind between a user-interface element and data knows: which data context it looks in,
-/// which data source there, and which path inside the data source.
+/// IBaseBind holds what every bind between a user-interface element and data knows: the data
+/// context in which it looks, the data source there, and the path inside the data source.
 ///
-/// A bind is a description first: three names, copied with it. Concrete binds connect it to a scope
-/// of data sources, which they do not own. One thread, that of the provider tree.
+/// A bind is first of all a description by three names, which are copied with it. Concrete binds
+/// connect it to a scope of data sources, which they do not own. A bind is used on one thread, that
+/// of the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -16,9 +17,9 @@ namespace DataBinding::Framework {
 
 class DATABINDING_API IBaseBind {
  public:
-  /// Three empty names.
+  /// Makes a bind with three empty names.
   IBaseBind();
-  /// Of the three names; connected to nothing.
+  /// Takes the three names. The bind is connected to nothing.
   IBaseBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
             const VtrStringT<wchar_t>& pathInSource);
   /// Copies the names only.
@@ -29,20 +30,22 @@ class DATABINDING_API IBaseBind {
 
   /// Connects the bind to a scope, in place of the former one. Null disconnects it.
   virtual void Connect(IDataSourceProvider* provider) = 0;
-  /// What kind of bind this is.
+  /// Tells what kind of bind this is.
   [[nodiscard]] virtual BindTypeEnum BindType() const = 0;
-  /// Whether the bind has what it names, and if not, why. Builds no data source to find out.
+  /// Tells whether the bind has found what it names, and if not, why. Builds no data source to find
+  /// out.
   [[nodiscard]] virtual BindStatus Status() const = 0;
-  /// The names, joined by "::", for logs and test tools. Those that are empty or a marker are left
-  /// out, and deliberately the separator stands even where nothing precedes it: "::Source::Path"
-  /// tells a bind without a data context from one without a data source.
+  /// Returns the names, joined by "::", for logs and test tools. A name that is empty or a marker
+  /// is left out. Deliberately the separator stands even where nothing precedes it:
+  /// "::Source::Path" tells a bind without a data context from one without a data source.
   [[nodiscard]] virtual VtrStringT<wchar_t> GetTrackingName();
 
-  /// The category of the scope to begin at; empty or the marker for the scope that is given.
+  /// Returns the category of the scope to begin at; it is empty or the marker for the scope that is
+  /// given.
   [[nodiscard]] const VtrStringT<wchar_t>& DataContextName() const noexcept { return contextName; }
-  /// The name by which a provider finds the data source.
+  /// Returns the name by which a provider finds the data source.
   [[nodiscard]] const VtrStringT<wchar_t>& DataSource() const noexcept { return sourceName; }
-  /// A property's name, or an event's.
+  /// Returns a property's name, or an event's.
   [[nodiscard]] const VtrStringT<wchar_t>& Path() const noexcept { return pathName; }
 
  private:

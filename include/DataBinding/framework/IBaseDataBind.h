@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A bind that carries a value, whatever its type: what lists and editors of binds need of it.
+/// An IBaseDataBind is a bind that carries a value of any type. It offers what lists and editors of
+/// binds need to know of it.
 ///
 /// Copying and moving take the names only, so a bind that was moved from stays as it was. Concrete
 /// binds decide on their connections.
 ///
-/// One thread, that of the provider tree.
+/// A bind is used on one thread, that of the provider tree.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -16,9 +17,9 @@ namespace DataBinding::Framework {
 
 class DATABINDING_API IBaseDataBind : public IBaseBind {
  public:
-  /// Three empty names.
+  /// Makes a bind with three empty names.
   IBaseDataBind();
-  /// Of the three names; connected to nothing.
+  /// Takes the three names. The bind is connected to nothing.
   IBaseDataBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
                 const VtrStringT<wchar_t>& pathInSource);
   /// Takes the names and no connection.
@@ -30,13 +31,14 @@ class DATABINDING_API IBaseDataBind : public IBaseBind {
   ///@}
   ~IBaseDataBind() override;
 
-  /// True when there is a value that only its data source may set.
+  /// Returns true when there is a value that only its data source may set.
   [[nodiscard]] virtual bool IsReadOnly() const = 0;
-  /// True while there is a value to read.
+  /// Returns true while there is a value to read.
   [[nodiscard]] virtual bool HasValue() const = 0;
-  /// Runs the callback whenever the value changes, comes or goes, until the subscription ends. The
-  /// callback is not run by subscribing; it may end the bind. One that is cancelled before its turn
-  /// in a notification is not run, unlike a callback of the property itself.
+  /// Runs the callback whenever the value changes, comes or goes, until the subscription ends.
+  /// Subscribing does not run the callback, and the callback may end the bind. A callback that is
+  /// cancelled before its turn in a notification is not run, unlike a callback of the property
+  /// itself.
   virtual Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) = 0;
 };
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A bind that raises an event, with the data context that it currently stands in.
+/// An IEventBind raises an event with the data context that it currently stands in.
 ///
 /// It may follow a data context that changes: it owns the bind whose value that context is, and
-/// runs a callback whenever that bind notifies. One thread, that of the provider tree.
+/// runs a callback whenever that bind notifies. An event bind is used on one thread, that of the
+/// provider tree.
 ///
 /// Re-entrancy: the callback may give this event bind another data context bind, notify again, or
-/// end the event bind. It stays alive until it returns, and the data context bind that it was
-/// called with until the outermost call returns.
+/// end the event bind. The callback stays alive until it returns, and the data context bind that it
+/// was called with stays alive until the outermost call returns.
 #pragma once
 
 #include <memory>
@@ -19,40 +20,41 @@
 
 namespace DataBinding::Framework {
 
-/// Neither copied nor moved: what it subscribes to the data context bind is its own address.
+/// An IEventBind is neither copied nor moved, because it subscribes to the data context bind with
+/// its own address.
 class DATABINDING_API IEventBind : public IBaseBind {
  public:
-  /// Gets this bind and the data context's bind that has notified.
+  /// The callback gets this bind and the data context's bind that has notified.
   using DataContextCallback =
       basic_safe_function<void(Framework::IEventBind*, Framework::IDataBind<IDataContext*>*), 1>;
 
   IEventBind();
-  /// Of the three names, the last one the event's.
+  /// Takes the three names; the last one is the event's.
   IEventBind(const VtrStringT<wchar_t>& context, const VtrStringT<wchar_t>& source,
              const VtrStringT<wchar_t>& pathInSource);
   IEventBind(const IEventBind&) = delete;
   IEventBind& operator=(const IEventBind&) = delete;
   ~IEventBind() override;
 
-  /// Event, for every event bind.
+  /// Returns Event, as every event bind does.
   [[nodiscard]] BindTypeEnum BindType() const override;
-  /// The name of the event, or an empty one.
+  /// Returns the name of the event, or an empty one.
   [[nodiscard]] virtual VtrString EventName() const = 0;
-  /// True when Raise would raise an event.
+  /// Returns true when Raise would raise an event.
   [[nodiscard]] virtual bool CanRaise() const = 0;
-  /// Raises the event with the current data context; does nothing where CanRaise is false.
+  /// Raises the event with the current data context. Does nothing where CanRaise is false.
   virtual void Raise() = 0;
-  /// The data context that the bind stands in, or null.
+  /// Returns the data context that the bind stands in, or null.
   [[nodiscard]] virtual IDataContext* DataContext() const = 0;
 
   /// Takes over the bind of the data context, and runs the callback with (this, that bind) whenever
-  /// it notifies, but not now. What was set before is ended. A null bind only does that, and so
-  /// does one that cannot be subscribed to: what it throws is let out.
+  /// it notifies, but not now. The bind that was set before is ended. A null bind only does that.
+  /// So does a bind that cannot be subscribed to, and the exception that it throws is let out.
   void SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataContext*>> bind,
                           DataContextCallback callback);
 
  protected:
-  /// The bind of the data context, or null.
+  /// Returns the bind of the data context, or null.
   [[nodiscard]] IDataBind<IDataContext*>* DataContextBind() const noexcept {
     return dataContextBind.get();
   }
@@ -63,11 +65,11 @@ class DATABINDING_API IEventBind : public IBaseBind {
   void OnDataContextChanged();
   void EndDataContextBind() noexcept;
 
-  // Ended in reverse: the subscription first, then the callback, then the bind.
+  // These members end in reverse order: the subscription first, then the callback, then the bind.
   std::unique_ptr<Framework::IDataBind<IDataContext*>> dataContextBind;
   DataContextCallback dataContextCallback;
   Subscription dataContextSubscription;
-  /// The innermost call of the callback that is under way.
+  /// Points to the innermost call of the callback that is under way.
   Run* running = nullptr;
 };
 

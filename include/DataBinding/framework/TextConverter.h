@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Converters between a bind's values and what a widget shows.
+/// A Converter converts between a bind's values and what a widget shows.
 ///
-/// A converter is a pair of functions and is copied with them. TextConverter<T> is the one between
-/// numbers, truth values or strings and text: the same in every locale, and strict, since a text
-/// counts only if all of it is the value, and a finite one. A number that is too small for its type
-/// is 0. What does not convert is refused with a text for people.
+/// It is a pair of functions and is copied with them. TextConverter<T> makes the converter between
+/// numbers, truth values or strings and text. It is the same in every locale, and strict: a text
+/// counts only if all of it is the value, and the value is finite. A number that is too small for
+/// its type is read as 0. A text that does not convert is refused with an explanation for people.
 ///
 ///   const auto converter = TextConverter<double>();
 ///   converter.show(0.25);                 // L"0.25"
@@ -27,16 +27,17 @@
 
 namespace DataBinding {
 
-/// How a widget shows a T as a W, and what a W that the user has made stands for.
+/// A Converter tells how a widget shows a T as a W, and which T a W stands for that the user has
+/// made.
 template <class T, class W>
 struct Converter {
-  /// What the widget shows for a value.
+  /// Answers what the widget shows for a value.
   RepeatingCallback<W(const T&)> show;
-  /// The value that a W stands for, or why it stands for none.
+  /// Answers the value that a W stands for, or why it stands for none.
   RepeatingCallback<PropertyValue<T>(const W&)> parse;
 };
 
-/// For widgets that show the value as it is.
+/// Makes the converter for widgets that show the value as it is.
 template <class T>
 [[nodiscard]] Converter<T, T> SameValue() {
   return {[](const T& value) { return value; },
@@ -47,7 +48,7 @@ template <class T>
 
 namespace details {
 
-/// Those of characters are no types of numbers, but std::int8_t and std::uint8_t are.
+/// Types of numbers include std::int8_t and std::uint8_t, but not the types of characters.
 template <class T>
 concept Number = std::is_arithmetic_v<T> && !std::same_as<T, bool> && !std::same_as<T, char> &&
                  !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> &&
@@ -56,11 +57,11 @@ concept Number = std::is_arithmetic_v<T> && !std::same_as<T, bool> && !std::same
 /// Tells a number that is too small for its type from one that is too big.
 [[nodiscard]] DATABINDING_API bool IsNearZero(std::string_view number);
 
-/// Why a text is refused. Long ones are quoted in part.
+/// Explains why a text is refused. A long text is quoted in part.
 [[nodiscard]] DATABINDING_API VtrString ExplainUnfit(const VtrString& text, std::errc reason,
                                                      const runtime_type_base& wanted);
 
-/// Reads a truth value or a number, all of the text or nothing.
+/// Reads a truth value or a number. Either all of the text is the value, or nothing is read.
 template <class T>
 std::errc ParseAll(std::string_view text, T& value) {
   if constexpr (std::same_as<T, bool>) {
@@ -99,8 +100,8 @@ PropertyValue<T> ParseNumber(const VtrString& text) {
 
 }  // namespace details
 
-/// Between a T and its text: shortest digits that give the number back, "true" and "false", or the
-/// string itself.
+/// Makes the converter between a T and its text. A number is shown with the fewest digits that give
+/// it back, a truth value as "true" or "false", and a string as itself.
 template <class T>
 requires details::Number<T> || std::same_as<T, bool> || std::same_as<T, VtrString>
 [[nodiscard]] Converter<T, VtrString> TextConverter() {

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// TwoWay: joins a bind to a widget that shows its value and lets the user edit it.
+/// TwoWay joins a bind to a widget that shows its value and lets the user edit it.
 ///
-/// The widget is a pair of functions. `write` is called at once and on each change of the bind;
-/// when the user has finished an edit, the application calls Commit, which converts, validates and
-/// sets what `read` gives. A refused edit leaves the widget alone and says why. The join owns the
-/// functions and neither bind nor widget; bind and join may end in any order, also inside the
-/// join's own functions: none of them is called after that. One thread, that of the provider tree.
+/// The widget is given as a pair of functions. `write` is called at once and on each change of the
+/// bind. When the user has finished an edit, the application calls Commit, which calls `read`, and
+/// converts, validates and sets its answer. When an edit is refused, the widget stays as it is and
+/// the result says why. The join owns the functions and neither bind nor widget. Bind and join may
+/// end in any order, also inside the join's own functions, and none of these is called after that.
+/// A join is used on one thread, that of the provider tree.
 ///
 ///   auto size = TwoWay(bind, [&] { return box.Text(); }, [&](const VtrString& t) { box.Show(t); },
 ///                      TextConverter<int>());
@@ -29,7 +30,8 @@ namespace DataBinding {
 
 namespace details {
 
-/// The text, or other form, that stands for the bind's value. Known where forms can be compared.
+/// A ShownForm notes the text, or other form, that stands for the bind's value. It knows the form
+/// only where forms can be compared.
 template <class W>
 class ShownForm {
  public:
@@ -48,7 +50,8 @@ class ShownForm {
   std::optional<std::conditional_t<isKnown, W, bool>> shown;
 };
 
-/// What a join shares with its subscription, so that it outlasts the functions that end the join.
+/// A join shares this state with its subscription. So the state outlasts a function that ends the
+/// join.
 template <class T, class W>
 class TwoWayState {
  public:
@@ -67,12 +70,14 @@ class TwoWayState {
     subscription = std::move(toChanges);
     Show();
   }
-  /// The join is gone, and the widget may be: none of the functions is called from now on.
+  /// Called when the join is gone. The widget may be gone too, so none of the functions is called
+  /// from now on.
   void End() {
     bind = nullptr;
     subscription.Cancel();
   }
-  /// Shows the bind's value, or that there is none. An edit of ours is looked at when it is over.
+  /// Shows the bind's value, or that there is none. A change that the join's own edit makes is
+  /// looked at when the edit is over.
   void Show() {
     if (step == Step::Setting) step = Step::SettingAndChanged;
     if (step != Step::SettingAndChanged && IsJoined()) Tell(bind->Get());
@@ -101,22 +106,23 @@ class TwoWayState {
   }
 
  private:
-  /// What the join is doing.
+  /// Tells what the join is doing.
   enum class Step {
     None,
-    Committing,         ///< reads, converts and checks an edit
-    Setting,            ///< sets it, and shows no change meanwhile
-    SettingAndChanged,  ///< the same, and there was a change
-    Telling             ///< tells the widget of a value, or that there is none
+    Committing,         ///< it reads, converts and checks an edit
+    Setting,            ///< it sets the edit, and shows no change meanwhile
+    SettingAndChanged,  ///< it sets the edit, and the bind has changed since
+    Telling             ///< it tells the widget a value, or that there is none
   };
-  /// What the widget holds.
+  /// Tells what the widget holds.
   enum class Widget {
-    Edited,     ///< what it began with, or what the user made of what was written
-    Written,    ///< what was written
-    ToldAbsent  ///< anything; it was told that there is no value, and not yet of another one
+    Edited,     ///< it holds what it began with, or an edit of the user
+    Written,    ///< it holds what was written
+    ToldAbsent  ///< it was told that there is no value, and has been told no other since
   };
 
-  /// False once the join or its bind has ended, which any function that is called may have done.
+  /// Returns false once the join or its bind has ended. Any function that is called may have ended
+  /// it.
   [[nodiscard]] bool IsJoined() const noexcept { return bind != nullptr && bindLiveness.IsValid(); }
   [[nodiscard]] SetResult Gone() const {
     const wchar_t* const text = bind == nullptr ? L"The join is gone." : L"The bind is gone.";
@@ -129,7 +135,8 @@ class TwoWayState {
     if (!converter.parse.IsCancelled()) return converter.parse(typed);
     return {{}, PropertyError::Refused, L"The converter is gone."};
   }
-  /// A bind that throws may have changed all the same.
+  /// Sets the edit and shows what has become of it. A bind that throws may have changed all the
+  /// same.
   SetResult Set(const T& edited, const W& typed) {
     if (!IsJoined()) return Gone();
     SetResult result;
@@ -145,8 +152,9 @@ class TwoWayState {
     failure.Rethrow();
     return result;
   }
-  /// The source may have made something else of the value, and the widget may have been told of
-  /// another one, or of none, since it was read.
+  /// Shows the value unless the widget holds it already. The source may have made another value of
+  /// the edit, and since the edit was read the widget may have been told of another value, or of
+  /// none.
   void ShowUnlessSame(const T& edited, const W& typed) {
     if (!IsJoined()) return;
     const auto now = bind->Get();
@@ -186,12 +194,12 @@ class TwoWayState {
 
 }  // namespace details
 
-/// Keeps bind and widget joined while it lives. It must outlive the widget's handlers that use it:
-/// declare it after what it writes, and take such a handler off before.
+/// A TwoWayJoin keeps bind and widget joined while it lives. It must outlive the widget's handlers
+/// that use it: declare it after what it writes, and take such a handler off before the join ends.
 template <class T, class W>
 class [[nodiscard]] TwoWayJoin {
  public:
-  /// As TwoWay.
+  /// Does what TwoWay does.
   TwoWayJoin(Framework::IDataBind<T>& bind, RepeatingCallback<W()> read,
              RepeatingCallback<void(const W&)> write, Converter<T, W> converter,
              RepeatingCallback<VtrString(const T&)> validate)
@@ -202,21 +210,23 @@ class [[nodiscard]] TwoWayJoin {
   }
 
   /// Calls the function when the bind has no value any more, and now if it has none, so that a
-  /// widget can grey out; the next `write` says that there is one again. The bind's own end is not
-  /// told. Takes the place of the former function.
+  /// widget can grey out; the next `write` says that there is one again. The join does not tell of
+  /// the bind's own end. The function takes the place of the former one.
   void WhenAbsent(RepeatingCallback<void()> absent) {
     const auto keep = state;
     if (keep != nullptr) keep->WhenAbsent(std::move(absent));
   }
 
   /// Sets what the widget holds and says whether the value changed. On success the text is empty,
-  /// and `changed` false where there was nothing to change. `write` is not called for it, unless
-  /// the data source made another value of it; values without == count as another each time.
-  /// Where the widget holds what stands for the value already, nothing is converted or set, so that
-  /// who only passes through loses no digits. Does nothing inside `write`, inside the function of
-  /// WhenAbsent, inside a commit, and on a join that was moved from, so that widgets which announce
-  /// programmatic changes as edits do no harm. Stops as soon as one of the functions has ended the
-  /// join or the bind, and refuses where a function of BindWeak that it needs has lost its object.
+  /// and `changed` is false where there was nothing to change. `write` is not called for the edit,
+  /// unless the data source made another value of it; values without == count as another value each
+  /// time. Where the widget already holds what stands for the value, nothing is converted or set,
+  /// so that a user who only passes through loses no digits.
+  ///
+  /// Does nothing inside `write`, inside the function of WhenAbsent, inside a commit, and on a join
+  /// that was moved from, so that widgets which announce programmatic changes as edits do no harm.
+  /// Stops as soon as one of the functions has ended the join or the bind. Refuses the edit where
+  /// it needs a function that was made by BindWeak and has lost its object.
   SetResult Commit() {
     const auto keep = state;
     return keep == nullptr ? SetResult() : keep->Commit();
@@ -227,9 +237,9 @@ class [[nodiscard]] TwoWayJoin {
   Subscription ending;
 };
 
-/// Joins a bind of values of type T to a widget that shows them as the converter says. What the
-/// validator answers is why an edit is refused; an empty text accepts it. One of BindWeak refuses
-/// every edit once its object is gone.
+/// Joins a bind of values of type T to a widget that shows them as the converter says. The
+/// validator answers why an edit is refused, or an empty text to accept it. A validator that was
+/// made by BindWeak refuses every edit once its object is gone.
 template <class T, class Read, class Write, class W = std::invoke_result_t<Read&>>
 [[nodiscard]] TwoWayJoin<T, W> TwoWay(
     Framework::IDataBind<T>& bind, Read read, Write write, Converter<T, W> converter,
@@ -237,7 +247,7 @@ template <class T, class Read, class Write, class W = std::invoke_result_t<Read&
   return {bind, std::move(read), std::move(write), std::move(converter), std::move(validate)};
 }
 
-/// The same for a widget that shows the value as it is.
+/// Does the same for a widget that shows the value as it is.
 template <class T, class Read, class Write>
 [[nodiscard]] TwoWayJoin<T, T> TwoWay(Framework::IDataBind<T>& bind, Read read, Write write) {
   return TwoWay(bind, std::move(read), std::move(write), SameValue<T>());

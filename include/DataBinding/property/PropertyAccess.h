@@ -66,7 +66,7 @@ class DATABINDING_API ReflectionAccess {
 template <class T>
 class PropertyRef {
  public:
-  /// The type of the property's value, which is T without its const.
+  /// Value is the type of the property's value: T without its const.
   using Value = std::remove_const_t<T>;
   /// The property is looked up in a source of this type.
   using Source = std::conditional_t<std::is_const_v<T>, const IDataSource, IDataSource>;
