@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds DataListener, which connects its entries to sources, and ScopedListener, which
+// leaves its scope before it enters another.
+
 #include "DataBinding/datasource/DataListener.h"
 
 #include <set>
@@ -46,7 +49,8 @@ DataListener::~DataListener() {
   Leave();
 }
 
-/// Nobody who hears of it may end the listener: it is ending, or the caller goes on to use it.
+/// No code that hears of this may end the listener: either the listener is ending already, or the
+/// caller goes on to use it.
 void DataListener::Leave() {
   FirstFailure failure;
   failure.Try([&] {

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the base of data sources; most of it splits the lists of names that a source
+// announces.
+
 #include "DataBinding/datasource/DataSourceImpl.h"
 
 #include <algorithm>
@@ -14,8 +17,8 @@ namespace {
 
 constexpr wchar_t everyProperty[] = L"*";
 
-/// True for what splitting would give back as it is: most announcements, which need not be split.
-/// A list ends at a NUL.
+/// Returns true for a text that splitting would give back as it is. Most announcements are such
+/// texts, and need not be split. A list ends at a NUL.
 bool IsOneName(std::wstring_view names) noexcept {
   const auto ends = [](wchar_t character) { return character == L',' || character == L'\0'; };
   return names != everyProperty && std::ranges::none_of(names, ends) &&

@@ -13,7 +13,8 @@ bool IDataSourceProvider::IsConnecting() const { return false; }
 
 void IDataSourceProvider::WhenConnected(OneShotCallback<void()> callback) { callback(); }
 
-// What is attached to a provider is no part of its state: a proxy may set it on a const one.
+// The values that are attached to a provider are no part of its state, so a proxy may set them on a
+// const provider.
 CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
   return CustomDataProxy(const_cast<IDataSourceProvider*>(this));

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A name that must stay while others are called: a copy of a text that may not.
+/// A KeptName is a name that stays valid while other code is called. It is a copy of a text that
+/// may go meanwhile.
 ///
-/// Where there is no memory for the copy it is the text itself, for those who must be told all the
-/// same. On the stack.
+/// Where there is no memory for the copy, it refers to the text itself, so that listeners that must
+/// be told are told all the same. It stands on the stack.
 #pragma once
 
 #include <new>

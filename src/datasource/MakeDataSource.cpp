@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the handing over of sources to scopes and back. Listeners run meanwhile, so each
+// step looks anew at who owns the source.
+
 #include "DataBinding/datasource/MakeDataSource.h"
 
 #include <utility>
@@ -15,14 +18,15 @@ void TellScope(IDataSource* source, IDataSourceProvider* scope) {
   }
 }
 
-/// True when somebody has told the source, since it had the one scope, that it has another.
+/// Returns true when the source no longer has the scope that was set here, because somebody has
+/// told it of another one since.
 bool HasMoved(IDataSource* source, const IDataSourceProvider* from) {
   const auto* told = dynamic_cast<const DataSourceImpl*>(source);
   return told != nullptr && details::DataSourceAccess::Provider(*told) != from;
 }
 
-/// A scope holds sources that it does not find by name, too: nameless ones and the second of a
-/// name.
+/// Returns true when the scope holds the source. It also holds sources that it does not find by
+/// name: ones without a name, and the second one of a name.
 bool IsHeld(const IDataSourceProvider& scope, IDataSource* source) {
   if (scope.GetLocalDataSourceInstance(source->GetDataSourceName()) == source) return true;
   bool isFound = false;
@@ -37,7 +41,7 @@ bool IsHeld(const IDataSourceProvider& scope, IDataSource* source) {
 void DataSourceDeleter::operator()(IDataSource* source) const noexcept {
   try {
     IDataSource::Destroy(source);
-  } catch (...) {  // a source that will not be destroyed is left alive
+  } catch (...) {  // a source that refuses to be destroyed is left alive
   }
 }
 
@@ -51,7 +55,8 @@ void Give(IDataSourceProvider& scope, DataSourcePtr<IDataSource> source) {
   try {
     scope.AddDataSource(source.get());
   } catch (...) {
-    // The scope took it over, unless there was no memory for that. It may have let go of it since.
+    // The scope took the source over, unless there was no memory for that. It may have let go of it
+    // since.
     const bool isOwn = alive.IsValid() && isScopeThere.IsValid() &&
                        !HasMoved(source.get(), &scope) && !IsHeld(scope, source.get());
     if (!isOwn) static_cast<void>(source.release());
@@ -66,7 +71,7 @@ DataSourcePtr<IDataSource> Take(IDataSourceProvider& scope, IDataSource* source)
   const WeakReference alive = source->GetLiveness();
   const WeakReference isScopeThere = scope.GetLiveness();
   TellScope(source, nullptr);
-  // What awaits the end of the removal may give it to a scope.
+  // A callback that awaits the end of the removal may give the source to a scope.
   const auto isOwn = [&] {
     return alive.IsValid() && !HasMoved(source, nullptr) &&
            !(isScopeThere.IsValid() && IsHeld(scope, source));

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file tells, in debug builds, of sources that nobody will ever hear, and counts the sources
+// that are being made on each thread, of which it says nothing.
+
 #include "SilentSource.h"
 
 #include "DataBinding/datasource/MakeDataSource.h"
@@ -26,7 +29,8 @@ details::SourceBeingMade::~SourceBeingMade() { --sourcesBeingMade; }
 
 namespace {
 
-/// The classes that were spoken of. Never destroyed, since sources may end with the process.
+/// Holds the classes that a message has named. It is never destroyed, since sources may end with
+/// the process.
 struct SpokenOf {
   ThreadLock lock;
   std::set<std::string> classes DATABINDING_GUARDED_BY(lock);
@@ -43,7 +47,7 @@ bool IsFirstOf(const std::type_info& sourceClass) {
 void NoteSilence(const std::type_info& sourceClass, const details::Broadcaster& broadcaster,
                  const VtrString& name) noexcept {
   if (sourcesBeingMade != 0) return;
-  FirstFailure dropped;  // it is said or not; the announcement fails in neither case
+  FirstFailure dropped;  // the announcement goes on even if the message fails
   dropped.Try([&] {
     if (!broadcaster.AreListenersAvailable(name) || !IsFirstOf(sourceClass)) return;
     const std::string text = "DataBinding: nobody hears that \"" + name.ToUtf8() +

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Debug builds' word on sources that nobody will ever hear, because they were not
+/// In debug builds this tells of sources that nobody will ever hear, because they were not
 /// post-constructed.
 ///
-/// Written on standard error, once for each class. Any thread.
+/// It writes on standard error, once for each class, and may be called on any thread.
 #pragma once
 
 #include <typeinfo>
@@ -20,8 +20,8 @@ inline void NoteSilence(const std::type_info& /*sourceClass*/,
 
 #else
 
-/// Says that an announcement of a source of this class reaches nobody, unless nobody is registered
-/// for it, or the source is just being made.
+/// Says that an announcement of a source of this class reaches nobody. Says nothing if nobody is
+/// registered for the name, or if the source is just being made.
 void NoteSilence(const std::type_info& sourceClass, const details::Broadcaster& broadcaster,
                  const VtrString& name) noexcept;
 

@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the part of a data bind that does not depend on its type. It has a listener in
+// each scope from the bind's own outward, follows the nearest source that one of them knows, and
+// tells the bind's subscribers.
+
 #include <algorithm>
 
 #include "DataBindListener.h"
@@ -50,7 +54,7 @@ void BindConnection::Enter(IDataSourceProvider* provider) {
   for (std::size_t i = 0; i < listeners.size(); ++i) listeners[i]->Listen(i >= first);
 }
 
-/// The scopes may be others by now.
+/// Enters the scopes anew, because the tree may have changed while the bind waited.
 void BindConnection::Resume() {
   IDataSourceProvider* const scope = Provider();
   listeners.clear();
@@ -72,7 +76,8 @@ void BindConnection::Update() {
   Notify();
 }
 
-/// Takes the place of a listener at another source, or at none. The former one may be ending.
+/// Registers for the property at another source, or at none, and gives up the former source, which
+/// may be ending.
 void BindConnection::Follow(IDataSource* newSource) {
   propertySubscription.Cancel();
   source = newSource;
@@ -82,7 +87,7 @@ void BindConnection::Follow(IDataSource* newSource) {
       source->Register(BindWeak(AsWeakPtr(), &BindConnection::Notify), propertyName);
 }
 
-/// Calls each subscriber, whatever the others throw. One of them may end the connection.
+/// Calls each subscriber, even if others throw. A subscriber may end the connection.
 void BindConnection::Notify() {
   CallbackWalk walk(changed.Core());
   FirstFailure failure;
@@ -100,8 +105,8 @@ bool BindConnection::NamesAProperty() const {
          IsNamed(propertyName, Framework::nullPathMarker);
 }
 
-/// The place of the listener to the scope that the data context's name means; past the end for
-/// none.
+/// Returns the place of the listener in the scope that the data context's name means, or a place
+/// past the end if there is no such scope.
 std::size_t BindConnection::ContextIndex() const {
   if (!IsNamed(contextName, Framework::nullDataMarker)) return 0;
   std::size_t index = 0;
@@ -124,11 +129,12 @@ Framework::BindStatus BindConnection::Status() const {
   const std::size_t context = ContextIndex();
   IDataSourceProvider* scope = context < listeners.size() ? listeners[context]->Scope() : nullptr;
   if (scope == nullptr) return ExplainNoContext(wish, contextName);
-  // A source that ends without its scope's knowledge tells one bind after the other.
+  // A source that ends without its scope's knowledge tells one bind after the other, so this bind
+  // may still refer to a source that is ending.
   const bool isThere = source != nullptr && !ReflectionAccess::IsEnding(*source);
   if (!isThere) return ExplainMissing(wish, *scope);
   const Framework::BindStatus status = ExplainFound(wish, *scope, *source);
-  // An accessor of another kind may be filed under the type that is wanted.
+  // An accessor of another kind may be filed under the wanted type.
   return status.IsConnected() && !HasValue() ? ExplainUnreachable(wish, *source) : status;
 }
 

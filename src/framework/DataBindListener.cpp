@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds a data bind's listener in one scope: it notes which source there has the bind's
+// name, and has the connection look anew when that changes.
+
 #include "DataBindListener.h"
 
 #include <set>
@@ -31,8 +34,8 @@ void DataBindListener::Listen(bool isSourceWanted) {
   std::set<VtrString> names;
   if (isSourceWanted) names.insert(connection.SourceName());
   scope->AddDataListener(this, names, true);
-  // Names that cannot be had here are passed on to the outer scopes, which have listeners of their
-  // own.
+  // The scope passes on names that cannot be had in it to the outer scopes. There the connection
+  // has listeners of their own, so this one leaves them.
   if (IDataSourceProvider* outer = scope->GetParent()) outer->RemoveDataListener(this);
   if (isSourceWanted) Know(scope->GetLocalDataSourceInstance(connection.SourceName()));
   isListening = true;
@@ -44,7 +47,8 @@ bool DataBindListener::HasCategory(const VtrString& category) const {
 
 void DataBindListener::ConnectToDatasource(IDataSource* added) {
   if (!isListening) return;
-  // The first source of a name keeps it; a new one cannot be found by its name yet.
+  // The first source of a name keeps it, and a later one is not found by it. A source that is being
+  // added is not found by its name yet.
   const VtrString& name = connection.SourceName();
   if (source != nullptr && scope->GetLocalDataSourceInstance(name) == source) return;
   Know(added);

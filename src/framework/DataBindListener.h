@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A data bind's listener in one scope: it knows which source has the bind's name there.
+/// A DataBindListener is a data bind's listener in one scope. It knows which source has the bind's
+/// name there.
 ///
 /// The connection owns one listener for each scope from its own outward. A listener hears of its
-/// own scope only, and may end in its last step, when the connection tells subscribers. A source
-/// that ends without its provider's knowledge is forgotten all the same. One thread.
+/// own scope only. It may end in its last step, when the connection tells subscribers. It also
+/// forgets a source that ends without its provider's knowledge. It is used on one thread.
 #pragma once
 
 #include "DataBinding/datasource/IDataListener.h"
@@ -22,13 +23,14 @@ class DataBindListener final : public IDataListener, public SupportsWeakPtr<Data
   DataBindListener& operator=(const DataBindListener&) = delete;
   ~DataBindListener() override;
 
-  /// Begins to listen when the provider has called its listeners, together with the outer scopes.
+  /// Begins to listen, together with the listeners of the outer scopes, when the provider has
+  /// called its listeners.
   void Await(IDataSourceProvider& connecting);
   /// Begins to listen: for the connection's source, or only for the end of the scope.
   void Listen(bool isSourceWanted);
-  /// The source that has the name in the scope, or null.
+  /// Returns the source that has the name in the scope, or null.
   [[nodiscard]] IDataSource* Source() const noexcept { return source; }
-  /// Null once the scope is gone.
+  /// Returns the scope, or null once it is gone.
   [[nodiscard]] IDataSourceProvider* Scope() const noexcept {
     return scopeLiveness.IsValid() ? scope : nullptr;
   }

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds EventBind: it finds the data context that an event is raised for, and queues the
+// event.
+
 #include "DataBinding/framework/EventBind.h"
 
 #include <stdexcept>

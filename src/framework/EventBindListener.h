@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// An event bind's listener in its scope. It waits for no source: it hears of the end of the scope,
-/// and lets Diagnose find the bind.
+/// An EventBindListener is an event bind's listener in its scope. It waits for no source. It hears
+/// of the end of the scope, and lets Diagnose find the bind.
 ///
-/// Owned by its bind. One thread.
+/// Its bind owns it. It is used on one thread.
 #pragma once
 
 #include "DataBinding/datasource/IDataListener.h"
@@ -31,7 +31,7 @@ class EventBindListener final : public IDataListener, public SupportsWeakPtr<Eve
   }
 
   [[nodiscard]] const Framework::EventBind& Bind() const noexcept { return bind; }
-  /// Null once the scope is gone.
+  /// Returns the scope, or null once it is gone.
   [[nodiscard]] IDataSourceProvider* Scope() const noexcept {
     return scopeLiveness.IsValid() ? scope : nullptr;
   }

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the part of event binds that follows a data context. The callback that it runs
+// may replace or end everything here, so each call that is under way is noted in a Run.
+
 #include "DataBinding/framework/IEventBind.h"
 
 #include <utility>
@@ -6,8 +9,8 @@
 
 namespace DataBinding::Framework {
 
-/// A call of the data context callback that is under way. It holds the callback meanwhile, so that
-/// the event bind may be given another one, or end, inside the call.
+/// A Run is a call of the data context callback that is under way. It holds the callback meanwhile,
+/// so that the event bind may be given another one, or end, inside the call.
 class IEventBind::Run {
  public:
   explicit Run(IEventBind& bind)
@@ -33,8 +36,8 @@ class IEventBind::Run {
     Run& outermost = innermost->Outermost();
     outermost.retired.reserve(outermost.retired.size() + 1);
   }
-  /// Tells all calls that bind and callback are being replaced, and keeps the bind if one of them
-  /// was made for it. Room has been made for it.
+  /// Tells all calls that bind and callback are being replaced. If one of the calls was made for
+  /// the replaced bind, the outermost call keeps that bind; room for it has been made.
   static void Retire(Run* innermost, std::unique_ptr<IDataBind<IDataContext*>>& replaced) noexcept {
     for (Run* run = innermost; run != nullptr; run = run->outer) {
       run->isReplaced = true;
@@ -53,8 +56,8 @@ class IEventBind::Run {
     return *run;
   }
 
-  /// Ends the binds in the order in which they were replaced. That of a vector depends on the C++
-  /// library.
+  /// Ends the binds in the order in which they were replaced. The order in which a vector ends its
+  /// elements depends on the C++ library.
   struct RetiredBinds : std::vector<std::unique_ptr<IDataBind<IDataContext*>>> {
     ~RetiredBinds() {
       for (auto& bind : *this) bind.reset();

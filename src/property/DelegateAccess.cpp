@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file finds delegates by name, and explains why one was not found or cannot be called.
+
 #include "DataBinding/property/DelegateAccess.h"
 
 #include <utility>
@@ -9,7 +11,8 @@ namespace DataBinding::details {
 
 namespace {
 
-/// Why a source gives no delegate of a type. One whose target is gone stays in the table.
+/// Tells why a source gives no delegate of a type. A delegate whose target is gone stays in the
+/// table, and counts as absent.
 PropertyError ErrorOf(const runtime_type_base& actual, const runtime_type_base& wanted,
                       const RepeatingCallbackBase& found) {
   if (found) return found.IsCancelled() ? PropertyError::Absent : PropertyError::None;

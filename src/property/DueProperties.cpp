@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the pairing heap of the properties that one thread is about to announce. In each
+// link, `child` is the property's first child, and `next` and `previous` join siblings. The
+// `previous` of a first child is its parent.
+
 #include "DueProperties.h"
 
 #include <utility>
@@ -6,9 +10,6 @@
 namespace DataBinding::details {
 
 namespace {
-
-// `child` is a property's first child; `next` and `previous` join siblings, and `previous` of a
-// first child is its parent.
 
 bool IsBefore(const PropertyLink& a, const PropertyLink& b) noexcept {
   return a.depth != b.depth ? a.depth > b.depth : a.turn < b.turn;
@@ -32,8 +33,8 @@ PropertyLink* TakeSibling(PropertyLink*& siblings) noexcept {
   return taken;
 }
 
-/// Makes one heap of siblings: first of each two from left to right, then of those from right to
-/// left. That keeps later steps short.
+/// Makes one heap of siblings. It first melds each two of them, from left to right, and then the
+/// pairs, from right to left. That keeps later steps short.
 PropertyLink* MeldSiblings(PropertyLink* siblings) noexcept {
   PropertyLink* pairs = nullptr;
   while (siblings != nullptr) {

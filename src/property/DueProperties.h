@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The properties that one thread is about to announce, of all announcements that are under way on
-/// it: those of the innermost announcement first, within it those of the lesser turn.
+/// DueProperties holds the properties that one thread is about to announce, for all announcements
+/// that are under way on it. The properties of the innermost announcement come first, and within it
+/// those of the lesser turn.
 ///
-/// A pairing heap of the properties' own links: adding takes constant time, taking the first one
-/// and removing any logarithmic time on average over many, and nothing is ever allocated. A
-/// property that ends removes itself.
+/// It is a pairing heap of links that the properties contain. Adding takes constant time, and
+/// taking the first one or removing any takes logarithmic time on average over many. Nothing is
+/// ever allocated. A property that ends removes itself.
 #pragma once
 
 #include <cstdint>
@@ -22,13 +23,13 @@ class DueProperties {
 
   static DueProperties& OfThisThread() noexcept;
 
-  /// The one to announce next, or null.
+  /// Returns the property to announce next, or null.
   [[nodiscard]] PropertyLink* First() const noexcept { return root; }
-  /// Adds a property that stands nowhere.
+  /// Adds a property that stands in no place yet.
   void Add(PropertyLink& property, std::uint32_t depth) noexcept;
   void Remove(PropertyLink& property) noexcept;
 
-  /// How many announcements are under way, one within the other.
+  /// Counts the announcements that are under way, one within the other.
   std::uint32_t announcements = 0;
 
  private:

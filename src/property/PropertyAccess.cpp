@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file finds properties by name in reflection tables, and explains why one was not found,
+// cannot be set or is gone.
+
 #include "DataBinding/property/PropertyAccess.h"
 
 #include <algorithm>
@@ -7,7 +10,8 @@ namespace DataBinding::details {
 
 namespace {
 
-/// Nothing is taken out of a table, so that a property which is gone is still named there.
+/// Tells whether a filed property is gone. Nothing is taken out of a table, so a property that is
+/// gone is still named there.
 bool IsGone(const RepeatingCallbackMemento& accessor) {
   RepeatingCallbackBase untyped;
   untyped.SetMemento(accessor);

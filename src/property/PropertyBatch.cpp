@@ -22,7 +22,7 @@ PropertyBatch::~PropertyBatch() noexcept(false) {
   if (std::uncaught_exceptions() == uncaughtBefore) {
     announcement.Run();
   } else {
-    FirstFailure dropped;  // another exception is on its way
+    FirstFailure dropped;  // another exception is leaving the scope already
     dropped.Try([&] { announcement.Run(); });
   }
 }

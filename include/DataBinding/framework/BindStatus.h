@@ -15,6 +15,7 @@
 namespace DataBinding::Framework {
 
 struct BindStatus {
+  /// Tells what a bind has found, or what it lacks.
   enum class State {
     Connected,    ///< the bind shows the value and may set it
     ReadOnly,     ///< it shows the value, which only the data source itself may set
