@@ -13,6 +13,7 @@
 
 #include "DataBinding/appevents/EventBroadcaster.h"
 #include "DataBinding/foundation/ScopedValue.h"
+#include "DataBinding/foundation/details/Cancellation.h"
 #include "PendingEvents.h"
 
 namespace DataBinding::details {
@@ -49,6 +50,19 @@ class DeliveryScope {
     while (const auto* next = whole.Next()) {
       Dispatch(*next);
       if (IsBroadcasterGone()) return;
+    }
+  }
+  /// Runs a step of the delivery of a name's event, and says whether it came to its end without an
+  /// exception. What it throws goes to the broadcaster, unless that was released meanwhile.
+  template <class Step>
+  DATABINDING_CATCHES_CANCELLATION bool Guard(const VtrString& name, Step step) const {
+    try {
+      step();
+      return true;
+    }
+    DATABINDING_PASS_CANCELLATION catch (...) {
+      if (!IsBroadcasterGone()) broadcaster->ReportFailure(name);
+      return false;
     }
   }
   /// Moves the events that are still to come in the batches under way, and for which

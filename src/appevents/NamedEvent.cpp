@@ -4,7 +4,6 @@
 
 #include "DataBinding/appevents/IAppEventBroadcaster.h"
 #include "DataBinding/appevents/WAppEventRegistrar.h"
-#include "DataBinding/foundation/details/Cancellation.h"
 #include "DeliveryScope.h"
 
 namespace DataBinding::details {
@@ -43,37 +42,22 @@ bool NamedEvent::HasListeners(const EventName& name) {
 void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
   const DeliveryScope& scope = DeliveryScope::Of(broadcaster);
   if (WAppEventRegistrar::IsAnyWaiting()) {
-    Guarded(scope, broadcaster, [&] { broadcaster.updatePolicy.PreNotify(); });
+    scope.Guard(name.Text(), [&] { broadcaster.updatePolicy.PreNotify(); });
     if (scope.IsBroadcasterGone()) return;
   }
   const EventChannel* channel = nullptr;
   bool isHeld = false;
-  Guarded(scope, broadcaster, [&] {
+  scope.Guard(name.Text(), [&] {
     channel = &broadcaster.Channel(name);
     isHeld = broadcaster.IsDisable(name.Text());
     if (isHeld) broadcaster.HoldEvent(name.Text(), scope.Event());
   });
   if (channel == nullptr || isHeld) return;
   CallbackWalk walk(channel->listeners.Core());
-  while (!Guarded(scope, broadcaster, [&] { CallListeners(walk); }) && !walk.IsListGone()) {
+  while (!scope.Guard(name.Text(), [&] { CallListeners(walk); }) && !walk.IsListGone()) {
   }
   if (scope.IsBroadcasterGone() || !HasHooks(broadcaster)) return;
-  Guarded(scope, broadcaster, [&] { NotifyHooks(broadcaster, name.Text(), BoxArguments()); });
-}
-
-/// Runs a step of the delivery, and reports an exception of it. True when there was none.
-template <class Step>
-DATABINDING_CATCHES_CANCELLATION bool NamedEvent::Guarded(const DeliveryScope& scope,
-                                                          PolicyEventBroadcaster& broadcaster,
-                                                          Step step) {
-  try {
-    step();
-    return true;
-  }
-  DATABINDING_PASS_CANCELLATION catch (...) {
-    if (!scope.IsBroadcasterGone()) broadcaster.ReportFailure(name.Text());
-    return false;
-  }
+  scope.Guard(name.Text(), [&] { NotifyHooks(broadcaster, name.Text(), BoxArguments()); });
 }
 
 }  // namespace DataBinding::details

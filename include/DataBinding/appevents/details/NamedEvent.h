@@ -54,8 +54,6 @@ class DATABINDING_API NamedEvent : public PendingEventBase {
   virtual void CallListeners(CallbackWalk& walk) const = 0;
   /// Copies the arguments for the hooks.
   [[nodiscard]] virtual std::vector<Any> BoxArguments() const = 0;
-  template <class Step>
-  bool Guarded(const DeliveryScope& scope, PolicyEventBroadcaster& broadcaster, Step step);
 
   const EventName& name;
 };
