@@ -9,6 +9,7 @@
 
 #include "DataBinding/appevents/details/NamedEvent.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
+#include "DataBinding/foundation/details/VisitInOrder.h"
 #include "DeliveryScope.h"
 #include "PendingEvents.h"
 
@@ -36,12 +37,11 @@ EventBroadcaster<Update, Threading>::EventBroadcaster()
 template <class Update, class Threading>
 EventBroadcaster<Update, Threading>::~EventBroadcaster() {
   FirstFailure dropped;
-  for (auto next = cleanupCallbacks.begin(); next != cleanupCallbacks.end();) {
-    void* const owner = next->first;
-    auto callback = std::move(next->second);
+  VisitInOrder(cleanupCallbacks, [&](void* /*owner*/, OneShotCallback<void()>& filed) {
+    auto callback = std::move(filed);
     dropped.Try([&] { callback(); });
-    next = cleanupCallbacks.upper_bound(owner);
-  }
+    return true;
+  });
   details::DeliveryScope::End(delivery);
 }
 
@@ -110,12 +110,10 @@ template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
   const auto alive = GetWeakPtr();
   FirstFailure failed;  // events of an application's own kinds may throw
-  for (auto known = knownEvents.begin(); known != knownEvents.end();) {
-    const VtrString name = known->first;
+  VisitInOrder(knownEvents, [&](const VtrString& name, const auto* /*channel*/) {
     failed.Try([&] { EnableEvent(name, fireHeldEvent); });
-    if (!alive) break;
-    known = knownEvents.upper_bound(name);
-  }
+    return alive.IsValid();
+  });
   failed.Rethrow();
 }
 

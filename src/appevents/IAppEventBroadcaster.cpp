@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "DataBinding/foundation/details/Cancellation.h"
+#include "DataBinding/foundation/details/VisitInOrder.h"
 #include "DeliveryScope.h"
 
 namespace DataBinding {
@@ -37,26 +37,15 @@ int IAppEventBroadcaster::UnregisterEventHooks(const void* owner) {
 
 bool IAppEventBroadcaster::AnyEventHooksRegistered() const { return !eventHooks.empty(); }
 
-/// Looks each hook up anew: one may remove itself or others, or release the broadcaster.
-DATABINDING_CATCHES_CANCELLATION void IAppEventBroadcaster::OnEventDispatched(
-    VtrString name, const std::vector<Any>& args) {
+/// A hook may remove itself or others, or release the broadcaster. One that is added meanwhile is
+/// not called yet.
+void IAppEventBroadcaster::OnEventDispatched(VtrString name, const std::vector<Any>& args) {
   const details::DeliveryScope scope(*this);
-  const int end = nextHookId;
-  for (auto next = eventHooks.begin(); next != eventHooks.end() && next->first < end;) {
-    const int id = next->first;
-    {
-      // The copy ends before the next hook is looked up: what it owns may take hooks off.
-      const EventHookCallback call = next->second.call;
-      try {
-        call(name, args);
-      }
-      DATABINDING_PASS_CANCELLATION catch (...) {
-        if (!scope.IsBroadcasterGone()) ReportFailure(name);
-      }
-    }
-    if (scope.IsBroadcasterGone()) return;
-    next = eventHooks.upper_bound(id);
-  }
+  VisitInOrder(eventHooks, [&, end = nextHookId](int id, const Hook& hook) {
+    if (id >= end) return false;
+    scope.Guard(name, [&, call = hook.call] { call(name, args); });
+    return !scope.IsBroadcasterGone();
+  });
 }
 
 }  // namespace DataBinding
