@@ -3,7 +3,8 @@
 
 namespace DataBinding {
 
-// The resolvers go through the virtual operations of this very object and live no longer than it.
+// The resolvers call the virtual operations of this object. They may refer to it, since the table
+// that holds them is a member.
 IReflectable::IReflectable()
     : reflectable([this](const VtrString& name,
                          const runtime_type_base& type) { return GetDynamicDelegate(name, type); },
@@ -11,7 +12,8 @@ IReflectable::IReflectable()
                     return GetDynamicType(name);
                   }) {}
 
-// The references end before the table tells its destruction handlers.
+// The references of GetLiveness end here, before the table's destructor calls the destruction
+// handlers.
 IReflectable::~IReflectable() { liveness.Invalidate(); }
 
 bool IReflectable::IsProperty(const VtrString& name) const { return reflectable.IsProperty(name); }
@@ -63,7 +65,7 @@ std::pair<std::size_t, const runtime_type_base&> IReflectable::_GetType(
 
 namespace {
 
-/// Looking up changes nothing, but the operations that overrides answer by are not const.
+/// A look-up changes nothing, but the virtual operations that answer it are not const.
 IReflectable& Asked(const IReflectable* table) {
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
   return const_cast<IReflectable&>(*table);
@@ -85,7 +87,7 @@ const runtime_type_base& IReflectable::GetDelegatesType(
   return Asked(this)._GetType(names).second;
 }
 
-// By value, as callers hand names over.
+// The name is deliberately taken by value: callers usually make it for this call.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 void IReflectable::MakeEventSource(VtrString name) { _AddType(name, runtime_type<void()>::Get()); }
 

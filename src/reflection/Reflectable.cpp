@@ -11,7 +11,7 @@ constexpr std::size_t notFound = std::numeric_limits<std::size_t>::max();
 
 constinit thread_local HandlerFailures* innermostFailures = nullptr;
 
-/// A destructor lets nothing out, and each handler is to hear of the end.
+/// Calls all handlers and notes the first exception, since a destructor cannot let one out.
 void RaiseQuietly(Event<void()>& event) noexcept {
   try {
     event.RaiseEach(&HandlerFailures::NoteCurrent);

@@ -12,8 +12,8 @@ std::string runtime_type_base::GetTypeName() const {
   const auto first = text.find('<');
   const auto last = text.rfind('>');
   if (first == std::string::npos || last == std::string::npos) return text;
-  const auto end =
-      text.find_last_not_of(' ', last - 1);  // "A<B<C> >" is how nested types are spelled
+  // Some compilers write a blank between closing brackets: "A<B<C> >".
+  const auto end = text.find_last_not_of(' ', last - 1);
   return text.substr(first + 1, end - first);
 }
 

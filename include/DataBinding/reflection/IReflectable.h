@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-/// An object that publishes named members at run time: properties (a name with a type), delegates
-/// (a name with a type and a callback) and event sources (a name of type `void()`).
+/// An object that publishes named members at run time. A member is a property (a name with a type),
+/// a delegate (a name with a type and a callback), or an event source (a name of type `void()`).
 ///
-/// Names that are not in the table are put to GetDynamicDelegate and GetDynamicType, so a derived
-/// class may answer names that it never registered. Members are added while the object is built,
-/// before it is shared; the table has no lock. A name added again is overwritten, and nothing is
-/// removed. Two notifications tell of the end: both run after the derived classes are gone, while
-/// the table still stands.
+/// The members stand in a table. It has no lock, so members are added while the object is built,
+/// before other threads see it. Adding a name again overwrites the member; no member is ever
+/// removed. When a name is asked for that is not in the table, GetDynamicDelegate or GetDynamicType
+/// is called, so that a derived class can answer for names that it never added.
 ///
-/// Deliberate: a name that nobody knows counts as a writable property, so that code which only asks
-/// "may I treat this as a property" works with objects that resolve names late. Whether a member
-/// exists is asked with a typed look-up (see PropertyAccess.h).
+/// Two kinds of handlers are called when the object ends, first the on-destroy handlers and then
+/// the on-destroyed handlers. By then the derived classes are gone, but the table still stands.
+///
+/// A name that nobody knows deliberately counts as a writable property, so that code which asks
+/// only whether it may treat a name as a property works with objects that resolve names late. To
+/// find out whether a member exists, look it up with its type (see PropertyAccess.h).
 #pragma once
 
 #include <cstddef>
@@ -35,12 +37,12 @@ namespace details {
 
 class DATABINDING_API Reflectable {
  public:
-  /// One member. The type is an instance that outlives the table.
+  /// One member. The descriptor that `type` refers to outlives the table.
   struct ReflectedItem {
     RepeatingCallbackMemento delegate;
     std::reference_wrapper<const runtime_type_base> type = runtime_type<void>::Get();
   };
-  /// One candidate of a delegate look-up. Refers to its caller's arguments.
+  /// One candidate of a look-up for a delegate. It refers to the arguments of the caller.
   struct DelegateTag {
     const VtrString& name;
     const runtime_type_base& type;
@@ -53,8 +55,9 @@ class DATABINDING_API Reflectable {
   Reflectable(DelegateResolver forDelegates, TypeResolver forTypes);
   Reflectable(const Reflectable&) = delete;
   Reflectable& operator=(const Reflectable&) = delete;
-  /// Raises on-destroy, then on-destroyed, then lets the members go. What a handler throws stops no
-  /// other handler; it goes to the thread's HandlerFailures, if there is one.
+  /// Calls the on-destroy handlers, then the on-destroyed handlers, and then releases the members.
+  /// An exception from a handler does not keep the others from being called. It is kept by the
+  /// innermost HandlerFailures of the thread, or dropped if there is none.
   ~Reflectable();
 
   void _AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
@@ -68,7 +71,8 @@ class DATABINDING_API Reflectable {
   Subscription AddOnDestroyedHandler(const RepeatingCallback<void()>& callback);
   [[nodiscard]] bool IsProperty(const VtrString& name) const;
   [[nodiscard]] bool IsWritableProperty(const VtrString& name) const;
-  /// True while the destruction handlers run, when the classes derived from IReflectable are gone.
+  /// True while the destruction handlers run. The classes that derive from IReflectable are gone
+  /// then.
   [[nodiscard]] bool IsEnding() const noexcept { return isEnding; }
   [[nodiscard]] Items::iterator begin() noexcept { return items.begin(); }
   [[nodiscard]] Items::const_iterator begin() const noexcept { return items.begin(); }
@@ -84,8 +88,8 @@ class DATABINDING_API Reflectable {
   bool isEnding = false;
 };
 
-/// Keeps the first exception of the destruction handlers that run on this thread during its scope,
-/// since no destructor can let it out.
+/// Keeps the first exception that a destruction handler throws on this thread during its scope. The
+/// handlers run in a destructor, which cannot let the exception out.
 class DATABINDING_API HandlerFailures {
  public:
   HandlerFailures() noexcept;
@@ -93,7 +97,8 @@ class DATABINDING_API HandlerFailures {
   HandlerFailures& operator=(const HandlerFailures&) = delete;
   ~HandlerFailures();
 
-  /// Notes the exception that is being handled.
+  /// Notes the exception that is being handled, unless the innermost HandlerFailures of this thread
+  /// has one already.
   static void NoteCurrent() noexcept;
   void RethrowFirst() const;
 
@@ -108,21 +113,22 @@ class ReflectionAccess;
 
 class DATABINDING_API IReflectable {
  public:
-  /// Give pairs of a name and an item with its type and delegate; good while no member is added.
+  /// Lead to pairs of a name and an item with its type and delegate. They are valid until the next
+  /// member is added.
   ///@{
   using iterator = details::Reflectable::Items::iterator;
   using const_iterator = details::Reflectable::Items::const_iterator;
   ///@}
-  /// A name and a type, for _GetDelegate. Refers to both.
+  /// A name and a type for _GetDelegate. The tag refers to both and owns neither.
   using DelegateTag = details::Reflectable::DelegateTag;
 
   IReflectable(const IReflectable&) = delete;
   IReflectable& operator=(const IReflectable&) = delete;
 
-  /// Tells whether the object is still there, for those that keep a pointer to it. The reference
-  /// may be asked after the object's end; it ends before the destruction handlers run, since the
-  /// derived classes are gone then. `WeakPtr<IDataSource>(source->GetLiveness(), source)` carries
-  /// the pointer along.
+  /// A reference that tells whether the object is still there, for code that keeps a pointer to the
+  /// object. It may be asked after the object has ended. It becomes invalid before the destruction
+  /// handlers run, because the derived classes are gone by then.
+  /// `WeakPtr<IDataSource>(source->GetLiveness(), source)` keeps the pointer together with it.
   [[nodiscard]] details::WeakReference GetLiveness() const {
     return reflectable.IsEnding() ? details::WeakReference() : liveness.GetRef();
   }
@@ -131,16 +137,18 @@ class DATABINDING_API IReflectable {
   [[nodiscard]] virtual bool IsProperty(const VtrString& name) const;
   /// False only for names that are known as functions or as read-only.
   [[nodiscard]] virtual bool IsWritableProperty(const VtrString& name) const;
-  /// Answers a delegate's name that is not in the table; an empty memento for none.
+  /// Is called for a delegate whose name is not in the table. An override returns the delegate, or
+  /// an empty memento for a name that it does not know.
   virtual RepeatingCallbackMemento GetDynamicDelegate(const VtrString& name,
                                                       const runtime_type_base& type);
-  /// Answers the type of a name that is not in the table; runtime_type<void> for none.
+  /// Is called for the type of a name that is not in the table. An override returns the type, or
+  /// runtime_type<void> for a name that it does not know.
   virtual const runtime_type_base& GetDynamicType(const VtrString& name);
   /// Runs the callback when the object ends, before the on-destroyed handlers.
   virtual Subscription AddOnDestroyHandler(const RepeatingCallback<void()>& callback);
   /// Runs the callback when the object ends, after the on-destroy handlers.
   virtual Subscription AddOnDestroyedHandler(const RepeatingCallback<void()>& callback);
-  /// The members in ascending order of their names.
+  /// Give the members in ascending order of their names.
   ///@{
   [[nodiscard]] virtual iterator begin();
   [[nodiscard]] virtual const_iterator begin() const;
@@ -152,8 +160,9 @@ class DATABINDING_API IReflectable {
   IReflectable();
   virtual ~IReflectable();
 
-  /// Adds a delegate, which FindDelegate finds by its name and signature (DelegateAccess.h), or
-  /// overwrites the member of that name. Give the signature: AddDelegate<int(int)>(L"Twice", ...).
+  /// Adds a delegate, or overwrites the member of that name. FindDelegate finds it by its name and
+  /// signature (DelegateAccess.h). The caller has to give the signature:
+  /// AddDelegate<int(int)>(L"Twice", ...).
   template <class Signature>
   requires std::is_function_v<Signature>
   void AddDelegate(const VtrString& name, const RepeatingCallback<Signature>& callback) {
@@ -164,18 +173,18 @@ class DATABINDING_API IReflectable {
                             const runtime_type_base& type);
   /// Adds a member without a callback, or overwrites the one of that name.
   virtual void _AddType(const VtrString& name, const runtime_type_base& type);
-  /// The first tag that answers, and its delegate. A known name of another type ends the search
-  /// with an empty memento, deliberately: a member is never passed over for a later candidate. With
-  /// no answer the index is the largest std::size_t.
+  /// The index of the first tag whose name is known, and the delegate. If that member has another
+  /// type than the tag, the delegate is empty; deliberately, so that a member is never passed over
+  /// for a later candidate. If no name is known, the index is the largest std::size_t.
   virtual std::pair<std::size_t, RepeatingCallbackMemento> _GetDelegate(
       std::initializer_list<DelegateTag> tags);
-  /// The first name that is known, and its type; else the largest std::size_t and
-  /// runtime_type<void>.
+  /// The index of the first name that is known, and its type. If none is known, the largest
+  /// std::size_t and runtime_type<void>.
   virtual std::pair<std::size_t, const runtime_type_base&> _GetType(
       std::initializer_list<VtrString> names);
 
  public:
-  /// The callback of that name and type, or an empty memento.
+  /// The callback with this name and type, or an empty memento.
   [[nodiscard]] RepeatingCallbackMemento GetDelegateMemento(const VtrString& name,
                                                             const runtime_type_base& type) const;
   /// The type of the name, or runtime_type<void>.
@@ -183,7 +192,7 @@ class DATABINDING_API IReflectable {
   /// The type of the first name that is known, or runtime_type<void>.
   [[nodiscard]] const runtime_type_base& GetDelegatesType(
       std::initializer_list<VtrString> names) const;
-  /// Declares the name an event source.
+  /// Adds an event source of that name.
   void MakeEventSource(VtrString name);
 
  private:

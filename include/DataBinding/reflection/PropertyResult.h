@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What comes of reading or setting a property, or of calling a delegate: the outcome, and a text
-/// for people where it failed.
+/// The results of reading or setting a property, and of calling a delegate. Each holds the outcome,
+/// and a text for people that says why it failed.
 ///
-/// Plain values: they may be copied, kept and handed to other threads. The text says what was
-/// wanted and what was found, and is empty where nothing failed.
+/// Results are plain values: they may be copied, kept and handed to other threads. The text says
+/// what was wanted and what was found, and is empty where nothing failed.
 ///
 ///   if (const SetResult result = size.Set(200); !result.IsAccepted()) std::cerr << result;
 #pragma once
@@ -17,11 +17,11 @@
 
 namespace DataBinding {
 
-/// Why a property could not be read or set, or a delegate not be called.
+/// Why a property could not be read or set, or why a delegate could not be called.
 enum class PropertyError {
   None,
-  NoSource,    ///< the source given was null
-  Absent,      ///< the source has no such member, or it is gone
+  NoSource,    ///< the given source was null
+  Absent,      ///< the source has no such member, or the source is gone
   WrongType,   ///< the member has another type, or is of another kind
   NoAccessor,  ///< the member was declared with a type only, so there is nothing to read or call
   ReadOnly,    ///< only the source itself may set the property
@@ -32,17 +32,19 @@ enum class PropertyError {
 struct SetResult {
   /// True when the property has a new value and its listeners were told.
   bool changed = false;
-  /// Why it was not accepted. An equal value is accepted, and changes nothing.
+  /// Why the value was not accepted. A value that equals the present one is accepted, and changes
+  /// nothing.
   PropertyError error = PropertyError::None;
-  /// Names source, property and types, and for a refused value the validator's reason. Empty
-  /// without an error.
+  /// Names the source, the property and the types, and gives the validator's reason if the value
+  /// was refused. Empty without an error.
   VtrString text;
-  /// For a refused value the validator's or converter's reason alone, to stand beside the widget.
+  /// Only the reason of the validator or converter that refused the value, to be shown beside the
+  /// widget.
   VtrString reason = {};
 
-  /// True where nothing stood against the value, whether or not it made a difference.
+  /// True when the value was accepted, whether or not it made a difference.
   [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }
-  /// Writes the text as UTF-8: nothing where the value was accepted.
+  /// Writes the text as UTF-8, which is nothing where the value was accepted.
   template <class Traits>
   friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
                                                       const SetResult& result) {
@@ -50,19 +52,19 @@ struct SetResult {
   }
 };
 
-/// The value of a property or the result of a delegate, or why there is none.
+/// The value of a property or the result of a delegate; or the reason why there is none.
 template <class T>
 struct PropertyValue {
-  /// A copy; empty where there is none.
+  /// A copy of the value, or empty.
   std::optional<T> value;
-  /// Why there is none.
+  /// Why there is no value.
   PropertyError error = PropertyError::None;
   /// The same as in SetResult.
   VtrString text;
 
   /// True when there is a value.
   explicit operator bool() const noexcept { return value.has_value(); }
-  /// For results that have a value.
+  /// These may be used only when there is a value.
   ///@{
   const T& operator*() const { return *value; }
   const T* operator->() const { return &*value; }
@@ -81,28 +83,28 @@ struct PropertyValue {
   }
 };
 
-/// Whether a delegate that gives no result was called.
+/// Tells whether a delegate without a result was called.
 template <>
 struct PropertyValue<void> {
-  /// Why it was not called.
+  /// Why the delegate was not called.
   PropertyError error = PropertyError::None;
   /// The same as in SetResult.
   VtrString text;
 
-  /// True when it was called.
+  /// True when the delegate was called.
   explicit operator bool() const noexcept { return error == PropertyError::None; }
 };
 
 namespace details {
 
-/// Why a validator refuses a value; empty where it accepts the value, or there is no validator. One
-/// that is bound to an object refuses everything once the object is gone.
+/// Why a validator refuses a value. Empty if it accepts the value, or if there is no validator. A
+/// validator that is bound to an object refuses every value once the object is gone.
 template <class T>
 [[nodiscard]] VtrString ReasonAgainst(const T& value,
                                       const RepeatingCallback<VtrString(const T&)>& validate) {
   if (!validate) return {};
   const VtrString reason = validate.IsCancelled() ? VtrString() : validate(value);
-  // It may have gone on another thread before it was called.
+  // The object may have ended on another thread after the first question and before the call.
   return reason.IsEmpty() && validate.IsCancelled() ? VtrString(L"its validator is gone") : reason;
 }
 

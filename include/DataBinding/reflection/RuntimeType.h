@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Descriptors of the types of reflected members: runtime_type<T>, one static instance per T.
+/// Descriptors of the types of reflected members: runtime_type<T> has one static instance for T.
 ///
-/// A property's type is its value type, `const T` for one that only its source may write; a
-/// delegate's or an event source's is its function type. Each module may have an instance of its
-/// own for one T: compare descriptors with IsSameType, never by address. Instances live until their
-/// module is unloaded; hold no descriptor of a plug-in longer than the plug-in.
+/// A property is described by the type of its value, or by `const T` if only its source may write
+/// it. A delegate or an event source is described by its function type.
+///
+/// Each module may have an instance of its own for the same T, so descriptors are compared by
+/// IsSameType and never by their addresses. An instance lives until its module is unloaded: do not
+/// keep a plug-in's descriptor longer than the plug-in.
 #pragma once
 
 #include <cstddef>
@@ -23,7 +25,7 @@ class DATABINDING_API runtime_type_base {
  public:
   virtual ~runtime_type_base();
 
-  /// True when the other describes the very same type. False for null.
+  /// True when the other descriptor describes exactly the same type. False for null.
   [[nodiscard]] virtual bool IsSameType(const runtime_type_base* other) const = 0;
   /// True for types whose members cannot be written.
   [[nodiscard]] virtual bool IsReadOnly() const = 0;
@@ -32,8 +34,8 @@ class DATABINDING_API runtime_type_base {
   /// The static instance of this descriptor's class.
   [[nodiscard]] virtual const runtime_type_base& Instance() const = 0;
 
-  /// The described type as a reader would write it, for messages: "double", "void ()". How a
-  /// compiler spells a type differs; show it, do not compare it.
+  /// The name of the described type for messages, as a reader would write it: "double", "void ()".
+  /// Compilers spell types differently, so a name is shown and not compared.
   [[nodiscard]] std::string GetTypeName() const;
 
  protected:
@@ -42,7 +44,7 @@ class DATABINDING_API runtime_type_base {
   runtime_type_base& operator=(const runtime_type_base&) noexcept = default;
 };
 
-/// The descriptor of T. Classes compare equal across modules, instances do not.
+/// The descriptor of T. The class is the same in all modules, the instance is not.
 template <class T>
 class runtime_type : public runtime_type_base {
  public:
@@ -53,11 +55,13 @@ class runtime_type : public runtime_type_base {
   [[nodiscard]] bool IsFunction() const override { return std::is_function_v<T>; }
   [[nodiscard]] const runtime_type_base& Instance() const override { return Get(); }
 
-  /// This module's instance, or the library's own for the types that it shares. Never destroyed.
+  /// This module's instance, or the library's instance for the types that are specialised below. It
+  /// is never destroyed.
   [[nodiscard]] static const runtime_type& Get() { return Everlasting(); }
 
  private:
-  /// The instance is never destroyed: sources that end while the process does still ask for it.
+  /// The instance is never destroyed, because sources that end together with the process still ask
+  /// for it.
   static const runtime_type& Everlasting() {
     alignas(runtime_type) static std::byte place[sizeof(runtime_type)];
     static const runtime_type& instance = *::new (static_cast<void*>(place)) runtime_type;
