@@ -39,10 +39,10 @@ def rows(pairs):
 
 entries = list(foldings(sys.argv[1]))
 print("// SPDX-License-Identifier: Apache-2.0")
-print("/// Unicode %s simple case folding. Made by cmake/generate-case-folding.py; not edited by hand." % entries[0][0])
+print("/// Unicode %s simple case folding. cmake/generate-case-folding.py makes this file; do not edit it." % entries[0][0])
 print("#pragma once\n\n#include <cstdint>\n")
 print("namespace VtrPlatform::details {\n")
-print("/// Characters first, first + step, ... last fold to themselves plus delta.")
+print("/// The characters first, first + step, ... last are folded by adding delta.")
 print("struct CaseFoldingRow {\n  std::uint32_t first;\n  std::uint32_t last;\n  std::int32_t step;\n  std::int32_t delta;\n};\n")
 print("// clang-format off\ninline constexpr CaseFoldingRow caseFoldingTable[] = {")
 for first, last, step, delta in rows([(s, t) for _, s, t in entries]):

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds what changes a callback list: adding, cancelling, pausing and closing, and the
+// release of cancelled callbacks after a walk. The walk itself stands in the header.
 #include "DataBinding/foundation/CallbackList.h"
 
 #include <algorithm>
@@ -13,7 +15,7 @@ namespace details {
 
 namespace {
 
-/// What the subscription to a list holds.
+/// The state behind the Subscription of a list.
 class ListRegistration final : public RegistrationState<ListRegistration> {
  public:
   ListRegistration(CallbackListCore* list, std::uint64_t number) noexcept
@@ -79,7 +81,8 @@ CallbackListCore::Entry* CallbackListCore::Find(std::uint64_t token) noexcept {
   return found == entries.end() || found->token != token ? nullptr : &*found;
 }
 
-/// True until the callback of a token is taken out, which the walk that it was cancelled in does.
+/// True until the callback of a token has been taken out. If it was cancelled during a walk, that
+/// happens at the end of the walk.
 bool CallbackListCore::Holds(std::uint64_t token) noexcept {
   const ReadLock guard(lock);
   const Entry* const found = Find(token);
@@ -105,8 +108,8 @@ void CallbackListCore::EndOutermostWalk() noexcept {
   if (wasClosed) Release();
 }
 
-/// Lets the cancelled callbacks go, a handful at a time since their ends may run any code, then
-/// closes their gaps.
+/// Releases the cancelled callbacks and closes their gaps. A callback's end may run any code, so a
+/// few callbacks at a time are taken out under the lock and then released without it.
 void CallbackListCore::ReleaseCancelled() noexcept {
   std::array<const BindStateBase*, 16> taken{};
   for (std::size_t count = taken.size(); count == taken.size();) {
@@ -148,7 +151,7 @@ Subscription CallbackListBase::Add(const RepeatingCallbackMemento& callback) {
     using State = comlike_ptr<details::BindStateBase>;
     return Subscription(End(State(new details::ListRegistration(core, token))));
   } catch (...) {
-    core->Cancel(token);  // nobody else could
+    core->Cancel(token);  // there is no subscription that could do it
     throw;
   }
 }

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Unicode 15.0.0 simple case folding. Made by cmake/generate-case-folding.py; not edited by hand.
+/// Unicode 15.0.0 simple case folding. cmake/generate-case-folding.py makes this file; do not edit
+/// it.
 #pragma once
 
 #include <cstdint>
 
 namespace VtrPlatform::details {
 
-/// Characters first, first + step, ... last fold to themselves plus delta.
+/// The characters first, first + step, ... last are folded by adding delta.
 struct CaseFoldingRow {
   std::uint32_t first;
   std::uint32_t last;

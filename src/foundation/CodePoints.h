@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Reads and writes characters of wide strings: UTF-16 where wchar_t has 16 bits, else UTF-32.
+/// Functions that read and write the characters of wide strings. These are UTF-16 where wchar_t has
+/// 16 bits, and UTF-32 elsewhere.
 ///
-/// Anything that is no Unicode character (a lone surrogate, a value past U+10FFFF) reads as U+FFFD.
+/// A unit that is no Unicode character (a lone surrogate, a value past U+10FFFF) is read as U+FFFD.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +19,8 @@ inline constexpr bool wideIsUtf16 = sizeof(wchar_t) == 2;
   return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
-/// Reads the character at a position below the text's length and moves past it.
+/// Reads the character at a position and moves the position past it. The position must be less than
+/// the text's length.
 [[nodiscard]] constexpr std::uint32_t NextCodePoint(std::wstring_view text,
                                                     std::size_t& position) noexcept {
   const auto unit = static_cast<std::uint32_t>(text[position++]) & (wideIsUtf16 ? 0xFFFFu : ~0u);

@@ -9,7 +9,7 @@ namespace VtrUtils {
 
 namespace {
 
-/// Tells the processor that this thread waits for another one.
+/// Tells the processor that this thread is waiting for another one.
 void Relax() noexcept {
 #if defined(__x86_64__) || defined(__i386__)
   _mm_pause();
@@ -43,7 +43,7 @@ void CriticalSection::Enter() DATABINDING_THREAD_ANNOTATION(no_thread_safety_ana
     Relax();
     if (state.load(std::memory_order_relaxed) == State::Free && TryEnter()) return;
   }
-  // Whoever waits leaves word of it, so that the thread which leaves wakes somebody.
+  // A waiting thread marks the section as awaited, so that the thread which leaves wakes another.
   while (state.exchange(State::Awaited, std::memory_order_acquire) != State::Free) {
     state.wait(State::Awaited, std::memory_order_relaxed);
   }

@@ -7,14 +7,15 @@
 
 namespace VtrUtils {
 
-/// What the subscription to an event holds.
+/// The state behind the Subscription of an event.
 class EventBase::Registration final : public details::RegistrationState<Registration> {
  public:
   Registration(WeakPtr<EventBase> subscribed, unsigned long long number) noexcept
       : event(std::move(subscribed)), token(number) {}
 
   void End() {
-    if (event) const auto removed = event->listeners.extract(token);  // released when it is whole
+    // The listener is released after it has left the table, since its end may run any code.
+    if (event) const auto removed = event->listeners.extract(token);
   }
   void EndAndWait() { End(); }
   void Pause() { AddPauses(1); }
@@ -36,7 +37,7 @@ EventBase::EventBase() = default;
 
 EventBase::~EventBase() {
   InvalidateWeakPtrs();
-  // one at a time from a table that is whole, since the end of a callback may run any code
+  // Each listener is released after it has left the table, since its end may run any code.
   while (!listeners.empty()) const auto ended = listeners.extract(listeners.begin());
 }
 

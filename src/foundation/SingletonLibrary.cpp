@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the table of all singleton entries, which finds an entry by its type and deletes
+// the contents that belong to a module.
 #include "DataBinding/foundation/SingletonLibrary.h"
 
 #include <algorithm>
@@ -12,7 +14,8 @@
 
 namespace VtrUtils {
 
-/// All entries. Never destroyed: modules ask for singletons while the process ends.
+/// The table of all entries. It is never destroyed, because modules still ask for singletons while
+/// the process ends.
 class SingletonEntries {
  public:
   struct Record {
@@ -43,7 +46,8 @@ class SingletonEntries {
     });
   }
 
-  /// Empties the module's entries and gives what they held, to be deleted without a lock.
+  /// Empties the entries of a module. The caller deletes the returned contents without holding a
+  /// lock.
   std::vector<std::pair<void (*)(void*), void*>> TakeContents(SingletonLibrary::Token token) {
     std::vector<std::pair<void (*)(void*), void*>> contents;
     const WriteLock guard(lock);

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds VtrString::Format: it takes a format apart, checks each conversion against its
+// argument, and leaves the writing of numbers to snprintf.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -12,14 +14,15 @@ namespace VtrPlatform::details {
 
 namespace {
 
-/// Wider fields and longer precisions are refused: they are mistakes, and would exhaust memory.
+/// The largest width and precision. Larger ones are refused, because they are mistakes and could
+/// exhaust the memory.
 constexpr int largestField = 65535;
 
 [[noreturn]] void Refuse(const char* reason) {
   throw std::invalid_argument(std::string("format string: ") + reason);
 }
 
-/// One conversion, taken apart: `%-08.3f` has flags "-0", width 8, precision 3, type f.
+/// The parts of one conversion: `%-08.3f` has the flags "-0", width 8, precision 3 and type f.
 struct Conversion {
   std::string flags;
   int width = 0;
@@ -29,7 +32,8 @@ struct Conversion {
   [[nodiscard]] bool LeftAligned() const { return flags.find('-') != std::string::npos; }
 };
 
-/// Walks a format from conversion to conversion and appends what each one makes of its argument.
+/// Goes through a format and appends its plain text, and what each conversion makes of its
+/// argument.
 class Formatter {
  public:
   Formatter(std::wstring_view format, std::span<const FormatArgument> given)
@@ -80,7 +84,7 @@ class Formatter {
     return parsed;
   }
 
-  /// The next argument for `*`, or else the number that is written in the format.
+  /// Reads a width or a precision: the next argument for `*`, otherwise the number in the format.
   int Field() {
     long long value = 0;
     if (!rest.empty() && rest.front() == L'*') {
@@ -93,7 +97,8 @@ class Formatter {
     return static_cast<int>(value);
   }
 
-  /// 0 where there are none; stops reading where the number is too large for a field.
+  /// Reads a number; 0 if there are no digits. It stops at a number that is too large for a field,
+  /// which the caller refuses.
   long long Digits() {
     long long value = 0;
     while (!rest.empty() && rest.front() >= L'0' && rest.front() <= L'9' && value <= largestField) {

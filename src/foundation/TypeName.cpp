@@ -14,7 +14,7 @@ namespace VtrUtils {
 
 namespace {
 
-/// Calls the string by the name that everybody writes.
+/// Replaces the full name of the string class by VtrString, as one writes it.
 std::string WithShortString(std::string text) {
   constexpr std::string_view full = "VtrPlatform::VtrStringT<wchar_t>";
   constexpr std::string_view usual = "VtrString";

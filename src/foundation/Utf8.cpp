@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file converts between wide strings and UTF-8. Each ill-formed sequence becomes U+FFFD.
 #include <algorithm>
 #include <string>
 
@@ -9,9 +10,9 @@ namespace VtrPlatform::details {
 
 namespace {
 
-/// What the first byte of a sequence says: how many bytes follow and the range of the next one.
-/// The ranges shut out overlong forms, surrogates and values past U+10FFFF, as in table 3-7 of the
-/// Unicode Standard.
+/// What the first byte of a sequence tells: the number of bytes that follow, and the range of the
+/// next one. The ranges exclude overlong forms, surrogates and values past U+10FFFF, as in table
+/// 3-7 of the Unicode Standard.
 struct Lead {
   int following;
   unsigned char lowest;

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A type-erased value, the form in which events carry their arguments to those who do not know
+/// A value of any type. Events hand their arguments over in this form to code that does not know
 /// their signature.
 ///
-/// The standard one: owns a copy of what it holds, is copied by value, and compares types by their
-/// identity across modules.
+/// It is std::any: it owns a copy of the value and is copied by value. A type is recognised across
+/// modules.
 #pragma once
 
 #include <any>
 
 namespace VtrUtils {
-/// Holds a copy of any copyable value; std::any_cast gives it back.
+/// Holds a copy of any copyable value. std::any_cast gives the value back.
 using Any = std::any;
 }  // namespace VtrUtils
 

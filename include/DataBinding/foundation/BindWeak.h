@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-/// BindWeak: a callable that runs a method of an object for as long as the object lives. This is
-/// the safe way to give a callback its `this`: a Subscription that is cancelled in the midst of an
-/// announcement does not take back the call that the announcement is still to make.
+/// BindWeak makes a callable that runs a method of an object for as long as the object lives.
 ///
-/// The object is one that SupportsWeakPtr or one that std::shared_ptr owns, and is not kept alive
-/// between calls. Whether it lives is asked when a call starts. A shared one is then kept until the
-/// call returns; another one must not be ended on another thread meanwhile. Once it is gone calls
-/// are skipped, their results value-initialised, and a callback made from this reports itself
-/// cancelled. Bound arguments stand before those of the call and are kept by value.
+/// This is the safe way to give a callback its `this`. A Subscription alone is not enough: when it
+/// is cancelled during an announcement, the announcement still makes the call that it owes.
+///
+/// The object gives weak pointers to itself (WeakPtr.h), or belongs to a std::shared_ptr. The
+/// binding does not keep the object alive between calls. Each call first asks whether the object
+/// lives. A shared object is then kept until the call returns; any other object must not be ended
+/// on another thread during the call. Once the object is gone, calls are skipped and give a
+/// value-initialised result, and a callback that was made from the binding reports itself
+/// cancelled. Bound arguments are kept by value and stand before those of the call.
+///
 ///   RepeatingCallback<void(int)> resize = BindWeak(view.AsWeakPtr(), &View::Resize, L"window");
 ///   RepeatingCallback<void(int)> log = BindWeak(sharedLog, &Log::Write);
 #pragma once
@@ -25,7 +28,8 @@ namespace VtrUtils {
 
 namespace details {
 
-/// The two kinds of weak pointers alike: whether the object lives, and what holds it for a call.
+/// These ask both kinds of weak pointers alike: whether the object lives, and for the pointer by
+/// which a call holds it.
 ///@{
 template <class T>
 [[nodiscard]] bool IsAlive(const WeakPtr<T>& target) noexcept {
@@ -84,7 +88,8 @@ template <class Target, class Method, class... Bound>
 
 }  // namespace details
 
-/// Binds a method, or a function that takes the object first, to an object and to arguments.
+/// Binds a method to an object and to arguments. Instead of a method, a function may be given that
+/// takes the object as its first argument.
 ///@{
 template <class T, class Method, class... Bound>
 [[nodiscard]] auto BindWeak(WeakPtr<T> target, Method method, Bound&&... bound) {
@@ -94,7 +99,7 @@ template <class T, class Method, class... Bound>
 [[nodiscard]] auto BindWeak(std::weak_ptr<T> target, Method method, Bound&&... bound) {
   return details::MakeWeakBinding(std::move(target), method, std::forward<Bound>(bound)...);
 }
-/// Keeps no more than a weak pointer.
+/// The binding keeps only a weak pointer to the object.
 template <class T, class Method, class... Bound>
 [[nodiscard]] auto BindWeak(const std::shared_ptr<T>& target, Method method, Bound&&... bound) {
   return BindWeak(std::weak_ptr<T>(target), method, std::forward<Bound>(bound)...);

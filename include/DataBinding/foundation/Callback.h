@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Typed callbacks over any callable: RepeatingCallback, copied freely and run many times, and
-/// OneShotCallback, moved and run once.
+/// Typed callbacks that hold any callable: a RepeatingCallback is copied freely and run many times,
+/// a OneShotCallback is moved and run once.
 ///
-/// Making one allocates once; copying allocates nothing, since copies share the callable. A call
-/// keeps the callable alive until it returns, even when the callback itself is destroyed meanwhile.
-/// Calling a null callback, or one whose target is gone (see BindWeak), does nothing and gives a
-/// value-initialised result; where the result type has no such value std::bad_function_call is
-/// thrown. Callbacks may be handed between threads; two threads that call one at once call its
-/// callable at once.
+/// Making a callback allocates once. Copying allocates nothing, since copies share the callable. A
+/// call keeps the callable alive until it returns, even if the callback is destroyed meanwhile.
+///
+/// Calling a callback that is null, or whose target is gone (see BindWeak), does nothing and gives
+/// a value-initialised result. If the result type has no such value, std::bad_function_call is
+/// thrown.
+///
+/// A callback may be handed to another thread. If two threads call it at the same time, both are in
+/// the callable at the same time.
 ///
 ///   RepeatingCallback<int(int)> twice = [](int x) { return 2 * x; };
 ///   OneShotCallback<void(std::unique_ptr<Job>)> run = [](std::unique_ptr<Job> job) { ... };
@@ -26,11 +29,12 @@ namespace VtrUtils {
 
 namespace details {
 
-/// How an argument travels to the invoke function: scalars by value, all else by reference.
+/// The type in which an argument is passed to the invoke function: scalars are passed by value,
+/// everything else by reference.
 template <class T>
 using CallbackArgument = std::conditional_t<std::is_scalar_v<T> || std::is_reference_v<T>, T, T&&>;
 
-/// A callable that knows whether its target is gone.
+/// A callable that can tell whether its target is gone.
 template <class Functor>
 concept Cancellable = requires(const Functor& functor) {
   { functor.IsCancelled() } -> std::convertible_to<bool>;
@@ -147,21 +151,22 @@ class RepeatingCallback<Result(Args...)> : public details::RepeatingCallbackBase
   /// Takes over a state of this signature; a null one makes a null callback.
   explicit RepeatingCallback(comlike_ptr<details::BindStateBase> adopted) noexcept
       : RepeatingCallbackBase(std::move(adopted)) {}
-  /// From any callable with a matching signature. A null function pointer or an empty std::function
-  /// makes a null callback.
+  /// Holds a copy of any callable that fits the signature. A null function pointer or an empty
+  /// std::function makes a null callback.
   template <class Functor>
   requires(!std::derived_from<std::remove_cvref_t<Functor>, details::OneShotCallbackBase> &&
            Invoker::template fits<std::decay_t<Functor>&>) RepeatingCallback(Functor&& functor)
       : RepeatingCallbackBase(
             Invoker::template Bind<std::decay_t<Functor>&>(std::forward<Functor>(functor))) {}
 
-  /// Calls the callable, which lives until it returns; a null callback gives a value-initialised
-  /// result.
+  /// Calls the callable and keeps it alive until it returns. A null callback gives a
+  /// value-initialised result.
   Result operator()(Args... args) const {
     const auto keep = state;
     return Invoker::Call(keep, std::forward<Args>(args)...);
   }
-  /// Shares the memento's state; one of another signature makes the callback null.
+  /// Shares the callable that the memento holds. If that has another signature, the callback
+  /// becomes null.
   void SetMemento(const RepeatingCallbackMemento& memento) noexcept {
     RepeatingCallbackBase::SetMemento(memento);
     if (state && !state->FitsSignature(typeid(Result(Args...)))) state = {};
@@ -171,8 +176,8 @@ class RepeatingCallback<Result(Args...)> : public details::RepeatingCallbackBase
 template <class Signature>
 class OneShotCallback;
 
-/// Runs once and is null from then on; moved, never copied. Takes callables that only move, and
-/// releases them as soon as they have run.
+/// A callback that runs once and is null from then on. It is moved and never copied, so it may hold
+/// a callable that can only be moved. The callable is released as soon as it has run.
 template <class Result, class... Args>
 class OneShotCallback<Result(Args...)> : public details::OneShotCallbackBase {
   using Invoker = details::Invoker<Result(Args...)>;
@@ -184,10 +189,11 @@ class OneShotCallback<Result(Args...)> : public details::OneShotCallbackBase {
   /// Takes over a state of this signature; a null one makes a null callback.
   explicit OneShotCallback(comlike_ptr<details::BindStateBase> adopted) noexcept
       : OneShotCallbackBase(std::move(adopted)) {}
-  /// Shares the repeating callback's callable and calls it once.
+  /// Shares the callable of the repeating callback.
   OneShotCallback(RepeatingCallback<Result(Args...)> repeating) noexcept
       : OneShotCallbackBase(std::move(repeating)) {}
-  /// From any callable with a matching signature, which is moved in.
+  /// Holds any callable that fits the signature, which is moved in where it is given as a
+  /// temporary.
   template <class Functor>
   requires(!std::derived_from<std::remove_cvref_t<Functor>, details::OneShotCallbackBase> &&
            Invoker::template fits<std::decay_t<Functor>>) OneShotCallback(Functor&& functor)
@@ -199,7 +205,7 @@ class OneShotCallback<Result(Args...)> : public details::OneShotCallbackBase {
   OneShotCallback& operator=(const OneShotCallback&) = delete;
   ~OneShotCallback() = default;
 
-  /// Leaves the callback null before it runs; the callable is released when the call returns.
+  /// Makes this callback null, then calls the callable, which is released when the call returns.
   Result operator()(Args... args) {
     const auto once = std::move(state);
     return Invoker::Call(once, std::forward<Args>(args)...);

@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A signal with typed arguments: an ordered list of callbacks, called often and changed seldom.
+/// A signal with typed arguments: an ordered list of callbacks that is called often and changed
+/// seldom.
 ///
-/// One thread adds, calls and ends; subscriptions may be cancelled on any thread. A call runs, in
-/// order of addition, the callbacks that were there when it began and are not cancelled when it
-/// reaches them. They may add, cancel, call again or end the list, after which nobody further is
-/// called; each stays alive until the outermost call is over. One that is cancelled outside a call
-/// is released at once; one that another thread cancels while it runs may go on (CancelAndWait
-/// waits for it). A call allocates nothing and takes no lock unless it cancels. An empty list is
-/// null.
+/// One thread adds callbacks, calls the list and ends it. Subscriptions may be cancelled on any
+/// thread.
+///
+/// A call runs the callbacks in the order in which they were added: those that were in the list
+/// when the call began and are not cancelled when it reaches them. A callback may add and cancel
+/// others, call the list again, and end it; after its end no further callback is called.
+///
+/// A callback that is cancelled during a call stays alive until the outermost call is over. One
+/// that is cancelled outside of calls is released at once. A callback that another thread cancels
+/// while it runs may go on; CancelAndWait waits for it.
+///
+/// A call allocates nothing, and takes no lock unless callbacks were cancelled. A list to which
+/// nothing was added yet is one null pointer.
+///
 ///   CallbackList<int> moved;
 ///   Subscription redraw = moved.Add(BindWeak(view.AsWeakPtr(), &View::Redraw));  // (const int&)
 ///   moved.Call(3);
@@ -40,12 +48,13 @@ struct CallbackListCoreTraits {
   DATABINDING_API static void Destroy(const CallbackListCore* core) noexcept;
 };
 
-/// What a list shares with its subscriptions.
+/// The part of a list that its subscriptions share.
 ///
-/// The walking thread reads entries without the lock. That is sound because only that thread moves
-/// them: another one that cancels merely marks an entry, and takes its callback out only where no
-/// walk is under way. Both sides announce themselves before they look at the other (`silence` and
-/// `walks`, in sequentially consistent order), so at least one of them sees the other.
+/// The walking thread reads entries without the lock. It may do so because no other thread moves
+/// entries: another thread that cancels only marks an entry, and takes the callback out only if no
+/// walk is under way. The cancelling thread sets `silence` and then reads `walks`; the walking
+/// thread sets `walks` and then reads `silence`. Since both do so in sequentially consistent order,
+/// at least one of them sees the other.
 class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTraits> {
  public:
   struct Entry {
@@ -69,22 +78,24 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
     [[nodiscard]] bool IsCancelled() const noexcept { return silence >= ended; }
 
     BindStateBase::InvokeFunction run;
-    const BindStateBase* state;  // one reference, released by the core
+    const BindStateBase* state;  // a reference that the core releases
     std::uint64_t token;
-    /// How often it is paused; `ended` is added when it is cancelled. Called while it is 0.
+    /// The number of pauses; `ended` is added when the entry is cancelled. The callback is called
+    /// only while this is 0.
     std::atomic<std::uint32_t> silence{0};
   };
 
   std::uint64_t Add(comlike_ptr<BindStateBase> callback);
-  /// Any thread. These do nothing for a token that is no longer there.
+  /// These may be called on any thread, and do nothing for a token that is no longer in the list.
   ///@{
   void Cancel(std::uint64_t token) noexcept;
-  /// Waits until a walk of another thread is over.
+  /// Cancels, and waits until the walk of another thread, if there is one, is over.
   void CancelAndWait(std::uint64_t token) noexcept;
-  /// Adds 1 to the pauses of an entry, or -1.
+  /// Adds the change, 1 or -1, to the pauses of an entry.
   void Pause(std::uint64_t token, std::int32_t change) noexcept;
   ///@}
-  /// Ends all entries. Those of a walk under way are released when it is over.
+  /// Cancels all entries and gives the list's reference up, or leaves both releases to the end of
+  /// the outermost walk if one is under way.
   void Close() noexcept;
   DATABINDING_API void EndOutermostWalk() noexcept;
 
@@ -101,16 +112,17 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
   ThreadLock lock;
   std::vector<Entry> entries;
   std::uint64_t lastToken = 0;
-  /// Entries without a callback, left by cancelling outside a walk.
+  /// The number of entries whose callback was taken out when it was cancelled outside of walks.
   std::size_t gaps DATABINDING_GUARDED_BY(lock) = 0;
   std::atomic<std::uint32_t> walks{0};
-  /// Which thread is walking, while one is.
+  /// Identifies the thread that walks, while `walks` is not 0.
   std::atomic<const void*> walker{nullptr};
   std::atomic<bool> anyCancelled{false};
   bool closed = false;
 };
 
-/// One walk over a list, entry by entry. For the walking thread; made and ended in nested order.
+/// One walk over a list, entry by entry. Walks of one list belong to one thread and end in the
+/// reverse order of their beginnings.
 class CallbackWalk {
  public:
   explicit CallbackWalk(CallbackListCore* walked) noexcept : core(walked) {
@@ -129,8 +141,8 @@ class CallbackWalk {
     if (nested == 0 && core->anyCancelled.load(std::memory_order_seq_cst)) core->EndOutermostWalk();
   }
 
-  /// The next entry to call, or null. The step is made before the call, so that a callback which
-  /// throws counts as called.
+  /// The next entry to call, or null at the end. The walk steps on before the call, so that a
+  /// callback which throws counts as called.
   [[nodiscard]] const CallbackListCore::Entry* Next() noexcept {
     while (next < end) {
       const auto& entry = core->entries[next++];
@@ -138,7 +150,7 @@ class CallbackWalk {
     }
     return nullptr;
   }
-  /// True when the list was ended during the walk. Nothing of it is called any more.
+  /// True when the list was ended during the walk. None of its callbacks is called any more.
   [[nodiscard]] bool IsListGone() const noexcept { return core != nullptr && core->closed; }
 
  private:
@@ -153,9 +165,9 @@ class CallbackWalk {
 class DATABINDING_API CallbackListBase {
  public:
   CallbackListBase() noexcept = default;
-  /// Takes the callbacks over; their subscriptions stay good.
+  /// Takes the callbacks over. Their subscriptions remain valid.
   CallbackListBase(CallbackListBase&& other) noexcept : core(std::exchange(other.core, nullptr)) {}
-  /// The same; what was in this list before is ended.
+  /// Takes the callbacks over, and ends the ones that were in this list.
   CallbackListBase& operator=(CallbackListBase&& other) noexcept {
     if (this != &other) {
       auto* former = std::exchange(core, std::exchange(other.core, nullptr));
@@ -165,9 +177,9 @@ class DATABINDING_API CallbackListBase {
   }
   ~CallbackListBase() { Drop(core); }
 
-  /// Adds a callback of the list's signature, or nothing for an empty memento.
+  /// Adds a callback of the list's signature. An empty memento gives an inert subscription.
   Subscription Add(const RepeatingCallbackMemento& callback);
-  /// What a walk is made of; null for a list that never had a callback.
+  /// What a CallbackWalk is made with. Null for a list that never had a callback.
   [[nodiscard]] details::CallbackListCore* Core() const noexcept { return core; }
 
  private:
@@ -180,27 +192,29 @@ class DATABINDING_API CallbackListBase {
 template <class... Args>
 class CallbackList : public CallbackListBase {
  public:
-  /// What the list holds.
+  /// The type of the callbacks in the list.
   using Callback = RepeatingCallback<void(const Args&...)>;
 
-  /// Adds a callback at the end until the subscription ends. A null one gives an inert
-  /// subscription.
+  /// Adds a callback at the end of the list, where it stays until the subscription ends. A null
+  /// callback gives an inert subscription.
   Subscription Add(const Callback& callback) {
     return CallbackListBase::Add(callback.GetMemento());
   }
-  /// The same for one call: the callback is not called again, and its subscription ends with it.
+  /// Adds a callback that is called once at most. Its subscription ends after the call.
   Subscription AddOnce(OneShotCallback<void(const Args&...)> callback) {
     if (!callback) return {};
     return details::CallOnce(std::move(callback),
                              [this](const Callback& once) { return Add(once); });
   }
 
-  /// Calls each. What a callback throws leaves the call, and those behind it are not called.
+  /// Calls the callbacks. If one throws, the exception leaves this call and the callbacks behind it
+  /// are not called.
   void Call(const Args&... args) const {
     details::CallbackWalk walk(Core());
     CallRest(walk, args...);
   }
-  /// Calls those that a walk has not reached yet. After an exception it may be called again.
+  /// Calls the callbacks that a walk has not reached yet. After an exception it may be called
+  /// again, to go on behind the callback that threw.
   static void CallRest(details::CallbackWalk& walk, const Args&... args) {
     using Run = typename details::Invoker<void(const Args&...)>::Function;
     while (const auto* entry = walk.Next()) {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// An owning pointer to an object that counts its own references, and the base that counts them.
+/// comlike_ptr, an owning pointer to an object that counts its own references, and RefCounted, the
+/// base class that counts them.
 ///
-/// A comlike_ptr made from a raw pointer takes over one existing reference, which a new object has;
-/// Share adds one. The count is atomic, the pointer itself is not. RefCounted calls Traits::Destroy
-/// when the last reference goes, on whatever thread that happens.
+/// A new object has one reference. A comlike_ptr that is made from a raw pointer takes over an
+/// existing reference; Share adds one. The count is atomic, but one comlike_ptr object must not be
+/// used by two threads at once. RefCounted calls Traits::Destroy when the last reference is
+/// released, on the thread that releases it.
 #pragma once
 
 #include <atomic>
@@ -18,9 +20,9 @@ class RefCounted {
   RefCounted(const RefCounted&) = delete;
   RefCounted& operator=(const RefCounted&) = delete;
 
-  /// Counts one owner more. Any thread.
+  /// Adds a reference. May be called on any thread.
   void AddRef() const noexcept { references.fetch_add(1, std::memory_order_relaxed); }
-  /// Counts one owner less; the last one to go has the object destroyed, on this thread.
+  /// Releases a reference. The last release destroys the object, on the calling thread.
   void Release() const {
     if (references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
       Traits::Destroy(static_cast<const T*>(this));
@@ -35,18 +37,18 @@ class RefCounted {
   mutable std::atomic<std::uint32_t> references{1};
 };
 
-/// Owns one reference, or none. Not to be used by two threads at once; its object's count may be.
+/// Owns one reference, or none.
 template <class T>
 class comlike_ptr {
  public:
   comlike_ptr() noexcept = default;
-  /// Takes over a reference that the caller has; null makes an empty pointer.
+  /// Takes over a reference that the caller owns. Null makes an empty pointer.
   explicit comlike_ptr(T* adopted) noexcept : object(adopted) {}
   /// Adds a reference.
   comlike_ptr(const comlike_ptr& other) noexcept : object(other.object) {
     if (object != nullptr) object->AddRef();
   }
-  /// Takes the other's reference, which is empty then.
+  /// Takes the reference over and leaves the other pointer empty.
   comlike_ptr(comlike_ptr&& other) noexcept : object(std::exchange(other.object, nullptr)) {}
   ~comlike_ptr() {
     if (object != nullptr) object->Release();
@@ -57,16 +59,16 @@ class comlike_ptr {
     return *this;
   }
 
-  /// An owner beside the existing ones.
+  /// Adds a reference to an object and owns that. Null gives an empty pointer.
   [[nodiscard]] static comlike_ptr Share(T* object) noexcept {
     if (object != nullptr) object->AddRef();
     return comlike_ptr(object);
   }
-  /// Gives the reference up to the caller.
+  /// Hands the reference over to the caller, who has to release it.
   [[nodiscard]] T* Detach() noexcept { return std::exchange(object, nullptr); }
-  /// The object, which stays owned; null for an empty pointer.
+  /// The object, which this pointer goes on owning. Null for an empty pointer.
   [[nodiscard]] T* Get() const noexcept { return object; }
-  /// For pointers that are not empty.
+  /// These must not be used on an empty pointer.
   ///@{
   T* operator->() const noexcept { return object; }
   T& operator*() const noexcept { return *object; }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A recursive lock for short sections: tries, spins for a while, and only then blocks.
+/// A recursive lock for short sections. A thread that has to wait spins for a while before it
+/// blocks.
 ///
-/// The thread that holds it may enter again and leaves as often. The system's own critical section
-/// on Windows, with its spin count; elsewhere a word that is tried, watched up to that often, and
-/// then waited for.
-/// Entered through its scope guard.
+/// The thread that holds the section may enter it again, and has to leave it as often. Use the
+/// scope guard to enter. On Windows this is the system's critical section with a spin count;
+/// elsewhere it is an atomic variable, which a thread looks at as often as that before it waits.
 ///
 ///   const CriticalSectionLock guard(section);
 #pragma once
@@ -37,9 +37,9 @@ class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Critica
 
   /// Waits until the section is free, unless this thread holds it already.
   void Enter() DATABINDING_THREAD_ANNOTATION(acquire_capability());
-  /// Enters if that takes no waiting, and says whether it did.
+  /// Enters if the section is free or this thread holds it already, and returns whether it entered.
   [[nodiscard]] bool TryEnter() DATABINDING_THREAD_ANNOTATION(try_acquire_capability(true));
-  /// Undoes one entry of this thread; the last one lets others in.
+  /// Undoes one entry of this thread. The last Leave frees the section for other threads.
   void Leave() DATABINDING_THREAD_ANNOTATION(release_capability());
 
  private:
@@ -54,7 +54,7 @@ class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Critica
 #endif
 };
 
-/// Holds a section for the guard's scope, however that is left.
+/// Holds a section from its construction to the end of its scope.
 class DATABINDING_THREAD_ANNOTATION(scoped_lockable) CriticalSectionLock {
  public:
   /// Enters. The section must outlive the guard.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A two-word value, a context and a function, that is copied freely and called as
-/// function(context, arguments...).
+/// A Delegate is a value of two words, a context and a function. It is copied freely, and a call of
+/// it calls function(context, arguments...).
 ///
-/// Owns nothing: whoever made it keeps the context alive. Calling an empty one does nothing and
-/// gives a value-initialised result.
+/// It owns nothing: the code that made it has to keep the context alive. Calling an empty delegate
+/// does nothing and gives a value-initialised result.
 ///
 ///   auto hook = Delegate<void(int)>::To<&Log::Add>(log);
 #pragma once
@@ -22,19 +22,19 @@ class Delegate;
 template <class Result, class... Args>
 class Delegate<Result(Args...)> {
  public:
-  /// What is called; it gets the context back as it was given.
+  /// The function that is called. It gets the context as it was given.
   using Function = Result (*)(void* context, Args... args);
 
   constexpr Delegate() noexcept = default;
-  /// Of a context, which may be null, and a function; a null function makes an empty delegate.
+  /// The context may be null. A null function makes an empty delegate.
   constexpr Delegate(void* boundContext, Function target) noexcept
       : context(boundContext), function(target) {}
 
-  /// Calls a method of an object, or a function that takes a reference to it. A delegate without a
-  /// result drops that of the method.
+  /// Makes a delegate that calls a method of an object, or a function that takes a reference to the
+  /// object. A delegate without a result drops the result of the method.
   template <auto Target, class T>
   [[nodiscard]] static Delegate To(T& object) noexcept {
-    // The function gives the object its constness back.
+    // The function casts back to T, which is const again where the object is.
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
     return {const_cast<void*>(static_cast<const void*>(&object)),
             [](void* self, Args... args) -> Result {
@@ -47,14 +47,14 @@ class Delegate<Result(Args...)> {
             }};
   }
 
-  /// Calls the function; an empty delegate gives a value-initialised result.
+  /// Calls the function. An empty delegate gives a value-initialised result.
   Result operator()(Args... args) const {
     if (function == nullptr) return details::SkippedResult<Result>();
     return function(context, std::forward<Args>(args)...);
   }
   /// False for an empty delegate.
   explicit constexpr operator bool() const noexcept { return function != nullptr; }
-  /// Equal when both words are.
+  /// Two delegates are equal when both their words are.
   friend constexpr bool operator==(const Delegate&, const Delegate&) noexcept = default;
 
  private:

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A multicast event: callbacks subscribe and are run, in order of subscription, when it is raised.
+/// A multicast event. When it is raised, it runs the callbacks that are subscribed to it, in the
+/// order of their subscription.
 ///
-/// A raise runs those that were subscribed when it began and still are when reached; one that
-/// subscribes meanwhile waits for the next raise. A callback may subscribe, cancel or destroy the
-/// event. An exception from a callback leaves the raise. Subscriptions may outlive the event. One
-/// thread only.
+/// A raise runs the callbacks that were subscribed when it began and that still are when it reaches
+/// them. A callback that is subscribed during a raise is first run by the next one. A callback may
+/// subscribe others, cancel subscriptions, and destroy the event. An exception from a callback
+/// leaves the raise. Subscriptions may outlive the event. All of it belongs to one thread.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +20,8 @@
 
 namespace VtrUtils {
 
-/// The part of an event that does not depend on its signature. Tokens ascend and are not reused.
+/// The part of an event that does not depend on its signature. Each listener has a token; tokens
+/// ascend and are not used again.
 class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
  public:
   EventBase(const EventBase&) = delete;
@@ -29,15 +31,17 @@ class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
   EventBase();
   ~EventBase();
 
-  /// Adds a listener until the subscription is cancelled. An empty memento is counted and skipped.
+  /// Adds a listener, which stays until the subscription is cancelled. A listener with an empty
+  /// memento is counted, and skipped by a raise.
   Subscription Subscribe(const RepeatingCallbackMemento& memento);
-  /// What a raise walks over, so that callbacks may subscribe and cancel meanwhile.
+  /// A copy of the tokens, which a raise goes through so that callbacks may subscribe and cancel
+  /// meanwhile.
   [[nodiscard]] std::set<unsigned long long> GetListenerTokensCopy() const;
-  /// The memento of a token that is still subscribed and not paused, else an empty one.
+  /// The memento of a listener. Empty if the listener is paused or no longer subscribed.
   [[nodiscard]] RepeatingCallbackMemento GetListener(unsigned long long token) const;
-  /// True while a listener is subscribed, be its callback empty.
+  /// True while a listener is subscribed, even if its callback is empty.
   [[nodiscard]] bool HasListeners() const noexcept { return !listeners.empty(); }
-  /// Tells a raise whether a callback has ended the event.
+  /// By this pointer a raise learns whether a callback has destroyed the event.
   [[nodiscard]] WeakPtr<EventBase> GetWeakPtr() { return AsWeakPtr(); }
 
  private:
@@ -61,21 +65,23 @@ class Event<void(Args...)> : public EventBase {
   Event() = default;
   ~Event() = default;
 
-  /// Runs the callback at each raise, after those that came before it, until the subscription ends.
+  /// Runs the callback at each raise until the subscription ends.
   Subscription Subscribe(const RepeatingCallback<void(Args...)>& callback) {
     return EventBase::Subscribe(callback.GetMemento());
   }
-  /// The same for a callback of this signature that is kept without it.
+  /// Does the same with a callback of this signature that is held by a memento. A callback of
+  /// another signature is skipped by each raise.
   Subscription Subscribe(const RepeatingCallbackMemento& memento) {
     return EventBase::Subscribe(memento);
   }
 
-  /// Runs the callbacks. What one throws comes out of here, and those behind it are not run.
+  /// Runs the callbacks. If one throws, the exception leaves this call and the callbacks behind it
+  /// are not run.
   void Raise(const Args&... args) {
     RaiseEach([] { throw; }, args...);
   }
-  /// Raises the event; what a callback throws goes to `failed`, called within the catch block, and
-  /// the next one runs.
+  /// Runs the callbacks. If one throws, `failed` is called within the catch block, and the next
+  /// callback runs.
   template <class Failed>
   DATABINDING_CATCHES_CANCELLATION void RaiseEach(Failed failed, const Args&... args) {
     if (!HasListeners()) return;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A 16-byte identifier: plain data, ordered by its bytes as they lie in memory.
+/// Guid is an identifier of 16 bytes. It is plain data.
 ///
-/// On Windows GUID is the system's own structure of the same layout; elsewhere it is Guid.
+/// Interfaces are asked for with the type GUID. On Windows that is the system's own structure,
+/// which has the same layout; elsewhere it is Guid.
 ///
 ///   constexpr Guid themeId{0x2f3c1a90, 0x11d2, 0x4b7e, {0x9c, 0x01, 0x02, 0x03, 4, 5, 6, 7}};
 #pragma once
@@ -17,7 +18,7 @@
 namespace VtrUtils {
 
 struct Guid {
-  /// The fields of the usual notation, in this machine's order of bytes.
+  /// The fields of the usual notation, each in the byte order of this machine.
   ///@{
   std::uint32_t data1 = 0;
   std::uint16_t data2 = 0;
@@ -25,11 +26,12 @@ struct Guid {
   std::uint8_t data4[8] = {};
   ///@}
 
-  /// Equal when all 16 bytes are.
+  /// Two identifiers are equal when all 16 bytes are.
   friend bool operator==(const Guid& left, const Guid& right) noexcept {
     return std::memcmp(&left, &right, sizeof(Guid)) == 0;
   }
-  /// The order of the bytes as they lie in memory, for keys of maps; it means nothing else.
+  /// Orders identifiers by their bytes as they lie in memory. The order serves as one for keys of
+  /// maps and means nothing else.
   friend std::strong_ordering operator<=>(const Guid& left, const Guid& right) noexcept {
     return std::memcmp(&left, &right, sizeof(Guid)) <=> 0;
   }
@@ -37,11 +39,11 @@ struct Guid {
 static_assert(sizeof(Guid) == 16);
 
 #if defined(_WIN32)
-/// The system's own structure where it has one, which interfaces are asked for with.
+/// The type of identifiers by which interfaces are asked for.
 using GUID = ::GUID;
 static_assert(sizeof(GUID) == sizeof(Guid));
 #else
-/// The system's own structure where it has one, which interfaces are asked for with.
+/// The type of identifiers by which interfaces are asked for.
 using GUID = Guid;
 #endif
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// An object that can be asked for its interfaces by identifier, and the typed form of the
-/// question.
+/// IVantorGeneric is an object that can be asked for its interfaces by identifier.
+/// FindInterfaceProxy asks it by type.
 ///
-/// FindInterfaceByIID answers false and leaves the pointer alone unless the object has the
-/// interface; nothing is counted, nothing is owned. A class gets an identifier by specialising
-/// InterfaceId.
+/// If the object does not have the interface, FindInterfaceByIID returns false and leaves the
+/// pointer alone. A returned interface is neither counted nor owned. An interface gets its
+/// identifier by a specialisation of InterfaceId.
 ///
 ///   IDataSource* source = provider.GetDataSourceInterface(L"Cpu").As<IDataSource>();
 #pragma once
@@ -16,7 +16,7 @@ namespace VtrUtils {
 
 class DATABINDING_API IVantorGeneric {
  public:
-  /// Stores the interface in the out-pointer and answers true, or answers false.
+  /// Stores the interface in the out-pointer and returns true, or returns false.
   virtual bool FindInterfaceByIID(const GUID& id, void** out);
 
  protected:
@@ -26,7 +26,7 @@ class DATABINDING_API IVantorGeneric {
   ~IVantorGeneric() = default;
 };
 
-/// The identifier of an interface; specialise it beside the interface's declaration.
+/// Holds the identifier of an interface. Specialise it beside the declaration of the interface.
 template <class Interface>
 struct InterfaceId;
 
@@ -34,18 +34,19 @@ struct InterfaceId;
 
 namespace IVantorGenericDetail {
 
-/// Asks an object for an interface by type. A proxy over no object answers null.
+/// Asks an object for an interface by type. A proxy without an object answers null.
 class FindInterfaceProxy {
  public:
-  /// Asks that object, which must outlive the proxy; null answers null.
+  /// The object must outlive the proxy. With a null object every answer is null.
   explicit FindInterfaceProxy(VtrUtils::IVantorGeneric* asked) noexcept : object(asked) {}
 
-  /// The interface of that identifier, or null.
+  /// The interface with that identifier, or null if the object does not have it.
   [[nodiscard]] void* Find(const VtrUtils::GUID& id) const {
     void* found = nullptr;
     return object != nullptr && object->FindInterfaceByIID(id, &found) ? found : nullptr;
   }
-  /// The interface of that type, or null; needs InterfaceId<Interface>.
+  /// The interface of that type, or null if the object does not have it. InterfaceId<Interface>
+  /// must be specialised.
   template <class Interface>
   [[nodiscard]] Interface* As() const {
     return static_cast<Interface*>(Find(VtrUtils::InterfaceId<Interface>::value));

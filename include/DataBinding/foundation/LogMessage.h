@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A diagnostic message: text is streamed into it, and its end hands the text to the sink.
+/// A diagnostic message. Text is streamed into it, and its destructor hands the text to the sink.
 ///
-/// Without a sink, which is how a process starts, messages go nowhere. The library emits none of
-/// its own; the class is for its users. The sink may be set and messages may end on any thread.
+/// A process starts without a sink, and then messages go nowhere. The library writes no messages
+/// itself; the class is for its users. The sink may be set, and messages may end, on any thread.
 ///
 ///   LogMessage() << L"reload took " << milliseconds << L" ms";
 #pragma once
@@ -18,16 +18,16 @@ namespace VtrUtils {
 
 class LogMessage {
  public:
-  /// Takes a finished message, on the thread on which that ends.
+  /// A function that gets finished messages, each on the thread on which the message ends.
   using Sink = void (*)(const VtrPlatform::VtrString& text);
 
   LogMessage() = default;
   LogMessage(const LogMessage&) = delete;
   LogMessage& operator=(const LogMessage&) = delete;
-  /// Hands the text over; what the sink throws is dropped.
+  /// Hands the text to the sink. What the sink throws is dropped.
   DATABINDING_API ~LogMessage();
 
-  /// Appends a name, a literal, or whatever a wide stream prints.
+  /// Appends a name, a literal, or any other value that a wide stream can print.
   template <class T>
   LogMessage& operator<<(const T& value) {
     if constexpr (std::convertible_to<const T&, VtrPlatform::VtrStringView>) {
@@ -38,7 +38,7 @@ class LogMessage {
     return *this;
   }
 
-  /// Replaces the process-wide sink, null for none, and returns the former one.
+  /// Replaces the sink of the process and returns the former one. Null stands for no sink.
   DATABINDING_API static Sink SetSink(Sink sink) noexcept;
 
  private:

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Keeps the callback of one registration from being called for a scope.
+/// Keeps the callback of one registration from being called during a scope of the code.
 ///
-/// It is made of the Subscription of a property, an event, a bind, a destruction handler or a
-/// CallbackList. A listener is asked when its turn comes: an announcement that is under way passes
-/// it over, too. What it misses is not made up for; an event is missed when it is delivered during
-/// the pause, not when it is raised. The listener goes on being counted. A pause may be made and
-/// end on the threads on which the subscription may be cancelled; another thread that is in the
-/// callback already is not waited for. Allocates nothing.
+/// A pause is made of the Subscription of a property, an event, a bind, a destruction handler or a
+/// CallbackList. Whether a listener is paused is looked up when its turn comes, so an announcement
+/// that is under way passes it over, too. Calls that it misses are not made up for. An event is
+/// missed if it is delivered during the pause; when it was raised does not matter. A paused
+/// listener still counts as registered.
+///
+/// A pause may begin and end on the threads on which the subscription may be cancelled. It does not
+/// wait for another thread that is in the callback already. It allocates nothing.
 ///
 ///   const PauseListening quiet(subscription);
 ///   source.Volume.Set(fromWidget);  // the widget's own listener does not hear of it
@@ -18,9 +20,10 @@ namespace VtrUtils {
 
 class [[nodiscard]] PauseListening {
  public:
-  /// Pauses until its own end. Pauses of one registration nest; it hears again after the last of
-  /// them. The subscription may end or be moved first. Does nothing for an inert one, for one
-  /// of a hook, and for one whose end is a callback of somebody's own.
+  /// Pauses the registration until this object ends. Pauses of one registration nest: the callback
+  /// is called again after the last pause. The subscription may end or be moved before that. The
+  /// pause has no effect if the subscription is inert, belongs to a hook, or was made with a
+  /// callback of the user's own that ends something.
   explicit PauseListening(const Subscription& subscription)
       : paused(comlike_ptr<details::BindStateBase>::Share(subscription.GetRegistration())) {
     if (paused) paused->Request(details::RegistrationRequest::Pause);

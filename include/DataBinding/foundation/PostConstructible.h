@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A base whose PostConstruct is run by the creator once construction is complete.
+/// A base class for objects that have work to do after their constructor: the creator calls
+/// PostConstruct when the constructor has returned.
 ///
 /// An override does what needs the finished object, such as calling virtual operations, and calls
-/// the base, which marks the object as post-constructed. Derived classes read the mark. One thread:
-/// that on which the object is made.
+/// the base's PostConstruct, which marks the object as post-constructed. Derived classes may read
+/// the mark. All this happens on the thread on which the object is made.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -17,7 +18,7 @@ class DATABINDING_API PostConstructible {
   PostConstructible& operator=(const PostConstructible&) = delete;
   virtual ~PostConstructible();
 
-  /// Marks the object as complete. The creator calls it once, when the constructor has returned.
+  /// Marks the object as complete. The creator calls it once.
   virtual void PostConstruct();
 
  protected:

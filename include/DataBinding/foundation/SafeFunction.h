@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// basic_safe_function: a callable passed by value and moved, never copied.
+/// basic_safe_function holds any callable. It is moved and never copied.
 ///
-/// Callables of up to Words pointers are kept inside it, larger ones on the heap. It is safe in
-/// that calling an empty one does nothing and gives a value-initialised result. No threads: one
-/// thread at a time.
+/// A callable that is not larger than `Words` pointers is kept inside of the object, a larger one
+/// on the heap. A call is safe in any case: calling an empty function does nothing and gives a
+/// value-initialised result. One object may be used by one thread at a time.
 #pragma once
 
 #include <concepts>
@@ -27,8 +27,8 @@ class basic_safe_function<Result(Args...), Words> {
   basic_safe_function() noexcept = default;
   /// An empty function.
   basic_safe_function(std::nullptr_t) noexcept {}
-  /// From any callable with a matching signature, which need not be copyable. A null function
-  /// pointer makes an empty function.
+  /// Holds any callable that fits the signature; it need not be copyable. A null function pointer
+  /// or an empty std::function makes an empty function.
   template <class Functor>
   requires(!std::same_as<std::remove_cvref_t<Functor>, basic_safe_function> &&
            std::is_invocable_r_v<Result, std::decay_t<Functor>&, Args...>)
@@ -45,9 +45,9 @@ class basic_safe_function<Result(Args...), Words> {
       actions = &heapActions<Target>;
     }
   }
-  /// Takes the callable over and leaves the other empty.
+  /// Takes the callable over and leaves the other function empty.
   basic_safe_function(basic_safe_function&& other) noexcept { TakeFrom(other); }
-  /// The same; the callable that was here ends first.
+  /// Ends the callable that this function holds, then takes the other's over.
   basic_safe_function& operator=(basic_safe_function&& other) noexcept {
     if (this != &other) {
       Reset();
@@ -59,7 +59,7 @@ class basic_safe_function<Result(Args...), Words> {
   basic_safe_function& operator=(const basic_safe_function&) = delete;
   ~basic_safe_function() { Reset(); }
 
-  /// Calls the callable; an empty function gives a value-initialised result.
+  /// Calls the callable. An empty function gives a value-initialised result.
   Result operator()(Args... args) {
     if (actions == nullptr) return details::SkippedResult<Result>();
     return actions->run(storage, std::forward<Args>(args)...);

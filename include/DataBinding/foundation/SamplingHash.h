@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The hash of property names: reads at most ten characters of a name, evenly spread.
+/// The hash of property names. It reads at most ten characters of a name, which are evenly spread.
 ///
-/// Its cost is bounded however long a name is, at the price that long names which differ only
-/// between the sampled places collide; a table keyed by it needs a second criterion for those.
-/// Characters count as 16-bit units, so that every name in the basic plane has one value on every
-/// platform. The bytes of a character are mixed by FNV-1a
+/// So its cost is bounded, however long a name is. The price is that long names collide if they
+/// differ only between the characters that are read; a table that is keyed by this hash has to tell
+/// such names apart by something else.
+///
+/// Only the low 16 bits of a character are used, so that a name of characters in Unicode's basic
+/// plane has the same hash on every platform. The bytes of a character are mixed by FNV-1a
 /// (http://www.isthe.com/chongo/tech/comp/fnv/).
 #pragma once
 
@@ -16,7 +18,7 @@
 
 namespace VtrUtils {
 
-/// At most ten characters, from the first one on in equal steps. An empty text has a value as well.
+/// The hash of a text, which may be empty.
 [[nodiscard]] constexpr std::uint64_t SamplingHash(std::wstring_view text) noexcept {
   constexpr std::uint64_t offsetBasis = 0xcbf29ce484222325;
   constexpr std::uint64_t prime = 0x100000001b3;

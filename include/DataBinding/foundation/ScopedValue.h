@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Gives a variable another value during a scope.
+/// Gives a variable another value during a scope of the code.
 ///
-/// The variable must outlive the scope, and gets its former value back however the scope is left.
-/// Owns nothing. For one thread.
+/// The variable gets its former value back however the scope is left, so it must outlive the scope.
+/// The object owns nothing else than that former value, and takes no lock.
 ///
 ///   const ScopedValue writing(isWriting, true);
 #pragma once
@@ -15,7 +15,7 @@ namespace VtrUtils {
 template <class T>
 class [[nodiscard]] ScopedValue {
  public:
-  /// Sets the value now; the end of the scope gives the former one back.
+  /// Sets the new value. The destructor puts the former one back.
   ScopedValue(T& changed, std::type_identity_t<T> value) noexcept
       : variable(changed), before(std::exchange(changed, std::move(value))) {}
   ScopedValue(const ScopedValue&) = delete;

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Singleton<T, N>: one T in a process, shared by all modules that ask for it.
+/// Singleton<T, N> provides one T in a process, which all modules share that ask for it.
 ///
-/// T derives from it, and makes it a friend where its constructor or destructor is private; N only
-/// tells instantiations apart. The instance is created on first use, and deleted by ReleaseInstance
-/// or when the module that created it is unloaded, at the latest at exit. After that GetInstance
-/// creates another. Creation and release are safe on any thread; using an instance while another
-/// thread releases it is not.
+/// T derives from Singleton<T>. If T's constructor or destructor is private, T makes Singleton<T> a
+/// friend. N only tells instantiations apart.
+///
+/// The instance is created on first use. It is deleted by ReleaseInstance, or when the module that
+/// created it is unloaded, at the latest when the process exits. After that GetInstance creates
+/// another one. Any thread may create and release the instance, but no thread may use it while
+/// another one releases it.
 ///
 ///   class Clipboard : public Singleton<Clipboard> { ... };
 ///   Clipboard::GetInstance().Copy(text);
@@ -29,20 +31,24 @@ class Singleton {
   Singleton(const Singleton&) = delete;
   Singleton& operator=(const Singleton&) = delete;
 
-  /// The instance, created if need be. Throws std::bad_alloc when there is no memory for it.
+  /// The instance, which is created if there is none. Throws std::bad_alloc when there is no memory
+  /// for it.
   [[nodiscard]] static T& GetInstance() { return ObtainInstance(); }
-  /// True when there is an instance. Never creates one, and waits for no creation or release.
+  /// True when there is an instance. Never creates one, and does not wait for a thread that creates
+  /// or releases it.
   [[nodiscard]] static bool HasInstance() { return IsInstanceThere(); }
-  /// Deletes the instance, if there is one. Whether it was meant for good is noted.
+  /// Deletes the instance, if there is one. `markReleased` is noted, for callers that mean the
+  /// release for good, but GetInstance creates another instance all the same.
   static void ReleaseInstance(bool markReleased) { EndInstance(markReleased); }
 
  protected:
   Singleton() noexcept = default;
   ~Singleton() = default;
 
-  /// Makes the instance; null when there is no memory. A T with an own way of it hides this.
+  /// Makes the instance, or returns null when there is no memory. A class that is made in another
+  /// way hides this function by its own.
   [[nodiscard]] static T* CreateInstance() { return new (std::nothrow) T; }
-  /// Ends what CreateInstance made; does nothing for null.
+  /// Deletes what CreateInstance made. Does nothing for null.
   static void DeleteInstance(T* instance) { delete instance; }
 
  private:
@@ -52,8 +58,9 @@ class Singleton {
     ThreadLock lock;
   };
 
-  // What the public operations do. A library that owns a singleton specialises those, exported, and
-  // answers with these, so that the instance is its own whichever module asks first.
+  // The public operations call these three functions. A library that owns a singleton specialises
+  // and exports the public operations, and calls these functions in them. Then the instance belongs
+  // to that library, whichever module asks for it first.
 
   static T& ObtainInstance() {
     SingletonData* data = GetSingletonData(true);
@@ -76,10 +83,10 @@ class Singleton {
     DeleteInstance(takeOut());
   }
 
-  /// This module's way to the process-wide entry.
+  /// This module's pointer to the entry that the whole process shares.
   struct Cache {
     std::atomic<SingletonLibrary*> entry{nullptr};
-    /// Null once this module is being unloaded.
+    /// Clears this cache. Null once this module is being unloaded.
     std::atomic<SingletonLibrary::Reset*> reset{nullptr};
   };
   static Cache& ModuleCache() {
@@ -99,7 +106,8 @@ class Singleton {
     return static_cast<SingletonData*>(entry->data.load(std::memory_order_acquire));
   }
 
-  /// Runs a function when this module is unloaded, at the latest at exit.
+  /// A static object of this class calls a function when this module is unloaded, at the latest
+  /// when the process exits.
   template <void (*Run)()>
   struct AtUnload {
     AtUnload() noexcept = default;
@@ -108,7 +116,8 @@ class Singleton {
     ~AtUnload() { Run(); }
   };
 
-  /// Lets the library clear this module's cache, until this module goes.
+  /// Prepares the function by which the library clears this module's cache, and sees to it that the
+  /// library forgets the function when this module is unloaded.
   static bool PrepareReset() {
     const auto clear = [] { ModuleCache().entry.exchange(nullptr, std::memory_order_acq_rel); };
     ModuleCache().reset = new SingletonLibrary::Reset(clear);
@@ -131,7 +140,8 @@ class Singleton {
     entry.data.store(new SingletonData, std::memory_order_release);
   }
 
-  /// The creating module owns the entry from now on: its code must be there for the deletion.
+  /// Makes this module the owner of the entry, since it creates the instance and its code is needed
+  /// to delete the instance.
   static void TakeOver() {
     SingletonLibrary& entry = *ModuleCache().entry.load(std::memory_order_acquire);
     const WriteLock guard(entry.lock);
@@ -169,7 +179,8 @@ class Singleton {
   }
   static void RegisterFinalizer() {
     static const AtUnload<&StaticFinalizer> atUnload;
-    if (HasFinalized()) static_cast<void>(std::atexit(&StaticFinalizer));  // made anew at exit
+    // An instance that is made again during exit comes too late for the static object above.
+    if (HasFinalized()) static_cast<void>(std::atexit(&StaticFinalizer));
   }
   static std::atomic<bool>& HasFinalized() {
     static constinit std::atomic<bool> finalized{false};

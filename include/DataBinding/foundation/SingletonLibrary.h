@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The process-wide bookkeeping of singletons: one entry a type, whichever modules ask for it.
+/// The register of all singletons in a process. Each type has one entry, whichever modules ask for
+/// it. Singleton<T, N> is the only user of this class.
 ///
-/// Entries are keyed by a copy of the type's name, so that they outlive the module that asked
-/// first, and are never freed, so that modules may keep pointers to them. What an entry holds
-/// belongs to the module that last created the instance and is deleted before that module is
-/// unloaded. Any thread; Singleton<T, N> is its one user.
+/// An entry is keyed by a copy of the type's name, so that it outlives the module that asked first.
+/// Entries are never freed, so modules may keep pointers to them. The contents of an entry belong
+/// to the module that last created the instance, and are deleted before that module is unloaded.
+/// The functions may be called on any thread.
 #pragma once
 
 #include <atomic>
@@ -18,32 +19,32 @@ namespace VtrUtils {
 
 class DATABINDING_API SingletonLibrary {
  public:
-  /// Stands for a module: an address in its copy of the code.
+  /// Identifies a module by an address in its copy of the code.
   using Token = unsigned long long;
-  /// Fills an entry that has no contents yet, if `create` says so.
+  /// A function that fills an entry which has no contents yet, if `create` is true.
   using Initialise = void (*)(SingletonLibrary& entry, bool create);
-  /// Makes a module forget its pointer to an entry.
+  /// A function that makes a module forget its pointer to an entry.
   using Reset = basic_safe_function<void()>;
 
-  /// Finds or makes the entry of a type, calls `init` on it and keeps `reset`, where one is given,
-  /// to be run when the entry's contents go away. The caller keeps `reset` alive until
-  /// RemoveCallback.
+  /// Finds or makes the entry of a type and calls `init` for it. If `reset` is given, it is called
+  /// when the contents of the entry are deleted; the caller keeps it alive until RemoveCallback.
   static SingletonLibrary* GetEntryForType(std::type_index type, Initialise init, bool create,
                                            Reset* reset);
-  /// Forgets the reset function whose address is the token.
+  /// Forgets a reset function. The token is the address of that function, not a module's.
   static void RemoveCallback(std::type_index type, Token token);
-  /// Deletes the contents of all entries that belong to a module, while its code is still there.
+  /// Deletes the contents of all entries that belong to a module. The module calls this while its
+  /// code is still loaded.
   static void NotifySingletonModuleUnloaded(Token token);
 
-  /// What `init` fills, under the lock. Data may be looked at without it.
+  /// `init` fills the members below under this lock. `data` may be read without it.
   ThreadLock lock;
   /// The contents, or null.
   std::atomic<void*> data{nullptr};
-  /// Ends the contents; code of the module that the token stands for.
+  /// Deletes the contents. This is code of the module that `moduleToken` identifies.
   void (*deleter)(void* data) = nullptr;
-  /// The module to which the contents belong.
+  /// Identifies the module to which the contents belong.
   Token moduleToken = 0;
-  /// Kept for whoever fills the entry; null otherwise.
+  /// A value that `init` may keep with the entry. Null otherwise.
   void* context = nullptr;
 
   SingletonLibrary(const SingletonLibrary&) = delete;

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The wide string of every name: an immutable, shared, NUL-terminated run of characters.
+/// VtrString is the wide string in which all names are kept. Its characters are shared, never
+/// change, and end with NUL.
 ///
-/// A string is one pointer. Copies share one counted buffer, so copying allocates nothing and
-/// copies may be used on different threads; one string object is not to be written by one thread
+/// A string is one pointer. Copies share one counted buffer, so copying allocates nothing, and
+/// copies may be used on different threads. One string object must not be written by one thread
 /// while another uses it. Changing a string gives it a buffer of its own. The empty string has no
-/// buffer. Lengths are signed 32-bit counts; a longer text throws std::length_error.
+/// buffer. Lengths are signed 32-bit numbers; a longer text throws std::length_error.
 ///
 ///   VtrString name = L"Memory";
 ///   VtrString text;
@@ -46,18 +47,18 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   static_assert(std::same_as<CharT, wchar_t>, "only wide strings are supported");
 
  public:
-  /// What reads a string without owning it.
+  /// The view by which code reads a string without owning it.
   using View = VtrStringViewT<CharT>;
 
   VtrStringT() noexcept = default;
-  /// Copies a NUL-terminated text; null makes the empty string.
+  /// Copies a NUL-terminated text. Null makes the empty string.
   VtrStringT(const CharT* text) : VtrStringT(View(text)) {}
-  /// Copies the characters, which may hold NULs.
+  /// Copies the characters. NULs may be among them.
   ///@{
   VtrStringT(View text) : buffer(details::StringBuffer::Make(text)) {}
   VtrStringT(std::basic_string_view<CharT> text) : VtrStringT(View(text)) {}
   ///@}
-  /// Shares the other's characters; allocates nothing.
+  /// Shares the other's characters, and allocates nothing.
   VtrStringT(const VtrStringT& other) noexcept : buffer(other.buffer) {
     details::StringBuffer::AddRef(buffer);
   }
@@ -65,17 +66,17 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   VtrStringT(VtrStringT&& other) noexcept : buffer(std::exchange(other.buffer, nullptr)) {}
   ~VtrStringT() { details::StringBuffer::Release(buffer); }
 
-  /// By value: copies share, temporaries are taken over.
+  /// Shares the characters of a copied string, or takes those of a temporary over.
   VtrStringT& operator=(VtrStringT other) noexcept {
     std::swap(buffer, other.buffer);
     return *this;
   }
-  /// Appends in a new buffer; other strings that shared the old one keep it.
+  /// Joins both texts in a new buffer. Other strings that share the old buffer do not change.
   VtrStringT& operator+=(const VtrStringT& other) {
     return *this = Adopt(details::StringBuffer::Join(*this, other));
   }
 
-  /// Makes a string of a buffer with one count, which it takes over, or of none.
+  /// Makes a string of a buffer, and takes over one reference to it. Null makes the empty string.
   [[nodiscard]] static VtrStringT Adopt(details::StringBuffer* owned) noexcept {
     VtrStringT made;
     made.buffer = owned;
@@ -85,36 +86,40 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   [[nodiscard]] static VtrStringT FromUtf8(std::string_view text) {
     return Adopt(details::BufferFromUtf8(text));
   }
-  /// Encodes as UTF-8. What is no character (a lone surrogate) becomes U+FFFD.
+  /// Encodes as UTF-8. A unit that is no Unicode character, such as a lone surrogate, becomes
+  /// U+FFFD.
   [[nodiscard]] std::string ToUtf8() const { return details::ToUtf8(*this); }
 
   /// Replaces this string by the formatted text and returns it.
   ///
-  /// The format is printf's: flags, width, precision (both also as `*`), and the conversions
-  /// d i u o x X c s p e E f F g G a A %. Length modifiers are accepted and ignored, since each
-  /// argument's own type is known; `%s` takes a wide string. A conversion that does not fit its
-  /// argument, a missing argument or an unknown conversion throws std::invalid_argument.
+  /// The format is that of printf: flags, width and precision (both also as `*`), and the
+  /// conversions d i u o x X c s p e E f F g G a A %. Length modifiers are accepted and ignored,
+  /// because the type of each argument is known. `%s` takes a wide string. A conversion that does
+  /// not fit its argument, a missing argument, and an unknown conversion throw
+  /// std::invalid_argument.
   template <class... Args>
   VtrStringT& Format(View format, const Args&... args) & {
     const std::array<details::FormatArgument, sizeof...(Args)> list{
         details::FormatArgument(args)...};
     return *this = FormatInternal(format, list);
   }
-  /// The same of a temporary, by value: `const VtrString text = VtrString().Format(...)`.
+  /// Does the same on a temporary: `const VtrString text = VtrString().Format(...)`.
   template <class... Args>
   [[nodiscard]] VtrStringT Format(View format, const Args&... args) && {
     return std::move(this->Format(format, args...));
   }
 
-  /// Negative, 0 or positive, as this string stands before, with or after the other.
+  /// Negative if this string is ordered before the other, 0 if they are equal, positive if it is
+  /// ordered after it.
   [[nodiscard]] int Compare(View other, CompareCase mode = CompareCase::Sensitive) const noexcept {
     return View(*this).Compare(other, mode);
   }
-  /// 0 when the two are equal but for case.
+  /// The same without regard to case.
   [[nodiscard]] int CompareNoCase(View other) const noexcept {
     return View(*this).CompareNoCase(other);
   }
-  /// The characters from a start index to the end: all for a negative start, none past the end.
+  /// The characters from a start index to the end. A negative start gives the whole string, a start
+  /// past the end the empty string.
   [[nodiscard]] VtrStringT Mid(std::int32_t start) const {
     if (start <= 0) return *this;
     if (start >= GetLength()) return VtrStringT();
@@ -122,11 +127,12 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   }
   /// True for length 0.
   [[nodiscard]] bool IsEmpty() const noexcept { return buffer == nullptr; }
-  /// In wchar_t units: UTF-16 on Windows, whole characters elsewhere.
+  /// The length in wchar_t units. A unit is UTF-16 on Windows and a whole character elsewhere.
   [[nodiscard]] std::int32_t GetLength() const noexcept {
     return buffer == nullptr ? 0 : buffer->length;
   }
-  /// SamplingHash of the characters, kept for the next time: for tables keyed by names.
+  /// The SamplingHash of the characters, for tables that are keyed by names. It is computed once
+  /// and kept in the buffer.
   [[nodiscard]] std::uint64_t GetSamplingHash() const noexcept {
     if (buffer == nullptr) return VtrUtils::SamplingHash({});
     const auto known = buffer->hash.load(std::memory_order_relaxed);
@@ -135,18 +141,19 @@ class DATABINDING_SHARED_TYPE VtrStringT {
     buffer->hash.store(computed, std::memory_order_relaxed);
     return computed;
   }
-  /// NUL-terminated; lives as long as this string is neither changed nor destroyed.
+  /// The NUL-terminated characters. The pointer is valid until this string is changed or destroyed.
   operator const CharT*() const noexcept { return Text(); }
-  /// A view that lives as long as this string is neither changed nor destroyed.
+  /// A view of the characters, which is valid until this string is changed or destroyed.
   operator std::basic_string_view<CharT>() const noexcept { return View(*this); }
-  /// A string is neither a condition nor an address, although it converts to a pointer: its pointer
-  /// is never null. Ask IsEmpty. The second conversion makes the way to bool ambiguous, and with it
-  /// `delete`.
+  /// A string cannot be used as a condition: it converts to a pointer that is never null, so the
+  /// condition would always hold. Use IsEmpty. The second deleted conversion makes the implicit one
+  /// to bool ambiguous, and `delete` of a string, too.
   ///@{
   explicit operator bool() const = delete;
   operator const void*() const = delete;
   ///@}
-  /// A number or a character cannot be appended: the pointer must not be moved by it.
+  /// A number or a character cannot be added to a string: it would move the pointer to which the
+  /// string converts.
   ///@{
   template <std::integral Number>
   friend void operator+(const VtrStringT& left, Number right) = delete;
@@ -154,8 +161,8 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   friend void operator+(Number left, const VtrStringT& right) = delete;
   ///@}
 
-  /// Ordinal comparison, case included, by code unit: the order of all tables of names. The other
-  /// side may be any wide text: a literal, a view or a std::wstring.
+  /// Compare by code units, with regard to case. All tables of names are ordered in this way. The
+  /// other side may be any wide text: a literal, a view or a std::wstring.
   ///@{
   friend bool operator==(const VtrStringT& left, const VtrStringT& right) noexcept {
     return left.buffer == right.buffer || View(left) == View(right);
@@ -176,7 +183,7 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   }
   ///@}
 
-  /// Writes the text: as UTF-8 to a narrow stream, as it is to a wide one.
+  /// Writes the text: as UTF-8 to a narrow stream, unchanged to a wide one.
   ///@{
   template <class Traits>
   friend std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
@@ -204,7 +211,7 @@ class DATABINDING_SHARED_TYPE VtrStringT {
 
 using VtrString = VtrStringT<wchar_t>;
 
-/// Joins two texts; strings, views and literals all fit.
+/// Joins two texts, each of which may be a string, a view or a literal.
 [[nodiscard]] inline VtrString operator+(VtrStringView left, VtrStringView right) {
   return VtrString::Adopt(details::StringBuffer::Join(left, right));
 }

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A borrowed run of wide characters with its length: the parameter type of everything that only
-/// reads a name.
+/// VtrStringView refers to wide characters that somebody else owns, and knows their number.
+/// Functions that only read a name take it as a parameter.
 ///
-/// Owns nothing; whoever made it keeps the characters alive. A null pointer makes an empty view.
-/// The characters need not end with NUL. Order and equality are ordinal, by code unit; matching
-/// without regard to case folds each character by Unicode's simple case folding, the same in every
-/// locale.
+/// The code that makes a view has to keep the characters alive. A null pointer makes an empty view.
+/// The characters need not end with NUL.
+///
+/// Views are ordered and compared by code units. A comparison without regard to case folds each
+/// character by Unicode's simple case folding, which is the same in every locale.
 #pragma once
 
 #include <compare>
@@ -27,7 +28,7 @@ static_assert(sizeof(wchar_t) == 4, "names are UTF-32 elsewhere; -fshort-wchar i
 template <class CharT>
 class VtrStringT;
 
-/// How two strings are compared.
+/// Says whether a comparison regards case.
 enum class CompareCase { Sensitive = 0, Insensitive = 1 };
 
 namespace details {
@@ -35,7 +36,7 @@ namespace details {
 /// Throws std::length_error for a length that a signed 32-bit count cannot hold.
 [[nodiscard]] DATABINDING_API std::int32_t CheckedLength(std::size_t length);
 
-/// Compares after simple Unicode case folding: negative, 0 or positive.
+/// Compares after simple Unicode case folding. Returns a negative number, 0 or a positive number.
 [[nodiscard]] DATABINDING_API int CompareFolded(std::wstring_view left,
                                                 std::wstring_view right) noexcept;
 
@@ -45,47 +46,49 @@ template <class CharT>
 class VtrStringViewT {
  public:
   constexpr VtrStringViewT() noexcept = default;
-  /// A NUL-terminated text, or nothing for null.
+  /// Refers to a NUL-terminated text. Null makes an empty view.
   constexpr VtrStringViewT(const CharT* text)
       : VtrStringViewT(text == nullptr ? std::basic_string_view<CharT>()
                                        : std::basic_string_view<CharT>(text)) {}
-  /// So many characters; none for null or a negative count.
+  /// Refers to `length` characters. Null or a negative length makes an empty view.
   constexpr VtrStringViewT(const CharT* text, std::int32_t length) noexcept
       : first(text), count(text == nullptr || length < 0 ? 0 : length) {}
-  /// Throws std::length_error for more than INT32_MAX characters.
+  /// Refers to the characters of a standard view. Throws std::length_error for more than INT32_MAX
+  /// characters.
   constexpr VtrStringViewT(std::basic_string_view<CharT> text)
       : first(text.data()), count(Count(text.size())) {}
-  /// The characters of a string, until that is changed or destroyed.
+  /// Refers to the characters of a string, until that is changed or destroyed.
   VtrStringViewT(const VtrStringT<CharT>& text) noexcept : first(text), count(text.GetLength()) {}
 
-  /// The first character. No NUL need follow the last one.
+  /// A pointer to the first character. There may be no NUL behind the last one.
   [[nodiscard]] constexpr const CharT* GetRawUnterminatedString() const noexcept { return first; }
-  /// In wchar_t units: UTF-16 on Windows, whole characters elsewhere.
+  /// The length in wchar_t units. A unit is UTF-16 on Windows and a whole character elsewhere.
   [[nodiscard]] constexpr std::int32_t GetLength() const noexcept { return count; }
   /// True for length 0.
   [[nodiscard]] constexpr bool IsEmpty() const noexcept { return count == 0; }
-  /// The same characters as the standard's view.
+  /// The same characters as a standard view.
   constexpr operator std::basic_string_view<CharT>() const noexcept {
     return {first, static_cast<std::size_t>(count)};
   }
 
-  /// Negative, 0 or positive, as this view stands before, with or after the other.
+  /// Negative if this view is ordered before the other, 0 if they are equal, positive if it is
+  /// ordered after it.
   [[nodiscard]] int Compare(VtrStringViewT other,
                             CompareCase mode = CompareCase::Sensitive) const noexcept {
     using Standard = std::basic_string_view<CharT>;
     return mode == CompareCase::Sensitive ? Standard(*this).compare(Standard(other))
                                           : details::CompareFolded(*this, other);
   }
-  /// 0 when the two are equal but for case.
+  /// The same without regard to case.
   [[nodiscard]] int CompareNoCase(VtrStringViewT other) const noexcept {
     return Compare(other, CompareCase::Insensitive);
   }
 
-  /// Ordinal, case included.
+  /// True for the same code units.
   friend bool operator==(VtrStringViewT left, VtrStringViewT right) noexcept {
     return left.count == right.count && left.Compare(right) == 0;
   }
-  /// Ordinal, by code unit.
+  /// Orders by code units.
   friend std::strong_ordering operator<=>(VtrStringViewT left, VtrStringViewT right) noexcept {
     return left.Compare(right) <=> 0;
   }

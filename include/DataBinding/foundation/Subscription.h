@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A registration's other end: while it lives the registration stands.
+/// A Subscription stands for the registration of a callback, and ends it.
 ///
-/// Dropping it, assigning another over it or calling Cancel ends the registration, once. It may
-/// outlive what it was registered with. Cancel may run inside the registered callback. On which
-/// thread depends on what was registered: any thread for callbacks of properties, events and binds,
-/// that of the tree for destruction handlers, the delivering one for hooks. One Subscription object
-/// is not to be used by two threads at once. The callback that ends the registration must not
-/// throw.
+/// The registration lasts until the Subscription is destroyed or cancelled, or until another one is
+/// assigned to it. A Subscription may outlive the object with which the callback is registered. It
+/// may be cancelled inside the callback.
 ///
-/// Cancel waits for nobody: an announcement that is under way still runs the callback of a property
-/// once, on this thread or another. CancelAndWait makes an end of that, so that what the callback
-/// uses may be freed when it returns. PauseListening stops a registration for a scope only.
+/// Which thread may cancel depends on what was registered: any thread for callbacks of properties,
+/// events and binds, the thread of the tree for destruction handlers, the delivering thread for
+/// hooks. One Subscription object must not be used by two threads at once. The callback that ends
+/// the registration must not throw.
+///
+/// Cancel does not wait: when the announcement of a property is under way, on this thread or
+/// another, it still runs the callback once. CancelAndWait ensures that it does not, so that what
+/// the callback uses may be freed afterwards. PauseListening stops a registration for a while.
 #pragma once
 
 #include <utility>
@@ -22,11 +24,11 @@ namespace VtrUtils {
 class [[nodiscard]] Subscription {
  public:
   Subscription() noexcept = default;
-  /// Takes what ends the registration.
+  /// Takes the callback that ends the registration.
   explicit Subscription(OneShotCallback<void()> end) noexcept : unsubscribe(std::move(end)) {}
-  /// Takes the registration over and leaves the other inert.
+  /// Takes the registration over and leaves the other Subscription inert.
   Subscription(Subscription&&) noexcept = default;
-  /// Takes the other's registration over, then ends the one that was held.
+  /// Takes the other's registration over, then ends the registration that this object had.
   Subscription& operator=(Subscription&& other) noexcept {
     if (this != &other) {
       auto previous = std::exchange(unsubscribe, std::move(other.unsubscribe));
@@ -38,29 +40,30 @@ class [[nodiscard]] Subscription {
   Subscription& operator=(const Subscription&) = delete;
   ~Subscription() { Cancel(); }
 
-  /// Ends the registration; does nothing on an inert subscription.
+  /// Ends the registration. Does nothing on an inert subscription.
   void Cancel() {
     if (unsubscribe) unsubscribe();
   }
-  /// Ends the registration and returns when no other thread is inside its callback. From then on
-  /// nobody calls it, neither an announcement that is under way; only the calls in which this
-  /// thread is itself go on.
+  /// Ends the registration and returns when no other thread is inside the callback. After that the
+  /// callback is not called any more, not even by an announcement that is under way. Only calls
+  /// that this thread itself is in go on.
   ///
-  /// The caller holds no lock that the callback takes, and the callback does not wait for the
-  /// caller; for an event or a CallbackList that is true of all its listeners, whose walk is waited
-  /// for. On an inert subscription, with one of a hook, and with a callback of one's own that
-  /// ends something, it does what Cancel does.
+  /// The caller must not hold a lock that the callback takes, and the callback must not wait for
+  /// the caller. For an event or a CallbackList this holds for all its listeners, since the whole
+  /// walk is waited for. This does the same as Cancel if the subscription is inert, belongs to a
+  /// hook, or was made with a callback of the user's own.
   void CancelAndWait() {
     if (!unsubscribe) return;
     auto ending = std::move(unsubscribe);
     ending.GetBindState()->Request(details::RegistrationRequest::EndAndWait);
     ending();
   }
-  /// True until cancelled; whether the other side still lives is not asked.
+  /// True until the subscription is cancelled, even if the object with which the callback was
+  /// registered has ended.
   explicit operator bool() const noexcept { return static_cast<bool>(unsubscribe); }
 
-  /// The state that ends the registration and knows requests too. Null on an inert subscription,
-  /// and where a callback of one's own ends something: sharing that would put its end off.
+  /// The state that ends the registration and can also pause it. Null on an inert subscription, and
+  /// for a callback of the user's own: if its state were shared, it would be released too late.
   [[nodiscard]] details::BindStateBase* GetRegistration() const noexcept {
     auto* const state = unsubscribe.GetBindState();
     return state != nullptr && state->IsRegistration() ? state : nullptr;

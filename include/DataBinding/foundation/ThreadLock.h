@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 /// A reader/writer lock with its two scope guards.
 ///
-/// Many readers or one writer. It is not recursive: a thread that holds it, for reading or for
-/// writing, must not take it again. std::shared_mutex where that is native, the slim
-/// reader/writer lock on Windows.
+/// Many readers or one writer hold it at a time. It is not recursive: a thread that holds it, for
+/// reading or for writing, must not take it again. On Windows it is the system's slim reader/writer
+/// lock, because MinGW's std::shared_mutex is slower; elsewhere it is std::shared_mutex.
 #pragma once
 
 #include "DataBinding/Export.h"
@@ -56,7 +56,7 @@ class DATABINDING_THREAD_ANNOTATION(capability("mutex")) ThreadLock {
 #endif
 };
 
-/// Holds the lock with other readers for the guard's scope.
+/// Holds the lock for reading until the end of its scope.
 class DATABINDING_THREAD_ANNOTATION(scoped_lockable) ReadLock {
  public:
   /// Waits while another thread writes. The lock must outlive the guard.
@@ -73,7 +73,7 @@ class DATABINDING_THREAD_ANNOTATION(scoped_lockable) ReadLock {
   ThreadLock& held;
 };
 
-/// Holds the lock alone for the guard's scope.
+/// Holds the lock for writing until the end of its scope.
 class DATABINDING_THREAD_ANNOTATION(scoped_lockable) WriteLock {
  public:
   /// Waits until no other thread reads or writes. The lock must outlive the guard.

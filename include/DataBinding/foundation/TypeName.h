@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Names of types, for messages and for telling types apart across modules.
+/// Functions for the names of types: for messages, and for telling types apart across modules.
 ///
-/// The texts are owned by whoever asks, so that they outlive the module that a type belongs to.
-/// Nothing is kept: each text is allocated anew. Any thread.
+/// The caller owns the returned text, so the text may outlive the module to which the type belongs.
+/// Each call allocates a new text. The functions may be called on any thread.
 ///
 ///   throw std::logic_error("not a " + ReadableTypeName(typeid(T)));
 #pragma once
@@ -16,18 +16,20 @@
 
 namespace VtrUtils {
 
-/// The type as a reader would write it: "void (int)". How a compiler spells a type differs; show
-/// it, do not compare it.
+/// The name of a type as a reader would write it: "void (int)". Compilers spell types differently,
+/// so the name is to be shown and not to be compared.
 [[nodiscard]] DATABINDING_API std::string ReadableTypeName(const std::type_info& type);
 
-/// A text that is the same for one type in all modules, and differs for two types that have
-/// linkage. A name in an anonymous namespace is told apart from the same in another file by where
-/// it stands, and so differs after its module was loaded anew. Not told apart are equally named
-/// types that are local to equally named static functions.
+/// A text that is the same for one type in all modules and different for different types.
+///
+/// A type in an anonymous namespace is identified by its address, too, since another file may have
+/// a type of that name; its text changes when its module is unloaded and loaded again. Two types
+/// get the same text only if they have equal names and are local to static functions with equal
+/// names.
 [[nodiscard]] DATABINDING_API std::string TypeKey(std::type_index type);
 
-/// Tells whether the two are one type, though each may come from a module that has a description
-/// of its own. libc++ compares only where the descriptions lie, other libraries the names, too.
+/// Tells whether two descriptions are of one type, even if they come from different modules. The
+/// names are compared for libc++, which itself compares only the addresses of the descriptions.
 [[nodiscard]] inline bool IsOneType(const std::type_info& one,
                                     const std::type_info& other) noexcept {
 #if defined(_LIBCPP_VERSION)

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Weak pointers: they look at an object without keeping it, and know when it is gone.
+/// Weak pointers refer to an object without keeping it alive, and know when it is gone.
 ///
-/// An object owns a WeakReferenceOwner, most easily through SupportsWeakPtr<T> or a WeakPtrFactory;
-/// every reference taken from it turns invalid when the owner dies. The small shared flag is
-/// allocated when the first reference is taken. References may be copied, asked and dropped on any
-/// thread; using the object behind one is only safe on the thread that ends the object.
+/// The object has a WeakReferenceOwner, most easily by deriving from SupportsWeakPtr<T> or by a
+/// member of type WeakPtrFactory. When the owner is destroyed, every reference that was taken from
+/// it becomes invalid. The owner shares a small flag with its references, which is allocated when
+/// the first reference is taken.
+///
+/// References may be copied, asked and dropped on any thread. The object behind a reference may
+/// only be used on the thread that ends the object.
 ///
 ///   class View : public SupportsWeakPtr<View> { ... };
 ///   RepeatingCallback<void()> redraw = BindWeak(view.AsWeakPtr(), &View::Redraw);
@@ -20,7 +23,7 @@ namespace VtrUtils {
 
 namespace details {
 
-/// Shared by an owner and its references: says whether the owner lives.
+/// The flag that an owner shares with its references. It tells whether the owner lives.
 class WeakFlag;
 
 struct WeakFlagRefCountTraits {
@@ -50,13 +53,13 @@ class WeakReference {
 class DATABINDING_API WeakReferenceOwner {
  public:
   WeakReferenceOwner() noexcept = default;
-  /// Copies of an owning object have references of their own.
+  /// A copy of an owning object does not share the other's references.
   WeakReferenceOwner(const WeakReferenceOwner&) noexcept {}
   WeakReferenceOwner& operator=(const WeakReferenceOwner&) noexcept { return *this; }
   ~WeakReferenceOwner() { Invalidate(); }
 
   [[nodiscard]] WeakReference GetRef() const;
-  /// Ends all references taken so far; later ones are valid again.
+  /// Makes all references invalid that were taken so far. Later ones are valid again.
   void Invalidate() noexcept;
 
  private:
@@ -79,7 +82,7 @@ class WeakPtrBase {
   const void* object = nullptr;
 };
 
-/// Gives an address back the type that it was kept without; T may be const.
+/// Casts an address back to the type that it had before it was kept. T may be const.
 template <class T>
 [[nodiscard]] T* Retyped(const void* address) noexcept {
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
@@ -105,13 +108,13 @@ template <class T>
 class WeakPtr : public details::WeakPtrBase {
  public:
   WeakPtr() noexcept = default;
-  /// Of an owner's reference and the object behind it.
+  /// Refers to `target` for as long as the owner lives.
   WeakPtr(details::WeakReference toOwner, T* target) noexcept
       : WeakPtrBase(std::move(toOwner), target) {}
 
   /// The object, or null once it is gone.
   [[nodiscard]] T* Get() const noexcept { return details::Retyped<T>(GetRaw()); }
-  /// For pointers whose object lives: ask first.
+  /// These may only be used while the object lives.
   ///@{
   T* operator->() const noexcept { return Get(); }
   T& operator*() const noexcept { return *Get(); }
@@ -120,25 +123,26 @@ class WeakPtr : public details::WeakPtrBase {
   explicit operator bool() const noexcept { return IsValid(); }
 };
 
-/// Makes weak pointers to one object; a member of it, declared last so that it ends first.
+/// Makes weak pointers to one object. It is a member of that object, and is declared last so that
+/// the pointers become invalid before the other members end.
 template <class T>
 class WeakPtrFactory : private details::WeakPtrFactoryBase {
  public:
-  /// For the object that holds it: `factory{this}`.
+  /// Takes the object that has the factory as a member: `factory{this}`.
   explicit WeakPtrFactory(T* target) noexcept : WeakPtrFactoryBase(target) {}
   WeakPtrFactory(const WeakPtrFactory&) = delete;
   WeakPtrFactory& operator=(const WeakPtrFactory&) = delete;
-  /// A pointer that turns invalid when the factory ends. Any thread.
+  /// A pointer that becomes invalid when the factory ends. May be called on any thread.
   [[nodiscard]] WeakPtr<T> GetWeakPtr() const { return {GetRef(), details::Retyped<T>(GetRaw())}; }
 };
 
-/// A base that gives a class weak pointers to itself. They end in this base's destructor, that is
-/// after the derived class is gone: a class whose callbacks may run in between calls
-/// InvalidateWeakPtrs first.
+/// A base class that gives out weak pointers to the object. They become invalid in the destructor
+/// of this base, when the derived class is gone already. So a class whose destructor may run
+/// callbacks calls InvalidateWeakPtrs first.
 template <class T>
 class SupportsWeakPtr {
  public:
-  /// A pointer to this object that knows when it ends. Any thread while the object lives.
+  /// A weak pointer to this object. May be called on any thread while the object lives.
   [[nodiscard]] WeakPtr<T> AsWeakPtr() { return {owner.GetRef(), static_cast<T*>(this)}; }
 
  protected:
@@ -146,7 +150,7 @@ class SupportsWeakPtr {
   SupportsWeakPtr(const SupportsWeakPtr&) noexcept = default;
   SupportsWeakPtr& operator=(const SupportsWeakPtr&) noexcept = default;
   ~SupportsWeakPtr() = default;
-  /// Ends the pointers that were taken so far; those that are taken later are valid.
+  /// Makes the pointers invalid that were taken so far. Later ones are valid again.
   void InvalidateWeakPtrs() noexcept { owner.Invalidate(); }
 
  private:

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a callback is made of: a counted state with its functions, and the untyped callback bases.
+/// The parts of a callback: a counted state with its functions, and the base classes of callbacks
+/// that do not know the signature.
 ///
 /// A state holds a target with its bound arguments. Its invoke function takes the state and the
-/// call's arguments and is stored without its type; the callback that holds the state knows the
-/// signature and calls it. A state may answer whether its target is gone. States are counted
-/// atomically; the last reference runs the destroy function on whatever thread drops it.
+/// arguments of the call, and is stored without its type; the callback that holds the state knows
+/// the signature and casts it back. A state may be able to tell whether its target is gone. The
+/// references to a state are counted atomically. The last release runs the destroy function, on the
+/// thread that releases.
 #pragma once
 
 #include <atomic>
@@ -28,7 +30,7 @@ struct BindStateBaseRefCountTraits {
   static void Destroy(const BindStateBase* state);
 };
 
-/// The requests that a registration answers.
+/// The requests that can be made to the state of a registration.
 enum class RegistrationRequest { End, EndAndWait, Pause, Resume };
 
 class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTraits> {
@@ -58,11 +60,12 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   [[nodiscard]] bool MaybeValid() const {
     return query == nullptr || query(this, CancellationQueryMode::MaybeValid);
   }
-  /// MakeCalls of the module that the state comes from; null for a state with another signature.
+  /// The copy of MakeCalls in the module that the state comes from. Null if the signature of the
+  /// state is not void().
   [[nodiscard]] CallLoop Loop() const noexcept { return isRegistration ? nullptr : loop; }
-  /// True for a state that ends a registration and knows requests: see RegistrationState.
+  /// True for a state that ends a registration and handles requests: see RegistrationState.
   [[nodiscard]] bool IsRegistration() const noexcept { return isRegistration; }
-  /// Asks a state that ends a registration. Others do nothing.
+  /// Makes a request to the state of a registration. Other states do nothing.
   void Request(RegistrationRequest request) const {
     if (isRegistration) handler(this, request);
   }
@@ -72,10 +75,10 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   }
 
  protected:
-  /// Lets a typed callback recognise a state of its own signature.
+  /// Notes the signature, by which a typed callback tells whether the state fits.
   void SetSignature(const std::type_info& type) noexcept { signature = &type; }
   void SetLoop(CallLoop ofModule) noexcept { loop = ofModule; }
-  /// Makes it a state that ends a registration.
+  /// Turns this into the state of a registration.
   void SetRequestHandler(RequestHandler onRequest) noexcept {
     isRegistration = true;
     handler = onRequest;
@@ -84,7 +87,7 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
  private:
   friend BindStateBaseRefCountTraits;
 
-  bool isRegistration = false;  // stands in the gap behind the count
+  bool isRegistration = false;  // declared first because it fits into the gap behind the count
 
   InvokeFunction invoke;
   DestroyFunction destroy;
@@ -100,7 +103,8 @@ inline void BindStateBaseRefCountTraits::Destroy(const BindStateBase* state) {
   state->destroy(state);
 }
 
-/// One call of a callback without arguments, taken apart: what a list of listeners is made of.
+/// The function and the state that make up one call of a callback without arguments. A list of
+/// listeners is an array of these.
 struct DirectCall {
   using Function = void (*)(const BindStateBase* state);
 
@@ -115,27 +119,28 @@ struct DirectCall {
   }
   ~DirectCall() = default;
 
-  /// Exchanged for a function that does nothing while another thread may make the call.
+  /// Another thread may replace this by a function that does nothing, while the call is made.
   std::atomic<Function> run;
   const BindStateBase* state;
 };
 
-/// Makes the calls from `*next` to `end`, at least one, counting on before each, so that one which
-/// throws counts as made and other threads see which one is under way. Processors reach a function
-/// in the same module faster than one in another: a state therefore names the copy of its own
-/// module.
+/// Makes the calls from `*next` to `end`; there must be at least one. `*next` is increased before
+/// each call, so that a call which throws counts as made, and other threads see which call is under
+/// way. A processor reaches a function in the same module faster than one in another module, so
+/// each module has its own copy of this function, and a state names the copy of its module.
 DATABINDING_MODULE_LOCAL DATABINDING_HOT_LOOP inline void MakeCalls(
     const DirectCall* calls, std::atomic<std::uint32_t>* next, std::uint32_t end) {
   std::size_t i = next->load(std::memory_order_relaxed);
-  do {  // a check before the loop would push that across two cache lines
+  do {  // with a check before it, this loop would lie across two cache lines
     const DirectCall& call = calls[i];
     next->store(static_cast<std::uint32_t>(++i), std::memory_order_release);
-    std::atomic_signal_fence(std::memory_order_seq_cst);  // the count first, then the look at it
+    // The position is stored before the function is loaded: see ReaderRecord::FenceOthers.
+    std::atomic_signal_fence(std::memory_order_seq_cst);
     call.run.load(std::memory_order_relaxed)(call.state);
   } while (i < end);
 }
 
-/// A callback without its signature: owns one reference to a state, or none.
+/// A callback whose signature is not known. It owns one reference to a state, or none.
 class OneShotCallbackBase {
  public:
   explicit OneShotCallbackBase(comlike_ptr<BindStateBase> adopted) noexcept
@@ -146,7 +151,7 @@ class OneShotCallbackBase {
 
   /// False for a null callback.
   explicit operator bool() const noexcept { return static_cast<bool>(state); }
-  /// The function to call with the state; null for a null callback.
+  /// The function that is called with the state. Null for a null callback.
   [[nodiscard]] BindStateBase::InvokeFunction polymorphic_invoke() const noexcept {
     return state ? state->Invoke() : nullptr;
   }
@@ -168,11 +173,11 @@ class RepeatingCallbackBase;
 
 }  // namespace details
 
-/// A copyable holder of a repeating callback's state without its signature.
+/// Holds a repeating callback whose signature is not known. It can be copied.
 class RepeatingCallbackMemento {
  public:
   RepeatingCallbackMemento() noexcept = default;
-  /// True when it holds no callback, so that one made from it would be null.
+  /// True when the memento holds no callback.
   [[nodiscard]] bool IsEmpty() const noexcept { return !state; }
 
  private:
@@ -183,7 +188,7 @@ class RepeatingCallbackMemento {
 
 namespace details {
 
-/// A callback that may be copied and run many times; copies share one state.
+/// A callback that may be copied and run many times. Copies share one state.
 class RepeatingCallbackBase : public OneShotCallbackBase {
  public:
   RepeatingCallbackBase() noexcept = default;
@@ -199,7 +204,7 @@ class RepeatingCallbackBase : public OneShotCallbackBase {
     memento.state = state;
     return memento;
   }
-  /// Shares the memento's state; an empty one makes the callback null.
+  /// Shares the memento's state. An empty memento makes the callback null.
   void SetMemento(const RepeatingCallbackMemento& memento) noexcept { state = memento.state; }
 };
 

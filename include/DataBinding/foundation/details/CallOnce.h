@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A callback that is called once at most and ends its registration when it has been: what
-/// RegisterOnce and its like are made of.
+/// CallOnce registers a callback that is called once at most, and whose registration ends after the
+/// call. RegisterOnce and its like use it.
 ///
-/// It may be registered with whatever gives the library's own subscriptions and may be called on
-/// several threads at once, nested and even before the registration has returned: the first call
-/// counts. The callable ends before the registration does, so that who waits for the registration
-/// waits for both.
+/// It works with everything that gives the library's own subscriptions. The callback may be called
+/// on several threads at once, nested, and even before the registration has returned: only the
+/// first call is made. The callable ends before the registration does, so that a thread which waits
+/// for the end of the registration waits for both.
 #pragma once
 
 #include <atomic>
@@ -37,7 +37,8 @@ class OnceState {
  private:
   enum : unsigned { Called = 1, Registered = 2 };
 
-  /// Ends the registration when both have happened; on whichever thread the second does.
+  /// Ends the registration once the callback has been called and the registration is known. Each
+  /// may happen first; the thread on which the second one happens ends it.
   void HaveHappened(unsigned event) {
     if ((events.fetch_or(event) | event) != (Called | Registered)) return;
     if (registration) registration->Request(RegistrationRequest::End);
@@ -49,7 +50,8 @@ class OnceState {
   std::atomic<unsigned> events{0};
 };
 
-/// Registers by a function that takes a callback and gives its Subscription, which is returned.
+/// Wraps the callback, registers it by `registerCallback`, and returns the Subscription that this
+/// gives.
 template <class... Args, class Register>
 Subscription CallOnce(OneShotCallback<void(Args...)> callback, Register registerCallback) {
   const auto once = std::make_shared<OnceState<Args...>>(std::move(callback));

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Lets a thread's cancellation through a catch block that would hold everything back.
+/// A macro that lets the cancellation of a thread through a catch block which catches everything.
 ///
-/// On glibc pthread_cancel and pthread_exit unwind the thread as an exception that must go on;
-/// whoever swallows it ends the process. libc++ has no name for that exception, so a cancellation
-/// that reaches such a block ends the process there. Write the macro between a try block and its
+/// On glibc, pthread_cancel and pthread_exit unwind the thread by an exception. Code that swallows
+/// this exception ends the process. libc++ has no name for it, so with libc++ a cancellation that
+/// reaches such a catch block ends the process. Write the macro between a try block and its
 /// catch (...):
 ///
 ///   try { Run(); } DATABINDING_PASS_CANCELLATION catch (...) { Note(); }
@@ -18,7 +18,8 @@
   catch (const abi::__forced_unwind&) { \
     throw;                              \
   }
-/// For a function with such a catch: it binds a reference to nothing, as the runtime means it.
+/// Marks a function that uses the macro above. The runtime deliberately throws the exception of a
+/// cancellation without an object, and the sanitizer would report the null reference in the catch.
 #define DATABINDING_CATCHES_CANCELLATION __attribute__((no_sanitize("null")))
 #else
 #define DATABINDING_PASS_CANCELLATION

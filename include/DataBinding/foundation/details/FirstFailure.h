@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Runs the steps of a tear-down to the end, whatever they throw, and keeps the first exception.
+/// Runs steps that must all be done, such as those of a tear-down, and keeps the first exception
+/// that one of them throws.
 ///
-/// Allocates nothing of its own. Owns the exception that it keeps. For one thread.
+/// It owns that exception and allocates nothing itself. One object serves one thread.
 ///
 ///   FirstFailure failure;
 ///   for (auto& part : parts) failure.Try([&] { part.End(); });
@@ -16,7 +17,7 @@ namespace VtrUtils {
 
 class FirstFailure {
  public:
-  /// Runs a step. A thread's cancellation goes through.
+  /// Runs a step and catches what it throws, except for the cancellation of the thread.
   template <class Step>
   DATABINDING_CATCHES_CANCELLATION void Try(Step step) {
     try {
@@ -26,7 +27,7 @@ class FirstFailure {
       if (first == nullptr) first = std::current_exception();
     }
   }
-  /// Throws what the first step that failed threw; does nothing when none failed.
+  /// Throws the first exception again. Does nothing if no step has failed.
   void Rethrow() const {
     if (first != nullptr) std::rethrow_exception(first);
   }

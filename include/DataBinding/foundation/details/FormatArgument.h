@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// One argument of a formatted string, with its kind.
+/// One argument of VtrString::Format together with its kind.
 ///
-/// Made implicitly from arithmetic values, enumerations, pointers and wide texts. Since the kind
-/// travels with the value, a format can be checked against it and never reads a wrong type. Holds
-/// texts and pointers as they are: it lives no longer than the call that it is made for.
+/// It is made implicitly from arithmetic values, enumerations, pointers and wide texts. Since the
+/// kind is known, a conversion can be checked against it, and a value is never read as another
+/// type. A text is not copied, so the argument must not outlive the call that it is made for.
 #pragma once
 
 #include <concepts>
@@ -18,7 +18,8 @@ namespace VtrPlatform::details {
 
 class FormatArgument {
  public:
-  /// A whole number, for conversions with and without a sign: an int of -1 prints as 32 set bits.
+  /// A whole number, in both forms for conversions with and without a sign. The form without a sign
+  /// keeps the width of the argument's type: an int of -1 has 32 set bits.
   struct Integer {
     long long asSigned;
     unsigned long long asUnsigned;

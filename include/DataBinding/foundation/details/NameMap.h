@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Values by name, found in constant time however many there are, in no order.
+/// NameMap holds values by name, in no particular order, and finds one in constant time.
 ///
-/// Names are told apart exactly, case included, and hashed by all their characters, so that names
-/// which differ in few places do not meet. A map is asked by any kind of text; asking makes no
-/// string. Iterators end when the map grows; keys and values stay where they are.
+/// Names are compared exactly, with regard to case, and hashed by all their characters, so that
+/// names which differ in few places do not collide. Any kind of text can be looked up, and no
+/// string is made for that. When the map grows, its iterators become invalid, but its keys and
+/// values stay where they are.
 ///
 ///   NameMap<int> counts;
 ///   ++counts[name];
@@ -22,30 +23,30 @@ namespace VtrUtils {
 struct NameHash {
   /// Lets a map be asked without making a string.
   using is_transparent = void;
-  /// Deliberately not noexcept: libstdc++ keeps the hashes beside the names then, and need not read
-  /// the names themselves of those that a search passes.
+  /// Deliberately not noexcept: in that case libstdc++ keeps the hash in each node, and a search
+  /// need not read the names of the nodes that it passes.
   [[nodiscard]] std::size_t operator()(VtrPlatform::VtrStringView name) const {
     return std::hash<VtrPlatform::VtrStringView>()(name);
   }
 };
 
-/// Tells names apart exactly, whatever kinds of text hold them.
+/// Compares names exactly, whatever kinds of text hold them.
 struct NameEqual {
   /// Lets a map be asked without making a string.
   using is_transparent = void;
-  /// True for the same characters, case included.
+  /// True for the same characters, with regard to case.
   [[nodiscard]] bool operator()(VtrPlatform::VtrStringView left,
                                 VtrPlatform::VtrStringView right) const noexcept {
     return left == right;
   }
 };
 
-/// Nodes are made before they are filed where filing must not fail: see ReserveOneMore.
+/// Where an insertion must not fail, the node is made beforehand: see ReserveOneMore.
 template <class Value>
 using NameMap = std::unordered_map<VtrPlatform::VtrString, Value, NameHash, NameEqual>;
 
-/// Makes room for one more, so that inserting a node cannot fail. `promised` counts those for which
-/// room was made that are not inserted yet.
+/// Makes room for one node more, so that inserting it cannot fail. `promised` is the number of
+/// nodes for which room was made before and that are not inserted yet.
 template <class Value>
 void ReserveOneMore(NameMap<Value>& map, std::size_t promised = 0) {
   const double room = static_cast<double>(map.bucket_count()) * map.max_load_factor();

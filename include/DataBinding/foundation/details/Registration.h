@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the library's own subscriptions hold: the state of the callback that ends a registration,
-/// which can pause the registration and wait for its callback, too.
+/// The state that the library's own subscriptions hold. It ends a registration, and can also pause
+/// the registration and wait for its callback.
 ///
-/// It is told what to do by a request, through a function in the state, so that a Subscription need
-/// not know what it is a registration with. A callback of somebody's own that ends something knows
-/// no requests: nothing happens then.
+/// A request tells the state which of these to do. The state has a function for requests, so that a
+/// Subscription need not know with what the callback is registered. A callback of the user's own
+/// that ends something has no such function, and requests to it do nothing.
 #pragma once
 
 #include <chrono>
@@ -15,8 +15,8 @@
 
 namespace VtrUtils::details {
 
-/// Waits for other threads until the question is answered with false. A wait that lasts leaves the
-/// processor to them.
+/// Waits until the question is answered with false. A wait that takes long sleeps between the
+/// questions, to leave the processor to the other threads.
 template <class Question>
 void WaitWhile(Question question) {
   for (std::uint32_t round = 0; question(); ++round) {
@@ -28,9 +28,10 @@ void WaitWhile(Question question) {
   }
 }
 
-/// The base of such a state. Derived ends the registration in End(), once or more often, tells in
-/// IsGone() whether there is nothing left to end, and handles the requests in EndAndWait(), Pause()
-/// and Resume(). Pauses count. Each of them may run when the registration has ended already.
+/// The base class of such a state. `Derived` has these functions: End() ends the registration;
+/// IsGone() tells whether there is nothing left to end; EndAndWait(), Pause() and Resume() handle
+/// the requests. Pauses are counted. Each function may be called when the registration has ended
+/// already, and End() more than once.
 template <class Derived>
 class RegistrationState : public BindStateBase {
  protected:

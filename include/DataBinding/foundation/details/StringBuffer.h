@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The shared storage of a wide string: a count of owners, a length and a hash, then the
-/// characters.
+/// The storage that copies of a wide string share: a reference count, a length and a hash, and
+/// behind them the characters, all in one allocation.
 ///
-/// One allocation holds them all. The count is atomic, so owners may live on different threads; the
-/// characters never change once a second owner exists. The hash is computed when it is first asked
-/// for. A null pointer stands for the empty string in every operation here.
+/// The count is atomic, so the owners may be on different threads. The characters do not change
+/// once there is a second owner. The hash is computed when it is first asked for. In every
+/// operation here a null pointer stands for the empty string.
 #pragma once
 
 #include <atomic>
@@ -27,7 +27,8 @@ struct StringBuffer {
 
   [[nodiscard]] wchar_t* Text() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
 
-  /// A buffer for so many characters, NUL-terminated, the rest still to be written; null for 0.
+  /// A buffer for `length` characters, which the caller still has to write. The NUL behind them is
+  /// written already. Null for 0 characters.
   [[nodiscard]] static StringBuffer* Allocate(std::size_t length) {
     const std::int32_t count = CheckedLength(length);
     if (count == 0) return nullptr;
