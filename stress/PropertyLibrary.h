@@ -62,7 +62,10 @@ class PropertyLibrary : public Player<PropertyLibrary> {
     if (source == nullptr || batches[At(slot)] != nullptr) return;
     batches[At(slot)] = std::make_unique<PropertyBatch>(*source);
   }
-  void CloseBatch(int slot, int, int) { std::exchange(batches[At(slot)], nullptr); }
+  void CloseBatch(int slot, int, int) {
+    const auto closed = std::exchange(batches[At(slot)], nullptr);
+    if (closed != nullptr && slot == 0) closed->Commit();
+  }
   void Watch(int which, int chosen, int property) {
     if (auto* source = Choose(chosen)) {
       watches[At(which)] = source->Register(Callback("called", which), memberNames[property]);

@@ -59,10 +59,11 @@ void WriteOut(IDataSource* source) {
 }
 
 void Resize(Room& room) {
-  const PropertyBatch batch(room);
+  PropertyBatch batch(room);
   room.width.Set(7);
   room.length.Set(8);
-}  // Width, Length and Area are announced here, once each
+  batch.Commit();  // Width, Length and Area are announced here, once each
+}
 
 int main() {
   const DataSourcePtr<Room> room = MakeDataSource<Room>(nullptr);

@@ -2,6 +2,7 @@
 #include "DataBinding/property/PropertyBatch.h"
 
 #include <exception>
+#include <utility>
 
 #include "DataBinding/foundation/details/FirstFailure.h"
 #include "PropertyAnnouncement.h"
@@ -16,15 +17,20 @@ PropertyBatch::PropertyBatch(DataSourceImpl& changingSource)
 }
 
 PropertyBatch::~PropertyBatch() noexcept(false) {
+  if (std::uncaught_exceptions() == uncaughtBefore) {
+    Commit();
+  } else {
+    FirstFailure dropped;  // another exception is leaving the scope already
+    dropped.Try([&] { Commit(); });
+  }
+}
+
+void PropertyBatch::Commit() {
+  if (!std::exchange(isOpen, false)) return;
   if (liveness.IsValid() && !details::DataSourceAccess::Changes(source).Close()) return;
   details::PropertyAnnouncement announcement;
   if (liveness.IsValid()) announcement.Take(details::DataSourceAccess::Changes(source));
-  if (std::uncaught_exceptions() == uncaughtBefore) {
-    announcement.Run();
-  } else {
-    FirstFailure dropped;  // another exception is leaving the scope already
-    dropped.Try([&] { announcement.Run(); });
-  }
+  announcement.Run();
 }
 
 }  // namespace DataBinding

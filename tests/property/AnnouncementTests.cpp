@@ -157,5 +157,28 @@ TEST_F(AnnouncementTest, ExceptionThatEndsABatchGoesOnWhateverUpdateListenersThr
   EXPECT_EQ(Log(), "i");
 }
 
+TEST_F(AnnouncementTest, CommitThrowsWhatUpdateListenersThrows) {
+  Watch('i', *input);
+  input->throws = true;
+  PropertyBatch batch(*input);
+  input->V.Set(1);
+
+  EXPECT_THROW(batch.Commit(), VtrString);
+
+  EXPECT_EQ(Log(), "i");
+}
+
+TEST_F(AnnouncementTest, SecondCommitOfABatchLeavesTheOuterOneOpen) {
+  Watch('i', *input);
+  const PropertyBatch outer(*input);
+  PropertyBatch inner(*input);
+
+  inner.Commit();
+  inner.Commit();
+  input->V.Set(1);
+
+  EXPECT_EQ(Log(), "");
+}
+
 }  // namespace
 }  // namespace DataBinding
