@@ -68,6 +68,7 @@ class Exchange {
   void DeliverIfWoken() {
     if (!isWoken.exchange(false)) return std::this_thread::yield();
     inBatch = {};
+    IAppEventBroadcaster::GetInstance().DropEvents(L"NotRaised");
     for (auto& passed : passedOn) {
       auto* const made = new Subscription(counted.Subscribe([](std::size_t, int) {}));
       delete passed.exchange(made);

@@ -21,7 +21,7 @@ class EventCleanups : public Events {
   PolicyEventBroadcaster* const target = &*broadcaster;
 };
 
-TEST_F(EventCleanups, MayThrowAndAddAndRemoveOthers) {
+TEST_F(EventCleanups, MayChangeTheOthersBeforeTheyThrow) {
   const auto weak = broadcaster->GetWeakPtr();
   for (const std::size_t owner : {1u, 2u}) Add(owner);
   Add(0, [&] {
@@ -31,8 +31,10 @@ TEST_F(EventCleanups, MayThrowAndAddAndRemoveOthers) {
     Add(3);
     throw std::runtime_error("cleanup");
   });
+
   broadcaster->AddCleanupCallback(&owners[1], [this] { log += "second of its owner"; });
   broadcaster.reset();
+
   EXPECT_FALSE(weak);
   EXPECT_EQ(log, "013");
 }
@@ -68,12 +70,14 @@ class EventHooks : public Events {
 
 TEST_F(EventHooks, LastAsLongAsTheirSubscriptionsWhichMayOutliveTheBroadcaster) {
   EXPECT_FALSE(events().AddEventHook(nullptr));
+
   const auto note = [this](const VtrString& name, const auto&) { log += name.ToUtf8(); };
   Subscription seen = events().AddEventHook(note);
   closed.Send();
   seen.Cancel();
   closed.Send();
   EXPECT_EQ(Notes(), "Closed");
+
   seen = events().AddEventHook(note);
   IAppEventBroadcaster::ReleaseInstance(false);
   const Subscription next = events().AddEventHook(note);
@@ -107,18 +111,23 @@ TEST_F(EventHooks, MayEndTogetherWithTheNextOne) {
     log += '1';
     own.Cancel();
   });
+
   *next = events().AddEventHook([this](const auto&, const auto&) { log += '2'; });
   next.reset();
   closed.Send();
+
   EXPECT_EQ(Notes(), "1");
 }
 
 TEST_F(EventHooks, SeeAllArgumentsInOrderAfterTheListeners) {
   const AppEvent<double, int> drawn(L"Drawn");
   const auto heard = drawn.Subscribe([&](const auto&, const auto&) { log += 'a'; });
+
   events().RegisterEventHook({});
   for (Hook* hook : {&first, &second}) events().RegisterEventHook(hook->Delegate());
+
   EXPECT_EQ(events().UnregisterEventHooks(nullptr), 0) << "they have no owner";
+
   drawn.Send(0.5, 7);
   EXPECT_EQ(log, "a12");
   EXPECT_EQ(second.seen, L"Drawn!");
@@ -133,6 +142,7 @@ TEST_F(EventHooks, MayReleaseTheBroadcaster) {
   };
   for (Hook* hook : {&first, &second}) events().RegisterEventHook(hook->Delegate());
   closed.Send();
+
   EXPECT_EQ(Notes(), "1");
   EXPECT_FALSE(IAppEventBroadcaster::HasInstance());
 }

@@ -25,16 +25,20 @@ class ModuleBoundary : public testing::Test {
   IDataSource* gauge = nullptr;
 };
 
-TEST_F(ModuleBoundary, SourceOfOneModuleIsSetAndReadByNameInAnother) {
+TEST_F(ModuleBoundary, SourceOfOneModuleIsUsedByNameInAnother) {
   EXPECT_TRUE(SetLevelInView(gauge, 7).changed);
   EXPECT_EQ(ReadLastInView(gauge), (Reading{7, L"bar"}));
   EXPECT_EQ(*GetProperty<Reading>(gauge, L"Last"), (Reading{7, L"bar"}));
+}
+
+TEST_F(ModuleBoundary, ExceptionOfOneModuleIsCaughtInAnother) {
   EXPECT_TRUE(ViewCatchesUnknownSource(root()));
 }
 
-TEST_F(ModuleBoundary, UnloadedPluginTakesItsSourcesAlongAndLeavesTheHostItsListener) {
+TEST_F(ModuleBoundary, UnloadedPluginTakesNothingAlongButItsOwn) {
   int heard = 0;
   Subscription ofHost;
+
   {
     const Plugin plugin;
     plugin->start(gauge);
@@ -45,28 +49,33 @@ TEST_F(ModuleBoundary, UnloadedPluginTakesItsSourcesAlongAndLeavesTheHostItsList
     plugin->stop();
     EXPECT_EQ(root().GetDataSource(L"FromPlugin"), nullptr);
   }
+
   ASSERT_FALSE(Plugin::IsLoaded());
+
   SetLevelInView(gauge, 2);
   EXPECT_EQ(heard, 2);
 }
 
-TEST_F(ModuleBoundary, PluginsThrowingListenerIsSkippedAndItsSubscriptionHeldByTheHost) {
+TEST_F(ModuleBoundary, HostMayHoldTheSubscriptionOfAPluginsThrowingListener) {
   const Plugin plugin;
   auto subscription = plugin->subscribe(gauge);
   int last = 0;
   const auto after = gauge->Register([&] { ++last; }, L"Level");
+
   SetLevelInView(gauge, 3);
   SetLevelInView(gauge, 4);
+
   EXPECT_EQ(plugin->meter().count, 2);
   EXPECT_EQ(last, 2);
+
   subscription.Cancel();
   SetLevelInView(gauge, 5);
   EXPECT_EQ(plugin->meter().count, 2);
+
   Meter::ReleaseInstance(false);
 }
 
-TEST_F(ModuleBoundary, SingletonIsOneForAllModulesAndGoesWithTheModuleThatMadeIt) {
-  EXPECT_FALSE(Meter::HasInstance());
+TEST_F(ModuleBoundary, SingletonIsOneForAllModules) {
   {
     const Plugin plugin;
     EXPECT_EQ(&plugin->meter(), &Meter::GetInstance());
@@ -75,12 +84,18 @@ TEST_F(ModuleBoundary, SingletonIsOneForAllModulesAndGoesWithTheModuleThatMadeIt
     const Meter* made = &Meter::GetInstance();
     EXPECT_EQ(&plugin->meter(), made);
   }
+
   EXPECT_TRUE(Meter::HasInstance()) << "made anew by this module, it outlives the plug-in";
   Meter::ReleaseInstance(false);
+}
+
+TEST_F(ModuleBoundary, SingletonGoesWithTheModuleThatMadeIt) {
+  EXPECT_FALSE(Meter::HasInstance());
   {
     const Plugin plugin;
     plugin->meter().count = 5;
   }
+
   EXPECT_FALSE(Plugin::IsLoaded());
   EXPECT_FALSE(Meter::HasInstance());
   EXPECT_EQ(Meter::GetInstance().count, 0);

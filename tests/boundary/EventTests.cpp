@@ -26,13 +26,15 @@ class EventBoundary : public testing::Test {
   std::string heard;
 };
 
-TEST_F(EventBoundary, SingletonsOfTheLibraryAreOneForAllAndDoNotGoWithThePluginThatAskedFirst) {
+TEST_F(EventBoundary, SingletonsOfTheLibraryOutliveThePluginThatAskedFirst) {
   const IAppEventBroadcaster* made = nullptr;
+
   {
     const Plugin plugin;
     made = &plugin->events.broadcaster();
     EXPECT_EQ(&plugin->events.registrar(), &RegistrarOfView());
   }
+
   EXPECT_FALSE(Plugin::IsLoaded());
   ASSERT_TRUE(IAppEventBroadcaster::HasInstance() && WAppEventRegistrar::HasInstance());
   EXPECT_EQ(&events(), made);
@@ -42,14 +44,17 @@ TEST_F(EventBoundary, SingletonsOfTheLibraryAreOneForAllAndDoNotGoWithThePluginT
 
 TEST_F(EventBoundary, SecondSignatureOfANameIsRefusedWhicheverModuleComesSecond) {
   AppEvent<int>(L"FirstInHost").Raise(1);
+
   {
     const Plugin plugin;
     const std::string text = plugin->events.use(L"FirstInHost");
     EXPECT_NE(text.find("(Boundary::Reading), but was first used with void (int)"), text.npos);
     EXPECT_EQ(plugin->events.use(L"FirstInPlugin"), "");
   }
+
   EXPECT_FALSE(Plugin::IsLoaded());
   EXPECT_THROW(AppEvent<int>(L"FirstInPlugin").Raise(1), std::logic_error);
+
   AppEvent<Reading>(L"FirstInPlugin").Raise({});
 }
 
@@ -63,9 +68,10 @@ TEST_F(EventBoundary, TypesOfOneNameInTwoUnnamedNamespacesAreTwoSignatures) {
   EXPECT_THROW(AppEvent<Unnamed>(L"OfUnnamedInPlugin").Raise({}), std::logic_error);
 }
 
-TEST_F(EventBoundary, EventsPassBetweenModulesAndAPluginTakesAllOfItsOwnAlong) {
+TEST_F(EventBoundary, EventsPassBetweenModulesUntilAPluginTakesItsOwnAlong) {
   const auto local =
       read.Subscribe([this](const Reading& reading) { heard += reading.unit.ToUtf8(); });
+
   {
     const Plugin plugin;
     auto remote = plugin->events.listen(heard);
@@ -84,6 +90,7 @@ TEST_F(EventBoundary, EventsPassBetweenModulesAndAPluginTakesAllOfItsOwnAlong) {
   }
   EXPECT_FALSE(Plugin::IsLoaded());
   EXPECT_FALSE(events().HasPendingEvents() || events().AnyPendingDisableEvents(read.Name()));
+
   read.Raise({4, L"host"});
   events().EnableEvent(read.Name(), true);
   EXPECT_EQ(Dispatched(), "host");

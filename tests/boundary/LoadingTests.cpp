@@ -16,7 +16,7 @@ void ExpectLibraryIsGone() {
 #endif
 }
 
-TEST(LoadedLibrary, IsLetGoTimeAndAgainWhileItsSingletonsAreAlive) {
+TEST(LoadedLibrary, IsLetGoRepeatedlyWhileItsSingletonsAreAlive) {
   for (int round = 0; round < 3; ++round) {
     {
       const LoadedModule library(BOUNDARY_LIBRARY);
@@ -33,7 +33,7 @@ TEST(LoadedLibrary, IsLetGoTimeAndAgainWhileItsSingletonsAreAlive) {
   }
 }
 
-TEST(LoadedPlugin, LeavesSourcesListenersAndEventsAliveAndIsUnloadedTimeAndAgain) {
+TEST(LoadedPlugin, IsUnloadedRepeatedlyWhileItsObjectsAreAlive) {
   for (int round = 0; round < 3; ++round) {
     {
       const LoadedModule library(BOUNDARY_LIBRARY);  // before the plug-in: see cmake/exports.map

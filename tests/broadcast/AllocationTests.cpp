@@ -18,6 +18,7 @@ std::int64_t AllocationsOf(Action action) {
 
 TEST(BroadcasterMemory, OneThatNobodyListensToCostsTwoPointers) {
   const VtrString name = L"A";
+
   EXPECT_EQ(sizeof(IBroadcaster), 2 * sizeof(void*));
   EXPECT_EQ(AllocationsOf([&] {
               const IBroadcaster& unused = Notifier();
@@ -27,7 +28,7 @@ TEST(BroadcasterMemory, OneThatNobodyListensToCostsTwoPointers) {
             0);
 }
 
-TEST(BroadcasterMemory, AnnouncingAndCancellingAllocateNothing) {
+TEST(BroadcasterMemory, AnnouncingAllocatesNothingNorDoesCancelling) {
   Notifier notifier;
   const VtrString name = L"A";
   int runs = 0;
@@ -35,7 +36,9 @@ TEST(BroadcasterMemory, AnnouncingAndCancellingAllocateNothing) {
   auto cancelled = notifier.Register([&runs] { ++runs; }, name);
   self = notifier.Register([&] { self.Cancel(); }, name);
   const auto kept = notifier.Register([&runs] { ++runs; }, name);
+
   notifier.UpdateListeners(L"first use on this thread");
+
   EXPECT_EQ(AllocationsOf([&] {
               notifier.UpdateListeners(name);
               cancelled.Cancel();
@@ -45,14 +48,16 @@ TEST(BroadcasterMemory, AnnouncingAndCancellingAllocateNothing) {
   EXPECT_EQ(runs, 3);
 }
 
-TEST(BroadcasterMemory, ThreadsThatComeAndGoLeaveNothingBehind) {
+TEST(BroadcasterMemory, ThreadsThatEndLeaveNothingBehind) {
   Notifier notifier;
   const VtrString name = L"A";
   std::int64_t allocations = 0;
   const auto listener = notifier.Register([] {}, name);
+
   for (int i = 0; i < 40; ++i) {
     std::jthread([&] { allocations += AllocationsOf([&] { notifier.UpdateListeners(name); }); });
   }
+
   EXPECT_EQ(allocations, 0);
 }
 

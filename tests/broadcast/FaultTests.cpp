@@ -37,12 +37,13 @@ class FaultGuard : public testing::Test {
   bool handlerThrows = false;
 };
 
-TEST_F(FaultGuard, ThrowingListenerIsSkippedAndObserved) {
+TEST_F(FaultGuard, ThrowingListenerIsReportedWhileTheOthersRun) {
   handlerThrows = true;
   const auto before = notifier.Log('1');
   const auto throwing = notifier.Register([] { throw std::runtime_error("mine"); }, L"A");
   const auto odd = notifier.Register([] { throw 42; }, L"A");
   const auto after = notifier.Log('2');
+
   for (const bool withHardware : {true, false}) {
     failures.clear();
     SetHardwareFaultGuard(withHardware);
@@ -63,9 +64,11 @@ TEST_F(FaultGuard, FaultingListenerIsSkippedEachTimeItFaults) {
     subscriptions.push_back(notifier.Log('.'));
   }
   const std::string dots(faults.size(), '.');
+
   EXPECT_EQ(notifier.Announce(), dots);
   EXPECT_EQ(notifier.Announce(), dots);
   ASSERT_EQ(failures.size(), 2 * faults.size());
+
   for (std::size_t i = 0; i < failures.size(); ++i) {
     EXPECT_EQ(failures[i].faultCode, faults[i % faults.size()].code);
     EXPECT_EQ(failures[i].exception, nullptr);
@@ -83,6 +86,7 @@ TEST_F(FaultGuard, FaultInANestedAnnouncementStaysThere) {
       },
       L"A");
   const auto outerLast = notifier.Log('l');
+
   EXPECT_EQ(notifier.Announce(), "iol");
   EXPECT_EQ(failures.size(), 2u);
 }
@@ -97,12 +101,14 @@ TEST_F(FaultGuard, FaultWithinACatchBlockLeavesNoCurrentExceptionBehind) {
         }
       },
       L"A");
+
   try {
     throw std::logic_error("outside");
   } catch (const std::logic_error&) {
     notifier.UpdateListeners(L"A");
     EXPECT_THROW(std::rethrow_exception(std::current_exception()), std::logic_error);
   }
+
   EXPECT_EQ(std::current_exception(), nullptr);
   EXPECT_EQ(std::uncaught_exceptions(), 0);
 }
@@ -124,6 +130,7 @@ TEST_F(FaultGuard, ThrowingListenerBehindOneThatAnOuterAnnouncementCancelledIsSk
       },
       L"A");
   const auto last = notifier.Log('l');
+
   EXPECT_EQ(notifier.Announce(), "tl2tl");
   EXPECT_EQ(failures.size(), 2u);
 }
@@ -133,6 +140,7 @@ TEST_F(FaultGuard, FailureHandlerThatFaultsCostsNobodyElse) {
   const auto throwing = notifier.Register([] { throw 42; }, L"A");
   const auto faulting = notifier.Register(&AccessForbiddenMemory, L"A");
   const auto last = notifier.Log('l');
+
   EXPECT_EQ(notifier.Announce(), "l");
   EXPECT_EQ(std::current_exception(), nullptr);
 }
@@ -146,6 +154,7 @@ TEST_F(FaultGuard, FailureHandlerMaySetAnotherWhenItEnds) {
       [held = std::shared_ptr<int>(new int(0), setAnother)](const ListenerFailure&) {});
   SetListenerFailureHandler(nullptr);
   const auto throwing = notifier.Register([] { throw 42; }, L"A");
+
   notifier.UpdateListeners(L"A");
   EXPECT_EQ(failures.size(), 1u);
 }
@@ -182,6 +191,7 @@ TEST_F(FaultDeath, FirstFailureThatNobodyIsToldOfIsShownByADebugBuild) {
   };
   const auto throwing = [] { throw std::runtime_error("mine"); };
   const auto gone = BindWeak(std::weak_ptr<int>(), [](int&, const ListenerFailure&) {});
+
   EXPECT_EXIT(announceTwice(throwing, nullptr), testing::ExitedWithCode(0), ShowsOnly{"mine"});
   EXPECT_EXIT(announceTwice(throwing, gone), testing::ExitedWithCode(0), ShowsOnly{"mine"});
   EXPECT_EXIT(announceTwice(&AccessForbiddenMemory, nullptr), testing::ExitedWithCode(0),
@@ -196,6 +206,7 @@ TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
         notifier.UpdateListeners(L"A");
       },
       L"Outer");
+
   for (const auto* property : {L"A", L"Outer"}) {
     EXPECT_DEATH(
         {
@@ -208,6 +219,7 @@ TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
 
 TEST_F(FaultDeath, FaultOutsideAListenerReachesWhoeverTookThemBefore) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
+
   for (auto* const fault : {&AccessForbiddenMemory, &RunAnIllegalInstruction}) {
     EXPECT_EXIT(
         {

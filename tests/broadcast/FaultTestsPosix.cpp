@@ -18,10 +18,12 @@ TEST(FaultGuardOfThreads, ListenerThatEndsItsThreadIsNotSwallowed) {
     cameBack = true;
     return nullptr;
   };
+
   pthread_t thread{};
   ASSERT_EQ(pthread_create(&thread, nullptr, run, &notifier), 0);
   pthread_join(thread, nullptr);
   EXPECT_FALSE(cameBack);
+
   const auto after = notifier.Log('2', L"B");
   EXPECT_EQ(notifier.Announce(L"B"), "2");
 }

@@ -36,8 +36,10 @@ TEST_F(FaultGuardOfWindows, FaultThatTheProgramMendsItselfIsNone) {
         notifier.log += *page;
       },
       L"A");
+
   EXPECT_EQ(notifier.Announce(), "m");
   EXPECT_TRUE(codes.empty());
+
   RemoveVectoredExceptionHandler(mending);
 }
 

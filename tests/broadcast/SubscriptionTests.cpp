@@ -28,8 +28,11 @@ TEST(RegisterOnce, CallbackThatAnnouncesItsOwnPropertyIsCalledOnce) {
         notifier.UpdateListeners(L"A");
       },
       L"A");
+
   notifier.UpdateListeners(L"A");
+
   EXPECT_FALSE(notifier.AreListenersAvailable(L"A"));
+
   notifier.UpdateListeners(L"A");
   EXPECT_EQ(runs, 1);
 }
@@ -57,8 +60,10 @@ TEST(RegisterOnce, CallbackThatThrowsIsNotCalledAgain) {
   Notifier notifier;
   int runs = 0;
   const auto once = notifier.RegisterOnce([&] { throw ++runs; }, L"A");
+
   notifier.UpdateListeners(L"A");
   notifier.UpdateListeners(L"A");
+
   EXPECT_EQ(runs, 1);
 }
 
@@ -66,7 +71,9 @@ TEST(RegisterOnce, CallbackMayOwnItsSubscription) {
   Notifier notifier;
   const auto held = std::make_shared<Subscription>();
   const std::weak_ptr<Subscription> end = held;
+
   *held = notifier.RegisterOnce([&, own = held] { *own = notifier.Log('n'); }, L"A");
+
   EXPECT_EQ(notifier.Announce(), "");
   EXPECT_EQ(notifier.Announce(), "n");
   EXPECT_EQ(end.use_count(), 1);
@@ -103,6 +110,7 @@ TEST_F(Pausing, RegistrationHearsAgainAfterTheLastOfItsPauses) {
     outer.reset();
     EXPECT_EQ(Announce(), 3);
   }
+
   EXPECT_EQ(notifier.GetNumRegistered(L"A"), 1u);
 }
 
@@ -111,7 +119,9 @@ TEST_F(Pausing, SubscriptionMayEndFirst) {
     const PauseListening paused(subscription);
     subscription.Cancel();
   }
+
   EXPECT_EQ(Announce(), 0);
+
   const PauseListening inert(each[0]);
   Subscription ofAnother([this] { ++heard; });
   const PauseListening withoutEffect(ofAnother);
@@ -132,6 +142,7 @@ TEST(PauseListening, ListenerOfARunningAnnouncementIsPassedOverHoweverManyRegist
       },
       L"A");
   second = notifier.Log('2');
+
   EXPECT_EQ(notifier.Announce(), "");
   EXPECT_EQ(notifier.Announce(), "2nnnnn");
   EXPECT_EQ(notifier.Announce(), "2nnnnnnnnnn");
@@ -157,6 +168,7 @@ TEST(CancelAndWait, AnnouncementUnderWayDoesNotCallItAnyMore) {
       L"A");
   second = notifier.Log('2');
   const auto third = notifier.Log('3');
+
   EXPECT_EQ(notifier.Announce(), "3");
 }
 
@@ -164,6 +176,7 @@ TEST(CancelAndWait, ReturnsInsideTheCallbackHoweverDeepItsAnnouncementsNest) {
   Notifier notifier;
   Subscription own;
   int depth = 0;
+
   own = notifier.Register(
       [&] {
         if (++depth < 9) return notifier.UpdateListeners(L"A");
@@ -171,7 +184,9 @@ TEST(CancelAndWait, ReturnsInsideTheCallbackHoweverDeepItsAnnouncementsNest) {
       },
       L"A");
   notifier.UpdateListeners(L"A");
+
   EXPECT_EQ(depth, 9);
+
   CallbackList<> list;
   own = list.Add([&] { own.CancelAndWait(); });
   list.Call();
@@ -199,6 +214,7 @@ class CancelAndWaitOnThreads : public testing::TestWithParam<std::pair<bool, boo
 TEST_P(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {
   const bool ofList = GetParam().first;
   const bool grows = GetParam().second;
+
   for (int round = 0; round < 100; ++round) {
     Notifier notifier;
     CallbackList<> list;
@@ -236,6 +252,7 @@ TEST(CancelAndWait, WaitsAlsoWhenTheCallbackHasEndedTheBroadcaster) {
     for (int i = 0; i < 50; ++i) std::this_thread::yield();
     busy.mayLeave = true;
   });
+
   stays.CancelAndWait();
   EXPECT_FALSE(busy.isInside);
 }
@@ -253,6 +270,7 @@ TEST(CancelAndWait, ReturnsInAStaticDestructorWhereACallbackHasCalledExit) {
     atExit.subscription = notifier.Register([] { std::exit(7); }, L"A");
     notifier.UpdateListeners(L"A");
   };
+
   EXPECT_EXIT(leave(), testing::ExitedWithCode(7), "");
 }
 
@@ -263,10 +281,13 @@ TEST(CancelAndWait, DoesNotWaitForAnotherCallbackOfTheProperty) {
   const auto stays = notifier.Register([&] { busy.Stay(); }, L"A");
   auto behind = notifier.Register([&] { isCalled = true; }, L"A");
   const std::jthread announcing([&] { notifier.UpdateListeners(L"A"); });
+
   busy.WaitUntilInside();
   behind.CancelAndWait();
+
   EXPECT_TRUE(busy.isInside);
   EXPECT_FALSE(isCalled);
+
   busy.mayLeave = true;
 }
 

@@ -37,13 +37,14 @@ TEST(BroadcasterThreads, FirstUsesOnSeveralThreadsShareOneRegistry) {
   }
 }
 
-TEST(BroadcasterThreads, RegisterCancelAndAnnounceOnFourThreadsAtOnce) {
+TEST(BroadcasterThreads, FourThreadsMayUseOneBroadcasterAtOnce) {
   Notifier notifier;
   notifier.UpdateListeners(L"A");
   const std::array<VtrString, 2> names{L"A", L"B"};
   std::atomic<int> keptRuns{0};
   std::atomic<int> released{0};
   const auto kept = notifier.Register([&] { ++keptRuns; }, L"A");
+
   OnThreads(4, [&](int thread) {
     std::vector<Subscription> own;
     for (int i = 0; i < 2000; ++i) {
@@ -55,6 +56,7 @@ TEST(BroadcasterThreads, RegisterCancelAndAnnounceOnFourThreadsAtOnce) {
       EXPECT_GE(notifier.GetNumRegistered(name), 1u);
     }
   });
+
   EXPECT_EQ(notifier.GetNumRegistered(L"A"), 1u);
   EXPECT_EQ(notifier.GetRegisteredProperties(), std::vector<VtrString>{L"A"});
   EXPECT_EQ(keptRuns, 4 * 667);

@@ -21,15 +21,18 @@ class SourceDoors : public Scopes {
   LoggedListener next{log};
 };
 
-TEST_F(SourceDoors, GivenSourceFollowsItsScopeAndATakenOneHasNone) {
+TEST_F(SourceDoors, SourceKnowsTheScopeThatItIsGivenTo) {
   LoggedSource* doc = &Emplace<LoggedSource>(*parent, L"Doc", log);
   DataSourcePtr<IDataSource> taken = TakeDataSource(*parent, static_cast<IDataSource*>(doc));
+
   EXPECT_EQ(taken.get(), doc);
   EXPECT_EQ(doc->GetDataSourceProvider(), nullptr);
   EXPECT_EQ(GiveDataSource(*child, std::move(taken)), doc);
   EXPECT_EQ(doc->GetDataSourceProvider(), child.get());
+
   const WeakPtr<IDataSource> handle(doc->GetLiveness(), doc);
   EXPECT_EQ(handle.Get(), doc);
+
   child->DeleteLocalDataSourceInstance(L"Doc");
   EXPECT_EQ(handle.Get(), nullptr);
   EXPECT_EQ(GiveDataSource(*child, DataSourcePtr<LoggedSource>()), nullptr);
@@ -39,6 +42,7 @@ TEST_F(SourceDoors, TakeGivesNothingThatTheScopeDoesNotFindUnderItsName) {
   LoggedSource& doc = Emplaced();
   LoggedSource& twin = Emplaced();
   LoggedSource& outer = Emplace<LoggedSource>(*parent, L"Doc", log);
+
   EXPECT_EQ(TakeDataSource(*child, &twin), nullptr);
   EXPECT_EQ(TakeDataSource(*child, &outer), nullptr);
   EXPECT_EQ(TakeDataSource<IDataSource>(*child, nullptr), nullptr);
@@ -52,8 +56,10 @@ TEST_F(SourceDoors, ScopeOwnsASourceWhoseListenerThrowsWhenItIsGiven) {
   static_cast<void>(Emplaced());
   ThrowAt("+Doc");
   Notes();
+
   EXPECT_THROW(Emplaced(), std::string);  // not found by its name, but owned
   EXPECT_EQ(Notes(), "+Doc +Doc");
+
   child.reset();
   EXPECT_EQ(Notes(), "-Doc -Doc ~Doc -Doc -Doc ~Doc gone gone");
 }

@@ -20,6 +20,7 @@ TEST_F(Providers, ReferenceToNoSourceThrowsATextWithItsName) {
 
 TEST_F(Providers, GiveNeutralAnswersToNulls) {
   LoggedListener listener(log);
+
   IDataSource* const sources[] = {nullptr, nullptr};
   child->AddDataSources(sources, 2);
   child->AddDataSources(nullptr, 2);
@@ -28,10 +29,12 @@ TEST_F(Providers, GiveNeutralAnswersToNulls) {
   child->AddDataListener(nullptr, {L"Doc"}, true);
   child->AddDataListener(&listener, {nullptr}, true);
   child->RemoveDataListener(nullptr);
+
   EXPECT_EQ(child->GetDataSource(nullptr), nullptr);
   EXPECT_EQ(child->GetLocalDataSourceInstance(nullptr), nullptr);
   EXPECT_EQ(child->GetDataSourceInterface(nullptr).As<IDataSource>(), nullptr);
   EXPECT_FALSE(child->DeleteLocalDataSourceInstance(nullptr) || child->MatchCategory(nullptr));
+
   IDataSourceProvider::Destroy(nullptr);
   EXPECT_TRUE(MakeProvider()->GetCategories().empty());
 }
@@ -44,25 +47,30 @@ class Nameless : public LoggedSource {
 
 TEST_F(Providers, OwnNamelessSourcesWithoutFindingThem) {
   LoggedListener listener(log);
+
   child->AddDataListener(&listener, {L""}, true);
   child->AddDataSource(MakeDataSource<Nameless>(nullptr, log).release());
+
   EXPECT_EQ(child->GetDataSource(L""), nullptr);
+
   child->Shutdown();
   EXPECT_EQ(Notes(), "~ gone");
 }
 
-TEST_F(Providers, DeleteWhatTheyHoldAndAlwaysAnswerFalse) {
+TEST_F(Providers, AnswerFalseAlsoWhenTheyDeleteASource) {
   LoggedListener listener(log);
   IDataSource* outer = Add(parent, L"Doc");
+
   child->AddDataSource(Add(child, L"Doc"));  // twice, and ended once
   child->AddDataListener(&listener, {L"Doc"}, true);
+
   EXPECT_FALSE(child->DeleteLocalDataSourceInstance(L"Doc"));
   EXPECT_FALSE(child->DeleteLocalDataSourceInstance(L"Doc"));
   EXPECT_EQ(Notes(), "+Doc -Doc ~Doc");
   EXPECT_EQ(child->GetDataSource(L"Doc"), outer);
 }
 
-TEST_F(Providers, ShutdownCompletesEachStepAndThrowsTheFirstFailure) {
+TEST_F(Providers, ShutdownThrowsTheFirstFailureOnceItIsComplete) {
   LoggedListener one(log);
   LoggedListener two(log);
   one.hook = two.hook = [&](const std::string& note) { child->Shutdown(), throw note; };
@@ -72,12 +80,14 @@ TEST_F(Providers, ShutdownCompletesEachStepAndThrowsTheFirstFailure) {
   refusing->onPreDestroy = [] { throw 7; };
   const auto handler = Add(child, L"Doc")->AddOnDestroyHandler([] { throw 8.0; });
   Add(child, L"Map");
+
   child->AddDataListener(&one, {}, true);
   child->AddDataListener(&two, {}, true);
   EXPECT_THROW(child->Shutdown(), double);
   EXPECT_EQ(Notes(), "~Map ~Doc gone gone");
   EXPECT_EQ(child->GetParent(), nullptr);
   EXPECT_EQ(grandchild->GetParent(), nullptr);
+
   parent->VisitChildren([](auto&) { FAIL() << "the former parent still has a child"; });
   LoggedConstructor late(log, "late", L"Late", L"C");
   registrar.RegisterDataSource(&late);
@@ -94,11 +104,12 @@ TEST_F(Providers, DestructionSwallowsWhatSourcesThrow) {
   EXPECT_EQ(Notes(), "~Doc");
 }
 
-TEST_F(Providers, MayEndInsideTheirOwnShutdownAndDoWhatIsLeft) {
+TEST_F(Providers, CompleteTheShutdownThatTheyEndIn) {
   const std::pair<const char*, const char*> cases[] = {
       {"-Map", "-Map -Doc ~Doc -Art ~Art gone gone ~Map"},
       {"gone", "-Map ~Map -Doc ~Doc -Art ~Art gone gone"},
   };
+
   for (const auto& each : cases) {
     const std::string when = each.first;
     LoggedListener one(log);
@@ -126,8 +137,10 @@ TEST_F(Providers, RootMayBeShutDownByASourceThatEndsWithIt) {
   IDataSourceProvider* const root = registrar.GetRootProvider();
   auto source = MakeDataSource<LoggedSource>(root, L"Doc", log);
   source->onPreDestroy = [this] { registrar.Shutdown(); };
+
   root->AddDataSource(source.release());
   registrar.Shutdown();
+
   EXPECT_EQ(Notes(), "~Doc");
   EXPECT_EQ(registrar.GetRootProvider(), nullptr);
 }
@@ -136,9 +149,11 @@ TEST_F(Providers, EndWhatWasBuiltInThemWhileTheyEnded) {
   LoggedConstructor map(log, "map", L"Map", L"C");
   registrar.RegisterDataSource(&map);
   Add(child, L"Doc")->onPreDestroy = [this] { child->GetDataSource(L"Map"); };
+
   Notes();
   IDataSourceProvider::Destroy(child.get());
   static_cast<void>(child.release());
+
   EXPECT_EQ(Notes(), "~Doc ~Map");
 }
 
@@ -172,7 +187,9 @@ TEST_F(Providers, ThatAreAssignedToInACallGoOnWithIt) {
   };
   child->AddDataListener(&listener, {L"Doc"}, true);
   Add(child, L"Doc");
+
   EXPECT_EQ(Notes(), "+Doc over");
+
   child->AddDataListener(&listener, {L"Doc"}, true);
   EXPECT_EQ(Notes(), "+Doc over");
   EXPECT_FALSE(child->IsConnecting());
@@ -204,8 +221,11 @@ TEST_F(Providers, CopiesAreNoChildren) {
   const ProviderPtr assigned = MakeProvider();
   *assigned = *child;
   std::vector<IDataSourceProvider*> children;
+
   parent->VisitChildren([&](IDataSourceProvider& found) { children.push_back(&found); });
+
   EXPECT_EQ(children, std::vector<IDataSourceProvider*>{child.get()});
+
   for (const auto* made : {copy.get(), assigned.get()}) {
     EXPECT_TRUE(made->MatchCategory(L"C"));
     EXPECT_EQ(made->GetCustomData(Guid{1}), &log);
@@ -216,6 +236,7 @@ TEST_F(Providers, CustomDataIsInheritedUntilSetEvenToNull) {
   constexpr CustomDataKey<int> key{Guid{1, 2, 3, {4}}};
   int first = 1;
   int second = 2;
+
   EXPECT_EQ(child->GetCustomData().Get(key), nullptr);
   EXPECT_EQ(parent->GetCustomData().Set(key, &first), nullptr);
   EXPECT_EQ(parent->GetCustomData().Set(key, &second), &first);
@@ -232,14 +253,16 @@ TEST_F(Providers, WithoutCategoriesBuildWhatNamesNone) {
   EXPECT_EQ(Joined(MakeProvider()->GetRegisteredDataSources()), "Odd");
 }
 
-TEST_F(Providers, VisitTheirSourcesInOrderWhileTheseComeAndGo) {
+TEST_F(Providers, VisitTheirSourcesInOrderWhileTheseComeOrGo) {
   for (const auto* name : {L"Doc", L"Map", L"Art"}) Add(child, name);
   std::vector<VtrString> visited;
+
   child->VisitDataSources([&](IDataSource& source) {
     visited.emplace_back(source.GetDataSourceName());
     child->DeleteLocalDataSourceInstance(L"Map");
     Add(child, L"New");
   });
+
   EXPECT_EQ(Joined(visited), "Doc Art");
 }
 

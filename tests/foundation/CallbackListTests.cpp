@@ -49,8 +49,9 @@ class CallbackLists : public ::testing::Test {
   std::string log;
 };
 
-TEST_F(CallbackLists, CancellingOrEndingAtAnyPlaceSparesTheOthersAndReleasesAfterTheWalk) {
+TEST_F(CallbackLists, WhatGoesAtAnyPlaceOfAWalkIsReleasedAfterIt) {
   const std::string all = "0123";
+
   for (std::size_t acting = 0; acting < 4; ++acting) {
     for (std::size_t ended = 0; ended <= 4; ++ended) {
       AddAll(all, all[acting], [&] {
@@ -68,7 +69,7 @@ TEST_F(CallbackLists, CancellingOrEndingAtAnyPlaceSparesTheOthersAndReleasesAfte
   }
 }
 
-TEST_F(CallbackLists, NestedWalkHearsNewCallbacksAndTheOuterOneWaitsForItToRelease) {
+TEST_F(CallbackLists, NestedWalkThatHearsNewCallbacksReleasesNone) {
   AddAll("01", '0', [&] {
     Add('n');
     subscriptions[1].Cancel();
@@ -78,34 +79,37 @@ TEST_F(CallbackLists, NestedWalkHearsNewCallbacksAndTheOuterOneWaitsForItToRelea
     EXPECT_EQ(Alive(), 3);
   });
   list->Call(0);
+
   EXPECT_EQ(log, "00n");
   EXPECT_EQ(Alive(), 0);
 }
 
-TEST_F(CallbackLists, CallbackForOneCallHearsNoNestedOneAndIsReleased) {
+TEST_F(CallbackLists, CallbackForOneCallHearsNoNestedOne) {
   subscriptions.push_back(list->AddOnce([this, token = alive](const int& depth) {
     log += std::to_string(depth);
     list->Call(depth + 1);
   }));
   Add('a');
+
   EXPECT_EQ(Walked(), "0aa");
   EXPECT_EQ(Walked(), "a");
   EXPECT_EQ(Alive(), 1);
   EXPECT_FALSE(list->Add(nullptr) || list->AddOnce(nullptr));
 }
 
-TEST_F(CallbackLists, ExceptionEndsTheWalkAndLeavesTheListAsItShouldBe) {
+TEST_F(CallbackLists, WalkThatAnExceptionEndsLeavesTheListWhole) {
   AddAll("012", '1', [&] {
     subscriptions[1].Cancel();
     subscriptions[2].Cancel();
     throw std::runtime_error("callback");
   });
+
   EXPECT_THROW(list->Call(0), std::runtime_error);
   EXPECT_EQ(Alive(), 1);
   EXPECT_EQ(Walked(1), "010");
 }
 
-TEST_F(CallbackLists, ReleasedCallbackMayUseAndEndTheListInItsDestructor) {
+TEST_F(CallbackLists, ReleasedCallbackMayUseTheListInItsDestructor) {
   for (const bool ends : {false, true}) {
     for (const bool inWalk : {false, true}) {
       std::shared_ptr<void> atEnd(nullptr, [&, ends](auto) {
@@ -124,17 +128,19 @@ TEST_F(CallbackLists, ReleasedCallbackMayUseAndEndTheListInItsDestructor) {
   }
 }
 
-TEST_F(CallbackLists, CancellingOnOtherThreadsHarmsNoWalkAndLosesNoCallback) {
+TEST_F(CallbackLists, CancellingOnOtherThreadsHarmsNoWalk) {
   std::array<std::vector<Subscription>, 3> shares;
   std::atomic<int> released{0};
   int kept = 0;
   const auto stays = list->Add([&](const int&) { ++kept; });
+
   for (auto& share : shares) {
     for (int i = 0; i < 2000; ++i) {
       std::shared_ptr<void> token(&kept, [&](auto) { ++released; });
       share.push_back(list->Add([held = std::move(token)](const int&) { EXPECT_TRUE(held); }));
     }
   }
+
   {
     std::vector<std::jthread> threads;
     for (auto& share : shares) threads.emplace_back([&share] { share.clear(); });

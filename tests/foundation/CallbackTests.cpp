@@ -27,7 +27,7 @@ class Counter : public SupportsWeakPtr<Counter> {
   int total = 0;
 };
 
-TEST(Callbacks, AllocateOnceWhenTheyAreMadeAndNeverWhenCopied) {
+TEST(Callbacks, AllocateOnlyWhenTheyAreMade) {
   const VtrString text = L"A name that is too long for a small buffer";
   RepeatingCallback<int()> callback;
   auto before = Testing::Allocations();
@@ -42,32 +42,42 @@ TEST(Callbacks, AllocateOnceWhenTheyAreMadeAndNeverWhenCopied) {
   EXPECT_EQ(Testing::Allocations() - before, 0);
 }
 
-TEST(Callbacks, TakeAnySignatureAndMoveOnlyCallablesAndArguments) {
+TEST(Callbacks, TakeWhatCanOnlyBeMoved) {
   const RepeatingCallback<std::string(std::unique_ptr<int>, int&)> callback =
       [own = std::make_unique<int>(1)](std::unique_ptr<int> given, int& out) {
         return std::to_string(out = *own + *given);
       };
   int out = 0;
+
   EXPECT_EQ(callback(std::make_unique<int>(2), out), "3");
   EXPECT_EQ(out, 3);
+
   OneShotCallback<std::unique_ptr<int>()> give = [own = std::make_unique<int>(4)]() mutable {
     return std::move(own);
   };
   EXPECT_EQ(*give(), 4);
+}
+
+TEST(Callbacks, TakeMembersOfAnObject) {
   Counter counter;
+
   EXPECT_EQ(&RepeatingCallback<int&(Counter&)>(&Counter::total)(counter), &counter.total);
+
   const auto add = Delegate<int(int, int)>::To<&Counter::Add>(counter);
   EXPECT_EQ(Delegate(add)(2, 3), 6);
+
   Delegate<void(int, int)>::To<&Counter::Add>(counter)(3, 4);
   EXPECT_EQ(counter.total, 18);
 }
 
-TEST(Callbacks, NullOnesDoNothingAndGiveAnEmptyResult) {
+TEST(Callbacks, NullOnesGiveAnEmptyResult) {
   EXPECT_EQ(RepeatingCallback<int(int)>()(1), 0);
   EXPECT_EQ(OneShotCallback<std::string()>(nullptr)(), "");
   EXPECT_THROW(RepeatingCallback<const int&()>()(), std::bad_function_call);
+
   void (*const noFunction)() = nullptr;
   EXPECT_FALSE(RepeatingCallback<void()>(noFunction));
+
   const OneShotCallback<void()> none = std::function<void()>();
   EXPECT_TRUE(none.IsCancelled() && !none.MaybeValid() && !none.polymorphic_invoke());
   EXPECT_EQ((Delegate<int(int, int)>()(2, 3)), 0);
@@ -76,23 +86,27 @@ TEST(Callbacks, NullOnesDoNothingAndGiveAnEmptyResult) {
 TEST(Callbacks, OneThatDestroysItselfKeepsItsCapturesUntilItReturns) {
   const auto witness = std::make_shared<int>(7);
   std::optional<RepeatingCallback<int()>> callback;
+
   callback = [&callback, witness] {
     callback.reset();
     return *witness + static_cast<int>(witness.use_count());
   };
+
   EXPECT_EQ((*callback)(), 9);
   EXPECT_EQ(witness.use_count(), 1);
 }
 
-TEST(Callbacks, OneShotRunsOnceAndLetsItsCallableGoEvenWhenItThrows) {
+TEST(Callbacks, OneShotLetsItsCallableGoEvenWhenItThrows) {
   const auto witness = std::make_shared<int>(0);
   OneShotCallback<void()> once = [&once, witness] {
     ++*witness;
     once();
     throw std::runtime_error("listener");
   };
+
   EXPECT_THROW(once(), std::runtime_error);
   EXPECT_EQ(witness.use_count(), 1);
+
   once();
   EXPECT_EQ(*witness, 1);
 }
@@ -123,16 +137,20 @@ TEST(Callbacks, WeaklyBoundOnesKeepASharedObjectUntilTheyReturn) {
     counter.reset();
     return held.Add(2, 3);
   });
+
   EXPECT_EQ(end(), 6);
   EXPECT_TRUE(end.IsCancelled());
 }
 
-TEST(Callbacks, CopiesAndMementosShareOneCallableOfTheirSignature) {
+TEST(Callbacks, MementosShareACallableOfTheirSignature) {
   RepeatingCallback<int()> count = [calls = 0]() mutable { return ++calls; };
   RepeatingCallback<int()> same;
+
   same.SetMemento(count.GetMemento());
+
   EXPECT_EQ(count(), 1);
   EXPECT_EQ(same(), 2);
+
   RepeatingCallback<long()> other = [] { return 5L; };
   other.SetMemento(count.GetMemento());
   same.SetMemento(RepeatingCallbackMemento());
@@ -155,7 +173,7 @@ void MoveAndCallSafeFunction() {
   EXPECT_EQ(witness.use_count(), 1);
 }
 
-TEST(SafeFunctions, MoveTheirCallableAndAreSafeWhenEmpty) {
+TEST(SafeFunctions, MoveTheirCallableOutOfASafelyEmptyOne) {
   MoveAndCallSafeFunction<1>();  // on the heap
   MoveAndCallSafeFunction<2>();  // inside
 }

@@ -30,6 +30,7 @@ TEST(Subscriptions, EndTheirRegistrationOnce) {
   const auto ending = [&log](char letter) {
     return Subscription(OneShotCallback<void()>([&log, letter] { log += letter; }));
   };
+
   {
     Subscription cancelled = ending('a');
     cancelled.Cancel();
@@ -37,12 +38,14 @@ TEST(Subscriptions, EndTheirRegistrationOnce) {
     const Subscription dropped = ending('b');
     EXPECT_EQ(log, "a");
   }
+
   Subscription former = ending('c');
   Subscription latter = ending('d');
   former = std::move(latter);
   auto& self = former;
   former = std::move(self);
   EXPECT_EQ(log, "abc");
+
   former = Subscription();
   EXPECT_EQ(log, "abcd");
 }
@@ -50,6 +53,7 @@ TEST(Subscriptions, EndTheirRegistrationOnce) {
 TEST(Subscriptions, MayBeTouchedByWhatEndsThem) {
   int calls = 0;
   auto subscription = std::make_unique<Subscription>();
+
   *subscription = Subscription(OneShotCallback<void()>([&] {
     ++calls;
     subscription->Cancel();  // the one that replaces this
@@ -58,14 +62,14 @@ TEST(Subscriptions, MayBeTouchedByWhatEndsThem) {
     ++calls;
     subscription.reset();
   }));
+
   EXPECT_EQ(calls, 2);
 }
 
 class MulticastEvents : public ::testing::Test {
  protected:
   /// Subscribes a listener that notes its letter and the value, and then acts.
-  void Listen(
-      char letter, const std::function<void()>& act = [] {}) {
+  void Listen(char letter, const RepeatingCallback<void()>& act = {}) {
     subscriptions.push_back(event->Subscribe([this, letter, act](const int& value) {
       (log += letter) += std::to_string(value);
       act();
@@ -77,7 +81,7 @@ class MulticastEvents : public ::testing::Test {
   std::string log;
 };
 
-TEST_F(MulticastEvents, ListenerCancelledDuringARaiseIsNotReachedAndANewOneWaits) {
+TEST_F(MulticastEvents, RaisePassesOverListenersThatComeOrGoMeanwhile) {
   Listen('a', [&] {
     subscriptions[0].Cancel();  // itself
     subscriptions[1].Cancel();
@@ -85,23 +89,28 @@ TEST_F(MulticastEvents, ListenerCancelledDuringARaiseIsNotReachedAndANewOneWaits
   });
   Listen('b');
   Listen('c');
+
   event->Raise(1);
   event->Raise(2);
+
   EXPECT_EQ(log, "a1c1c2d2");
 }
 
-TEST_F(MulticastEvents, MayBeRaisedAndDestroyedWhileTheyRun) {
+TEST_F(MulticastEvents, MayEndInANestedRaise) {
   Listen('a', [&] {
     if (log.size() == 2) event->Raise(2);
   });
   Listen('b', [&] { event.reset(); });
   Listen('c');
+
   event->Raise(1);
+
   EXPECT_EQ(log, "a1a2b2");
+
   subscriptions.clear();
 }
 
-TEST_F(MulticastEvents, ExceptionLeavesTheRaiseAndHarmsNoLaterOne) {
+TEST_F(MulticastEvents, ExceptionThatLeavesARaiseHarmsNoLaterOne) {
   subscriptions.push_back(event->Subscribe(RepeatingCallback<void(int)>()));
   subscriptions.push_back(
       event->Subscribe(RepeatingCallback<void()>([&] { FAIL(); }).GetMemento()));
@@ -109,7 +118,9 @@ TEST_F(MulticastEvents, ExceptionLeavesTheRaiseAndHarmsNoLaterOne) {
     if (log != "a1a2") throw std::runtime_error("listener");
   });
   Listen('b');
+
   EXPECT_THROW(event->Raise(1), std::runtime_error);
+
   event->Raise(2);
   event->RaiseEach([&] { log += '!'; }, 3);
   EXPECT_EQ(log, "a1a2b2a3!b3");
@@ -122,21 +133,25 @@ TEST_F(MulticastEvents, MayEndCallbacksThatOwnSubscriptionsToThem) {
     Listen('a');
   }
   const std::weak_ptr<void> owned = others;
+
   others.reset();
   event.reset();
+
   EXPECT_TRUE(owned.expired());
 }
 
 class Watched : public SupportsWeakPtr<Watched> {};
 
-TEST(WeakPointers, EndWithTheirObjectAndNotWithItsCopies) {
+TEST(WeakPointers, EndWithTheirObjectWhateverBecomesOfItsCopies) {
   EXPECT_EQ(WeakPtr<Watched>().Get(), nullptr);
+
   auto original = std::make_unique<Watched>();
   const WeakPtr<Watched> weak = original->AsWeakPtr();
   Watched copy = *original;
   const WeakPtr<Watched> toCopy = copy.AsWeakPtr();
   copy = *original;
   EXPECT_EQ(weak.Get(), original.get());
+
   original.reset();
   EXPECT_EQ(WeakPtr<Watched>(weak).Get(), nullptr);
   EXPECT_EQ(toCopy.Get(), &copy);
@@ -145,6 +160,7 @@ TEST(WeakPointers, EndWithTheirObjectAndNotWithItsCopies) {
 TEST(WeakPointers, FirstOnesOfAnObjectMayBeTakenOnTwoThreads) {
   std::vector<std::unique_ptr<Watched>> objects(2000);
   std::array<std::vector<WeakPtr<Watched>>, 2> taken;
+
   for (auto& object : objects) object = std::make_unique<Watched>();
   {
     Testing::Gate both(2);
@@ -155,8 +171,11 @@ TEST(WeakPointers, FirstOnesOfAnObjectMayBeTakenOnTwoThreads) {
     const std::jthread first(take, std::ref(taken[0]));
     const std::jthread second(take, std::ref(taken[1]));
   }
+
   EXPECT_TRUE(std::ranges::all_of(taken[0], &WeakPtr<Watched>::IsValid));
+
   objects.clear();
+
   for (const auto& each : taken) {
     EXPECT_TRUE(std::ranges::none_of(each, &WeakPtr<Watched>::IsValid));
   }
@@ -176,13 +195,15 @@ TEST(LogMessages, GoToTheSinkWhenTheyEnd) {
   LogMessage() << L"unheard";
   LogMessage::SetSink([](const VtrString& text) { logged += text.ToUtf8() + ";"; });
   LogMessage() << L"took " << 5 << " ms for " << VtrString(L"Größe");
+
   EXPECT_NE(LogMessage::SetSink([](const VtrString&) { throw std::logic_error("sink"); }), nullptr);
+
   LogMessage() << L"a sink that throws does no harm";
   LogMessage::SetSink(nullptr);
   EXPECT_EQ(logged, "took 5 ms for Größe;");
 }
 
-TEST(ThreadLocks, WritersExcludeEverybodyAndReadersHoldTogether) {
+TEST(ThreadLocks, WritersExcludeEverybodyWhereReadersHoldTogether) {
   ThreadLock lock;
   Testing::Gate all(4);
   std::array<int, 2> counts{};
@@ -200,6 +221,7 @@ TEST(ThreadLocks, WritersExcludeEverybodyAndReadersHoldTogether) {
     const ReadLock guard(lock);
     all.ArriveAndWait();
   };
+
   {
     std::vector<std::jthread> threads;
     threads.reserve(4);

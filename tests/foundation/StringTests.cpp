@@ -43,11 +43,15 @@ static_assert(!Deletable<VtrString>);
 TEST(Strings, CopiesKeepTheirTextWhenTheOriginalChanges) {
   VtrString original = L"Memory";
   const VtrString copy = original;
+
   original += L"Use";
   original += original;
+
   EXPECT_STREQ(original, L"MemoryUseMemoryUse");
+
   const VtrString moved = std::move(original);
   EXPECT_TRUE(original.IsEmpty());
+
   original = L"<" + copy + VtrStringView(L">>", 1);
   EXPECT_STREQ(original, L"<Memory>");
   EXPECT_STREQ(copy, L"Memory");
@@ -57,7 +61,9 @@ TEST(Strings, ShareTheirTextWithCopiesWithoutAllocating) {
   const VtrString text = L"A name that is too long for a small buffer";
   const auto before = Testing::Allocations();
   VtrString copy = text;
+
   copy = VtrString(copy).Mid(0);
+
   EXPECT_EQ(copy, text);
   EXPECT_EQ(Testing::Allocations(), before);
 }
@@ -82,7 +88,7 @@ TEST(Strings, SurrogatesWithoutAPartnerBecomeReplacementCharacters) {
   EXPECT_EQ(VtrString(VtrStringView(noCharacters, 3)).ToUtf8(), "\uFFFDx\uFFFD");
 }
 
-TEST(Strings, CompareIsOrdinalAndCompareNoCaseFoldsByUnicode) {
+TEST(Strings, CompareNoCaseFoldsByUnicode) {
   const std::pair<const wchar_t*, const wchar_t*> equal[] = {
       {L"ÄÖÜ", L"äöü"},
       {L"ΌΣΟΣ", L"όσος"},  // both forms of the small sigma
@@ -93,17 +99,23 @@ TEST(Strings, CompareIsOrdinalAndCompareNoCaseFoldsByUnicode) {
       {L"\uAB70", L"Ꭰ"},
       {L"", noText},
   };
+
   for (const auto& [left, right] : equal) {
     EXPECT_EQ(VtrString(left).CompareNoCase(right), 0) << VtrString(left);
     EXPECT_EQ(VtrString(right).CompareNoCase(left), 0) << VtrString(left);
   }
+
   const std::pair<const wchar_t*, const wchar_t*> ordered[] = {
       {L"ss", L"ß"}, {L"i", L"\u0130"}, {L"I", L"ı"}, {L"a", L"B"}, {L"doc", L"DOCS"}, {L"[", L"Z"},
   };
+
   for (const auto& [less, more] : ordered) {
     EXPECT_LT(VtrString(less).CompareNoCase(more), 0) << VtrString(less).ToUtf8();
     EXPECT_GT(VtrString(more).CompareNoCase(less), 0) << VtrString(less).ToUtf8();
   }
+}
+
+TEST(Strings, HashLikeViewsOfTheSameText) {
   EXPECT_EQ(std::hash<VtrString>()(L"abc"), std::hash<VtrStringView>()({L"abcd", 3}));
 }
 
@@ -127,8 +139,10 @@ TEST(Strings, CompareWithAnyWideText) {
 TEST(Strings, GoToStreamsOfEitherWidth) {
   std::ostringstream narrow;
   std::wostringstream wide;
+
   narrow << VtrString(L"Größe") << VtrString() << '.';
   wide << VtrString(L"Größe\0"sv) << L'.';
+
   EXPECT_EQ(narrow.str(), "Größe.");
   EXPECT_EQ(wide.str(), L"Größe\0."sv);
 }
@@ -137,6 +151,7 @@ TEST(Strings, FormatPrintsAsPrintfDoes) {
   const auto format = [](const wchar_t* pattern, const auto&... values) {
     return VtrString().Format(pattern, values...).ToUtf8();
   };
+
   EXPECT_EQ(format(L"%s|%5s|%-5s|%.2s", L"Ä", L"ab", VtrString(L"cd"), L"efg"), "Ä|   ab|cd   |ef");
   EXPECT_EQ(format(L"%lld %hd %zu %td", LLONG_MIN, 70000, SIZE_MAX, std::ptrdiff_t{-1}),
             "-9223372036854775808 70000 18446744073709551615 -1");
@@ -146,13 +161,16 @@ TEST(Strings, FormatPrintsAsPrintfDoes) {
   EXPECT_EQ(format(L"100%% %c%3c", L'Ж', L'y'), "100% Ж  y");
 }
 
-TEST(Strings, FormatRefusesWhatDoesNotFitAndKeepsTheText) {
+TEST(Strings, FormatKeepsTheTextWhenItRefuses) {
   VtrString text = L"kept";
   int number = 0;
+
   EXPECT_THROW(text.Format(L"%n", &number), std::invalid_argument);
+
   for (const auto* wrong : {L"%s", L"%f", L"%d %d", L"50%", L"%9999999999d"}) {
     EXPECT_THROW(text.Format(wrong, 1), std::invalid_argument) << VtrString(wrong);
   }
+
   EXPECT_THROW(text.Format(L"%d", L"1"), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%d", 1.5), std::invalid_argument);
   EXPECT_THROW(text.Format(L"%*d", INT_MIN, 1), std::invalid_argument);
@@ -161,7 +179,7 @@ TEST(Strings, FormatRefusesWhatDoesNotFitAndKeepsTheText) {
   EXPECT_STREQ(text.Format(L"%s,%s", text, text), L"kept,kept");
 }
 
-TEST(Strings, SplitLeavesBlanksWithinAPieceAndNoBreakSpaces) {
+TEST(Strings, SplitTrimsNothingButBlanksAtTheEndsOfAPiece) {
   EXPECT_EQ(String::Split(L"\tA b\r\n, ,\u00A0", L',', false, true),
             (std::vector<VtrString>{L"A b", L"\u00A0"}));
   EXPECT_EQ(String::Split(L" A ,,B", L',', true, false),
@@ -181,6 +199,7 @@ TEST(Strings, SamplingHashHasTheValuesThatTablesRelyOn) {
       {L"Имя", 0xb9afc15bee48f306},
       {L"温度", 0x877fb6b7de2da5ab},
   };
+
   for (const auto& [name, hash] : cases) EXPECT_EQ(SamplingHash(name), hash);
 }
 

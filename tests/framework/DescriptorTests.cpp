@@ -58,8 +58,7 @@ class Button final : public IEventBind {
 class EventBinds : public testing::Test {
  protected:
   /// Notes "a" when called for the button and its bind a, then runs the hook; its own end is ".".
-  IEventBind::DataContextCallback Noting(
-      char tag, std::function<void()> then = [] {}) {
+  IEventBind::DataContextCallback Noting(char tag, RepeatingCallback<void()> then = {}) {
     std::shared_ptr<std::string> ending(&log, [](std::string* notes) { notes->append(". "); });
     return [this, tag, then = std::move(then), ending = std::move(ending)](auto* bind, auto* data) {
       const bool isRight = bind == expected && data == binds[tag];
@@ -73,8 +72,7 @@ class EventBinds : public testing::Test {
     binds[tag] = made.get();
     return made;
   }
-  void Set(
-      char tag, std::function<void()> then = [] {}) {
+  void Set(char tag, RepeatingCallback<void()> then = {}) {
     button->SetDataContextBind(Make(tag), Noting(tag, std::move(then)));
   }
   void Notify(char tag) { binds[tag]->Notify(); }
@@ -86,10 +84,11 @@ class EventBinds : public testing::Test {
   Button* expected = button.get();
 };
 
-TEST(Binds, TrackingNameLeavesOutWhatIsOpenAndKeepsItsSeparators) {
+TEST(Binds, TrackingNameKeepsTheSeparatorsOfWhatItLeavesOut) {
   struct Case {
     const wchar_t *context, *source, *path, *name;
   };
+
   for (const Case& each : {Case{L"", L"", L"", L""},
                            {L"Ctx", L"Src", L"a.b", L"Ctx::Src::a.b"},
                            {L"", L"Src", L"a", L"::Src::a"},
@@ -106,14 +105,18 @@ TEST_F(EventBinds, CallbackHearsEachNotificationUntilTheBindIsReplacedOrEnds) {
   Notify('a');
   Set('b');
   EXPECT_EQ(Notes(), "~a -a ");
+
   Notify('b');
   Notify('b');
   EXPECT_EQ(Notes(), "b )b )");
+
   Set('c');
   EXPECT_EQ(Notes(), "~b . -b ");
+
   button->SetDataContextBind(nullptr, Noting('?'));
   EXPECT_EQ(Notes(), "-c . ~c . ");
   EXPECT_EQ(button->DataContextBind(), nullptr);
+
   Set('d');
   button.reset();
   EXPECT_EQ(Notes(), "-d . ~d ") << "subscription, callback, bind";
@@ -126,12 +129,14 @@ TEST_F(EventBinds, CallbackMayReplaceItsBindWhichStaysUntilItReturns) {
     Set('c');
   });
   Notify('a');
+
   EXPECT_EQ(Notes(), "a -a b )~b . -b ). ~a ");
+
   Notify('c');
   EXPECT_EQ(Notes(), "c )");
 }
 
-TEST_F(EventBinds, CallbackMayEndItsEventBindAndGoesOn) {
+TEST_F(EventBinds, CallbackGoesOnWhenItHasEndedItsEventBind) {
   for (const bool isReplacedFirst : {false, true}) {
     Set('a', [this, isReplacedFirst] {
       if (isReplacedFirst) Set('b');
@@ -144,8 +149,9 @@ TEST_F(EventBinds, CallbackMayEndItsEventBindAndGoesOn) {
   }
 }
 
-TEST_F(EventBinds, NestedNotificationRunsTheCallbackAgainAndBindsStayForTheOutermost) {
+TEST_F(EventBinds, BindsStayUntilTheOutermostNotificationReturns) {
   int depth = 0;
+
   Set('a', [&] {
     if (++depth == 1) return Notify('a');
     Set('b', [this] { Set('c'); });
@@ -153,7 +159,9 @@ TEST_F(EventBinds, NestedNotificationRunsTheCallbackAgainAndBindsStayForTheOuter
     log += "| ";
   });
   Notify('a');
+
   EXPECT_EQ(Notes(), "a a -a b -b ). | )). ~a ~b ");
+
   Notify('c');
   EXPECT_EQ(Notes(), "c )");
 }

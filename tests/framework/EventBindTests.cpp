@@ -39,17 +39,21 @@ TEST_F(EventBindTest, StandsInTheContextOfItsOwnBindAloneOnceItHasOne) {
   EventBind remove(L"", L"", L"Remove");
   remove.Connect(scope);
   std::string heard;
+
   remove.SetDataContextBind(
       std::make_unique<DataBind<IDataContext*>>(scope, L"Selection", L"Current"),
       [&](IEventBind* bind, auto* /*context*/) {
         heard += bind->DataContext() == &selected ? "s" : bind->CanRaise() ? "0" : "-";
       });
+
   EXPECT_EQ(remove.Status().text,
             L"There is no data source \"Selection\" to have a property \"Current\".");
+
   scope->AddDataSource(selection);
   selection->Current.Set(&selected);
   scope->DeleteLocalDataSourceInstance(L"Selection");
   EXPECT_EQ(heard, "0s-");
+
   remove.SetDataContextBind(nullptr, nullptr);
   EXPECT_EQ(remove.DataContext(), &ofScope);
 }
@@ -58,6 +62,7 @@ TEST_F(EventBindTest, RaisesNothingWithoutAScope) {
   EventBind remove(L"", L"", L"Remove");
   const std::array<std::function<void()>, 3> ends{[] {}, [&] { remove.Connect(nullptr); },
                                                   [&] { scope->Shutdown(); }};
+
   for (const auto& end : ends) {
     end();
     EXPECT_FALSE(remove.CanRaise());
@@ -72,6 +77,7 @@ TEST_F(EventBindTest, RaisesNothingWithoutAScope) {
 TEST_F(EventBindTest, StandsInTheNearestScopeOfItsContextsCategory) {
   const DataSourceProviderPtr row(scope->CreateDataSourceProvider(L"Row", &selected));
   using Case = std::pair<const wchar_t*, IDataContext*>;
+
   for (const auto& [name, context] : {Case{L"", &selected}, Case{L"Row", &selected},
                                       Case{L"Page", &ofScope}, Case{L"Book", nullptr}}) {
     EventBind bind(name, L"", L"Remove");
@@ -95,13 +101,14 @@ TEST_F(EventBindTest, NamesNoEventWhereItsPathIsEmptyOrTheMarker) {
   }
 }
 
-TEST_F(EventBindTest, RaisesTheEventOfItsPathForItsContextAndItsModule) {
+TEST_F(EventBindTest, RaisesTheEventOfItsPathOnBehalfOfItsModule) {
   std::vector<IDataContext*> heard;
   const AppEvent<IDataContext*> event(VtrString(L"EventBindTest.Chosen"));
   const auto subscription =
       event.Subscribe([&](IDataContext* context) { heard.push_back(context); });
   IdlePass idle([] {});
   EventBind bind(L"", L"", L"EventBindTest.Chosen");
+
   bind.Raise();
   bind.Connect(scope);
   bind.Raise();
@@ -109,14 +116,18 @@ TEST_F(EventBindTest, RaisesTheEventOfItsPathForItsContextAndItsModule) {
   bind.Raise();
   IAppEventBroadcaster::GetInstance().DropOwner(ThisModule());
   idle.Run();
+
   EXPECT_EQ(heard, (decltype(heard){&ofScope}));
 }
 
 TEST_F(EventBindTest, RaisesNoEventOfAnotherSignature) {
   EventBind bind(L"", L"", L"EventBindTest.Counted");
+
   bind.Connect(scope);
+
   EXPECT_TRUE(bind.CanRaise());
   EXPECT_EQ(Diagnose(*scope).at(0).status.state, State::Connected);
+
   const AppEvent<int> other(L"EventBindTest.Counted");
   const auto subscription = other.Subscribe([](int) {});  // asking has fixed nothing
   bind.Raise();

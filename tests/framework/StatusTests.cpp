@@ -75,6 +75,7 @@ TEST_F(BindStates, TellWhyABindShowsNothing) {
     EXPECT_EQ(status.IsConnected(), bind.HasValue());
     EXPECT_EQ(status.state == State::ReadOnly, bind.IsReadOnly());
   }
+
   EXPECT_EQ(Notes(), "late:registered foreign:registered");
 }
 
@@ -82,16 +83,20 @@ TEST_F(BindStates, TellAShadowedSource) {
   child->AddDataSource(MakeDataSource<LoggedSource>(child.get(), L"Shared", log).release());
   const auto inner = MakeProvider(child.get(), L"Row");
   DataBind<int> shared(inner.get(), L"Shared", L"Level");
+
   EXPECT_EQ(shared.Status().state, State::Shadowed);
   EXPECT_EQ(shared.Status().text,
             L"A data source \"Shared\" in scope \"A,B\" is hidden by a nearer one of that name in "
             L"scope \"C\".");
+
   AddGauge(child, 2, L"Shared");
   EXPECT_EQ(shared.Status().text,
             L"A data source \"Shared\" in scope \"C\" cannot be found: another one has its name.");
+
   for (int i = 0; i < 2; ++i) AddGauge(parent), AddGauge(child);
   DataBind<int> bind(child.get(), L"Gauge", L"Level");
   EXPECT_EQ(bind.Status().state, State::Connected);
+
   for (const auto& scope : {&parent, &child}) (*scope)->DeleteLocalDataSourceInstance(L"Gauge");
   EXPECT_EQ(bind.Status().state, State::Shadowed);
   EXPECT_EQ(
@@ -116,6 +121,7 @@ TEST_F(BindStates, TellOfAPropertyThatIsFiledUnderAnotherType) {
   };
   child->AddDataSource(MakeDataSource<Mislabelled>(child.get(), log).release());
   const DataBind<int> bind(child.get(), L"Odd", L"Level");
+
   EXPECT_EQ(bind.Status().state, State::WrongType);
   EXPECT_EQ(bind.Get().text,
             L"Property \"Level\" of data source \"Odd\" has type int but no accessor for int.");
@@ -123,6 +129,7 @@ TEST_F(BindStates, TellOfAPropertyThatIsFiledUnderAnotherType) {
 
 TEST_F(BindStates, TellThatThereIsNoScopeOrNoneAnyMore) {
   DataBind<int> bind(L"Ctx", L"Gauge", L"Level");
+
   for (const bool isScopeGone : {false, true}) {
     if (isScopeGone) {
       bind.Connect(child.get());
@@ -133,6 +140,7 @@ TEST_F(BindStates, TellThatThereIsNoScopeOrNoneAnyMore) {
     EXPECT_EQ(bind.Status().text,
               L"There is no scope to look for data source \"Gauge\" with its property \"Level\".");
   }
+
   EXPECT_EQ(DataBind<int>().Status().state, State::Unbound);
 }
 
@@ -160,9 +168,12 @@ TEST_F(BindStates, AreListedForTheBindsOfATree) {
   DataBind<int> byContext(child.get(), L"B", L"Shared", L"Depth");
   DataBind<int> outer(parent.get(), L"Late", L"Level");
   DataBind<int> nowhere(L"Gauge", L"Level", L"");
+
   Framework::EventBind remove(L"", L"", L"Remove");
   remove.Connect(child.get());
+
   EXPECT_EQ(Rows(*parent), "A,B:Late.Level=6 C:.Remove=0 C:Gauge.Level=0 C:Shared.Depth=9 ");
+
   child.reset();
   EXPECT_EQ(Rows(*parent), "A,B:Late.Level=6 ");
 }
@@ -174,7 +185,9 @@ TEST_F(BindStates, AreListedForTheEntriesOfListeners) {
   for (Label& label : labels) label.SetDataSourceProvider(child.get());
   AddGauge(parent, 1, L"Tardy");
   Add(parent, L"GAUGE");
+
   EXPECT_EQ(Rows(*parent), "C:Gauge.Length=0 C:Gauge.Limit=0 C:Tardy.Level=5 C:gauge.Limit=0 ");
+
   const auto rows = Diagnose(*child);
   EXPECT_EQ(rows.at(0).status.text,
             L"Changes of \"Length\" are listened for, but data source \"Gauge\" lists no property "

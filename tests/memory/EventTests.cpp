@@ -37,7 +37,7 @@ struct World : Events {
 
 class Once final : public Singleton<Once> {};
 
-TEST(FailingAllocations, InRaisingAndDispatchingLoseNoEvent) {
+TEST(FailingAllocations, InTheQueueLoseNoEvent) {
   Attempts::Of([](Attempts& attempt) {
     World w;
     attempt([&] { w.Listen('a'); });
@@ -86,7 +86,7 @@ TEST(FailingAllocations, InDisablingLeaveTheCountsAsTheyWere) {
   });
 }
 
-TEST(FailingAllocations, InListenersAndPassesLeaveThemToBeDoneAgain) {
+TEST(FailingAllocations, InWhatListensLeaveItToBeDoneAgain) {
   Attempts::Of([](Attempts& attempt) {
     World w;
     std::optional<Handler> handler;
@@ -116,8 +116,10 @@ TEST(EventMemory, KeepsNoMoreBlocksOfABurstThanABound) {
   constexpr int burst = 20000;
   World w;
   const auto before = LiveAllocations();
+
   for (int i = 0; i < burst; ++i) moved.Raise(i);
   w.events().DispatchPendingEvents();
+
   EXPECT_LT(LiveAllocations() - before, burst / 10);
 }
 

@@ -163,12 +163,13 @@ TEST(FailingAllocations, InListenersConnectEachOnce) {
   });
 }
 
-TEST(ScopeMemory, KeepsNothingOfSourcesAndListenersThatHaveGone) {
+TEST(ScopeMemory, KeepsNothingOfWhatHasGone) {
   std::string log;
   const ProviderPtr scope = MakeProvider();
   const auto source = MakeDataSource<NamedDataSource>(nullptr, L"Other");
   std::optional<View> strays[3];
   std::int64_t held[3];
+
   auto* next = held;
   for (auto& stray : strays) {
     stray.emplace(log).SetDataSourceProvider(scope.get());
@@ -178,6 +179,7 @@ TEST(ScopeMemory, KeepsNothingOfSourcesAndListenersThatHaveGone) {
     scope->RemoveDataSource(source.get());
     *next++ = LiveAllocations();
   }
+
   EXPECT_EQ(held[1], held[2]);
 }
 

@@ -25,7 +25,9 @@ TEST(CancelledThread, LeavesWhatItHasNotToldToTheNextBatch) {
   const auto onA = pair->Register([] { pthread_exit(nullptr); }, L"A");
   const auto onB = pair->Register([&] { log += 'b'; }, L"B");
   std::thread([&] { pair->a.Set(1); }).join();
+
   EXPECT_EQ(log, "");
+
   { const PropertyBatch next(*pair); }
   EXPECT_EQ(log, "b");
 }

@@ -40,9 +40,10 @@ class Delegates : public ::testing::Test {
   DataSourcePtr<Door> door = MakeDataSource<Door>(nullptr);
 };
 
-TEST_F(Delegates, AreCalledByNameAndSignature) {
+TEST_F(Delegates, AreCalledByNameWithTheirSignature) {
   std::string name;
   const auto open = FindDelegate<int(int)>(door.get(), L"Open");
+
   EXPECT_TRUE(open && open.IsThere());
   EXPECT_EQ(open(2).value, 3);
   EXPECT_EQ(*open(2), 5);
@@ -61,6 +62,7 @@ TEST_F(Delegates, TellAbsentFromWrongType) {
       {L"Opened", PropertyError::NoAccessor,
        "\"Opened\" of data source \"Door\" has type void () but nothing to call."},
   };
+
   for (const auto& [name, error, text] : cases) {
     const auto found = FindDelegate<void()>(door.get(), name);
     EXPECT_EQ(found.Error(), error) << text;
@@ -69,6 +71,7 @@ TEST_F(Delegates, TellAbsentFromWrongType) {
     EXPECT_FALSE(found || found.IsThere() || called);
     EXPECT_EQ(called.text, found.Text());
   }
+
   EXPECT_EQ(FindDelegate<int(int)>(nullptr, L"Open")(1).error, PropertyError::NoSource);
 }
 
@@ -85,13 +88,16 @@ TEST_F(Delegates, AreAbsentOnceTheirSourceIsGone) {
     isGone();
     EXPECT_EQ(FindDelegate<int(int)>(ending, L"Open").Error(), PropertyError::Absent);
   });
+
   door.reset();
   isGone();
 }
 
 TEST_F(Delegates, AreAbsentOnceWhatTheyAreWeaklyBoundToIsGone) {
   const auto knock = FindDelegate<void()>(door.get(), L"Knock");
+
   EXPECT_TRUE(knock());
+
   door->knocker.InvalidateWeakPtrs();
   EXPECT_EQ(knock().error, PropertyError::Absent);
   EXPECT_EQ(FindDelegate<void()>(door.get(), L"Knock").Error(), PropertyError::Absent);

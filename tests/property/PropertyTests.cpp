@@ -36,8 +36,7 @@ class Box : public NamedDataSource {
 /// Logs which of a box's properties are announced, by their first letters.
 class PropertyTest : public testing::Test {
  protected:
-  void Listen(
-      const wchar_t* name, std::function<void()> then = [] {}) {
+  void Listen(const wchar_t* name, const RepeatingCallback<void()>& then = {}) {
     subscriptions.push_back(box->Register(
         [this, letter = static_cast<char>(*name), then] {
           log += letter;
@@ -58,21 +57,11 @@ TEST_F(PropertyTest, ReadOnlyPropertyIsSetByItsOwnSourceOnly) {
   EXPECT_EQ(*box->Label, L"crate");
 }
 
-TEST_F(PropertyTest, ListenerOfABatchMayEndTheSource) {
-  Listen(L"Height", [this] { box.reset(); });
-  Listen(L"Width");
-  {
-    const PropertyBatch batch(*box);
-    box->Height.Set(5);
-    box->Width.Set(5);
-  }
-  EXPECT_EQ(log, "H");
-}
-
 TEST_F(PropertyTest, PropertyThatEndsWithinABatchIsLeftOut) {
   Property<int> first(box.get(), L"First");
   auto second = std::make_unique<Property<int>>(box.get(), PropertyName(L"Second"));
   auto third = std::make_unique<Property<int>>(box.get(), PropertyName(L"Third"));
+
   for (const auto* name : {L"First", L"Second", L"Third", L"Height"}) Listen(name);
   {
     const PropertyBatch batch(*box);
@@ -83,15 +72,17 @@ TEST_F(PropertyTest, PropertyThatEndsWithinABatchIsLeftOut) {
     second.reset(), third.reset();
     first.Set(2);
   }
+
   EXPECT_EQ(log, "FH");
 }
 
-TEST_F(PropertyTest, WhatAHookThrowsAtTheOldAndTheNewValueArrivesAfterTheListeners) {
+TEST_F(PropertyTest, WhatAHookThrowsArrivesAfterTheListeners) {
   const Property<int> dial(box.get(), L"Dial", 1, {.changed = [this](int before, int now) {
                              log += std::to_string(before) + ">" + std::to_string(now) + " ";
                              throw now;
                            }});
   Listen(L"Dial");
+
   EXPECT_THROW(SetProperty(box.get(), L"Dial", 3), int);
   EXPECT_EQ(log, "1>3 D");
   EXPECT_EQ(*dial, 3);
@@ -106,6 +97,7 @@ TEST_F(PropertyTest, HookMayEndItsProperty) {
         log += later;
       }});
   Listen(L"Note");
+
   EXPECT_TRUE(note->Set(L"b").changed);
   EXPECT_EQ(log, "ended");
 }
@@ -119,6 +111,7 @@ TEST_F(PropertyTest, CannotBeReadWhileItsValueOrItsFunctionEnds) {
       delete number;
     });
   };
+
   {
     Property<Shared> value(box.get(), L"Value");
     value.Set(askAtItsEnd([=] { return FindProperty<Shared>(source, L"Value"); }));
@@ -127,20 +120,19 @@ TEST_F(PropertyTest, CannotBeReadWhileItsValueOrItsFunctionEnds) {
                                          [held = std::move(captured)] { return *held; });
     EXPECT_EQ(*FindProperty<int>(source, L"Function").Get(), 0);
   }
+
   EXPECT_EQ(log, "--");
 }
 
-TEST_F(PropertyTest, ReadingByNameTellsFailuresApart) {
-  const IDataSource* source = box.get();
+TEST_F(PropertyTest, AccessByNameTellsFailuresApart) {
+  IDataSource* source = box.get();
+
   EXPECT_EQ(*GetProperty<int>(source, L"Area"), 6);
   EXPECT_EQ(*GetProperty<VtrString>(source, L"Label"), L"box");
-  const auto absent = GetProperty<int>(source, L"Depth");
-  EXPECT_EQ(absent.error, PropertyError::Absent);
-  EXPECT_EQ(absent.text,
-            L"Data source \"Box\" has no property \"Depth\" (wanted type int, actual none).");
-  const auto wrong = GetProperty<double>(source, L"Width");
-  EXPECT_EQ(wrong.error, PropertyError::WrongType);
-  EXPECT_EQ(wrong.text, L"Property \"Width\" of data source \"Box\" has type int, not double.");
+  EXPECT_EQ(GetProperty<int>(source, L"Depth").error, PropertyError::Absent);
+  EXPECT_EQ(GetProperty<double>(source, L"Width").error, PropertyError::WrongType);
+  EXPECT_EQ(SetProperty(source, L"Label", L"x").error, PropertyError::ReadOnly);
+  EXPECT_EQ(SetProperty(source, L"Width", 7.0).error, PropertyError::WrongType);
   EXPECT_EQ(GetProperty<int>(nullptr, L"Width").error, PropertyError::NoSource);
 }
 
@@ -157,21 +149,7 @@ TEST_F(PropertyTest, ReferenceIntoAConstSourceReadsOnly) {
   EXPECT_TRUE(FindProperty<const int>(source, L"Area").IsReadOnly());
 }
 
-TEST_F(PropertyTest, SettingByNameTellsFailuresApart) {
-  IDataSource* source = box.get();
-  const auto readOnly = SetProperty(source, L"Area", 7);
-  EXPECT_EQ(readOnly.error, PropertyError::ReadOnly);
-  EXPECT_EQ(
-      readOnly.text,
-      L"Property \"Area\" of data source \"Box\" can be read, but only its data source sets it.");
-  EXPECT_EQ(SetProperty(source, L"Label", L"x").error, PropertyError::ReadOnly);
-  EXPECT_EQ(SetProperty(source, L"Width", -7).error, PropertyError::Refused);
-  EXPECT_EQ(SetProperty(source, L"Width", 7.0).error, PropertyError::WrongType);
-  EXPECT_EQ(SetProperty(source, L"Depth", 7).error, PropertyError::Absent);
-  EXPECT_EQ(*box->Width, 2);
-}
-
-TEST_F(PropertyTest, DeclarationsWithoutAnAccessorAndFunctionsCannotBeRead) {
+TEST_F(PropertyTest, MembersWithoutAnAccessorOfTheirTypeCannotBeRead) {
   class Plain : public NamedDataSource {
    public:
     Plain() : NamedDataSource(L"Plain") {
@@ -182,6 +160,7 @@ TEST_F(PropertyTest, DeclarationsWithoutAnAccessorAndFunctionsCannotBeRead) {
     }
   };
   const auto plain = MakeDataSource<Plain>(nullptr);
+
   EXPECT_EQ(GetProperty<int>(plain.get(), L"Typed").error, PropertyError::NoAccessor);
   EXPECT_EQ(GetProperty<int>(plain.get(), L"Odd").error, PropertyError::NoAccessor);
   EXPECT_EQ(GetProperty<int>(plain.get(), L"Changed").error, PropertyError::WrongType);
@@ -203,10 +182,13 @@ concept CanNameAProperty = std::is_convertible_v<Text, PropertyName>;
 TEST(PropertyNames, UnfitNamesAreRefused) {
   static_assert(CanNameAProperty<const wchar_t(&)[5]>);
   static_assert(!CanNameAProperty<const wchar_t*>, "only literals are checked by the compiler");
+
   for (const auto* name : {L"", L"*", L"a,b", L",", L" a", L"a\t", L"\r"}) {
     EXPECT_THROW(PropertyName{VtrString(name)}, std::invalid_argument);
   }
+
   EXPECT_THROW(PropertyName{std::wstring_view(L"a\0b", 3)}, std::invalid_argument);
+
   for (const auto* name : {L"a", L"a b", L"**", L"*a", L"größe"}) {
     EXPECT_EQ(PropertyName{VtrString(name)}.Get(), name);
   }

@@ -55,7 +55,7 @@ class Members : public IReflectable {
   RepeatingCallback<void()> late = [this] { log += "late;"; };
 };
 
-TEST(Reflection, TellsPropertiesFromFunctionsAndReadOnlyOnes) {
+TEST(Reflection, TellsWhatEachMemberIs) {
   Members members;
   members.MakeEventSource(L"Changed");
   members._AddType(L"Fixed", fixed);
@@ -66,11 +66,13 @@ TEST(Reflection, TellsPropertiesFromFunctionsAndReadOnlyOnes) {
       {L"size", true, true, &none},       {L"Late", false, false, &event},
       {nullptr, true, true, &none},       {L"LateFixed", true, false, &fixed},
   };
+
   for (const auto& [name, isProperty, isWritable, type] : cases) {
     EXPECT_EQ(members.IsProperty(name), isProperty) << VtrString(name).ToUtf8();
     EXPECT_EQ(members.IsWritableProperty(name), isWritable) << VtrString(name).ToUtf8();
     EXPECT_TRUE(members.GetDelegateType(name).IsSameType(type)) << VtrString(name).ToUtf8();
   }
+
   EXPECT_FALSE(number.IsSameType(nullptr) || number.IsSameType(&none) || number.IsSameType(&fixed));
 }
 
@@ -84,6 +86,7 @@ TEST(Reflection, DelegateLookUpEndsAtTheFirstKnownName) {
     return std::pair(index, !memento.IsEmpty());
   };
   const VtrString absent = L"Absent", count = L"Count", late = L"Late", ringName = L"Ring";
+
   EXPECT_EQ(find({{absent, event}, {ringName, event}}), std::pair(std::size_t{1}, true));
   EXPECT_EQ(find({{count, event}, {ringName, event}}), std::pair(std::size_t{0}, false));
   EXPECT_EQ(find({{late, number}, {late, event}}), std::pair(std::size_t{1}, true));
@@ -95,23 +98,29 @@ TEST(Reflection, DelegateLookUpEndsAtTheFirstKnownName) {
 
 TEST(Reflection, TypeLookUpEndsAtTheFirstKnownName) {
   Members members;
+
   members._AddType(L"Size", number);
+
   EXPECT_EQ(members._GetType({L"Absent", L"Late", L"Size"}).first, 1U);
   EXPECT_EQ(members._GetType({}).first, notFound);
   EXPECT_TRUE(members.GetDelegatesType({L"Absent", L"Size"}).IsSameType(&number));
   EXPECT_TRUE(members.GetDelegatesType({L"Absent"}).IsSameType(&none));
 }
 
-TEST(Reflection, LastRegistrationOfANameWinsAndReleasesTheFormer) {
+TEST(Reflection, LastRegistrationOfANameReleasesTheFormer) {
   Members members;
   const auto witness = std::make_shared<int>();
+
   for (const wchar_t* name : {L"b", L"a", L"B", L"a"})
     members.AddDelegate<void()>(name, [witness] {});
+
   EXPECT_EQ(witness.use_count(), 4);
+
   members._AddType(L"a", number);
   members.MakeEventSource(L"B");
   EXPECT_EQ(witness.use_count(), 2);
   EXPECT_TRUE(members.IsProperty(L"a") && !members.Call(L"a") && !members.Call(L"B"));
+
   std::string order;
   for (const auto& [name, item] : std::as_const(members)) order += name.ToUtf8();
   EXPECT_EQ(order, "Bab");
@@ -130,9 +139,11 @@ struct Reentrant {
 TEST(Reflection, CapturesOfAReplacedDelegateEndWhenTheNewMemberIsInTheTable) {
   Members members;
   auto captured = std::make_shared<Reentrant>(members);
+
   members.AddDelegate<void()>(L"Ring", [captured] {});
   captured.reset();
   members._AddType(L"Ring", number);
+
   EXPECT_EQ(members.log, "new");
   EXPECT_TRUE(members.GetDelegateType(L"Ring").IsSameType(&fixed));
 }
@@ -144,6 +155,7 @@ TEST(Reflection, EndIsToldToAllHandlersInOrderWhileTheTableStands) {
   IReflectable* const base = members.get();
   members->_AddType(L"Size", number);
   const auto alive = members->GetLiveness();
+
   handlers.push_back(members->AddOnDestroyedHandler([&] { log += "destroyed;"; }));
   handlers.push_back(members->AddOnDestroyHandler([&] {
     log += base->begin()->first.ToUtf8() + ";";
@@ -153,7 +165,9 @@ TEST(Reflection, EndIsToldToAllHandlersInOrderWhileTheTableStands) {
   }));
   handlers.push_back(members->AddOnDestroyHandler([&] { log += "cancelled;"; }));
   handlers.push_back(members->AddOnDestroyHandler([&] { log += "second;"; }));
+
   EXPECT_TRUE(alive.IsValid());
+
   members.reset();
   EXPECT_EQ(log, "Size;second;destroyed;");
 }
@@ -175,6 +189,7 @@ TEST(Reflection, OfSourcesThatEndOneWithinTheOtherEachThrowsWhatItsOwnHandlersTh
   const auto first = inner->AddOnDestroyHandler([] { throw "inner"; });
   const auto second = outer->AddOnDestroyHandler([&] { fromInner = EndOf(inner); });
   const auto third = outer->AddOnDestroyedHandler([] { throw "outer"; });
+
   EXPECT_EQ(EndOf(outer), "outer");
   EXPECT_EQ(fromInner, "inner");
 }

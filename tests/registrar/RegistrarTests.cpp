@@ -9,22 +9,14 @@ class Registrar : public Scopes {
   LoggedConstructor doc{log, "doc", L"Doc", L"A,B"};
 };
 
-TEST_F(Registrar, OffersALateConstructorToAttachedProvidersWhateverItsPlacement) {
-  LoggedConstructor late(log, "late", L"Late", L"x,B", 3);
-  registrar.AttachProvider(parent.get());
-  registrar.AttachProvider(child.get());
-  registrar.RegisterDataSource(&late);
-  EXPECT_EQ(Notes(), "late:registered late:attached");
-  registrar.AttachProvider(parent.get());
-  EXPECT_EQ(Notes(), "") << "its place is neither the front nor the back";
-}
-
 TEST_F(Registrar, ListsAConstructorBesideThoseThatItRegistersWhenItIsPlaced) {
   LoggedConstructor map(log, "map", L"Map", L"A,B", 1);
   doc.onPlaced = [&] { registrar.RegisterDataSource(&map); };
+
   registrar.RegisterDataSource(&doc);
   log.clear();
   registrar.AttachProvider(parent.get());
+
   EXPECT_EQ(Notes(), "map:attached doc:attached map:attached doc:attached");
 }
 
@@ -38,6 +30,7 @@ TEST_F(Registrar, UnregisteringDeletesTheSourcesOfProvidersThatAreStillAttached)
     static_cast<LoggedSource*>(provider->GetDataSource(L"Doc"))->onPreDestroy = atItsEnd;
   };
   bool first = true;  // whichever comes first ends the other provider
+
   build(parent, [&] {
     if (std::exchange(first, false)) other.reset();
   });
@@ -47,6 +40,7 @@ TEST_F(Registrar, UnregisteringDeletesTheSourcesOfProvidersThatAreStillAttached)
   build(unattached, nullptr);
   log.clear();
   registrar.UnregisterDataSource(&doc);
+
   EXPECT_EQ(Notes(), "doc:unregistered ~Doc ~Doc");
   EXPECT_NE(parent == nullptr, other == nullptr);
   EXPECT_NE(unattached->GetLocalDataSourceInstance(L"Doc"), nullptr);
@@ -60,8 +54,9 @@ TEST_F(Registrar, UnregisteringReachesProvidersThatOnUnregisteredAttaches) {
   EXPECT_EQ(Notes(), "doc:registered doc:unregistered ~Doc");
 }
 
-TEST_F(Registrar, UnregisteringCompletesAndTellsThatASourceRefusesToEnd) {
+TEST_F(Registrar, RefusalOfASourceToEndIsThrownOnceItIsUnregistered) {
   const ProviderPtr other = MakeProvider(nullptr, L"A");
+
   registrar.RegisterDataSource(&doc);
   DataSourcePtr<LoggedSource> survivors[2];
   for (auto* provider : {parent.get(), other.get()}) {
@@ -70,15 +65,18 @@ TEST_F(Registrar, UnregisteringCompletesAndTellsThatASourceRefusesToEnd) {
     survivor.reset(static_cast<LoggedSource*>(provider->GetDataSource(L"Doc")));
     survivor->onPreDestroy = [] { throw 7; };
   }
+
   EXPECT_THROW(registrar.UnregisterDataSource(&doc), int);
   EXPECT_EQ(registrar.FindConstructor(L"Doc"), nullptr);
+
   for (auto* provider : {parent.get(), other.get()}) {
     EXPECT_EQ(provider->GetLocalDataSourceInstance(L"Doc"), nullptr);
   }
+
   for (auto& survivor : survivors) survivor->onPreDestroy = nullptr;
 }
 
-TEST_F(Registrar, ConstructorsMayRegisterAndEndWhileAProviderIsAttached) {
+TEST_F(Registrar, ConstructorsMayComeOrGoWhileAProviderIsAttached) {
   LoggedConstructor map(log, "map", L"Map", L"A", 1);
   auto* brief = new LoggedConstructor(log, "brief", L"Brief", L"A");
   brief->onUnregistered = [brief] { delete brief; };
@@ -86,17 +84,19 @@ TEST_F(Registrar, ConstructorsMayRegisterAndEndWhileAProviderIsAttached) {
     registrar.RegisterDataSource(&map);
     if (brief != nullptr) registrar.UnregisterDataSource(std::exchange(brief, nullptr));
   };
+
   registrar.RegisterDataSource(&doc);
   registrar.RegisterDataSource(brief);
   log.clear();
   registrar.AttachProvider(parent.get());
+
   EXPECT_EQ(
       Notes(),
       "doc:attached map:registered map:attached brief:unregistered doc:attached map:attached");
   EXPECT_EQ(Joined(registrar.GetRegisteredDataSources({})), "Doc Map");
 }
 
-TEST_F(Registrar, ProvidersMayBeDetachedAndNamesUnregisteredWhileAConstructorIsOffered) {
+TEST_F(Registrar, ProvidersOrNamesMayGoWhileAConstructorIsOffered) {
   LoggedConstructor map(log, "map", L"Map", L"A,C");
   LoggedConstructor art(log, "art", L"Art", L"A");
   for (auto* constructor : {&doc, &art}) registrar.RegisterDataSource(constructor);
@@ -108,8 +108,10 @@ TEST_F(Registrar, ProvidersMayBeDetachedAndNamesUnregisteredWhileAConstructorIsO
   map.onAttached = [&] {
     for (auto* provider : {parent.get(), child.get()}) registrar.DetachProvider(provider);
   };
+
   log.clear();
   registrar.RegisterDataSource(&map);
+
   EXPECT_EQ(Notes(),
             "map:registered map:attached map:unregistered ~Map doc:unregistered ~Doc "
             "art:unregistered ~Art map:attached");
@@ -117,9 +119,12 @@ TEST_F(Registrar, ProvidersMayBeDetachedAndNamesUnregisteredWhileAConstructorIsO
 
 TEST_F(Registrar, RootThatEndsWhileAnotherRegistrarIsInstalledIsAttachedNoMore) {
   LoggedConstructor root(log, "root", L"Root", L"root");
+
   registrar.Initialize();
   IDataSourceRegistrar::SetInstanceForTests(nullptr);
+
   EXPECT_NE(&IDataSourceRegistrar::GetInstance(), &registrar);
+
   registrar.Shutdown();
   registrar.RegisterDataSource(&root);
   EXPECT_EQ(Notes(), "root:registered");
@@ -127,12 +132,14 @@ TEST_F(Registrar, RootThatEndsWhileAnotherRegistrarIsInstalledIsAttachedNoMore) 
 
 TEST_F(Registrar, IgnoresNulls) {
   LoggedConstructor nameless(log, "nameless", nullptr, L"A");
+
   for (auto* constructor : {static_cast<LoggedConstructor*>(nullptr), &nameless}) {
     registrar.RegisterDataSource(constructor);
     registrar.UnregisterDataSource(constructor);
   }
   registrar.AttachProvider(nullptr);
   registrar.DetachProvider(nullptr);
+
   EXPECT_EQ(registrar.FindConstructor(nullptr), nullptr);
   EXPECT_EQ(Notes(), "");
 }
@@ -148,7 +155,7 @@ class Host : public NamedDataSource {
 };
 using HostConstructor = DataSourceConstructor<Host>;
 
-TEST_F(Registrar, TypedConstructorRefusesATakenNameAndLeavesTheFirstInPlace) {
+TEST_F(Registrar, TypedConstructorOfATakenNameLeavesTheFirstInPlace) {
   const HostConstructor host(L"Host", L"A");
   EXPECT_THROW(HostConstructor(L"Host", L"B"), std::invalid_argument);
   EXPECT_THROW(HostConstructor(nullptr, L"B"), std::invalid_argument);
@@ -169,6 +176,7 @@ TEST_F(Registrar, TypedConstructorUnregistersWhereItRegistered) {
     static_cast<void>(parent->GetDataSource(L"Host"));
     IDataSourceRegistrar::SetInstanceForTests(nullptr);
   }
+
   EXPECT_EQ(registrar.FindConstructor(L"Host"), nullptr);
   EXPECT_EQ(parent->GetLocalDataSourceInstance(L"Host"), nullptr);
 }
@@ -196,7 +204,9 @@ TEST_F(Registrar, OfTwoSourcesThatAskForEachOtherWhileBuiltTheInnerOneGetsNull) 
   });
   auto* hen = static_cast<Seeker*>(child->GetDataSource(L"Hen"));
   SetListenerFailureHandler(nullptr);
+
   auto* egg = static_cast<Seeker*>(hen->found);
+
   EXPECT_EQ(egg, child->GetDataSource(L"Egg"));
   EXPECT_EQ(egg->found, nullptr);  // and no hen is built in the parent, which could
   EXPECT_EQ(log,
@@ -212,8 +222,10 @@ TEST_F(Registrar, DetachingGoesNoFurtherWhenTheProviderEnds) {
   auto* last = static_cast<LoggedSource*>(child->GetDataSource(L"Art"));
   static_cast<void>(child->GetDataSource(L"Map"));
   last->onPreDestroy = [&] { child.reset(); };
+
   Notes();
   registrar.DetachProvider(child.get());
+
   EXPECT_EQ(Notes(), "~Map ~Art");
   EXPECT_EQ(child, nullptr);
 }
@@ -222,9 +234,12 @@ TEST_F(Registrar, TypedConstructorEndsQuietlyAlthoughASourceRefusesToEnd) {
   registrar.AttachProvider(parent.get());
   std::optional<HostConstructor> host(std::in_place, L"Host", L"A");
   const DataSourcePtr<Host> survivor(static_cast<Host*>(parent->GetDataSource(L"Host")));
+
   survivor->refuses = true;
   host.reset();
+
   EXPECT_EQ(registrar.FindConstructor(L"Host"), nullptr);
+
   survivor->refuses = false;
 }
 

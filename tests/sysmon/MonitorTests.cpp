@@ -78,17 +78,20 @@ class MonitorTest : public testing::Test {
   Announcer announcer;
 };
 
-TEST_F(MonitorTest, APauseHoldsMeasurementsAndEndsWithTheNewest) {
+TEST_F(MonitorTest, APauseEndsWithTheNewestMeasurements) {
   Pause pause;
   ProcessReading make;
+
   make.id = 7;
   make.name = "make";
   Take(0, 1);
   pause.Toggle();
   Take(1, 2, {make});
   Take(2, 3);
+
   EXPECT_EQ(Shown<double>(L"Load", L"One"), 1);
   EXPECT_EQ(Logged(L"ProcessStarted") + Logged(L"ProcessEnded"), "make make ");
+
   const auto before = log.Added();
   pause.Toggle();
   EXPECT_FALSE(pause.IsOn());
@@ -96,15 +99,19 @@ TEST_F(MonitorTest, APauseHoldsMeasurementsAndEndsWithTheNewest) {
   EXPECT_EQ(log.Added() - before, 7u) << "one of each measurement";
 }
 
-TEST_F(MonitorTest, AnAlarmComesAndGoesWithTheValueAndWithTheLimit) {
+TEST_F(MonitorTest, AnAlarmStandsWhileTheValueIsAtItsLimitOrAbove) {
   Take(0, 49.9);
   EXPECT_EQ(Logged(L"AlarmRaised"), "");
+
   Take(1, 50);
   EXPECT_TRUE(Shown<bool>(L"Alarms", L"LoadRaised"));
+
   Take(2, 60);
   EXPECT_EQ(SetLimit(root, L"lOAD", L"61"), L"");
+
   Deliver();
   EXPECT_FALSE(Shown<bool>(L"Alarms", L"LoadRaised"));
+
   Take(3, 62);
   EXPECT_EQ(Logged(L"AlarmRaised"), "Load Load ");
   EXPECT_EQ(Logged(L"AlarmCleared"), "Load ");
@@ -112,6 +119,7 @@ TEST_F(MonitorTest, AnAlarmComesAndGoesWithTheValueAndWithTheLimit) {
 
 TEST_F(MonitorTest, ARefusedLimitStaysInTheLineWithTheReason) {
   LimitEditor editor(root, L"Cpu");
+
   for (const wchar_t* wrong : {L"", L"9x", L"0", L"-1", L"100.5", L"nan", L"1e999"}) {
     while (!editor.Text().IsEmpty()) editor.Erase();
     for (const wchar_t* next = wrong; *next != 0; ++next) editor.Insert(*next);
@@ -119,8 +127,10 @@ TEST_F(MonitorTest, ARefusedLimitStaysInTheLineWithTheReason) {
     EXPECT_EQ(editor.Text(), wrong);
     EXPECT_FALSE(SetLimit(root, L"Cpu", wrong).IsEmpty());
   }
+
   EXPECT_EQ(SetLimit(root, L"Cpu", L"12.5"), L"");
   EXPECT_EQ(editor.Text(), L"12.5") << "whoever sets it";
+
   editor.Insert(L'\t');
   editor.Erase();
   EXPECT_TRUE(editor.Commit());
