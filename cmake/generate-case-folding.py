@@ -39,7 +39,7 @@ def rows(pairs):
 
 entries = list(foldings(sys.argv[1]))
 print("// SPDX-License-Identifier: Apache-2.0")
-print("/// Unicode %s simple case folding. cmake/generate-case-folding.py makes this file; do not edit it." % entries[0][0])
+print("/// Unicode %s simple case folding. This file is made by cmake/generate-case-folding.py." % entries[0][0])
 print("#pragma once\n\n#include <cstdint>\n")
 print("namespace VtrPlatform::details {\n")
 print("/// The characters first, first + step, ... last are folded by adding delta.")

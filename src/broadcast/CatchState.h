@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Gives access to the C++ runtime's record of the exceptions that a thread is handling.
+/// CatchState is the C++ runtime's record of the exceptions that a thread is handling.
 ///
 /// A long jump out of a catch block would leave this record as it was inside the block. The code
 /// that jumps therefore keeps a copy from before and puts it back.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Runs the listeners of one broadcast so that an exception or a hardware fault of one listener
-/// ends that listener only.
+/// These functions run the listeners of one broadcast so that an exception or a hardware fault of
+/// one listener ends that listener only.
 ///
 /// Arming the guard costs more than a call does, so it is armed once for a whole broadcast and
 /// again after each fault. The guarded function is therefore called again after a failure, and has

@@ -30,7 +30,7 @@ bool IsCppException(DWORD code) noexcept {
   return code == microsoft || (code & 0x00FFFFFF) == gcc;
 }
 
-/// True for breakpoints and single steps, which belong to the debugger.
+/// Returns true for breakpoints and single steps, which belong to the debugger.
 bool IsForDebugger(DWORD code) noexcept {
   return code == EXCEPTION_BREAKPOINT || code == EXCEPTION_SINGLE_STEP;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The listeners of one property, in one block of memory, in the order of their registration.
+/// A ListenerArray holds the listeners of one property in one block of memory, in the order of
+/// their registration.
 ///
 /// A broadcast pins the array, runs the listeners that the array had at that moment, and writes
 /// nothing to it. A writer holds the registry's write lock. It appends in place, behind the
@@ -55,21 +56,21 @@ class ListenerArray {
 
   [[nodiscard]] const VtrString& Property() const noexcept { return property; }
   [[nodiscard]] const Listener* Listeners() const noexcept { return listeners; }
-  /// The mark of each listener. The marks stand behind the room for the listeners.
+  /// Returns the mark of each listener. The marks stand behind the room for the listeners.
   [[nodiscard]] ListenerMark* Marks() const noexcept {
     return reinterpret_cast<ListenerMark*>(listeners + capacity);
   }
-  /// The loop that calls the listeners. If all of them come from one module, it is that module's
-  /// copy, which reaches them faster; otherwise it is the library's.
+  /// Returns the loop that calls the listeners. If all of them come from one module, it is that
+  /// module's copy, which reaches them faster; otherwise it is the library's.
   [[nodiscard]] BindStateBase::CallLoop Loop() const noexcept { return loop; }
-  /// How many positions are in use, holes included.
+  /// Returns how many positions are in use, holes included.
   [[nodiscard]] std::uint32_t Count() const noexcept { return count; }
-  /// How many listeners are registered.
+  /// Returns how many listeners are registered.
   [[nodiscard]] std::uint32_t Live() const noexcept { return live; }
   [[nodiscard]] bool IsFull() const noexcept { return count == capacity; }
-  /// The number of the last removal that was made under a pin.
+  /// Returns the number of the last removal that was made under a pin.
   [[nodiscard]] std::uint64_t LastRemoval() const noexcept { return lastRemoval; }
-  /// True while the array holds listeners that were removed under a pin.
+  /// Returns true while the array holds listeners that were removed under a pin.
   [[nodiscard]] bool HasRemoved() const noexcept { return removed != 0; }
 
   /// Adds a listener at the end. The array must not be full.
@@ -85,8 +86,8 @@ class ListenerArray {
   [[nodiscard]] comlike_ptr<const BindStateBase> TakeOut(std::uint64_t id) noexcept;
   /// Marks a listener of a pinned array as removed.
   void MarkRemoved(std::uint64_t id) noexcept;
-  /// The position of a listener, which may be one that was removed under a pin. Count() if the
-  /// array does not have the listener. Takes logarithmic time.
+  /// Returns the position of a listener, which may be one that was removed under a pin, or Count()
+  /// if the array does not have the listener. Takes logarithmic time.
   [[nodiscard]] std::uint32_t Find(std::uint64_t id) const noexcept;
   /// From now on a broadcast that comes to this position calls nothing there.
   void Silence(std::uint32_t position) noexcept;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Keeps a listener array as it is for as long as a broadcast runs it.
+/// A ListenerPin keeps a listener array as it is for as long as a broadcast runs it.
 ///
 /// The pin stands in the record of the running thread, so that pinning an array writes no memory
 /// that other threads write. A writer that has to know when the run ends hands the pin over: it
@@ -38,8 +38,8 @@ class ListenerPin {
   /// Makes every running broadcast of the array report its end, and returns how many reports are
   /// due. The caller holds the registry's write lock, so that no broadcast begins meanwhile.
   static std::uint32_t HandOver(ListenerArray& array, WListenersImpl& registry) noexcept;
-  /// True while another thread is calling the listener at a position. The listener must have been
-  /// silenced, so that no new call of it begins.
+  /// Returns true while another thread is calling the listener at a position. The listener must
+  /// have been silenced, so that no new call of it begins.
   ///
   /// It is not always possible to see the call itself. If the other threads were not fenced after
   /// the silencing, the answer is true until their runs have passed the position. If a run has no

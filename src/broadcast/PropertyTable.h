@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A table of property names with their listener arrays. It uses open addressing by the sampling
-/// hash, with linear probing and backward-shift deletion (Knuth, TAOCP 3, 6.4, algorithm R).
+/// A PropertyTable finds the listener array of a property by its name. It uses open addressing by
+/// the sampling hash, with linear probing and backward-shift deletion (Knuth, TAOCP 3, 6.4,
+/// algorithm R).
 ///
 /// The sampling hash reads only ten characters, so different names may have the same one. Such
 /// names share one slot: the first stands in the slot itself, the others in a map by the hash of
@@ -67,7 +68,7 @@ class PropertyTable {
   };
   static constexpr std::size_t firstCapacity = 4;
 
-  /// The slot with this hash, or the empty slot in which it belongs.
+  /// Returns the slot with this hash, or the empty slot in which it belongs.
   [[nodiscard]] Slot& Probe(std::uint64_t hash) const noexcept;
   [[nodiscard]] std::size_t Home(std::uint64_t hash) const noexcept {
     return (hash ^ (hash >> 32)) & (capacity - 1);

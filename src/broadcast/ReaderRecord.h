@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// One thread's record of the broadcasts that it is in. The thread writes its record, and writers
-/// of all registries read it.
+/// A ReaderRecord shows which broadcasts a thread is in. Each thread has one and writes it; the
+/// writers of all registries read it.
 ///
 /// While a thread looks listeners up, its record names the registry's lock. While it runs a
 /// listener array, a pin in its record names the array. Each record has cache lines of its own, so
@@ -34,16 +34,17 @@ class alignas(64) ReaderRecord {
     std::atomic<std::uint32_t> next{0};
   };
 
-  /// The calling thread's record, which is made if the thread has none. Null when there is no
-  /// memory, or the thread is ending.
+  /// Returns the calling thread's record, and makes it if the thread has none. The result is null
+  /// when there is no memory, or the thread is ending.
   [[nodiscard]] static ReaderRecord* Current() noexcept {
     return ofThread != nullptr ? ofThread : MakeCurrent();
   }
 
-  /// The calling thread's record, or null if it has none. For callers that must not allocate.
+  /// Returns the calling thread's record, or null if it has none. This serves callers that must not
+  /// allocate.
   [[nodiscard]] static ReaderRecord* Existing() noexcept { return ofThread; }
 
-  /// The first of all records. Next leads to the others.
+  /// Returns the first of all records. Next leads to the others.
   [[nodiscard]] static ReaderRecord* First() noexcept;
   [[nodiscard]] ReaderRecord* Next() const noexcept { return next; }
 
@@ -51,7 +52,7 @@ class alignas(64) ReaderRecord {
   std::atomic<const void*> reading{nullptr};
   /// The arrays that this thread runs.
   std::array<Pin, mostPins> pins{};
-  /// True while the thread runs listeners of an array that is pinned here.
+  /// Returns true while the thread runs listeners of an array that is pinned here.
   [[nodiscard]] bool IsPinning() const noexcept {
     return std::any_of(pins.begin(), pins.end(), [](const Pin& pin) {
       return pin.array.load(std::memory_order_relaxed) != 0;

@@ -17,7 +17,8 @@ class ReaderRecordOwner {
   /// Runs when the library is unloaded, and gives all records back.
   ~ReaderRecordOwner() { FlsFree(slot); }
 
-  /// The record that the calling thread had before its thread-local memory was freed, or null.
+  /// Returns the record that the calling thread had before its thread-local memory was freed, or
+  /// null.
   [[nodiscard]] ReaderRecord* Former() const noexcept {
     return static_cast<ReaderRecord*>(FlsGetValue(slot));
   }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The reader/writer lock of a listener registry. It is built so that readers on different threads
-/// write no common memory.
+/// A RegistryLock is the reader/writer lock of a listener registry. It is built so that readers on
+/// different threads write no common memory.
 ///
 /// A reader names the lock in its thread's record, and then looks whether a writer has announced
 /// itself. A writer announces itself, and then waits until no record names the lock. Both do this

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The registry behind a broadcaster and its copies. It holds the listeners by property.
+/// WListenersImpl is the registry behind a broadcaster and its copies. It holds the listeners by
+/// property.
 ///
 /// The broadcasters own it in common. When the last of these owners ends, the registry empties
 /// itself under its lock. Subscriptions, and broadcasts that will report, may need the registry
-/// after that: they are its keepers, and it is freed with the last of them. A keeper asks under the
-/// lock whether the registry has been emptied, and has nothing left to do then.
+/// after that: they are its keepers, and it is freed with the last of them. Under the lock a
+/// subscription asks whether the registry has been emptied; if so, its registration has ended.
 ///
 /// Callbacks are run, and released, with no lock held. docs/how-it-works.md, "The broadcast
 /// protocol", tells how this works together with arrays, pins and reports.

@@ -81,8 +81,8 @@ CallbackListCore::Entry* CallbackListCore::Find(std::uint64_t token) noexcept {
   return found == entries.end() || found->token != token ? nullptr : &*found;
 }
 
-/// True until the callback of a token has been taken out. If it was cancelled during a walk, that
-/// happens at the end of the walk.
+/// Returns true until the callback of a token has been taken out. If it was cancelled during a
+/// walk, that happens at the end of the walk.
 bool CallbackListCore::Holds(std::uint64_t token) noexcept {
   const ReadLock guard(lock);
   const Entry* const found = Find(token);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Unicode 15.0.0 simple case folding. cmake/generate-case-folding.py makes this file; do not edit
-/// it.
+/// Unicode 15.0.0 simple case folding. This file is made by cmake/generate-case-folding.py.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Functions that read and write the characters of wide strings. These are UTF-16 where wchar_t has
-/// 16 bits, and UTF-32 elsewhere.
+/// These functions read and write the characters of wide strings. The strings are UTF-16 where
+/// wchar_t has 16 bits, and UTF-32 elsewhere.
 ///
 /// A unit that is no Unicode character (a lone surrogate, a value past U+10FFFF) is read as U+FFFD.
 #pragma once

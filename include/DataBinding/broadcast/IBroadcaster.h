@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Notifies callbacks of changed properties: a callback is registered for the name of a property,
-/// and runs whenever somebody announces a change of exactly that name.
+/// An IBroadcaster notifies callbacks of changed properties. A callback is registered for the name
+/// of a property, and runs whenever somebody announces a change of exactly that name.
 ///
 /// Any thread may register, cancel, ask and announce, also for the first time. Only copying,
 /// assigning and ending a broadcaster must not race with its other uses.
@@ -80,15 +80,15 @@ class DATABINDING_API IBroadcaster {
   /// Runs the callbacks that are registered for the property. It allocates nothing once the
   /// broadcaster has been used and the thread has announced before.
   virtual void UpdateListeners(const VtrString& property);
-  /// True when a callback is registered for the property.
+  /// Returns true when a callback is registered for the property.
   [[nodiscard]] virtual bool AreListenersAvailable(const VtrString& property) const;
-  /// The properties for which callbacks are registered, in no particular order.
+  /// Returns the properties for which callbacks are registered, in no particular order.
   [[nodiscard]] virtual std::vector<VtrString> GetRegisteredProperties() const;
 
  protected:
   virtual ~IBroadcaster();
 
-  /// How many callbacks are registered for exactly this property.
+  /// Returns how many callbacks are registered for exactly this property.
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property) const;
 
   /// A derived class that overrides UpdateListeners announces by this object, which does not call

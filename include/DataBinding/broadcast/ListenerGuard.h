@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Decides what becomes of a property listener that throws or faults: it is skipped, and the next
-/// one runs.
+/// A property listener that throws or faults is skipped, and the next one runs. The functions of
+/// this header set who is told of that, and switch the guard against hardware faults.
 ///
 /// C++ exceptions are always caught. Hardware faults (access violations, divisions by zero, illegal
 /// instructions) are caught as well, unless that is switched off: at run time by
@@ -54,7 +54,7 @@ DATABINDING_API void SetListenerFailureHandler(
 /// handler that was installed before. A handler that is installed later and does not chain takes
 /// all faults over, also the faults of listeners.
 DATABINDING_API void SetHardwareFaultGuard(bool on) noexcept;
-/// False as well where the library was built without the guard.
+/// Returns false as well where the library was built without the guard.
 [[nodiscard]] DATABINDING_API bool IsHardwareFaultGuardOn() noexcept;
 
 namespace details {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A value of any type. Events hand their arguments over in this form to code that does not know
-/// their signature.
+/// An Any holds a value of any type. Events hand their arguments over in this form to code that
+/// does not know their signature.
 ///
 /// It is std::any: it owns a copy of the value and is copied by value. A type is recognised across
 /// modules.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Typed callbacks that hold any callable: a RepeatingCallback is copied freely and run many times,
-/// a OneShotCallback is moved and run once.
+/// A callback has a signature and holds any callable that fits it. A RepeatingCallback is copied
+/// freely and run many times, a OneShotCallback is moved and run once.
 ///
 /// Making a callback allocates once. Copying allocates nothing, since copies share the callable. A
 /// call keeps the callable alive until it returns, even if the callback is destroyed meanwhile.
@@ -47,7 +47,7 @@ inline constexpr bool isNullableFunctor =
 template <class Signature>
 inline constexpr bool isNullableFunctor<std::function<Signature>> = true;
 
-/// The result of a call that is skipped.
+/// Returns the result of a call that is skipped.
 template <class Result>
 Result SkippedResult() {
   if constexpr (std::is_void_v<Result>) {
@@ -146,7 +146,7 @@ class RepeatingCallback<Result(Args...)> : public details::RepeatingCallbackBase
 
  public:
   RepeatingCallback() noexcept = default;
-  /// A null callback.
+  /// Makes a null callback.
   RepeatingCallback(std::nullptr_t) noexcept {}
   /// Takes over a state of this signature; a null one makes a null callback.
   explicit RepeatingCallback(comlike_ptr<details::BindStateBase> adopted) noexcept
@@ -176,15 +176,15 @@ class RepeatingCallback<Result(Args...)> : public details::RepeatingCallbackBase
 template <class Signature>
 class OneShotCallback;
 
-/// A callback that runs once and is null from then on. It is moved and never copied, so it may hold
-/// a callable that can only be moved. The callable is released as soon as it has run.
+/// A OneShotCallback runs once and is null from then on. It is moved and never copied, so it may
+/// hold a callable that can only be moved. The callable is released as soon as it has run.
 template <class Result, class... Args>
 class OneShotCallback<Result(Args...)> : public details::OneShotCallbackBase {
   using Invoker = details::Invoker<Result(Args...)>;
 
  public:
   OneShotCallback() noexcept = default;
-  /// A null callback.
+  /// Makes a null callback.
   OneShotCallback(std::nullptr_t) noexcept {}
   /// Takes over a state of this signature; a null one makes a null callback.
   explicit OneShotCallback(comlike_ptr<details::BindStateBase> adopted) noexcept

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A signal with typed arguments: an ordered list of callbacks that is called often and changed
-/// seldom.
+/// A CallbackList is a signal with typed arguments: an ordered list of callbacks that is called
+/// often and changed seldom.
 ///
 /// One thread adds callbacks, calls the list and ends it. Subscriptions may be cancelled on any
 /// thread.
@@ -41,7 +41,7 @@ namespace details {
 
 class CallbackListCore;
 
-/// An address that no other living thread has.
+/// Returns an address that no other living thread has.
 [[nodiscard]] DATABINDING_API const void* ThisThread() noexcept;
 
 struct CallbackListCoreTraits {
@@ -141,8 +141,8 @@ class CallbackWalk {
     if (nested == 0 && core->anyCancelled.load(std::memory_order_seq_cst)) core->EndOutermostWalk();
   }
 
-  /// The next entry to call, or null at the end. The walk steps on before the call, so that a
-  /// callback which throws counts as called.
+  /// Returns the next entry to call, or null at the end. The walk steps on before the call, so that
+  /// a callback which throws counts as called.
   [[nodiscard]] const CallbackListCore::Entry* Next() noexcept {
     while (next < end) {
       const auto& entry = core->entries[next++];
@@ -150,7 +150,8 @@ class CallbackWalk {
     }
     return nullptr;
   }
-  /// True when the list was ended during the walk. None of its callbacks is called any more.
+  /// Returns true when the list was ended during the walk. None of its callbacks is called any
+  /// more.
   [[nodiscard]] bool IsListGone() const noexcept { return core != nullptr && core->closed; }
 
  private:

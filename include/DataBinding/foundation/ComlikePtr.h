@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// comlike_ptr, an owning pointer to an object that counts its own references, and RefCounted, the
-/// base class that counts them.
+/// A comlike_ptr is an owning pointer to an object that counts its own references. RefCounted is
+/// the base class that counts them.
 ///
 /// A new object has one reference. A comlike_ptr that is made from a raw pointer takes over an
 /// existing reference; Share adds one. The count is atomic, but one comlike_ptr object must not be
@@ -66,7 +66,7 @@ class comlike_ptr {
   }
   /// Hands the reference over to the caller, who has to release it.
   [[nodiscard]] T* Detach() noexcept { return std::exchange(object, nullptr); }
-  /// The object, which this pointer goes on owning. Null for an empty pointer.
+  /// Returns the object, which this pointer goes on owning, or null for an empty pointer.
   [[nodiscard]] T* Get() const noexcept { return object; }
   /// These must not be used on an empty pointer.
   ///@{

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A recursive lock for short sections. A thread that has to wait spins for a while before it
-/// blocks.
+/// A CriticalSection is a recursive lock for short sections of code. A thread that has to wait
+/// spins for a while before it blocks.
 ///
 /// The thread that holds the section may enter it again, and has to leave it as often. Use the
 /// scope guard to enter. On Windows this is the system's critical section with a spin count;

@@ -52,7 +52,7 @@ class Delegate<Result(Args...)> {
     if (function == nullptr) return details::SkippedResult<Result>();
     return function(context, std::forward<Args>(args)...);
   }
-  /// False for an empty delegate.
+  /// Returns false for an empty delegate.
   explicit constexpr operator bool() const noexcept { return function != nullptr; }
   /// Two delegates are equal when both their words are.
   friend constexpr bool operator==(const Delegate&, const Delegate&) noexcept = default;

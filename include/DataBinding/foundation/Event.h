@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A multicast event. When it is raised, it runs the callbacks that are subscribed to it, in the
-/// order of their subscription.
+/// An Event runs the callbacks that are subscribed to it, in the order of their subscription, when
+/// it is raised.
 ///
 /// A raise runs the callbacks that were subscribed when it began and that still are when it reaches
 /// them. A callback that is subscribed during a raise is first run by the next one. A callback may
@@ -20,8 +20,8 @@
 
 namespace VtrUtils {
 
-/// The part of an event that does not depend on its signature. Each listener has a token; tokens
-/// ascend and are not used again.
+/// This is the part of an event that does not depend on its signature. Each listener has a token;
+/// tokens ascend and are not used again.
 class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
  public:
   EventBase(const EventBase&) = delete;
@@ -34,12 +34,13 @@ class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
   /// Adds a listener, which stays until the subscription is cancelled. A listener with an empty
   /// memento is counted, and skipped by a raise.
   Subscription Subscribe(const RepeatingCallbackMemento& memento);
-  /// A copy of the tokens, which a raise goes through so that callbacks may subscribe and cancel
-  /// meanwhile.
+  /// Returns a copy of the tokens, which a raise goes through so that callbacks may subscribe and
+  /// cancel meanwhile.
   [[nodiscard]] std::set<unsigned long long> GetListenerTokensCopy() const;
-  /// The memento of a listener. Empty if the listener is paused or no longer subscribed.
+  /// Returns the memento of a listener, or an empty one if the listener is paused or no longer
+  /// subscribed.
   [[nodiscard]] RepeatingCallbackMemento GetListener(unsigned long long token) const;
-  /// True while a listener is subscribed, even if its callback is empty.
+  /// Returns true while a listener is subscribed, even if its callback is empty.
   [[nodiscard]] bool HasListeners() const noexcept { return !listeners.empty(); }
   /// By this pointer a raise learns whether a callback has destroyed the event.
   [[nodiscard]] WeakPtr<EventBase> GetWeakPtr() { return AsWeakPtr(); }

@@ -40,13 +40,13 @@ class FindInterfaceProxy {
   /// The object must outlive the proxy. With a null object every answer is null.
   explicit FindInterfaceProxy(VtrUtils::IVantorGeneric* asked) noexcept : object(asked) {}
 
-  /// The interface with that identifier, or null if the object does not have it.
+  /// Returns the interface with that identifier, or null if the object does not have it.
   [[nodiscard]] void* Find(const VtrUtils::GUID& id) const {
     void* found = nullptr;
     return object != nullptr && object->FindInterfaceByIID(id, &found) ? found : nullptr;
   }
-  /// The interface of that type, or null if the object does not have it. InterfaceId<Interface>
-  /// must be specialised.
+  /// Returns the interface of that type, or null if the object does not have it.
+  /// InterfaceId<Interface> must be specialised.
   template <class Interface>
   [[nodiscard]] Interface* As() const {
     return static_cast<Interface*>(Find(VtrUtils::InterfaceId<Interface>::value));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A diagnostic message. Text is streamed into it, and its destructor hands the text to the sink.
+/// A LogMessage is a diagnostic message. Text is streamed into it, and its destructor hands the
+/// text to the sink.
 ///
 /// A process starts without a sink, and then messages go nowhere. The library writes no messages
 /// itself; the class is for its users. The sink may be set, and messages may end, on any thread.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Keeps the callback of one registration from being called during a scope of the code.
+/// A PauseListening keeps the callback of one registration from being called while it lives.
 ///
 /// A pause is made of the Subscription of a property, an event, a bind, a destruction handler or a
 /// CallbackList. Whether a listener is paused is looked up when its turn comes, so an announcement

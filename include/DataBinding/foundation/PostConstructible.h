@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A base class for objects that have work to do after their constructor: the creator calls
-/// PostConstruct when the constructor has returned.
+/// PostConstructible is a base class for objects that have work to do after their constructor. The
+/// creator calls PostConstruct when the constructor has returned.
 ///
 /// An override does what needs the finished object, such as calling virtual operations, and calls
 /// the base's PostConstruct, which marks the object as post-constructed. Derived classes may read

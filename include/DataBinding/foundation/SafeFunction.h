@@ -25,7 +25,7 @@ template <class Result, class... Args, std::size_t Words>
 class basic_safe_function<Result(Args...), Words> {
  public:
   basic_safe_function() noexcept = default;
-  /// An empty function.
+  /// Makes an empty function.
   basic_safe_function(std::nullptr_t) noexcept {}
   /// Holds any callable that fits the signature; it need not be copyable. A null function pointer
   /// or an empty std::function makes an empty function.
@@ -64,7 +64,7 @@ class basic_safe_function<Result(Args...), Words> {
     if (actions == nullptr) return details::SkippedResult<Result>();
     return actions->run(storage, std::forward<Args>(args)...);
   }
-  /// False for an empty function.
+  /// Returns false for an empty function.
   explicit operator bool() const noexcept { return actions != nullptr; }
 
  private:

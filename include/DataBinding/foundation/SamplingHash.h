@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The hash of property names. It reads at most ten characters of a name, which are evenly spread.
+/// SamplingHash computes the hash of property names. It reads at most ten characters of a name,
+/// which are evenly spread.
 ///
 /// So its cost is bounded, however long a name is. The price is that long names collide if they
 /// differ only between the characters that are read; a table that is keyed by this hash has to tell
@@ -18,7 +19,7 @@
 
 namespace VtrUtils {
 
-/// The hash of a text, which may be empty.
+/// Returns the hash of a text, which may be empty.
 [[nodiscard]] constexpr std::uint64_t SamplingHash(std::wstring_view text) noexcept {
   constexpr std::uint64_t offsetBasis = 0xcbf29ce484222325;
   constexpr std::uint64_t prime = 0x100000001b3;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Gives a variable another value during a scope of the code.
+/// A ScopedValue gives a variable another value during a scope of the code.
 ///
 /// The variable gets its former value back however the scope is left, so it must outlive the scope.
 /// The object owns nothing else than that former value, and takes no lock.

@@ -31,11 +31,11 @@ class Singleton {
   Singleton(const Singleton&) = delete;
   Singleton& operator=(const Singleton&) = delete;
 
-  /// The instance, which is created if there is none. Throws std::bad_alloc when there is no memory
-  /// for it.
+  /// Returns the instance, which is created if there is none. Throws std::bad_alloc when there is
+  /// no memory for it.
   [[nodiscard]] static T& GetInstance() { return ObtainInstance(); }
-  /// True when there is an instance. Never creates one, and does not wait for a thread that creates
-  /// or releases it.
+  /// Returns true when there is an instance. Never creates one, and does not wait for a thread that
+  /// creates or releases it.
   [[nodiscard]] static bool HasInstance() { return IsInstanceThere(); }
   /// Deletes the instance, if there is one. `markReleased` is noted, for callers that mean the
   /// release for good, but GetInstance creates another instance all the same.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The register of all singletons in a process. Each type has one entry, whichever modules ask for
-/// it. Singleton<T, N> is the only user of this class.
+/// SingletonLibrary keeps the entries of all singletons in a process. Each type has one entry,
+/// whichever modules ask for it. Singleton<T, N> is the only user of this class.
 ///
 /// An entry is keyed by a copy of the type's name, so that it outlives the module that asked first.
 /// Entries are never freed, so modules may keep pointers to them. The contents of an entry belong

@@ -109,30 +109,31 @@ class DATABINDING_SHARED_TYPE VtrStringT {
     return std::move(this->Format(format, args...));
   }
 
-  /// Negative if this string is ordered before the other, 0 if they are equal, positive if it is
-  /// ordered after it.
+  /// Returns a negative number if this string is ordered before the other, 0 if they are equal,
+  /// and a positive number if it is ordered after the other.
   [[nodiscard]] int Compare(View other, CompareCase mode = CompareCase::Sensitive) const noexcept {
     return View(*this).Compare(other, mode);
   }
-  /// The same without regard to case.
+  /// Compares in the same way, but without regard to case.
   [[nodiscard]] int CompareNoCase(View other) const noexcept {
     return View(*this).CompareNoCase(other);
   }
-  /// The characters from a start index to the end. A negative start gives the whole string, a start
-  /// past the end the empty string.
+  /// Returns the characters from a start index to the end. A negative start gives the whole string,
+  /// a start past the end the empty string.
   [[nodiscard]] VtrStringT Mid(std::int32_t start) const {
     if (start <= 0) return *this;
     if (start >= GetLength()) return VtrStringT();
     return VtrStringT(View(Text() + start, GetLength() - start));
   }
-  /// True for length 0.
+  /// Returns true for length 0.
   [[nodiscard]] bool IsEmpty() const noexcept { return buffer == nullptr; }
-  /// The length in wchar_t units. A unit is UTF-16 on Windows and a whole character elsewhere.
+  /// Returns the length in wchar_t units. A unit is UTF-16 on Windows and a whole character
+  /// elsewhere.
   [[nodiscard]] std::int32_t GetLength() const noexcept {
     return buffer == nullptr ? 0 : buffer->length;
   }
-  /// The SamplingHash of the characters, for tables that are keyed by names. It is computed once
-  /// and kept in the buffer.
+  /// Returns the SamplingHash of the characters, for tables that are keyed by names. It is computed
+  /// once and kept in the buffer.
   [[nodiscard]] std::uint64_t GetSamplingHash() const noexcept {
     if (buffer == nullptr) return VtrUtils::SamplingHash({});
     const auto known = buffer->hash.load(std::memory_order_relaxed);
@@ -141,9 +142,10 @@ class DATABINDING_SHARED_TYPE VtrStringT {
     buffer->hash.store(computed, std::memory_order_relaxed);
     return computed;
   }
-  /// The NUL-terminated characters. The pointer is valid until this string is changed or destroyed.
+  /// Returns the NUL-terminated characters. The pointer is valid until this string is changed or
+  /// destroyed.
   operator const CharT*() const noexcept { return Text(); }
-  /// A view of the characters, which is valid until this string is changed or destroyed.
+  /// Returns a view of the characters, which is valid until this string is changed or destroyed.
   operator std::basic_string_view<CharT>() const noexcept { return View(*this); }
   /// A string cannot be used as a condition: it converts to a pointer that is never null, so the
   /// condition would always hold. Use IsEmpty. The second deleted conversion makes the implicit one

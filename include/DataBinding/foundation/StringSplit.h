@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Functions that split a text, such as a list of names, at a separator.
+/// These functions split a text, such as a list of names, at a separator.
 ///
 /// Blanks are U+0020 and U+0009 to U+000D. The library splits its lists of names with blanks
 /// trimmed and empty pieces dropped: `L" A , ,B"` gives A and B, and `L","` gives nothing. A null
@@ -26,7 +26,7 @@ namespace VtrUtils::String {
     VtrPlatform::VtrStringView text, VtrPlatform::VtrStringView separator, bool keepEmpty,
     bool trimBlanks);
 
-/// True for the characters that are trimmed.
+/// Returns true for the characters that are trimmed.
 [[nodiscard]] constexpr bool IsBlank(wchar_t character) noexcept {
   return character == L' ' || (character >= L'\t' && character <= L'\r');
 }

@@ -60,31 +60,32 @@ class VtrStringViewT {
   /// Refers to the characters of a string, until that is changed or destroyed.
   VtrStringViewT(const VtrStringT<CharT>& text) noexcept : first(text), count(text.GetLength()) {}
 
-  /// A pointer to the first character. There may be no NUL behind the last one.
+  /// Returns a pointer to the first character. There may be no NUL behind the last one.
   [[nodiscard]] constexpr const CharT* GetRawUnterminatedString() const noexcept { return first; }
-  /// The length in wchar_t units. A unit is UTF-16 on Windows and a whole character elsewhere.
+  /// Returns the length in wchar_t units. A unit is UTF-16 on Windows and a whole character
+  /// elsewhere.
   [[nodiscard]] constexpr std::int32_t GetLength() const noexcept { return count; }
-  /// True for length 0.
+  /// Returns true for length 0.
   [[nodiscard]] constexpr bool IsEmpty() const noexcept { return count == 0; }
-  /// The same characters as a standard view.
+  /// Returns the same characters as a standard view.
   constexpr operator std::basic_string_view<CharT>() const noexcept {
     return {first, static_cast<std::size_t>(count)};
   }
 
-  /// Negative if this view is ordered before the other, 0 if they are equal, positive if it is
-  /// ordered after it.
+  /// Returns a negative number if this view is ordered before the other, 0 if they are equal,
+  /// and a positive number if it is ordered after the other.
   [[nodiscard]] int Compare(VtrStringViewT other,
                             CompareCase mode = CompareCase::Sensitive) const noexcept {
     using Standard = std::basic_string_view<CharT>;
     return mode == CompareCase::Sensitive ? Standard(*this).compare(Standard(other))
                                           : details::CompareFolded(*this, other);
   }
-  /// The same without regard to case.
+  /// Compares in the same way, but without regard to case.
   [[nodiscard]] int CompareNoCase(VtrStringViewT other) const noexcept {
     return Compare(other, CompareCase::Insensitive);
   }
 
-  /// True for the same code units.
+  /// Returns true for the same code units.
   friend bool operator==(VtrStringViewT left, VtrStringViewT right) noexcept {
     return left.count == right.count && left.Compare(right) == 0;
   }

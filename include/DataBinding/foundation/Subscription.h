@@ -58,12 +58,13 @@ class [[nodiscard]] Subscription {
     ending.GetBindState()->Request(details::RegistrationRequest::EndAndWait);
     ending();
   }
-  /// True until the subscription is cancelled, even if the object with which the callback was
-  /// registered has ended.
+  /// Returns true until the subscription is cancelled, even if the object with which the callback
+  /// was registered has ended.
   explicit operator bool() const noexcept { return static_cast<bool>(unsubscribe); }
 
-  /// The state that ends the registration and can also pause it. Null on an inert subscription, and
-  /// for a callback of the user's own: if its state were shared, it would be released too late.
+  /// Returns the state that ends the registration and can also pause it. The result is null if the
+  /// subscription is inert, or was made with a callback of the user's own: if the state of that
+  /// were shared, it would be released too late.
   [[nodiscard]] details::BindStateBase* GetRegistration() const noexcept {
     auto* const state = unsubscribe.GetBindState();
     return state != nullptr && state->IsRegistration() ? state : nullptr;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A reader/writer lock with its two scope guards.
+/// A ThreadLock is a reader/writer lock, which is taken by its two scope guards.
 ///
 /// Many readers or one writer hold it at a time. It is not recursive: a thread that holds it, for
 /// reading or for writing, must not take it again. On Windows it is the system's slim reader/writer

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Functions for the names of types: for messages, and for telling types apart across modules.
+/// These functions give names of types, for messages and for telling types apart across modules.
 ///
 /// The caller owns the returned text, so the text may outlive the module to which the type belongs.
 /// Each call allocates a new text. The functions may be called on any thread.
@@ -16,11 +16,11 @@
 
 namespace VtrUtils {
 
-/// The name of a type as a reader would write it: "void (int)". Compilers spell types differently,
-/// so the name is to be shown and not to be compared.
+/// Returns the name of a type as a reader would write it: "void (int)". Compilers spell types
+/// differently, so the name is to be shown and not to be compared.
 [[nodiscard]] DATABINDING_API std::string ReadableTypeName(const std::type_info& type);
 
-/// A text that is the same for one type in all modules and different for different types.
+/// Returns a text that is the same for one type in all modules and different for different types.
 ///
 /// A type in an anonymous namespace is identified by its address, too, since another file may have
 /// a type of that name; its text changes when its module is unloaded and loaded again. Two types

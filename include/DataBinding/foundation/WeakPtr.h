@@ -43,7 +43,7 @@ class WeakReference {
  public:
   WeakReference() noexcept = default;
   explicit WeakReference(comlike_ptr<WeakFlag> shared) noexcept : flag(std::move(shared)) {}
-  /// True while the owner lives; false for a reference that never had one.
+  /// Returns true while the owner lives; false for a reference that never had one.
   [[nodiscard]] bool IsValid() const noexcept { return flag && flag->IsAlive(); }
 
  private:
@@ -74,7 +74,7 @@ class WeakPtrBase {
   [[nodiscard]] bool IsValid() const noexcept { return reference.IsValid(); }
 
  protected:
-  /// The address, or null once the object is gone.
+  /// Returns the address, or null once the object is gone.
   [[nodiscard]] const void* GetRaw() const noexcept { return IsValid() ? object : nullptr; }
 
  private:
@@ -112,7 +112,7 @@ class WeakPtr : public details::WeakPtrBase {
   WeakPtr(details::WeakReference toOwner, T* target) noexcept
       : WeakPtrBase(std::move(toOwner), target) {}
 
-  /// The object, or null once it is gone.
+  /// Returns the object, or null once it is gone.
   [[nodiscard]] T* Get() const noexcept { return details::Retyped<T>(GetRaw()); }
   /// These may only be used while the object lives.
   ///@{
@@ -132,7 +132,7 @@ class WeakPtrFactory : private details::WeakPtrFactoryBase {
   explicit WeakPtrFactory(T* target) noexcept : WeakPtrFactoryBase(target) {}
   WeakPtrFactory(const WeakPtrFactory&) = delete;
   WeakPtrFactory& operator=(const WeakPtrFactory&) = delete;
-  /// A pointer that becomes invalid when the factory ends. May be called on any thread.
+  /// Returns a pointer that becomes invalid when the factory ends. May be called on any thread.
   [[nodiscard]] WeakPtr<T> GetWeakPtr() const { return {GetRef(), details::Retyped<T>(GetRaw())}; }
 };
 
@@ -142,7 +142,7 @@ class WeakPtrFactory : private details::WeakPtrFactoryBase {
 template <class T>
 class SupportsWeakPtr {
  public:
-  /// A weak pointer to this object. May be called on any thread while the object lives.
+  /// Returns a weak pointer to this object. May be called on any thread while the object lives.
   [[nodiscard]] WeakPtr<T> AsWeakPtr() { return {owner.GetRef(), static_cast<T*>(this)}; }
 
  protected:

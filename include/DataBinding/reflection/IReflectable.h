@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// An object that publishes named members at run time. A member is a property (a name with a type),
-/// a delegate (a name with a type and a callback), or an event source (a name of type `void()`).
+/// An IReflectable publishes named members at run time. A member is a property (a name with a
+/// type), a delegate (a name with a type and a callback), or an event source (a name of type
+/// `void()`).
 ///
 /// The members stand in a table. It has no lock, so members are added while the object is built,
 /// before other threads see it. Adding a name again overwrites the member; no member is ever
@@ -71,8 +72,8 @@ class DATABINDING_API Reflectable {
   Subscription AddOnDestroyedHandler(const RepeatingCallback<void()>& callback);
   [[nodiscard]] bool IsProperty(const VtrString& name) const;
   [[nodiscard]] bool IsWritableProperty(const VtrString& name) const;
-  /// True while the destruction handlers run. The classes that derive from IReflectable are gone
-  /// then.
+  /// Returns true while the destruction handlers run. The classes that derive from IReflectable are
+  /// gone then.
   [[nodiscard]] bool IsEnding() const noexcept { return isEnding; }
   [[nodiscard]] Items::iterator begin() noexcept { return items.begin(); }
   [[nodiscard]] Items::const_iterator begin() const noexcept { return items.begin(); }
@@ -113,8 +114,8 @@ class ReflectionAccess;
 
 class DATABINDING_API IReflectable {
  public:
-  /// Lead to pairs of a name and an item with its type and delegate. They are valid until the next
-  /// member is added.
+  /// These lead to pairs of a name and an item with its type and delegate. They are valid until the
+  /// next member is added.
   ///@{
   using iterator = details::Reflectable::Items::iterator;
   using const_iterator = details::Reflectable::Items::const_iterator;
@@ -125,30 +126,31 @@ class DATABINDING_API IReflectable {
   IReflectable(const IReflectable&) = delete;
   IReflectable& operator=(const IReflectable&) = delete;
 
-  /// A reference that tells whether the object is still there, for code that keeps a pointer to the
-  /// object. It may be asked after the object has ended. It becomes invalid before the destruction
-  /// handlers run, because the derived classes are gone by then.
+  /// Returns a reference that tells whether the object is still there, for code that keeps a
+  /// pointer to the object. It may be asked after the object has ended. It becomes invalid before
+  /// the destruction handlers run, because the derived classes are gone by then.
   /// `WeakPtr<IDataSource>(source->GetLiveness(), source)` keeps the pointer together with it.
   [[nodiscard]] details::WeakReference GetLiveness() const {
     return reflectable.IsEnding() ? details::WeakReference() : liveness.GetRef();
   }
 
-  /// False only for names that are known as functions.
+  /// Returns false only for names that are known as functions.
   [[nodiscard]] virtual bool IsProperty(const VtrString& name) const;
-  /// False only for names that are known as functions or as read-only.
+  /// Returns false only for names that are known as functions or as read-only.
   [[nodiscard]] virtual bool IsWritableProperty(const VtrString& name) const;
-  /// Is called for a delegate whose name is not in the table. An override returns the delegate, or
-  /// an empty memento for a name that it does not know.
+  /// This is called for a delegate whose name is not in the table. An override returns the
+  /// delegate, or an empty memento for a name that it does not know.
   virtual RepeatingCallbackMemento GetDynamicDelegate(const VtrString& name,
                                                       const runtime_type_base& type);
-  /// Is called for the type of a name that is not in the table. An override returns the type, or
+  /// This is called for the type of a name that is not in the table. An override returns the type,
+  /// or
   /// runtime_type<void> for a name that it does not know.
   virtual const runtime_type_base& GetDynamicType(const VtrString& name);
   /// Runs the callback when the object ends, before the on-destroyed handlers.
   virtual Subscription AddOnDestroyHandler(const RepeatingCallback<void()>& callback);
   /// Runs the callback when the object ends, after the on-destroy handlers.
   virtual Subscription AddOnDestroyedHandler(const RepeatingCallback<void()>& callback);
-  /// Give the members in ascending order of their names.
+  /// These give the members in ascending order of their names.
   ///@{
   [[nodiscard]] virtual iterator begin();
   [[nodiscard]] virtual const_iterator begin() const;
@@ -173,23 +175,23 @@ class DATABINDING_API IReflectable {
                             const runtime_type_base& type);
   /// Adds a member without a callback, or overwrites the one of that name.
   virtual void _AddType(const VtrString& name, const runtime_type_base& type);
-  /// The index of the first tag whose name is known, and the delegate. If that member has another
-  /// type than the tag, the delegate is empty; deliberately, so that a member is never passed over
-  /// for a later candidate. If no name is known, the index is the largest std::size_t.
+  /// Returns the index of the first tag whose name is known, and the delegate. If that member has
+  /// another type than the tag, the delegate is empty; deliberately, so that a member is never
+  /// passed over for a later candidate. If no name is known, the index is the largest std::size_t.
   virtual std::pair<std::size_t, RepeatingCallbackMemento> _GetDelegate(
       std::initializer_list<DelegateTag> tags);
-  /// The index of the first name that is known, and its type. If none is known, the largest
+  /// Returns the index of the first name that is known, and its type. If none is known, the largest
   /// std::size_t and runtime_type<void>.
   virtual std::pair<std::size_t, const runtime_type_base&> _GetType(
       std::initializer_list<VtrString> names);
 
  public:
-  /// The callback with this name and type, or an empty memento.
+  /// Returns the callback with this name and type, or an empty memento.
   [[nodiscard]] RepeatingCallbackMemento GetDelegateMemento(const VtrString& name,
                                                             const runtime_type_base& type) const;
-  /// The type of the name, or runtime_type<void>.
+  /// Returns the type of the name, or runtime_type<void>.
   [[nodiscard]] const runtime_type_base& GetDelegateType(const VtrString& name) const;
-  /// The type of the first name that is known, or runtime_type<void>.
+  /// Returns the type of the first name that is known, or runtime_type<void>.
   [[nodiscard]] const runtime_type_base& GetDelegatesType(
       std::initializer_list<VtrString> names) const;
   /// Adds an event source of that name.

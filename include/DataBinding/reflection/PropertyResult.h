@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The results of reading or setting a property, and of calling a delegate. Each holds the outcome,
-/// and a text for people that says why it failed.
+/// Reading or setting a property, and calling a delegate, gives a result of one of these types. It
+/// holds the outcome, and a text for people that says why it failed.
 ///
 /// Results are plain values: they may be copied, kept and handed to other threads. The text says
 /// what was wanted and what was found, and is empty where nothing failed.
@@ -42,7 +42,7 @@ struct SetResult {
   /// widget.
   VtrString reason = {};
 
-  /// True when the value was accepted, whether or not it made a difference.
+  /// Returns true when the value was accepted, whether or not it made a difference.
   [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }
   /// Writes the text as UTF-8, which is nothing where the value was accepted.
   template <class Traits>
@@ -62,7 +62,7 @@ struct PropertyValue {
   /// The same as in SetResult.
   VtrString text;
 
-  /// True when there is a value.
+  /// Returns true when there is a value.
   explicit operator bool() const noexcept { return value.has_value(); }
   /// These may be used only when there is a value.
   ///@{
@@ -91,14 +91,15 @@ struct PropertyValue<void> {
   /// The same as in SetResult.
   VtrString text;
 
-  /// True when the delegate was called.
+  /// Returns true when the delegate was called.
   explicit operator bool() const noexcept { return error == PropertyError::None; }
 };
 
 namespace details {
 
-/// Why a validator refuses a value. Empty if it accepts the value, or if there is no validator. A
-/// validator that is bound to an object refuses every value once the object is gone.
+/// Returns why a validator refuses a value. The result is empty if the validator accepts the value,
+/// or if there is none. A validator that is bound to an object refuses every value once the object
+/// is gone.
 template <class T>
 [[nodiscard]] VtrString ReasonAgainst(const T& value,
                                       const RepeatingCallback<VtrString(const T&)>& validate) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Descriptors of the types of reflected members: runtime_type<T> has one static instance for T.
+/// A descriptor tells the type of a reflected member. runtime_type<T> is the class of the
+/// descriptor of T, and has one static instance.
 ///
 /// A property is described by the type of its value, or by `const T` if only its source may write
 /// it. A delegate or an event source is described by its function type.
@@ -25,17 +26,17 @@ class DATABINDING_API runtime_type_base {
  public:
   virtual ~runtime_type_base();
 
-  /// True when the other descriptor describes exactly the same type. False for null.
+  /// Returns true when the other descriptor describes exactly the same type, and false for null.
   [[nodiscard]] virtual bool IsSameType(const runtime_type_base* other) const = 0;
-  /// True for types whose members cannot be written.
+  /// Returns true for types whose members cannot be written.
   [[nodiscard]] virtual bool IsReadOnly() const = 0;
-  /// True for function types: delegates and event sources.
+  /// Returns true for function types: delegates and event sources.
   [[nodiscard]] virtual bool IsFunction() const = 0;
-  /// The static instance of this descriptor's class.
+  /// Returns the static instance of this descriptor's class.
   [[nodiscard]] virtual const runtime_type_base& Instance() const = 0;
 
-  /// The name of the described type for messages, as a reader would write it: "double", "void ()".
-  /// Compilers spell types differently, so a name is shown and not compared.
+  /// Returns the name of the described type for messages, as a reader would write it: "double",
+  /// "void ()". Compilers spell types differently, so a name is shown and not compared.
   [[nodiscard]] std::string GetTypeName() const;
 
  protected:
@@ -44,7 +45,7 @@ class DATABINDING_API runtime_type_base {
   runtime_type_base& operator=(const runtime_type_base&) noexcept = default;
 };
 
-/// The descriptor of T. The class is the same in all modules, the instance is not.
+/// This is the descriptor of T. The class is the same in all modules, the instance is not.
 template <class T>
 class runtime_type : public runtime_type_base {
  public:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The parts of a callback: a counted state with its functions, and the base classes of callbacks
-/// that do not know the signature.
+/// A callback is made of the parts in this header: a counted state with its functions, and base
+/// classes that do not know the signature.
 ///
 /// A state holds a target with its bound arguments. Its invoke function takes the state and the
 /// arguments of the call, and is stored without its type; the callback that holds the state knows
@@ -60,16 +60,16 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   [[nodiscard]] bool MaybeValid() const {
     return query == nullptr || query(this, CancellationQueryMode::MaybeValid);
   }
-  /// The copy of MakeCalls in the module that the state comes from. Null if the signature of the
-  /// state is not void().
+  /// Returns the copy of MakeCalls in the module that the state comes from, or null if the
+  /// signature of the state is not void().
   [[nodiscard]] CallLoop Loop() const noexcept { return isRegistration ? nullptr : loop; }
-  /// True for a state that ends a registration and handles requests: see RegistrationState.
+  /// Returns true for a state that ends a registration and handles requests: see RegistrationState.
   [[nodiscard]] bool IsRegistration() const noexcept { return isRegistration; }
   /// Makes a request to the state of a registration. Other states do nothing.
   void Request(RegistrationRequest request) const {
     if (isRegistration) handler(this, request);
   }
-  /// False only when both signatures are known and differ.
+  /// Returns false only when both signatures are known and differ.
   [[nodiscard]] bool FitsSignature(const std::type_info& wanted) const noexcept {
     return signature == nullptr || IsOneType(*signature, wanted);
   }
@@ -149,16 +149,16 @@ class OneShotCallbackBase {
   OneShotCallbackBase& operator=(OneShotCallbackBase&&) noexcept = default;
   ~OneShotCallbackBase() = default;
 
-  /// False for a null callback.
+  /// Returns false for a null callback.
   explicit operator bool() const noexcept { return static_cast<bool>(state); }
-  /// The function that is called with the state. Null for a null callback.
+  /// Returns the function that is called with the state, or null for a null callback.
   [[nodiscard]] BindStateBase::InvokeFunction polymorphic_invoke() const noexcept {
     return state ? state->Invoke() : nullptr;
   }
   [[nodiscard]] BindStateBase* GetBindState() const noexcept { return state.Get(); }
-  /// True once the target is gone, and for a null callback.
+  /// Returns true once the target is gone, and for a null callback.
   [[nodiscard]] bool IsCancelled() const { return !state || state->IsCancelled(); }
-  /// False once the target is surely gone, and for a null callback.
+  /// Returns false once the target is surely gone, and for a null callback.
   [[nodiscard]] bool MaybeValid() const { return state && state->MaybeValid(); }
 
  protected:
@@ -177,7 +177,7 @@ class RepeatingCallbackBase;
 class RepeatingCallbackMemento {
  public:
   RepeatingCallbackMemento() noexcept = default;
-  /// True when the memento holds no callback.
+  /// Returns true when the memento holds no callback.
   [[nodiscard]] bool IsEmpty() const noexcept { return !state; }
 
  private:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A macro that lets the cancellation of a thread through a catch block which catches everything.
+/// The macro of this header lets the cancellation of a thread pass a catch block that catches
+/// everything.
 ///
 /// On glibc, pthread_cancel and pthread_exit unwind the thread by an exception. Code that swallows
 /// this exception ends the process. libc++ has no name for it, so with libc++ a cancellation that

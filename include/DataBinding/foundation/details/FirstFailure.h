@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Runs steps that must all be done, such as those of a tear-down, and keeps the first exception
-/// that one of them throws.
+/// A FirstFailure runs steps that must all be done, such as those of a tear-down, and keeps the
+/// first exception that one of them throws.
 ///
 /// It owns that exception and allocates nothing itself. One object serves one thread.
 ///

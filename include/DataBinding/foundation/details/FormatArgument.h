@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// One argument of VtrString::Format together with its kind.
+/// A FormatArgument is one argument of VtrString::Format together with its kind.
 ///
 /// It is made implicitly from arithmetic values, enumerations, pointers and wide texts. Since the
 /// kind is known, a conversion can be checked against it, and a value is never read as another

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// NameMap holds values by name, in no particular order, and finds one in constant time.
+/// A NameMap holds values by name, in no particular order, and finds one in constant time.
 ///
 /// Names are compared exactly, with regard to case, and hashed by all their characters, so that
 /// names which differ in few places do not collide. Any kind of text can be looked up, and no
@@ -34,7 +34,7 @@ struct NameHash {
 struct NameEqual {
   /// Lets a map be asked without making a string.
   using is_transparent = void;
-  /// True for the same characters, with regard to case.
+  /// Returns true for the same characters, with regard to case.
   [[nodiscard]] bool operator()(VtrPlatform::VtrStringView left,
                                 VtrPlatform::VtrStringView right) const noexcept {
     return left == right;

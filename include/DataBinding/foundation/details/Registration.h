@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The state that the library's own subscriptions hold. It ends a registration, and can also pause
-/// the registration and wait for its callback.
+/// A RegistrationState is the state that the library's own subscriptions hold. It ends a
+/// registration, and can also pause the registration and wait for its callback.
 ///
 /// A request tells the state which of these to do. The state has a function for requests, so that a
 /// Subscription need not know with what the callback is registered. A callback of the user's own

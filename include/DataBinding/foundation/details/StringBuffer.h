@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The storage that copies of a wide string share: a reference count, a length and a hash, and
-/// behind them the characters, all in one allocation.
+/// A StringBuffer is the storage that copies of a wide string share. One allocation holds the
+/// reference count, the length, the hash, and behind them the characters.
 ///
 /// The count is atomic, so the owners may be on different threads. The characters do not change
 /// once there is a second owner. The hash is computed when it is first asked for. In every
@@ -27,8 +27,8 @@ struct StringBuffer {
 
   [[nodiscard]] wchar_t* Text() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
 
-  /// A buffer for `length` characters, which the caller still has to write. The NUL behind them is
-  /// written already. Null for 0 characters.
+  /// Returns a buffer for `length` characters, or null for 0. The caller still has to write the
+  /// characters; the NUL behind them is written already.
   [[nodiscard]] static StringBuffer* Allocate(std::size_t length) {
     const std::int32_t count = CheckedLength(length);
     if (count == 0) return nullptr;
