@@ -13,6 +13,7 @@
 import re
 import sys
 import textwrap
+from difflib import SequenceMatcher
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
@@ -34,22 +35,41 @@ def report(file, text):
 
 def contains(lines, block):
     """Tells whether the block's lines follow each other in the file, indented alike."""
-    size = block.count("\n")
-    for start in range(len(lines) - size + 1):
-        window = "".join(lines[start:start + size])
-        if textwrap.dedent(window) == block:
-            return True
-    return False
+    windows = (lines[start:start + len(block)] for start in range(len(lines) - len(block) + 1))
+    return any(textwrap.dedent("\n".join(window)) == "\n".join(block) for window in windows)
+
+
+def difference(block, lines):
+    """Where a block that the file does not contain leaves it: how many lines they have in common at
+    most, the numbers of the first that differ, in the block and in the file, and both texts."""
+    bare = [line.strip() for line in block], [line.strip() for line in lines]
+    same = SequenceMatcher(None, *bare, autojunk=False).find_longest_match()
+    start = max(same.b - same.a, 0)
+    window = textwrap.dedent("\n".join(lines[start:start + len(block)])).split("\n")
+    for kind, a, a_end, b, b_end in SequenceMatcher(None, block, window, autojunk=False).get_opcodes():
+        if kind != "equal":
+            return same.size, a, start + b, block[a:a_end], window[b:b_end]
+
+
+def check_block(page, number, block, sources):
+    """Reports where a block, which begins at a line of the page, differs from the program."""
+    if any(contains(lines, block) for lines in sources.values()):
+        return
+    found = {file: difference(block, lines) for file, lines in sources.items()}
+    file = max(found, key=lambda name: found[name][0])
+    _, first, there, shown, real = found[file]
+    report(page, f"line {number + first} differs from line {there + 1} of {file.relative_to(ROOT)}")
+    problems.extend([f"  the page has    {line}" for line in shown or ["nothing"]])
+    problems.extend([f"  the program has {line}" for line in real or ["nothing"]])
 
 
 def check_page(page, program):
     text = page.read_text(encoding="utf-8")
     folder = program.with_suffix("")
     files = [program] + (sorted(folder.iterdir()) if folder.is_dir() else [])
-    sources = [file.read_text(encoding="utf-8").splitlines(keepends=True) for file in files]
-    for block in BLOCK.findall(text):
-        if not any(contains(lines, block) for lines in sources):
-            report(page, f"its program does not have the block that begins with\n{block[:120]}")
+    sources = {file: file.read_text(encoding="utf-8").splitlines() for file in files}
+    for match in BLOCK.finditer(text):
+        check_block(page, text.count("\n", 0, match.start(1)) + 1, match[1].splitlines(), sources)
     if len(OUTPUT.findall(text)) != 1:
         report(page, "it shows its program's output in one ```text block")
 
