@@ -82,7 +82,11 @@ def main(arguments):
     lines = listing(linux, windows)
     if isWrite:
         LIST.write_text("\n".join(lines) + "\n", encoding="utf-8")
-    problems = differences(lines) + wrong_names(*paths)
+    problems = differences(lines)
+    if problems:
+        problems.append("Where that is on purpose, ./dev check exports --write renews cmake/exports.txt: "
+                        "commit it with the change.")
+    problems += wrong_names(*paths)
     print("\n".join(problems) or f"{len(linux)} names on Linux, {len(windows)} on Windows, as listed")
     return 1 if problems else 0
 
