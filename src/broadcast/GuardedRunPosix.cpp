@@ -18,8 +18,8 @@ namespace DataBinding::details {
 
 namespace {
 
-/// The place to which a fault on this thread jumps. A thread has one trap for each guarded run that
-/// it is in; the innermost one catches.
+/// A Trap is the place to which a fault on this thread jumps. A thread has one trap for each
+/// guarded run that it is in; the innermost one catches.
 struct Trap {
   Trap() noexcept;
   Trap(const Trap&) = delete;

@@ -28,7 +28,7 @@
 
 namespace DataBinding::details {
 
-/// The function and the state that a broadcast calls for one listener.
+/// A Listener is the function and the state that a broadcast calls.
 using Listener = VtrUtils::details::DirectCall;
 
 /// Says which listener stands at a position, and whether it is registered.
@@ -101,14 +101,14 @@ class ListenerArray {
   /// place of `out` is still empty, no removed listener is left.
   void Sweep(std::span<comlike_ptr<const BindStateBase>> out) noexcept;
 
-  /// How many reports are due: one from each running broadcast whose pin was handed over (see
-  /// ListenerPin), and one from each thread that waits for the end of a call. It changes under the
-  /// registry's lock only.
+  /// Counts the reports that are due: one from each running broadcast whose pin was handed over
+  /// (see ListenerPin), and one from each thread that waits for the end of a call. It changes under
+  /// the registry's lock only.
   std::atomic<std::uint32_t> reports{0};
-  /// How many running broadcasts found no free pin in their thread's record.
+  /// Counts the running broadcasts that found no free pin in their thread's record.
   std::atomic<std::uint32_t> withoutPlace{0};
-  /// True once no property has this array any more, although broadcasts still run it. The last
-  /// broadcast that reports destroys it. Set under the write lock.
+  /// This is true once no property has the array any more, although broadcasts still run it. The
+  /// last broadcast that reports destroys it. Set under the write lock.
   bool retired = false;
   /// Leads through the registry's list of retired arrays.
   ListenerArray* nextRetired = nullptr;

@@ -32,7 +32,7 @@ class ListenerPin {
   /// end in the reverse order.
   void Take(ListenerArray& pinned, WListenersImpl& itsRegistry, ReaderRecord* ofThread) noexcept;
   [[nodiscard]] ListenerArray* Get() const noexcept { return array; }
-  /// The position that the run comes to next.
+  /// Returns the position that the run comes to next, to be read and changed.
   [[nodiscard]] std::atomic<std::uint32_t>& Next() noexcept { return *next; }
 
   /// Makes every running broadcast of the array report its end, and returns how many reports are
@@ -53,8 +53,8 @@ class ListenerPin {
 
   ListenerArray* array = nullptr;
   WListenersImpl* registry = nullptr;
-  /// The place in the thread's record. Null if none was free: then a report was counted from the
-  /// start.
+  /// Points to the place in the thread's record. It is null if none was free: then a report was
+  /// counted from the start.
   ReaderRecord::Pin* pin = nullptr;
   std::atomic<std::uint32_t>* next = &ownNext;
   std::atomic<std::uint32_t> ownNext{0};

@@ -26,7 +26,7 @@ struct ListenerArrayDeleter {
 };
 using ListenerArrayPtr = std::unique_ptr<ListenerArray, ListenerArrayDeleter>;
 
-/// One property for which listeners are registered.
+/// A PropertyEntry is one property for which listeners are registered.
 struct PropertyEntry {
   ListenerArrayPtr array;
 
@@ -58,8 +58,8 @@ class PropertyTable {
   }
 
  private:
-  /// Entries by the hash of all characters. The nodes keep the hash, so that a search does not
-  /// compute it again for the names that it passes.
+  /// This map finds entries by the hash of all characters. Its nodes keep the hash, so that a
+  /// search does not compute it again for the names that it passes.
   using Alike = std::unordered_multimap<std::size_t, PropertyEntry*>;
   struct Slot {
     std::uint64_t hash = 0;

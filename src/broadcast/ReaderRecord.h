@@ -22,15 +22,15 @@ namespace DataBinding::details {
 
 class alignas(64) ReaderRecord {
  public:
-  /// How many nested broadcasts of one thread can be pinned in its record.
+  /// So many nested broadcasts of one thread can be pinned in its record.
   static constexpr std::size_t mostPins = 6;
   /// A writer sets this bit in a pin to have the broadcast report its end.
   static constexpr std::uintptr_t handedOver = 1;
   struct Pin {
-    /// The address of the pinned array, or 0. Only the thread itself sets and clears it; writers
-    /// may add the bit `handedOver`.
+    /// Holds the address of the pinned array, or 0. Only the thread itself sets and clears it;
+    /// writers may add the bit `handedOver`.
     std::atomic<std::uintptr_t> array{0};
-    /// While the thread calls a listener, the position behind that listener.
+    /// While the thread calls a listener, this is the position behind that listener.
     std::atomic<std::uint32_t> next{0};
   };
 
@@ -48,9 +48,9 @@ class alignas(64) ReaderRecord {
   [[nodiscard]] static ReaderRecord* First() noexcept;
   [[nodiscard]] ReaderRecord* Next() const noexcept { return next; }
 
-  /// The registry lock that this thread holds for reading, or null.
+  /// Names the registry lock that this thread holds for reading, or is null.
   std::atomic<const void*> reading{nullptr};
-  /// The arrays that this thread runs.
+  /// Show the arrays that this thread runs.
   std::array<Pin, mostPins> pins{};
   /// Returns true while the thread runs listeners of an array that is pinned here.
   [[nodiscard]] bool IsPinning() const noexcept {

@@ -14,7 +14,7 @@ namespace DataBinding::details {
 
 namespace {
 
-/// The state behind a property's Subscription.
+/// A PropertyRegistration is the state behind a property's Subscription.
 class PropertyRegistration final : public RegistrationState<PropertyRegistration> {
  public:
   explicit PropertyRegistration(WListenersImpl& itsRegistry) noexcept : registry(itsRegistry) {
@@ -35,7 +35,8 @@ class PropertyRegistration final : public RegistrationState<PropertyRegistration
   Registered listener;
 };
 
-/// One run of a property's listeners. It remembers what the array showed when the run began.
+/// A Broadcast is one run of a property's listeners. It remembers what the array showed when the
+/// run began.
 class Broadcast {
  public:
   /// The caller holds the registry's lock.

@@ -69,13 +69,13 @@ class WListenersImpl {
   void DropKeeper() noexcept;
 
  private:
-  /// What a removal leaves to be released after the lock.
+  /// Holds what a removal leaves to be released after the lock.
   struct Removed {
     comlike_ptr<const BindStateBase> state;
     std::unique_ptr<PropertyEntry> entry;
   };
-  /// The position of a listener in an array for which a report is expected, so that the array
-  /// stays. The array is null if there is nothing to wait for.
+  /// A Place is the position of a listener in an array for which a report is expected, so that the
+  /// array stays. The array is null if there is nothing to wait for.
   struct Place {
     ListenerArray* array = nullptr;
     std::uint32_t position = 0;

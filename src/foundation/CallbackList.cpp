@@ -15,7 +15,7 @@ namespace details {
 
 namespace {
 
-/// The state behind the Subscription of a list.
+/// A ListRegistration is the state behind the Subscription of a list.
 class ListRegistration final : public RegistrationState<ListRegistration> {
  public:
   ListRegistration(CallbackListCore* list, std::uint64_t number) noexcept

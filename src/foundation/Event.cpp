@@ -7,7 +7,7 @@
 
 namespace VtrUtils {
 
-/// The state behind the Subscription of an event.
+/// A Registration is the state behind the Subscription of an event.
 class EventBase::Registration final : public details::RegistrationState<Registration> {
  public:
   Registration(WeakPtr<EventBase> subscribed, unsigned long long number) noexcept

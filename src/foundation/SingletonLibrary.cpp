@@ -14,8 +14,8 @@
 
 namespace VtrUtils {
 
-/// The table of all entries. It is never destroyed, because modules still ask for singletons while
-/// the process ends.
+/// This is the table of all entries. It is never destroyed, because modules still ask for
+/// singletons while the process ends.
 class SingletonEntries {
  public:
   struct Record {

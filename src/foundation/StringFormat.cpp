@@ -14,15 +14,16 @@ namespace VtrPlatform::details {
 
 namespace {
 
-/// The largest width and precision. Larger ones are refused, because they are mistakes and could
-/// exhaust the memory.
+/// Larger widths and precisions are refused, because they are mistakes and could exhaust the
+/// memory.
 constexpr int largestField = 65535;
 
 [[noreturn]] void Refuse(const char* reason) {
   throw std::invalid_argument(std::string("format string: ") + reason);
 }
 
-/// The parts of one conversion: `%-08.3f` has the flags "-0", width 8, precision 3 and type f.
+/// A Conversion holds the parts of one conversion: `%-08.3f` has the flags "-0", width 8, precision
+/// 3 and type f.
 struct Conversion {
   std::string flags;
   int width = 0;

@@ -10,9 +10,9 @@ namespace VtrPlatform::details {
 
 namespace {
 
-/// What the first byte of a sequence tells: the number of bytes that follow, and the range of the
-/// next one. The ranges exclude overlong forms, surrogates and values past U+10FFFF, as in table
-/// 3-7 of the Unicode Standard.
+/// A Lead holds what the first byte of a sequence tells: the number of bytes that follow, and the
+/// range of the next one. The ranges exclude overlong forms, surrogates and values past U+10FFFF,
+/// as in table 3-7 of the Unicode Standard.
 struct Lead {
   int following;
   unsigned char lowest;

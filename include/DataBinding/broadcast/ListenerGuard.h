@@ -31,9 +31,10 @@ struct ListenerFailure {
   /// The name that was announced, or the name of the data source that was asked for while it was
   /// built.
   VtrString property;
-  /// The exception, or null for a hardware fault.
+  /// This is the exception, or null for a hardware fault.
   std::exception_ptr exception;
-  /// The signal number or the structured exception code, or 0 for an exception.
+  /// This is the signal number or the structured exception code of a hardware fault, and 0 for an
+  /// exception.
   std::uint32_t faultCode = 0;
 };
 

@@ -121,8 +121,8 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
   bool closed = false;
 };
 
-/// One walk over a list, entry by entry. Walks of one list belong to one thread and end in the
-/// reverse order of their beginnings.
+/// A CallbackWalk goes over a list once, entry by entry. Walks of one list belong to one thread and
+/// end in the reverse order of their beginnings.
 class CallbackWalk {
  public:
   explicit CallbackWalk(CallbackListCore* walked) noexcept : core(walked) {
@@ -180,7 +180,7 @@ class DATABINDING_API CallbackListBase {
 
   /// Adds a callback of the list's signature. An empty memento gives an inert subscription.
   Subscription Add(const RepeatingCallbackMemento& callback);
-  /// What a CallbackWalk is made with. Null for a list that never had a callback.
+  /// Returns the part that a CallbackWalk is made with, or null if the list never had a callback.
   [[nodiscard]] details::CallbackListCore* Core() const noexcept { return core; }
 
  private:
@@ -189,11 +189,11 @@ class DATABINDING_API CallbackListBase {
   details::CallbackListCore* core = nullptr;
 };
 
-/// A list of callbacks that take the arguments by constant reference.
+/// The callbacks of this list take the arguments by constant reference.
 template <class... Args>
 class CallbackList : public CallbackListBase {
  public:
-  /// The type of the callbacks in the list.
+  /// This is the type of the callbacks in the list.
   using Callback = RepeatingCallback<void(const Args&...)>;
 
   /// Adds a callback at the end of the list, where it stays until the subscription ends. A null

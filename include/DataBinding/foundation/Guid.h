@@ -18,7 +18,7 @@
 namespace VtrUtils {
 
 struct Guid {
-  /// The fields of the usual notation, each in the byte order of this machine.
+  /// These are the fields of the usual notation, each in the byte order of this machine.
   ///@{
   std::uint32_t data1 = 0;
   std::uint16_t data2 = 0;

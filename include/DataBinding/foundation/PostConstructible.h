@@ -22,7 +22,7 @@ class DATABINDING_API PostConstructible {
   virtual void PostConstruct();
 
  protected:
-  /// True from PostConstruct on.
+  /// This is set by PostConstruct.
   bool postConstructed = false;
 };
 

@@ -38,13 +38,13 @@ class DATABINDING_API SingletonLibrary {
 
   /// `init` fills the members below under this lock. `data` may be read without it.
   ThreadLock lock;
-  /// The contents, or null.
+  /// Points to the contents, or is null.
   std::atomic<void*> data{nullptr};
   /// Deletes the contents. This is code of the module that `moduleToken` identifies.
   void (*deleter)(void* data) = nullptr;
   /// Identifies the module to which the contents belong.
   Token moduleToken = 0;
-  /// A value that `init` may keep with the entry. Null otherwise.
+  /// `init` may keep a value here; otherwise it is null.
   void* context = nullptr;
 
   SingletonLibrary(const SingletonLibrary&) = delete;

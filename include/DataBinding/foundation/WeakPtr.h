@@ -23,7 +23,7 @@ namespace VtrUtils {
 
 namespace details {
 
-/// The flag that an owner shares with its references. It tells whether the owner lives.
+/// An owner shares a WeakFlag with its references. The flag tells whether the owner lives.
 class WeakFlag;
 
 struct WeakFlagRefCountTraits {

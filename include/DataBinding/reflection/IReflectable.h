@@ -38,12 +38,12 @@ namespace details {
 
 class DATABINDING_API Reflectable {
  public:
-  /// One member. The descriptor that `type` refers to outlives the table.
+  /// An item is one member. The descriptor that `type` refers to outlives the table.
   struct ReflectedItem {
     RepeatingCallbackMemento delegate;
     std::reference_wrapper<const runtime_type_base> type = runtime_type<void>::Get();
   };
-  /// One candidate of a look-up for a delegate. It refers to the arguments of the caller.
+  /// A tag is one candidate of a look-up for a delegate. It refers to the arguments of the caller.
   struct DelegateTag {
     const VtrString& name;
     const runtime_type_base& type;
@@ -120,7 +120,7 @@ class DATABINDING_API IReflectable {
   using iterator = details::Reflectable::Items::iterator;
   using const_iterator = details::Reflectable::Items::const_iterator;
   ///@}
-  /// A name and a type for _GetDelegate. The tag refers to both and owns neither.
+  /// A tag gives a name and a type to _GetDelegate. It refers to both and owns neither.
   using DelegateTag = details::Reflectable::DelegateTag;
 
   IReflectable(const IReflectable&) = delete;

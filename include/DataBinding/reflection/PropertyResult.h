@@ -17,7 +17,7 @@
 
 namespace DataBinding {
 
-/// Why a property could not be read or set, or why a delegate could not be called.
+/// Says why a property could not be read or set, or why a delegate could not be called.
 enum class PropertyError {
   None,
   NoSource,    ///< the given source was null
@@ -28,18 +28,18 @@ enum class PropertyError {
   Refused      ///< the property's validator refused the value
 };
 
-/// The outcome of setting a property.
+/// A SetResult is the outcome of setting a property.
 struct SetResult {
-  /// True when the property has a new value and its listeners were told.
+  /// This is true when the property has a new value and its listeners were told.
   bool changed = false;
-  /// Why the value was not accepted. A value that equals the present one is accepted, and changes
-  /// nothing.
+  /// Says why the value was not accepted. A value that equals the present one is accepted, and
+  /// changes nothing.
   PropertyError error = PropertyError::None;
   /// Names the source, the property and the types, and gives the validator's reason if the value
-  /// was refused. Empty without an error.
+  /// was refused. It is empty when there was no error.
   VtrString text;
-  /// Only the reason of the validator or converter that refused the value, to be shown beside the
-  /// widget.
+  /// Holds only the reason of the validator or converter that refused the value, to be shown beside
+  /// the widget.
   VtrString reason = {};
 
   /// Returns true when the value was accepted, whether or not it made a difference.
@@ -52,14 +52,15 @@ struct SetResult {
   }
 };
 
-/// The value of a property or the result of a delegate; or the reason why there is none.
+/// A PropertyValue is the value of a property or the result of a delegate, or says why there is
+/// none.
 template <class T>
 struct PropertyValue {
-  /// A copy of the value, or empty.
+  /// Holds a copy of the value, if there is one.
   std::optional<T> value;
-  /// Why there is no value.
+  /// Says why there is no value.
   PropertyError error = PropertyError::None;
-  /// The same as in SetResult.
+  /// This is the same as in SetResult.
   VtrString text;
 
   /// Returns true when there is a value.
@@ -86,9 +87,9 @@ struct PropertyValue {
 /// Tells whether a delegate without a result was called.
 template <>
 struct PropertyValue<void> {
-  /// Why the delegate was not called.
+  /// Says why the delegate was not called.
   PropertyError error = PropertyError::None;
-  /// The same as in SetResult.
+  /// This is the same as in SetResult.
   VtrString text;
 
   /// Returns true when the delegate was called.

@@ -103,7 +103,7 @@ inline void BindStateBaseRefCountTraits::Destroy(const BindStateBase* state) {
   state->destroy(state);
 }
 
-/// The function and the state that make up one call of a callback without arguments. A list of
+/// A DirectCall is one call of a callback without arguments: its function and its state. A list of
 /// listeners is an array of these.
 struct DirectCall {
   using Function = void (*)(const BindStateBase* state);

@@ -18,7 +18,7 @@ namespace VtrPlatform::details {
 
 class FormatArgument {
  public:
-  /// A whole number, in both forms for conversions with and without a sign. The form without a sign
+  /// Holds a whole number in two forms, for conversions with and without a sign. The second form
   /// keeps the width of the argument's type: an int of -1 has 32 set bits.
   struct Integer {
     long long asSigned;

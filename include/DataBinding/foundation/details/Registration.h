@@ -28,10 +28,10 @@ void WaitWhile(Question question) {
   }
 }
 
-/// The base class of such a state. `Derived` has these functions: End() ends the registration;
-/// IsGone() tells whether there is nothing left to end; EndAndWait(), Pause() and Resume() handle
-/// the requests. Pauses are counted. Each function may be called when the registration has ended
-/// already, and End() more than once.
+/// RegistrationState is the base class of such a state. `Derived` has these functions: End() ends
+/// the registration; IsGone() tells whether there is nothing left to end; EndAndWait(), Pause() and
+/// Resume() handle the requests. Pauses are counted. Each function may be called when the
+/// registration has ended already, and End() more than once.
 template <class Derived>
 class RegistrationState : public BindStateBase {
  protected:
