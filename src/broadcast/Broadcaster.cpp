@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the broadcaster that applications see. It makes the registry on first use, counts
+// its copies as owners of the registry, and passes everything else on to it.
 #include <utility>
 
 #include "DataBinding/broadcast/IBroadcaster.h"

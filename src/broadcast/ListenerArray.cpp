@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds how an array stores its listeners: memory, appending, growing, pausing, removing
+// with and without a pin, and sweeping. The caller decides which of these the pins allow.
 #include "ListenerArray.h"
 
 #include <algorithm>

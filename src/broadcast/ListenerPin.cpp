@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the pins: how a broadcast takes and releases one, how a writer hands them over,
+// and how a waiting thread reads them.
 #include "ListenerPin.h"
 
 #include <utility>

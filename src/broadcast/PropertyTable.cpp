@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the table of properties: looking up, inserting, growing and taking out.
 #include "PropertyTable.h"
 
 #include <algorithm>

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the critical section for systems that have none: an atomic state, which is tried,
+// watched for a while, and then waited for.
 #include "DataBinding/foundation/CriticalSection.h"
 
 #if defined(__x86_64__) || defined(__i386__)

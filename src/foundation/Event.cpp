@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the part of an event that does not depend on its signature: the table of its
+// listeners, and the state behind a Subscription.
 #include "DataBinding/foundation/Event.h"
 
 #include <utility>

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the object's virtual operations, which ask its table of members, and the typed
+// look-ups, which ask the virtual operations.
 #include "DataBinding/reflection/IReflectable.h"
 
 namespace DataBinding {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the table of members, and the calls of the destruction handlers at its end.
 #include <limits>
 
 #include "DataBinding/reflection/IReflectable.h"
