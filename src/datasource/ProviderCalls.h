@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// How a provider changes its sources and listeners, and marks what is under way.
+/// This header holds how a provider changes its sources and listeners, and how it marks what is
+/// under way.
 ///
-/// While it calls listeners it must not be changed; those who would do so leave a callback, which
-/// is run when the outermost change is over. One thread.
+/// A provider must not be changed while it calls listeners. Code that would change it leaves a
+/// callback, which the provider runs when the outermost change is over. All of this belongs to one
+/// thread.
 #pragma once
 
 #include <type_traits>
@@ -13,7 +15,7 @@
 
 namespace DataBinding {
 
-/// Gives a mark of a provider another value during a scope in which the provider may end.
+/// Gives a mark of a provider another value during a scope. The provider may end within the scope.
 template <class T>
 class DataSourceProvider::Marking {
  public:
@@ -31,8 +33,8 @@ class DataSourceProvider::Marking {
   T before;
 };
 
-/// The scope in which listeners are connected to a source that is being added. The name outlasts
-/// it; room for it was made before.
+/// An Arrival stands on the stack while listeners are connected to a source that is being added.
+/// The name outlasts it, and room for the name was made before.
 class DataSourceProvider::Arrival {
  public:
   Arrival(Calls& underWay, VtrStringView name) : calls(underWay), before(calls.arriving.size()) {
@@ -47,7 +49,8 @@ class DataSourceProvider::Arrival {
   std::size_t before;
 };
 
-/// What is awaiting the end is run whatever the step throws. The first exception is let out.
+/// Runs a step. The callbacks that await the end of the change run whatever the step throws, and
+/// the first exception is let out.
 template <class Step>
 void DataSourceProvider::Change(Step step) {
   const auto alive = GetLiveness();

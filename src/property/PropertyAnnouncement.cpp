@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the steps of an announcement. The banner of PropertyAnnouncement.h says what
+// holds between them.
+
 #include "PropertyAnnouncement.h"
 
 #include <algorithm>

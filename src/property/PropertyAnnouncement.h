@@ -1,32 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Announces the changed properties of a source, and whatever is computed from them in any source.
+/// A PropertyAnnouncement announces the changed properties of a source, and whatever is computed
+/// from them in any source.
 ///
-/// A property is in one of three places. It is *noted* by its source when it has changed; *due*
-/// once an announcement has taken it over; in neither when everything about it has been told. An
-/// announcement makes due what its source has noted, and then, until nothing of its own is due,
-/// takes the property of the least turn: if that must wait, because a batch is open on its source
-/// or because something that it follows is noted, it is noted again; otherwise its followers are
-/// made due and it is told, by its source's UpdateListeners.
+/// A property is in one of three places. Its source has *noted* it when it has changed. It is *due*
+/// once an announcement has taken it over. It is in neither place when everything about it has been
+/// told. An announcement first makes due what its source has noted. Then it takes the due property
+/// of the least turn, until none of its own is left. If that property must wait, because a batch is
+/// open on its source or because something that it follows is noted, it is noted again. Otherwise
+/// the properties that follow it are made due, and it is told by UpdateListeners of its source.
 ///
-/// 1. Turns are such that a property comes after all that it follows: those which were set come
-///    first, by the order of their changes; then computed ones, by the order in which they were
-///    made. A property can only follow what was made before it.
-/// 2. So within one announcement each property is told at most once, after all that it follows, and
-///    the announcement ends, in time proportional to the properties told, their ties, and the
-///    logarithm of how many are due at once.
-/// 3. When a property is told, what follows it is due. It is told after the property's listeners,
-///    or, where one of those changes something else that it follows, by the nested announcement of
-///    that change. What must wait is told once what it waits for has been. Only what follows a
-///    noted property directly waits: looking further would cost a walk over all ties.
-/// 4. A change within a callback is announced at once, by a nested announcement. That takes over
-///    what it makes due from the outer one, and leaves all else to it: so callbacks of a thousand
-///    properties that each set another one nest one announcement at a time.
-/// 5. Nothing refers to a property while it is told, so it may end, and so may any other: what is
-///    noted or due takes itself out. What waited only for the one that ended is made due in the
-///    innermost announcement, or the next one.
-/// 6. Nothing is allocated, and nothing of an announcement lies on the stack: where a hardware
-///    fault skips the frames of a nested one, the outer one tells what that has left. Where it
-///    skips those of the outermost one, what was due there is told when it changes again.
+/// 1. Turns are such that a property comes after all that it follows. Properties that were set come
+///    first, by the order of their changes; then come computed ones, by the order in which they
+///    were made. A property can only follow properties that were made before it.
+/// 2. Therefore one announcement tells each property at most once, after all that it follows, and
+///    then ends. It takes time in proportion to the properties told, their ties, and the logarithm
+///    of how many are due at once.
+/// 3. When a property is told, its followers are due. They are told after the property's listeners.
+///    Where one of these listeners changes something else that a follower follows, the nested
+///    announcement of that change tells the follower. A property that must wait is told as soon as
+///    the property that it waits for has been told. Only direct followers of a noted property wait:
+///    to look further would cost a walk over all ties.
+/// 4. A change within a callback is announced at once, by a nested announcement. That one takes
+///    over from the outer one what it makes due, and leaves the rest to it. So callbacks of a
+///    thousand properties that each set another one nest one announcement at a time.
+/// 5. No code refers to a property while it is told, so it may end, and so may any other: a noted
+///    or due property takes itself out. A property that waited only for the one that ended is made
+///    due in the innermost announcement, or the next one.
+/// 6. Nothing is allocated, and no part of the lists lies on the stack. Where a hardware fault
+///    skips the frames of a nested announcement, the outer one tells what that one has left. Where
+///    it skips the frames of the outermost one, what was due there is told when it changes again.
 #pragma once
 
 #include <cstdint>
@@ -46,15 +48,16 @@ class PropertyAnnouncement {
 
   /// Makes due what a source has noted.
   void Take(PropertyChanges& noted) noexcept;
-  /// Tells all that is due here. What an overridden UpdateListeners throws stops nobody; the first
-  /// exception is thrown at the end.
+  /// Tells all that is due here. An exception of an overridden UpdateListeners stops nothing; the
+  /// first one is thrown at the end.
   void Run();
 
-  /// Takes a property out of where it stands, if anywhere.
+  /// Takes a property out of the place where it stands, if it stands in one.
   static void Forget(PropertyBase& property) noexcept;
   /// Notes a property as changed.
   static void Note(PropertyBase& property) noexcept;
-  /// Makes due what waits only for a property that ends, and maybe more.
+  /// Makes due the noted properties that follow a property which ends, if it is noted itself. Some
+  /// of them may have to wait for another one and are then noted again.
   static void ReleaseFollowers(const PropertyBase& ending) noexcept;
 
  private:
