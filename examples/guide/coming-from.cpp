@@ -17,7 +17,8 @@ class Counter : public NamedDataSource {
 
 inline constinit const AppEvent<int> counted{L"Counted"};
 
-// A receiver whose end ends its connections, and which may end while the others are still called.
+// A receiver that ends its connections by itself, and may end while other listeners are still
+// called.
 class Label : public SupportsWeakPtr<Label> {
  public:
   explicit Label(IDataSource* counter)
@@ -31,7 +32,7 @@ class Label : public SupportsWeakPtr<Label> {
   Subscription shown;
 };
 
-// A receiver that somebody else keeps, too, and that is tracked.
+// A receiver that a std::shared_ptr owns and that is tracked.
 class Panel {
  public:
   void OnCounted(int value) { std::cout << "panel: " << value << '\n'; }
@@ -53,7 +54,7 @@ void Connect(Counter& counter) {
   counted.Send(5);  // skipped
 }
 
-// A signal without a name: a member of whoever emits it.
+// A signal without a name, which is a member of its sender.
 struct Slider {
   CallbackList<int> moved;
 };

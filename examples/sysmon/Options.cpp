@@ -58,8 +58,8 @@ constexpr option known[] = {
 
 Options ParseOptions(int count, char** arguments) {
   Options options;
-  opterr = 0;  // what is wrong is told by the exception
-  optind = 0;  // anew, wherever an earlier call stopped
+  opterr = 0;  // an exception tells what is wrong, and getopt prints nothing
+  optind = 0;  // begins anew, wherever an earlier call stopped
   for (;;) {
     const char* const current = arguments[std::max(optind, 1)];
     switch (getopt_long(count, arguments, "+:h", known, nullptr)) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A system monitor: the library's data sources, scopes, events and binds at work on live figures.
+/// A system monitor. It shows live figures by means of the library's data sources, scopes, events
+/// and binds.
 ///
 ///   system   reads the machine                      plain structs, on a thread of their own
 ///      |  events, through a queue                   model/Events.h
@@ -52,14 +53,14 @@ class RootScope {
   }
 };
 
-/// What is the same wherever the figures are shown.
+/// The parts of the program that are the same wherever the figures are shown.
 class Monitor {
  public:
   explicit Monitor(const Options& programOptions) : options(programOptions) {
     for (const auto& [name, value] : options.alarms) SetAlarm(name, value);
   }
 
-  /// These run until the program is to end. The signal that ended it, or 0.
+  /// These run until the program is to end. They give the signal that ended it, or 0.
   int PrintJson() {
     constexpr std::uint64_t usualFrames = 2;
     Options limited = options;
@@ -128,7 +129,7 @@ int Main(int count, char** arguments) {
     return EXIT_SUCCESS;
   }
   const int endingSignal = RunMonitor(options);
-  // All is put back as it was: whoever started this program is to learn what ended it.
+  // All is put back as it was. Now the signal ends the program, so that its parent learns of it.
   if (endingSignal != 0) Signals::EndBy(endingSignal);
   return EXIT_SUCCESS;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What host and plug-in say to each other.
+/// The events that the host and the plug-in share.
 #pragma once
 
 #include <DataBinding/appevents/AppEvent.h>

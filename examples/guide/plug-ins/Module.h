@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A module loaded at run time, for as long as an object of this class lives.
+/// Loads a module at run time, and unloads it when the object of this class ends.
 ///
-/// It throws std::runtime_error where the module or a function of it is not to be had. Whatever
-/// refers to the module's code must be gone when it ends.
+/// It throws std::runtime_error when the module or a function of it cannot be found. Everything
+/// that refers to the module's code must have ended before the object does.
 #pragma once
 
 #if defined(_WIN32)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The newest events, in order of delivery, in the vocabulary that model and views share.
+/// A log of the newest events, in order of delivery, with arguments of the types that model and
+/// views share.
 #pragma once
 
 #include <chrono>
@@ -12,7 +13,7 @@
 
 namespace Sysmon {
 
-/// A part of an argument. A plain argument is one figure without a name.
+/// One part of an argument. An argument without parts is one figure without a name.
 struct EventFigure {
   VtrString name;
   Value value;
@@ -27,7 +28,7 @@ class EventLog {
     std::vector<EventArgument> arguments;
   };
 
-  /// Keeps so many entries and lets the oldest ones go.
+  /// Makes a log that keeps as many entries, and forgets the oldest ones.
   explicit EventLog(std::size_t mostEntries) : most(mostEntries) {}
 
   void Add(Entry entry) {
@@ -38,7 +39,7 @@ class EventLog {
 
   /// Oldest first.
   [[nodiscard]] const std::deque<Entry>& Entries() const { return entries; }
-  /// How many there ever were.
+  /// How many events were ever added.
   [[nodiscard]] Count Added() const { return added; }
   [[nodiscard]] Count Dropped() const { return added - entries.size(); }
 

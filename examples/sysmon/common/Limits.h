@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The limits of alarms, as anybody finds them who knows no more than the source's name.
+/// Lists and sets the limits of alarms, knowing no more than the name of their source.
 #pragma once
 
 #include <vector>
@@ -13,7 +13,7 @@ inline constexpr wchar_t limitSource[] = L"Alarms";
 /// The names of the limits that can be set, in order.
 [[nodiscard]] std::vector<VtrString> LimitNames(IDataSourceProvider& root);
 
-/// Sets a limit, whose name may be in any case, from a text. Answers what is wrong, or nothing.
+/// Sets a limit from a text; its name may be in any case. Gives what is wrong, or an empty text.
 [[nodiscard]] VtrString SetLimit(IDataSourceProvider& root, const VtrString& limit,
                                  const VtrString& text);
 

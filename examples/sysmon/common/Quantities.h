@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Figures that carry their unit in their type.
 ///
-/// This is the vocabulary that the model and the views share: whoever finds a property by its name
-/// alone knows from its type how to show it.
+/// The model and the views share these types: a view that finds a property by its name alone knows
+/// from its type how to show it.
 #pragma once
 
 #include <chrono>

@@ -20,7 +20,8 @@ std::optional<Value> ReadValue(IDataSource* source, const VtrString& property) {
 }
 
 std::vector<VtrString> SourceNames(const IDataSourceProvider& scope) {
-  // Without categories a scope has no sources of its own, while the registrar would list all.
+  // A scope without categories builds nothing itself, but the registrar would list all names for
+  // it.
   if (scope.GetCategories().empty()) return {};
   return DataBinding::IDataSourceRegistrar::GetInstance().GetRegisteredDataSources(
       scope.GetCategories());

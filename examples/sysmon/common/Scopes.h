@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// How a view finds its way: values by name, sources by scope, scopes by category.
+/// Functions by which a view finds values by name, the sources of a scope, and scopes by category.
 #pragma once
 
 #include <optional>

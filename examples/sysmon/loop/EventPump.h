@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Brings the events that any thread raises to a loop: something to wait for, which becomes ready
-/// when some are queued, and the delivery of them.
+/// Joins the queue of events to a loop: it gives the loop a thing to wait for, which becomes ready
+/// when events are queued, and delivers them.
 ///
 /// It is made before the threads that raise events, and ends after them.
 #pragma once
@@ -15,9 +15,10 @@ class EventPump {
  public:
   EventPump() : idle([this] { wakeUp.Set(); }) {}
 
-  /// Ready when events are queued.
+  /// The thing that is ready when events are queued.
   [[nodiscard]] Waitable Ready() const noexcept { return wakeUp.Ready(); }
-  /// Delivers what is queued, and what its listeners raise. Throws what one of them threw.
+  /// Delivers the queued events, and those that their listeners raise. Throws the first exception
+  /// of a listener.
   void Deliver();
 
  private:

@@ -31,7 +31,7 @@ void Loop::Wait() {
   isEnding |= ready.isTerminalGone;
 }
 
-/// A frame is drawn for each sample; on a terminal, where that costs little, at once for each
+/// Draws a frame for each sample. On a terminal, where drawing costs little, it draws one for each
 /// event.
 void Loop::DeliverEvents() {
   pump.Deliver();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The loop of the program: delivers events, draws, and obeys keys and signals.
+/// The loop of the program. It delivers events, draws, and obeys keys and signals.
 #pragma once
 
 #include <DataBinding/foundation/Subscription.h>
@@ -15,11 +15,12 @@ namespace Sysmon {
 
 class Loop {
  public:
-  /// The view is null where nothing is drawn, the terminal where it draws on something else.
+  /// The view is null if nothing is drawn; the terminal is null if the view draws on something
+  /// else.
   Loop(const Options& programOptions, EventPump& eventPump, Signals& programSignals,
        MonitorView* monitorView, Terminal* keyTerminal);
 
-  /// Runs until the frames are drawn, or somebody ends it by key or signal. The signal, or 0.
+  /// Runs until all frames are drawn, or until a key or a signal ends it. Gives the signal, or 0.
   /// Throws when sampling fails.
   [[nodiscard]] int Run();
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the world outside asks of the program by signals, or on Windows by console events, as
-/// requests that a loop meets among its other input.
+/// Turns signals, or on Windows console events, into requests that a loop reads among its other
+/// input.
 ///
-/// There is one at a time; the former handlers come back when it ends.
+/// Only one object may exist at a time. It restores the former handlers when it ends.
 #pragma once
 
 #include <csignal>
@@ -16,14 +16,14 @@ enum class Request { None, End, Stop, Redraw };
 
 class Signals {
  public:
-  /// Takes those that concern a screen, too, where there is one. Throws std::system_error when it
-  /// cannot.
+  /// Handles the signals that concern a screen, too, if there is one. Throws std::system_error when
+  /// it cannot.
   explicit Signals(bool hasScreen);
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
   ~Signals();
 
-  /// Ready when a request waits.
+  /// The thing that is ready when a request waits.
   [[nodiscard]] Waitable Ready() const noexcept;
   /// The next request that came.
   [[nodiscard]] Request Next();
@@ -31,7 +31,7 @@ class Signals {
   [[nodiscard]] int Ending() const noexcept { return ending; }
   /// Stops this process, until it is told to go on.
   void Stop() const;
-  /// Ends this process the way in which the signal ends one that does not handle it.
+  /// Ends this process as the signal would end a process that does not handle it.
   static void EndBy(int signal);
 
  private:

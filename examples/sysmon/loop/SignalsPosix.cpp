@@ -11,13 +11,14 @@ namespace Sysmon {
 
 namespace {
 
-/// Read end and write end of a pipe of signals. Handlers have no other way to know them.
+/// The read end and the write end of a pipe of signals. They are static, since a signal handler has
+/// no other way to know them.
 int ends[2] = {-1, -1};
 
 void Note(int signal) {
   const int savedError = errno;
   const auto byte = static_cast<unsigned char>(signal);
-  // When the pipe is full, more signals wait in it than anybody needs.
+  // A full pipe is no loss: so many signals wait in it already.
   static_cast<void>(!write(ends[1], &byte, 1));
   errno = savedError;
 }
@@ -34,7 +35,7 @@ Signals::Signals(bool hasScreen) {
   const auto take = [&](int signal) {
     struct sigaction present {};
     sigaction(signal, nullptr, &present);
-    if (present.sa_handler == SIG_IGN) return;  // such as the hang-up, under nohup
+    if (present.sa_handler == SIG_IGN) return;  // as nohup ignores the hang-up
     sigaction(signal, &action, &former[signal]);
   };
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) take(signal);

@@ -10,7 +10,7 @@ namespace Sysmon {
 
 namespace {
 
-/// How the handler, which runs on a thread of its own, reaches the loop.
+/// The handler runs on a thread of its own, and reaches the loop by this.
 WakeUp* arrival = nullptr;
 std::atomic<int> arrived{0};
 
@@ -25,7 +25,7 @@ BOOL WINAPI Note(DWORD event) {
 }  // namespace
 
 Signals::Signals(bool /*hasScreen*/) {
-  static WakeUp forGood;  // a handler may still run when this object has ended
+  static WakeUp forGood;  // never ends, since a handler may still run when this object has ended
   arrival = &forGood;
   if (SetConsoleCtrlHandler(&Note, TRUE) == 0) {
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),

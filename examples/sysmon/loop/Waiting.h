@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a loop waits for: the things that become ready, one that any thread makes so, and the
-/// waiting itself.
+/// Waiting: things that become ready, a thing that any thread can make ready, and the function that
+/// waits for them.
 #pragma once
 
 namespace Sysmon {
@@ -11,10 +11,10 @@ using Waitable = void*;  ///< the handle of an event object
 using Waitable = int;  ///< a descriptor that becomes readable
 #endif
 
-/// Becomes ready on any thread's word.
+/// A thing that any thread can make ready.
 class WakeUp {
  public:
-  /// Throws std::system_error when there is none to be had.
+  /// Throws std::system_error when the system gives none.
   WakeUp();
   WakeUp(const WakeUp&) = delete;
   WakeUp& operator=(const WakeUp&) = delete;
@@ -35,8 +35,8 @@ struct WhatIsReady {
   bool isTerminalGone = false;
 };
 
-/// Blocks until one of them is ready, and the keyboard where it counts; may answer that none is.
-/// Throws std::system_error when it cannot wait.
+/// Blocks until one of the things is ready, or the keyboard if asked for; may also return when none
+/// is. Throws std::system_error when it cannot wait.
 [[nodiscard]] WhatIsReady WaitFor(Waitable signals, Waitable events, bool withKeys);
 
 }  // namespace Sysmon

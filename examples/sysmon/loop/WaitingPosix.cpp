@@ -21,7 +21,7 @@ WakeUp::~WakeUp() { close(waitable); }
 
 void WakeUp::Set() const noexcept {
   const std::uint64_t one = 1;
-  // It fails only when the descriptor is readable already.
+  // Writing fails only when the descriptor is readable already.
   static_cast<void>(!write(waitable, &one, sizeof one));
 }
 

@@ -5,7 +5,7 @@ namespace Sysmon {
 
 DataBinding::RepeatingCallback<VtrString(const double&)> AlarmSource::UpTo(double most) {
   return [most](const double& limit) {
-    if (limit > 0 && limit <= most) return VtrString();  // so is no value that is not a number
+    if (limit > 0 && limit <= most) return VtrString();  // both are false for NaN
     return VtrString().Format(L"It must be above 0 and at most %.0f.", most);
   };
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The data source of the alarms: limits that anybody may set, and whether each is reached.
+/// The data source of the alarms: limits that may be set, and for each limit whether it is reached.
 ///
-/// The limits of processors and memory are percentages. A limit's alarm bears its name; it is shown
-/// here when the event of it has been delivered.
+/// The limits of processors and memory are percentages. The alarm of a limit has the limit's name.
+/// Its property here changes when the event of the alarm has been delivered.
 #pragma once
 
 #include <DataBinding/datasource/NamedDataSource.h>
@@ -24,7 +24,7 @@ class AlarmSource final : public DataBinding::NamedDataSource {
   DataBinding::ReadOnlyProperty<bool> loadRaised{this, L"LoadRaised"};
 
  private:
-  /// Refuses what is not above 0 and at most so much.
+  /// Makes a validator that accepts values above 0 and up to `most`.
   static DataBinding::RepeatingCallback<VtrString(const double&)> UpTo(double most);
   void Mark(const VtrString& limit, bool isRaised);
 

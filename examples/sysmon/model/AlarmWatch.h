@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Compares what is measured with the limits of the "Alarms" source, and raises an event when one
-/// is crossed, be it that a measurement or that a limit has changed.
+/// Compares the measurements with the limits of the "Alarms" source, and raises an event when a
+/// limit is crossed, whether a measurement or the limit has changed.
 #pragma once
 
 #include <DataBinding/appevents/AppEventListener.h>

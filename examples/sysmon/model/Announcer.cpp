@@ -8,7 +8,8 @@ namespace Sysmon {
 
 namespace {
 
-/// What a counter grew by, per second. A counter that went back was reset: nothing is known then.
+/// The growth of a counter per second. A counter that went back was reset, and the answer is 0
+/// then.
 double Rate(double before, double now, Seconds span) {
   return span > Seconds(0) ? std::max(0.0, now - before) / span.count() : 0;
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Turns readings of the system into events: measurements, and what has happened between two.
+/// Turns readings of the system into events: measurements, and the things that have happened since
+/// the reading before, which it remembers.
 ///
-/// It remembers the reading before, and is used by one thread at a time, whichever that is: events
-/// may be raised on any.
+/// Only one thread at a time may use it, but any thread may, because events can be raised on any.
 #pragma once
 
 #include <chrono>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The events of this program, each declared once for those that raise it and those that hear it.
+/// The events of this program. Each is declared once, for the code that raises it and the code that
+/// listens to it.
 ///
-/// The sampling thread raises the measurements, of which only the latest counts, and beside them
-/// what has happened, of which each counts. The names of measurements begin with "Measured.".
+/// The sampling thread raises measurements, of which only the latest counts, and events of things
+/// that have happened, of which each counts. The names of measurements begin with "Measured.".
 #pragma once
 
 #include <string>
@@ -30,16 +31,16 @@ inline constinit const AppEvent<std::vector<std::string>> interfacesMeasured{
   return AppEvent<InterfaceSample>(VtrString::FromUtf8("Measured.Interfaces." + interface));
 }
 
-/// All that was measured at one moment has been raised. Counts from 1.
+/// Follows the measurements of one moment. The number counts the moments from 1.
 inline constinit const AppEvent<Count> sampleTaken{L"SampleTaken"};
-/// Why no more samples will come.
+/// Sampling has failed, and no more samples will come. The text says why.
 inline constinit const AppEvent<VtrString> samplingFailed{L"SamplingFailed"};
 
 /// The process's name and number. A process that was there at the first sample has not started.
 inline constinit const AppEvent<VtrString, Count> processStarted{L"ProcessStarted"};
 inline constinit const AppEvent<VtrString, Count> processEnded{L"ProcessEnded"};
 
-/// The limit's name, the value that has come to reach it or to stay below it, and the limit.
+/// The name of a limit that was crossed, the value that crossed it, and the limit.
 inline constinit const AppEvent<VtrString, double, double> alarmRaised{L"AlarmRaised"};
 inline constinit const AppEvent<VtrString, double, double> alarmCleared{L"AlarmCleared"};
 

@@ -44,7 +44,7 @@ void Machine::TakeInterfaces(const std::vector<std::string>& names) {
   if (interfaces.Follow(names)) AnnounceAtHost(L"InterfacesChanged");
 }
 
-/// Nobody has built the source when nobody listens to it.
+/// A source that is not there has no listeners, so nothing is announced then.
 void Machine::AnnounceAtHost(const wchar_t* event) {
   DataBinding::IDataSource* const host = root.GetLocalDataSourceInstance(L"Host");
   if (host != nullptr) host->UpdateListeners(event);

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The model: publishes the machine below a root scope, and follows the measurements of it.
+/// The model: it publishes the machine below a root scope, and follows the measurements.
 ///
 ///   root       "root"       Host, Cpu, Memory, Load
 ///   ├─ one     "process"    Process, Command
 ///   └─ one     "interface"  Interface
 ///
-/// Sources are registered here and built when somebody first asks a scope for them. Each
-/// measurement that is delivered moves a record on, makes and ends the scopes of what has come and
-/// gone, and refreshes the sources that have been built. It outlives its views.
+/// The model registers the constructors of the sources, and a scope builds a source when it is
+/// first asked for it. Each measurement that is delivered updates a record, makes and ends the
+/// scopes of things that have come and gone, and refreshes the sources that have been built. The
+/// model outlives its views.
 #pragma once
 
 #include <DataBinding/appevents/AppEventListener.h>
@@ -21,7 +22,7 @@ namespace Sysmon {
 
 class Machine final : public DataBinding::AppEventListener {
  public:
-  /// The reader is asked for what is read only of what somebody looks at.
+  /// The reader is asked for those details that are read only for processes that somebody looks at.
   Machine(SystemReader& systemReader, DataBinding::IDataSourceProvider& rootScope);
 
   void InitEventMap() override;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The data sources of the root scope: what there is to know of the machine as a whole.
+/// The data sources of the root scope, which show the machine as a whole.
 #pragma once
 
 #include "Records.h"
@@ -18,8 +18,8 @@ class MachineSource : public SampledSource {
   const MachineRecord& record;
 };
 
-/// Announces, too, when processes or interfaces have come or gone: the events ProcessesChanged and
-/// InterfacesChanged.
+/// Its event sources ProcessesChanged and InterfacesChanged are announced when processes or
+/// interfaces have come or gone.
 class HostSource final : public MachineSource {
  public:
   explicit HostSource(const MachineRecord& shownRecord);

@@ -10,7 +10,7 @@ void Pause::InitEventMap() {
 
 void Pause::Toggle() {
   if (!IsOn()) return Begin();
-  // In order: the list of interfaces comes before each of them.
+  // The order matters: the event with the list of interfaces comes before that of each interface.
   while (IsOn()) holds.pop_front();
 }
 

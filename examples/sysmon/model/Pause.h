@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Holds the measurements back, so that everything shown of them stays as it is, until it is over
-/// or ends: the newest of each is delivered then. What has happened is told all the while.
+/// Holds the measurements back, so that the views stand still. When the pause is over or this
+/// object ends, the newest event of each measurement is delivered. Events of things that have
+/// happened are delivered all the while.
 #pragma once
 
 #include <list>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The latest samples of what the scopes are about: the machine, one of its processes, one of its
-/// network interfaces. The data sources of a scope show its record, which is its data context.
+/// The records of the scopes: the latest samples of the machine, of one process, or of one network
+/// interface. A record is the data context of its scope, and the scope's data sources show it.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@
 
 namespace DataBinding {
 
-/// The library only declares this type and leaves it to the application to say what it is.
+/// The library only declares this type, and the application defines it.
 class IDataContext {
  protected:
   IDataContext() = default;
@@ -59,7 +59,7 @@ class ProcessRecord final : public DataBinding::IDataContext {
   SystemReader& reader;
 };
 
-/// Listens to its interface's own event.
+/// The record of an interface. It listens to the event of this interface.
 class InterfaceRecord final : public DataBinding::IDataContext,
                               public DataBinding::AppEventListener {
  public:

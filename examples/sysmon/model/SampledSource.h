@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// A data source whose properties follow a record, which listeners to events write.
 ///
-/// It is built on demand, reads its record at once, and again whenever it is refreshed. The model
-/// meets it as its application part, IDataSourceBase, and needs to know no more of it than this.
+/// It is built on demand, and reads its record then and each time that it is refreshed. The model
+/// knows nothing of it but this class, which it gets from the source's IDataSourceBase.
 #pragma once
 
 #include <DataBinding/datasource/DataSourceProvider.h>
@@ -14,7 +14,7 @@ namespace Sysmon {
 
 class SampledSource : public DataBinding::NamedDataSource {
  public:
-  /// Takes the record's figures over. Each property that has changed is announced once.
+  /// Sets the properties to the record's figures. Each property that has changed is announced once.
   void Refresh() {
     const DataBinding::PropertyBatch batch(*this);
     TakeOver();

@@ -28,7 +28,7 @@ void Sampler::SampleUntilTheEnd() {
   std::unique_lock lock(mutex);
   for (auto tick = Clock::now(); !isEnding;) {
     announcer.Announce(reader.Read());
-    tick = std::max(tick + interval, Clock::now());  // late ticks are not made up for
+    tick = std::max(tick + interval, Clock::now());  // ticks that were missed are left out
     end.wait_until(lock, tick, [this] { return isEnding; });
   }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The thread that reads the system at each tick and has an announcer raise what it finds.
+/// The thread that reads the system at each tick and has an announcer raise events of the readings.
 ///
-/// It begins at once. Whoever delivers the events outlives it.
+/// It begins at once, and ends before the loop that delivers the events.
 #pragma once
 
 #include <chrono>
@@ -31,7 +31,7 @@ class Sampler {
   std::mutex mutex;
   std::condition_variable end;
   bool isEnding = false;
-  std::jthread thread;  // starts after, and ends before, what it uses
+  std::jthread thread;  // the last member: it uses the others, so it starts after them
 };
 
 }  // namespace Sysmon

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What is known of the machine and its parts at one moment: readings, and what only two of them
-/// together can tell.
+/// The state of the machine and its parts at one moment: readings, and figures such as speeds that
+/// only two readings together can tell.
 ///
-/// Plain values, made by the sampling thread and carried to the model by events.
+/// Samples are plain values. The sampling thread makes them, and events carry them to the model.
 #pragma once
 
 #include "../common/Quantities.h"
@@ -16,8 +16,8 @@ struct HostSample {
   Count interfaces = 0;
 };
 
-/// Parts of the time of all processors together, since the sample before this one, or since the
-/// machine started.
+/// Shares of the time of all processors together, since the sample before this one. The first
+/// sample counts from the start of the machine.
 struct CpuSample {
   Count cores = 0;
   Share user;
@@ -31,12 +31,13 @@ using LoadSample = LoadReading;
 
 struct ProcessSample {
   ProcessReading reading;
-  /// Of one processor's time, since the sample before this one, or since the process started.
+  /// The share of one processor's time since the sample before this one. The first sample counts
+  /// from the start of the process.
   Share cpu;
   Seconds age{};
 };
 
-/// Speeds are those since the sample before this one; 0 in the first.
+/// Speeds are averages since the sample before this one; they are 0 in the first sample.
 struct InterfaceSample {
   InterfaceReading reading;
   BytesPerSecond received;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The child scopes of one category: one for each thing of a kind that the system has.
+/// The child scopes of one category: one scope for each process, or for each network interface.
 ///
-/// A scope is made when its thing is first reported, with a record of it as data context, and ended
-/// when the thing is reported no more: its sources go with it and its listeners are told.
+/// A scope is made when its thing is first reported, and has a record of the thing as its data
+/// context. It is ended when the thing is reported no more; its sources end with it, and its
+/// listeners are told.
 #pragma once
 
 #include <map>
@@ -15,7 +16,7 @@
 
 namespace Sysmon {
 
-/// A Thing is what reports tell of each: a sample or a name.
+/// A Thing is what a report has of each thing: a sample of a process, or the name of an interface.
 template <class Record, class Thing>
 class ScopeSet {
  public:
@@ -23,7 +24,7 @@ class ScopeSet {
            SystemReader& systemReader)
       : parent(parentScope), category(scopeCategory), reader(systemReader) {}
 
-  /// Has the records follow a report. True when scopes have come or gone.
+  /// Brings the records up to date with a report. True when scopes have come or gone.
   bool Follow(const std::vector<Thing>& things) {
     bool isChanged = false;
     auto ended = std::exchange(scopes, {});

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The data sources of the child scopes: what there is to know of one process or one network
-/// interface. They find their record as the data context of the scope that they are built in.
+/// The data sources of the child scopes, which show one process or one network interface. They find
+/// their record as the data context of the scope in which they are built.
 #pragma once
 
 #include "Records.h"
@@ -32,8 +32,8 @@ class ProcessSource final : public SampledSource {
   const ProcessRecord& record;
 };
 
-/// How a process was started and what it holds open. It costs several files to read, and is read
-/// only of processes for which somebody has asked for it.
+/// The command line of a process and the files that it holds open. Reading them costs several
+/// files, so they are read only for processes whose "Command" source has been built.
 class CommandSource final : public SampledSource {
  public:
   explicit CommandSource(DataBinding::IDataSourceProvider* scope)

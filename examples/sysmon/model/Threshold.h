@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Tells when a measured value comes to reach a limit and when it stays below it again, whichever
-/// of the two moved.
+/// Tells when a measured value reaches a limit and when it is below the limit again, whether the
+/// value or the limit has moved.
 #pragma once
 
 #include <optional>
@@ -24,7 +24,7 @@ class Threshold {
   [[nodiscard]] double Value() const { return value.value_or(0); }
 
  private:
-  /// Nothing is reached until both are known.
+  /// False until both the value and the limit are known.
   Crossing Compare() {
     const bool wasReached = isReached;
     isReached = limit && value && *value >= *limit;

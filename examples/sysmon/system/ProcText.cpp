@@ -22,7 +22,7 @@ std::optional<Number> ParseNumber(std::string_view text) {
   return number;
 }
 
-/// A number of seconds or the like: finite and not negative, else 0.
+/// Reads an amount such as a number of seconds. Gives 0 for one that is negative or not finite.
 double ParseAmount(std::string_view text) {
   const double number = ParseNumber<double>(text).value_or(0);
   return std::isfinite(number) && number > 0 ? number : 0;
@@ -66,7 +66,7 @@ std::optional<std::uint64_t> ParseCount(std::string_view text) {
 
 std::optional<ProcessStat> ParseProcessStat(std::string_view text) {
   const auto open = text.find('(');
-  const auto close = text.rfind(')');  // a name may hold parentheses, what follows it does not
+  const auto close = text.rfind(')');  // the last one, since a name may hold parentheses
   if (open == text.npos || close == text.npos || close < open) return std::nullopt;
   const auto before = Words(text.substr(0, open));
   const auto id = before.size() == 1 ? ParseCount(before[0]) : std::nullopt;
@@ -157,7 +157,7 @@ std::vector<InterfaceReading> ParseInterfaces(std::string_view text) {
   std::vector<InterfaceReading> interfaces;
   while (!text.empty()) {
     const auto line = TakeUntil(text, '\n');
-    const auto colon = line.rfind(':');  // the name of an alias holds one too
+    const auto colon = line.rfind(':');  // the last one: the name of an alias holds a colon, too
     if (colon == line.npos) continue;
     const auto names = Words(line.substr(0, colon));
     const auto counts = Words(line.substr(colon + 1));

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Parsers of the texts that Linux keeps in /proc.
 ///
-/// They read any bytes: what is missing, torn or not understood is left out or stays zero. Text in,
-/// figures out; no file is touched. Times are in the kernel's clock ticks where it counts in them.
+/// They accept any bytes: a part that is missing, torn or not understood is left out or stays zero.
+/// They read no files, but texts that are given to them. Times are in the kernel's clock ticks
+/// where the kernel counts in them.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,7 @@
 
 namespace Sysmon {
 
-/// The fields of /proc/<id>/stat that are of use.
+/// The fields of /proc/<id>/stat that this program uses.
 struct ProcessStat {
   std::uint64_t id = 0;
   std::uint64_t parent = 0;
@@ -28,7 +29,7 @@ struct ProcessStat {
   std::uint64_t virtualBytes = 0;
 };
 
-/// What /proc/<id>/status knows better: there, the resident size is exact.
+/// Fields of /proc/<id>/status, where the resident size is exact.
 struct ProcessStatus {
   std::uint64_t userId = 0;
   std::uint64_t residentBytes = 0;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The state of the machine as plain figures, however the operating system tells them.
+/// Reads the state of the machine as plain figures, the same ones on every operating system.
 ///
-/// A reading is a snapshot. Counters and times only grow, so what happened between two readings is
-/// their difference. Texts are bytes as the system has them: a process may bear any name.
+/// A reading is a snapshot. Counters and times only grow, and the difference of two readings tells
+/// what happened between them. Texts are bytes as the system has them, since a process may have any
+/// name.
 #pragma once
 
 #include <chrono>
@@ -45,7 +46,8 @@ struct MemoryReading {
   std::uint64_t swapFree = 0;
 };
 
-/// How many threads ran or wanted to, on average over the last 1, 5 and 15 minutes, and now.
+/// How many threads ran or waited for a processor, on average over the last 1, 5 and 15 minutes,
+/// and now.
 struct LoadReading {
   double one = 0;
   double five = 0;
@@ -67,7 +69,7 @@ struct ProcessReading {
   std::uint64_t virtualBytes = 0;
 };
 
-/// What is only worth reading of a process that somebody looks at.
+/// Details of a process, which cost more to read and are read only for a process that is shown.
 struct CommandReading {
   std::string line;
   std::string executable;
@@ -101,8 +103,8 @@ class SystemReader {
   virtual ~SystemReader() = default;
 
   [[nodiscard]] virtual SystemReading Read() = 0;
-  /// What this user may not see, or a process that has ended, leaves its part empty. Another thread
-  /// may call Read meanwhile.
+  /// Parts that this user may not see are empty, and so is the answer for a process that has ended.
+  /// Another thread may call Read meanwhile.
   [[nodiscard]] virtual CommandReading ReadCommand(std::uint64_t processId) = 0;
 
   /// The reader of the operating system that this program was built for.

@@ -132,7 +132,7 @@ class LinuxReader final : public SystemReader {
             .virtualBytes = stat.virtualBytes};
   }
 
-  /// The user's name, or the number of a user that has none. Asked for once.
+  /// The user's name, or the number of a user without a name. Each user is looked up once.
   [[nodiscard]] const std::string& UserName(uid_t id) {
     const auto [known, isNew] = users.try_emplace(id);
     if (isNew) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Asks Windows. What it does not tell stays empty or 0: load averages, the states of processes,
-/// their command lines, times of waiting. A process that this user may not open has a name and an
-/// id only.
-// Each of these needs the one before it.
+/// Reads the state of the machine from Windows. Figures that Windows does not tell stay empty or 0:
+/// load averages, the states of processes, their command lines, times of waiting. A process that
+/// this user may not open has a name and an id only.
+// Each of these headers needs the one before it.
 // clang-format off
 #include <winsock2.h>
 #include <ws2ipdef.h>
@@ -34,7 +34,7 @@ struct HandleCloser {
 };
 using Handle = std::unique_ptr<HANDLE, HandleCloser>;
 
-/// Null when this user may not, or it has ended.
+/// Null when this user may not open the process, or the process has ended.
 Handle OpenForQuery(std::uint64_t processId) {
   return Handle(
       OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(processId)));
@@ -63,7 +63,8 @@ std::string HostName() {
   return Utf8(name);
 }
 
-/// As it is, whatever it pretends to be to programs that know older ones only.
+/// The true version of Windows. The documented functions tell an older version to programs that do
+/// not declare that they know the newer one.
 std::string SystemVersion() {
   RTL_OSVERSIONINFOW version{};
   version.dwOSVersionInfoSize = sizeof version;
@@ -105,7 +106,7 @@ std::uint64_t CachedBytes() {
   return std::uint64_t{info.SystemCache} * info.PageSize;
 }
 
-/// The page file is told together with the memory that it extends.
+/// Windows tells the page file only together with the memory that it extends.
 MemoryReading ReadMemory() {
   MEMORYSTATUSEX status{};
   status.dwLength = sizeof status;
@@ -156,7 +157,8 @@ InterfaceReading MakeInterface(const MIB_IF_ROW2& row) {
           .errors = row.InErrors + row.OutErrors};
 }
 
-/// Without the layers that watch and filter what passes an adapter, which count it once more.
+/// Leaves out the layers that watch and filter an adapter, because they count its traffic once
+/// more.
 std::vector<InterfaceReading> ReadInterfaces() {
   MIB_IF_TABLE2* table = nullptr;
   if (GetIfTable2(&table) != NO_ERROR) return {};
@@ -245,7 +247,7 @@ class WindowsReader final : public SystemReader {
     return UserName(reinterpret_cast<const TOKEN_USER*>(owner)->User.Sid);
   }
 
-  /// Empty for a user that has none. Asked for once.
+  /// The user's name; empty for a user without a name. Each user is looked up once.
   [[nodiscard]] const std::string& UserName(PSID id) {
     const std::string key(static_cast<const char*>(id), GetLengthSid(id));
     const auto [known, isNew] = users.try_emplace(key);
@@ -260,7 +262,7 @@ class WindowsReader final : public SystemReader {
     return known->second;
   }
 
-  /// Computed once, so that it does not waver, and processes with it.
+  /// Computed once: if it varied from reading to reading, so would the start times of processes.
   Seconds start = TimeOfStart();
   std::map<std::string, std::string> users;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Everything that the sources of one scope publish, live, whatever it is: sources are listed by
-/// the registrar, their properties by reflection.
+/// Shows all properties of all sources of one scope, and follows their changes. The registrar lists
+/// the sources and reflection lists their properties, so the pane knows no names.
 #pragma once
 
 #include "Surface.h"

@@ -39,7 +39,7 @@ json ReportSource(IDataSource& source) {
   return members;
 }
 
-/// "process" gives "Processes".
+/// The name of an array: "process" gives "Processes".
 std::string ArrayName(const VtrString& category) {
   std::string name = category.ToUtf8();
   if (name.empty()) return "Scopes";
@@ -49,12 +49,12 @@ std::string ArrayName(const VtrString& category) {
 
 json ReportScope(IDataSourceProvider& scope);
 
-/// What orders things of one kind: their number, else their name.
+/// The key by which things of one kind are sorted: their number, or else their name.
 json SortKey(const json& thing) {
   return thing.contains("Id") ? thing["Id"] : thing.value("Name", json());
 }
 
-/// Adds the child scopes, in order, since a provider keeps them in none.
+/// Adds the child scopes. They are sorted first, since a provider keeps them in no order.
 void AddChildren(IDataSourceProvider& scope, json& members) {
   std::map<std::string, std::vector<json>> lists;
   VisitScopes(scope, [&](IDataSourceProvider& child) {

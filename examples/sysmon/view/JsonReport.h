@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The whole tree of scopes as JSON, found by walking it, and the log of events: no name of a
-/// source, property or event is known here.
+/// Writes the whole tree of scopes and the log of events as JSON. It walks the tree, and knows no
+/// name of a source, a property or an event.
 ///
 /// The root scope is an object with one object per source. Child scopes are in arrays named after
 /// their category, each as one object with the members of all its sources.
@@ -13,7 +13,8 @@
 
 namespace Sysmon {
 
-/// Builds every source that can be built. Bytes are counts, shares parts of 1, times seconds.
+/// Builds every source that can be built. Sizes are in bytes, shares are parts of 1, and times are
+/// in seconds.
 [[nodiscard]] nlohmann::json ReportTree(IDataSourceProvider& root);
 
 /// An array of the events, oldest first. An argument that has parts is an object.

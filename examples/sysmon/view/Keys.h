@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What a user may press.
+/// The keys that a user may press.
 #pragma once
 
 namespace Sysmon {
@@ -31,7 +31,7 @@ enum class Key {
 
 struct KeyPress {
   Key key = Key::None;
-  /// What the key writes where there is something to write in, or 0.
+  /// The character that the key writes in a line that is edited, or 0.
   wchar_t character = 0;
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int mostCharacters = 16;
 
-/// The source knows how high a limit may be, this line how finely it is shown.
+/// Refuses a limit that the line could not show. The source checks how high a limit may be.
 VtrString CheckLimit(const double& limit) {
   const bool isTooFine = limit != 0 && limit > -0.01 && limit < 0.01;
   return isTooFine ? L"A limit finer than 0.01 cannot be shown." : L"";
@@ -31,7 +31,7 @@ void LimitEditor::Change(VtrString newText) {
 }
 
 void LimitEditor::Insert(wchar_t character) {
-  // A tab is both to Windows.
+  // On Windows a tab is both a control character and a printable one.
   const bool isShown =
       std::iswprint(std::wint_t(character)) != 0 && std::iswcntrl(std::wint_t(character)) == 0;
   if (isShown && text.GetLength() < mostCharacters) Change(text + std::wstring_view(&character, 1));

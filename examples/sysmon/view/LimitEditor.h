@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// A line in which the limit of an alarm is edited: a widget, joined to the limit by its name.
 ///
-/// What is refused stays in the line, with the reason beside it.
+/// A text that is refused stays in the line, with the reason beside it.
 #pragma once
 
 #include <DataBinding/framework/DataBind.h>
@@ -20,7 +20,7 @@ class LimitEditor {
 
   /// Adds a character at the end of the line, if there is room.
   void Insert(wchar_t character);
-  /// Takes the last one off.
+  /// Removes the last character.
   void Erase();
   /// Sets the limit. False when the line does not hold one that may be set.
   [[nodiscard]] bool Commit();
@@ -36,7 +36,7 @@ class LimitEditor {
   VtrString text;
   VtrString reason;
   DataBinding::Framework::DataBind<double> bind;
-  DataBinding::TwoWayJoin<double, VtrString> join;  // ends before what it writes
+  DataBinding::TwoWayJoin<double, VtrString> join;  // the last member: it ends before the text
 };
 
 }  // namespace Sysmon

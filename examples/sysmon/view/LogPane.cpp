@@ -54,7 +54,7 @@ void LogPane::Switch() {
   Invalidate();
 }
 
-/// The title, which keeps the newest alarm in sight, and the newest events, newest last.
+/// Draws the title, which keeps the newest alarm in sight, and the newest events, the newest last.
 std::vector<LogPane::Line> LogPane::NewestLines(std::size_t count) const {
   std::vector<Line> lines;
   const auto& entries = log.Entries();

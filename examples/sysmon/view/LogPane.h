@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The newest events, one in a line: what has happened alone, or the measurements too.
+/// Shows the newest events, one in a line: all of them, or all but the measurements.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ class LogPane {
   void Draw(Surface& surface, const Area& area);
   /// Draws everything the next time.
   void Invalidate();
-  /// Goes on to show all events, none, and then again those that are no measurements.
+  /// Changes what is shown: from all but the measurements to all events, to none, and back.
   void Switch();
   [[nodiscard]] bool IsVisible() const { return choice != Choice::None; }
 

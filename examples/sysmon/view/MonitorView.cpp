@@ -29,7 +29,7 @@ constexpr RowKind interfaceRows{L"interface", L"Interface", L"Host", L"Interface
 
 constexpr wchar_t help[] = L"enter open  c/m/p/n sort  r flip  a alarm  l log  space pause  q quit";
 
-/// Of a reason that is too long the end is what helps: it says what would do.
+/// Shortens a reason that is too long to its end, which says what would be accepted.
 VtrString LastPart(const VtrString& text, int width) {
   const int surplus = text.GetLength() - std::max(0, width);
   return surplus <= 0 ? text : L"..." + text.Mid(surplus + 3);
@@ -103,10 +103,11 @@ void MonitorView::Draw() {
   log.Draw(surface, layout.log);
   if (interactive) DrawFooter();
   surface.Show();
-  static_cast<void>(surface.TakeCellsWritten());  // the footer's own are not counted
+  static_cast<void>(surface.TakeCellsWritten());  // the cells of the footer do not count
 }
 
-/// Help, a message, or what is being edited; and how many cells the rest of this drawing took.
+/// Draws the help, a message, or the line that is edited; and how many cells the rest of this
+/// drawing took.
 void MonitorView::DrawFooter() {
   const bool isWide = layout.footer.width >= 90;
   const int counterWidth = isWide ? 20 : 11;
@@ -148,7 +149,7 @@ void MonitorView::CloseDetails() {
   Redraw();
 }
 
-/// The limit after the one that is being edited, and the first one after the last.
+/// Edits the limit after the present one, and after the last limit the first.
 void MonitorView::EditNextLimit() {
   const auto names = LimitNames(root);
   if (names.empty()) return;

@@ -27,9 +27,9 @@ class MonitorView {
 
   /// Brings the surface up to date.
   void Draw();
-  /// Obeys a key, and says whether it was of any use here. The next Draw shows the outcome.
+  /// Obeys a key. False for a key that has no meaning here. The next Draw shows the outcome.
   bool Obey(const KeyPress& press);
-  /// Says on the screen that it stands still, or does so no more.
+  /// Shows, or stops showing, that the screen stands still.
   void ShowPaused(bool isNowPaused);
   /// The next Draw draws everything.
   void Redraw() { layout = {}; }

@@ -25,7 +25,7 @@ void ScopeRows::SortBy(std::size_t column, bool isDescending) {
   descending = isDescending;
 }
 
-/// Lets the rows of ended scopes go and adds rows for new scopes.
+/// Removes the rows of scopes that have ended, and adds rows for new scopes.
 void ScopeRows::Gather() {
   std::erase_if(rows, [](const Row& row) { return row->Scope() == nullptr; });
   std::set<const IDataSourceProvider*> known;

@@ -21,7 +21,7 @@ struct Column {
   Align align;
 };
 
-/// What rows are made of: a source of each scope, and the event by which scopes are announced.
+/// Names what the rows show: a source of each scope, and the event that announces scopes.
 struct RowKind {
   const wchar_t* category;
   const wchar_t* source;
@@ -36,7 +36,7 @@ class ScopeRows final : public DataBinding::DataListener {
 
   ScopeRows(IDataSourceProvider& rootScope, const RowKind& rowKind);
 
-  /// The rows in order. The first column orders what is else equal.
+  /// The rows in order. Rows that are equal otherwise are ordered by the first column.
   [[nodiscard]] const std::vector<Row>& Sorted();
   void SortBy(std::size_t column, bool isDescending);
 

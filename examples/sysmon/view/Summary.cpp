@@ -18,7 +18,7 @@ struct Field {
   const wchar_t* property = L"";
   int width = 0;
   bool isBar = false;
-  /// A property of the alarms. While it is so, the field stands out.
+  /// The name of a property of the alarms. While the property is true, the field stands out.
   const wchar_t* alarm = nullptr;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The machine as a whole, in five lines: a watch on the sources of the root scope.
+/// Shows the machine as a whole, in five lines, by a watch on the sources of the root scope.
 #pragma once
 
 #include "Surface.h"
@@ -18,7 +18,7 @@ class Summary {
   void Invalidate() { isShown = false; }
 
  private:
-  /// The fields, and then the alarms of those that have one.
+  /// Watches the fields, and then the alarms of the fields that have one.
   Watch watch;
   bool isShown = false;
 };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What views draw on: lines of character cells, of a terminal or of a printed page.
+/// A surface on which views draw: lines of character cells, of a terminal or of a printed page.
 ///
-/// Views write a text only when it has changed; the surface counts the cells, so that this can be
-/// seen. A written text always fills its place: it is cut off or padded, never wrapped.
+/// Views write a text only when it has changed. The surface counts the written cells, so that one
+/// can see that. A written text always fills its place: it is cut off or padded, and never wrapped.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +30,7 @@ struct Area {
 
   friend bool operator==(const Area&, const Area&) = default;
 
-  /// A place in a line of the area, up to its right edge at most.
+  /// A place in a line of the area. It ends at the area's right edge at the latest.
   [[nodiscard]] Place At(int lineWithin, int columnWithin, int wantedWidth) const;
 };
 
@@ -45,7 +45,7 @@ class Surface {
   void Write(const Place& place, std::wstring_view text, Style style = Style::Plain,
              Align align = Align::Left);
   void Clear();
-  /// The cells that were written since this was asked last.
+  /// How many cells were written since the last call.
   [[nodiscard]] std::int64_t TakeCellsWritten() { return std::exchange(cellsWritten, 0); }
 
  protected:

@@ -45,14 +45,14 @@ IDataSourceProvider* Table::Chosen() {
   return sorted.empty() ? nullptr : sorted[static_cast<std::size_t>(chosen)]->Scope();
 }
 
-/// Finds the followed row again; where it has ended its place stays chosen.
+/// Finds the row that the choice follows. If the row has ended, the choice stays at its place.
 void Table::FindChoice(const std::vector<ScopeRows::Row>& sorted) {
   const auto found = std::ranges::find(sorted, followed);
   if (found != sorted.end()) chosen = static_cast<int>(found - sorted.begin());
   chosen = std::clamp(chosen, 0, std::max(0, static_cast<int>(sorted.size()) - 1));
 }
 
-/// Scrolls just so far that the choice is seen, and not past the last row.
+/// Scrolls only as far as is needed to see the choice, and not past the last row.
 void Table::Scroll(int count) {
   top = std::clamp(top, chosen - std::max(0, pageHeight - 1), chosen);
   top = std::clamp(top, 0, std::max(0, count - pageHeight));

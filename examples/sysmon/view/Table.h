@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Shows rows of scopes below a line of titles, with one of them chosen, and redraws those cells
-/// only whose value or row has changed.
+/// Shows rows of scopes below a line of titles. One row is chosen. The table redraws only those
+/// cells whose value or row has changed.
 #pragma once
 
 #include <optional>
@@ -24,9 +24,9 @@ class Table {
   /// Sorts by the column of that property, and goes to the top.
   void SortBy(std::wstring_view property, bool isDescending);
   void Reverse();
-  /// Moves the choice. It stays with the row from then on, until it comes back to the top.
+  /// Moves the choice. From then on it follows its row, until it is moved back to the top.
   void Move(int rowCount);
-  /// A page is what was drawn last.
+  /// Moves the choice by as many rows as were drawn last.
   void MovePages(int pageCount) { Move(pageCount * pageHeight); }
   void MoveToEnd(bool isLast);
   /// The scope of the chosen row, or null.
@@ -34,7 +34,7 @@ class Table {
   [[nodiscard]] int RowCount() { return static_cast<int>(rows.Sorted().size()); }
 
  private:
-  /// What a line of the surface shows at present.
+  /// The row and the texts that a line of the surface shows at present.
   struct Shown {
     ScopeRows::Row row;
     bool isChosen = false;
@@ -58,7 +58,7 @@ class Table {
   ScopeRows::Row followed;
   int top = 0;
   int pageHeight = 0;
-  /// One for each drawn line; none when everything is to be drawn.
+  /// One for each drawn line; empty when everything is to be drawn.
   std::vector<Shown> shown;
   bool titlesShown = false;
 };

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The terminal, or the console of Windows, as a surface and a source of keys. It is put back as it
-/// was when this ends.
+/// The terminal, or the console of Windows, as a surface and a source of keys. When this object
+/// ends, it puts the terminal back as it was.
 ///
-/// There is one at a time. Signals are left to their owner, who calls Suspend and Resume around a
-/// stop, and Resume, too, when the terminal's size has changed.
+/// Only one object may exist at a time. It handles no signals: the code that does calls Suspend and
+/// Resume around a stop, and Resume also when the size of the terminal has changed.
 #pragma once
 
 #include <memory>
@@ -15,7 +15,7 @@ namespace Sysmon {
 
 class Terminal final : public Surface {
  public:
-  /// True when standard output goes to one.
+  /// True when standard output goes to a terminal.
   [[nodiscard]] static bool IsThere();
 
   /// Throws std::runtime_error for a terminal that cannot be used.
@@ -33,7 +33,7 @@ class Terminal final : public Surface {
   [[nodiscard]] KeyPress ReadKey();
   /// Gives the terminal back for a while.
   void Suspend();
-  /// Takes it again, as large as it is now, and forgets what it shows.
+  /// Takes the terminal again, in its present size, and forgets what it shows.
   void Resume();
 
  private:

@@ -35,7 +35,7 @@ constexpr Binding bindings[] = {
     {'L' - '@', Key::Redraw},    {'q', Key::Quit},
 };
 
-/// Codes of function keys are not those of characters, though some are alike.
+/// Tells function keys from characters, because some of their codes are equal.
 Key FindKey(wint_t code, bool isFunction) {
   for (const Binding& binding : bindings) {
     const bool isBoundFunction = binding.code >= KEY_MIN;

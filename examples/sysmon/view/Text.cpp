@@ -17,7 +17,8 @@ VtrString ShowSize(double size, const wchar_t* suffix) {
   return VtrString().Format(unit == 0 ? L"%.0f %s%s" : L"%.1f %s%s", size, units[unit], suffix);
 }
 
-/// In seconds; what claims to be longer could not be counted.
+/// The longest duration that is shown, in seconds. A longer one would not fit into the integer
+/// below.
 constexpr double longestTime = 1e15;
 
 struct Writer {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Values as texts, and texts as cells.
+/// Turns values into texts, and texts into cells.
 #pragma once
 
 #include <ctime>
@@ -25,8 +25,9 @@ enum class Align { Left, Right };
 /// surrogate pair takes one.
 [[nodiscard]] int CellsOf(wchar_t character);
 
-/// A text that takes exactly so many cells, cut off or padded. What the terminal cannot show, or
-/// would obey, becomes a question mark; what takes no cell is dropped.
+/// Cuts off or pads a text, so that it takes exactly as many cells. A character that the terminal
+/// cannot show, or that it would obey, becomes a question mark. A character that takes no cell is
+/// dropped.
 [[nodiscard]] std::wstring Fit(std::wstring_view text, int width, Align align);
 
 }  // namespace Sysmon

@@ -9,7 +9,7 @@ namespace Sysmon {
 
 namespace {
 
-/// Stands in the cells that a wide character takes beside its first.
+/// Marks the cells that a wide character takes behind its first one.
 constexpr wchar_t filler = L'\0';
 
 std::string Printed(std::wstring line) {

@@ -11,7 +11,7 @@ namespace Sysmon {
 
 class TextSurface final : public Surface {
  public:
-  /// As many lines as are written to.
+  /// The page has as many lines as views have written to.
   [[nodiscard]] Area Whole() const override { return {0, 0, 1 << 20, 100}; }
   /// Prints the page. Throws std::runtime_error when that fails.
   void Show() override;

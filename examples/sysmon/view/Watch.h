@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// The current values of some named properties of a scope, and which of them have changed.
 ///
-/// It is connected to each source when that appears, building it if it can be built, and holds
-/// none of them. When the scope ends the last values stay.
+/// It has the scope build each source that can be built, is connected to a source when that
+/// appears, and owns none of them. When the scope ends, the last values stay.
 #pragma once
 
 #include <optional>
@@ -30,7 +30,7 @@ class Watch final : public DataBinding::DataListener {
   /// The value as text; a dash for nothing.
   [[nodiscard]] VtrString TextAt(std::size_t index) const;
   [[nodiscard]] bool IsChanged(std::size_t index) const { return changed[index]; }
-  /// Takes all changes as seen.
+  /// Marks all changes as seen.
   void Settle() { changed.assign(names.size(), false); }
   /// The watched scope; null once it has ended.
   [[nodiscard]] IDataSourceProvider* Scope() const noexcept { return scope; }
