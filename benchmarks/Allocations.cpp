@@ -22,7 +22,7 @@ std::uint64_t Allocations() noexcept { return allocations; }
 
 }  // namespace Benchmarks
 
-// NOLINTBEGIN(cppcoreguidelines-no-malloc): this is what containers allocate with
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): containers allocate with these operators
 
 void* operator new(std::size_t size) {
   return Benchmarks::Counted(std::malloc(size == 0 ? 1 : size));

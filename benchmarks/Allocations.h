@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Counts what a benchmark allocates, by the operators new of the whole process.
+/// Counts the allocations of a benchmark, by replacing the operators new of the whole process.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,8 @@ namespace Benchmarks {
 /// How often this thread has allocated so far.
 [[nodiscard]] std::uint64_t Allocations() noexcept;
 
-/// Reports, as the counter `allocations`, those of its scope for each iteration.
+/// Counts the allocations while it lives, and reports them for each iteration as the counter
+/// `allocations`.
 class AllocationWatch {
  public:
   explicit AllocationWatch(benchmark::State& watched) : state(watched), before(Allocations()) {}

@@ -21,7 +21,7 @@ class Heater : public DataBinding::NamedDataSource {
   DataBinding::Property<double> target{this, L"Target", 0.0};
 };
 
-/// A scope with a source, and what is shown of its property.
+/// A scope with a source, and the value of its property that was shown last.
 class HeatedScope {
  public:
   HeatedScope() { scope.AddDataSource(source); }
@@ -37,7 +37,7 @@ class HeatedScope {
   double shown = 0.0;
 };
 
-/// A callback at the source that reads the property which it knows.
+/// A callback at the source, which reads the property directly.
 class CallbackOfSource : public HeatedScope {
  private:
   DataBinding::Subscription watching =

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// From a property that is set to the function that shows it.
+/// Measures the way from setting a property to the function that shows it.
 ///
-/// A peer holds a property and a function joined to it: Set(number) sets the one, and Shown() is
-/// what the other was given last.
+/// A peer holds a property and a function that is joined to it: Set(number) sets the property, and
+/// Shown() gives the number that the function was given last.
 #pragma once
 
 #include <string>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Announcing: to more and more listeners, one of more and more names, from two threads.
+/// Measures announcing: to growing numbers of listeners, with growing numbers of names, and from
+/// two threads.
 #pragma once
 
 #include <array>
@@ -34,8 +35,8 @@ void Broadcast(benchmark::State& state) {
   ExpectCalls(state, counter, listeners);
 }
 
-/// Goes through the names in random order. Announced and registered names are equal strings, not
-/// the same ones.
+/// Announces the names in random order. Announced and registered names are equal, but separate
+/// strings.
 template <class Peer, Texts (*Names)(std::size_t)>
 void BroadcastOneOfMany(benchmark::State& state) {
   const auto nameCount = static_cast<std::size_t>(state.range(0));
@@ -47,7 +48,7 @@ void BroadcastOneOfMany(benchmark::State& state) {
   std::vector<typename Peer::Handle> handles;
   handles.reserve(nameCount);
   for (const auto& name : registered) handles.push_back(peer.Register(name, Increment{&counter}));
-  for (const auto& name : registered) peer.Emit(name);  // some make what a name needs only now
+  for (const auto& name : registered) peer.Emit(name);  // some peers prepare a name at first use
   counter = 0;
   auto next = announced.begin();
   {
@@ -60,7 +61,7 @@ void BroadcastOneOfMany(benchmark::State& state) {
   ExpectCalls(state, counter, 1);
 }
 
-/// A listener whose work is its thread's own, so that threads meet in the broadcast only.
+/// A listener that works on memory of its thread, so that threads meet in the broadcast only.
 struct IncrementOfThread {
   static inline thread_local Counter count = 0;
   void operator()() const { ++count; }
@@ -96,7 +97,7 @@ void EnterBroadcasts(const std::string& peer) {
     for (const int count : {1, 10, 100, 1000, 10'000}) names.Arg(count);
   }
   if constexpr (Peer::threadSafe) {
-    // Long enough for the system to spread the threads.
+    // This is long enough for the system to put the threads on different processors.
     Enter("threads", peer, &BroadcastFromThreads<Peer>)
         .Threads(1)
         ->Threads(2)

@@ -28,7 +28,7 @@ class OurScope {
   Scope scope{nullptr, nullptr, nullptr};
 };
 
-/// A map of pointers: no scopes, nobody that waits for a source.
+/// A map of pointers, without scopes and without listeners that wait for a source.
 template <class Map>
 class MapScope {
  public:

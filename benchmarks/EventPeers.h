@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Queues of named events side by side: the library and what one would use in its place.
+/// Queues of named events under one interface: the library, and what one would use in its place.
 ///
-/// A peer has Subscribe(name), Raise(name, reading), Dispatch() and, where it can replace the
-/// newest event of a name, RaiseLatest(name, reading). All may raise on any thread; the rest
-/// belongs to the one that dispatches. The listeners of all do the same: they add up the numbers
-/// that they are given. The workloads are in EventWorkloads.h.
+/// A peer has Subscribe(name), Raise(name, reading), Dispatch() and, if it can replace the newest
+/// event of a name, RaiseLatest(name, reading). Any thread may raise; the other operations belong
+/// to the thread that dispatches. The listeners of all peers add up the numbers that they are
+/// given. The workloads are in EventWorkloads.h.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@
 
 namespace Benchmarks {
 
-/// What an event carries.
+/// The argument of an event.
 struct Reading {
   double value = 0;
   std::uint64_t number = 0;
@@ -57,7 +57,7 @@ class OurEvents {
   std::vector<DataBinding::Subscription> handles;
 };
 
-/// A lock and a vector of plain structures: no types, no cancelling, nobody to hold or to watch.
+/// A lock and a vector of plain structures, without types, cancelling, holds and hooks.
 class FloorEvents {
  public:
   explicit FloorEvents(const Texts& texts) : names(texts), listeners(texts.size()) {}
@@ -66,7 +66,7 @@ class FloorEvents {
     const std::lock_guard guard(lock);
     queue.push_back({&names[name], name, reading});
   }
-  /// Looks for the newest one of the name from the back.
+  /// Searches from the back for the newest event of the name.
   void RaiseLatest(std::size_t name, const Reading& reading) {
     const std::lock_guard guard(lock);
     for (auto entry = queue.rbegin(); entry != queue.rend(); ++entry) {

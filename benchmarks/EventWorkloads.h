@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Queued events: raising, replacing, delivering.
+/// Measures raising, replacing and delivering queued events.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@
 
 namespace Benchmarks {
 
-/// Fails a benchmark some of whose events did not arrive.
+/// Fails a benchmark when some of its events did not arrive.
 inline void ExpectEvents(benchmark::State& state, const Sum& sum, std::size_t eventsPerIteration) {
   const auto expected = eventsPerIteration * static_cast<std::uint64_t>(state.iterations());
   if (sum.events != expected) state.SkipWithError("events were lost");
@@ -59,7 +59,7 @@ void RaiseLatest(benchmark::State& state) {
   if (peer.sum.events != names) state.SkipWithError("events were not replaced");
 }
 
-/// One event to many listeners, raised and dispatched.
+/// Raises one event and dispatches it to many listeners.
 template <class Peer>
 void Deliver(benchmark::State& state) {
   const auto listeners = static_cast<std::size_t>(state.range(0));
@@ -77,7 +77,8 @@ void Deliver(benchmark::State& state) {
 
 inline constexpr std::uint64_t eventsPerProducer = 500'000;
 
-/// Threads raise, this one dispatches, until all has arrived. Checks that nothing is lost.
+/// Other threads raise and this one dispatches, until all events have arrived. Checks that none is
+/// lost.
 template <class Peer>
 void RaiseFromThreads(benchmark::State& state) {
   const auto producers = static_cast<std::size_t>(state.range(0));
@@ -116,7 +117,8 @@ void EnterDelivery(const std::string& peer) {
   Enter("deliver", peer, &Deliver<Peer>).Arg(1)->Arg(10)->Arg(100)->Arg(1000);
 }
 
-/// Enters them all under the peer's name. True, for a constant that runs this before main.
+/// Enters all workloads under the peer's name. Gives true, so that the initialiser of a constant
+/// can call it before main.
 template <class Peer>
 bool MeasureEvents(const std::string& peer) {
   EnterQueue<Peer>(peer);

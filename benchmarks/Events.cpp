@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Queues of events that are there wherever the benchmarks are built.
+// Workloads of the event queues that need no library but Boost and this one.
 
 #include <cstddef>
 #include <functional>
@@ -16,7 +16,7 @@ namespace Benchmarks {
 
 namespace {
 
-/// Listeners as functions in a vector.
+/// Keeps the listeners as functions in a vector.
 class FunctionList {
  public:
   void Add(std::function<void(const Reading&)> listener) {
@@ -30,7 +30,7 @@ class FunctionList {
   std::vector<std::function<void(const Reading&)>> listeners;
 };
 
-/// Listeners of a Boost.Signals2 signal.
+/// Keeps the listeners in a Boost.Signals2 signal.
 class BoostReadings {
  public:
   template <class Listener>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The loop of Floor in a module of its own, linked as the library is.
+/// The loop of Floor in a module of its own, which is linked as the library is.
 ///
-/// Where a processor's branch predictor keeps short distances only, a call into another module
-/// costs more than one within a module. The library pays that for each listener of an application;
-/// this loop pays it too.
+/// Some processors' branch predictors keep short distances only, so that a call into another module
+/// costs more than a call within a module. The library pays that for each listener of an
+/// application, and this loop pays it, too.
 #pragma once
 
 #include <cstddef>

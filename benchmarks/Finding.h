@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Finding one of many sources by its name.
 ///
-/// A peer is made with the names of the sources, finds by its Name, and answers something that is
-/// not null.
+/// A peer is made with the names of the sources. It finds one by its Name, and gives a result that
+/// is not null.
 #pragma once
 
 #include <cstddef>
@@ -33,7 +33,7 @@ void FindSource(benchmark::State& state) {
   }
 }
 
-/// Up to so many sources.
+/// Runs the benchmark with growing numbers of sources, up to the largest.
 template <class Peer>
 bool MeasureFinding(const std::string& peer, int most = 100'000) {
   auto& find = Enter("find", peer, &FindSource<Peer>);

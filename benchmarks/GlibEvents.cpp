@@ -8,8 +8,8 @@ namespace Benchmarks {
 
 namespace {
 
-/// One idle source for each event that is raised. A context of its own keeps out the sources that
-/// other peers put into the process's.
+/// Adds one idle source for each event that is raised. It has a main context of its own, which
+/// keeps out the sources of other peers.
 template <class Receiver>
 class GlibIdle {
  public:
@@ -72,7 +72,7 @@ class Single {
   Sum* sum = nullptr;
 };
 
-/// An object whose signal carries the reading on.
+/// An object whose signal passes the reading on to the listeners.
 class Sender : public GlibObject {
  public:
   void Add(Sum& sum) { g_signal_connect(object, "raised", G_CALLBACK(&Hear), &sum); }

@@ -31,7 +31,7 @@ struct GlibConnection {
   }
 };
 
-/// What the peers share: an object, and handlers of its signals.
+/// The base of the peers: an object, and handlers of its signals.
 class GlibObject {
  public:
   using Handle = Scoped<GlibConnection>;
@@ -81,7 +81,7 @@ class GlibSignal : public GlibObject {
   }
 };
 
-/// The names as details of one signal.
+/// One signal whose details are the names.
 class GlibDetail : public GlibObject {
  public:
   using Name = NarrowName;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the steps of one provider grow with its sources, its listeners and the depth of its tree.
+// Measures how the costs of a provider grow with its sources, its listeners and the depth of its
+// tree: adding, finding and removing sources; connecting and disconnecting listeners; and asking
+// through scopes within scopes.
 
 #include <cstddef>
 #include <memory>
@@ -16,7 +18,7 @@ namespace Benchmarks {
 
 namespace {
 
-/// Runs one step of an iteration whose clock stands still otherwise.
+/// Runs one step of an iteration with the clock on, which stands still otherwise.
 template <class Step>
 void OnTheClock(benchmark::State& state, Step step) {
   state.ResumeTiming();
@@ -44,7 +46,7 @@ class OurSources {
   std::vector<PlainSourcePtr> sources;  // ends before its scope, which must have given them back
 };
 
-/// The same sources in a map: what memory makes of the work, without a provider.
+/// The same sources in a map, which shows what memory alone costs, without a provider.
 class MappedSources {
  public:
   explicit MappedSources(const Texts& names) : made(MakeSources(scope, names)) {}
@@ -67,7 +69,7 @@ class MappedSources {
 
 enum class Step { Add, Find, Remove };
 
-/// All of one step, for so many sources.
+/// Measures one of the steps for as many sources.
 template <class Peer, Step Timed>
 void Sources(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
@@ -97,7 +99,7 @@ class Listener : public DataBinding::DataListener {
   void OnDataSourceProviderChanging(DataBinding::IDataSourceProvider* /*next*/) override {}
 };
 
-/// Listeners that wait in one provider, for one name or each for its own.
+/// Listeners that wait in one provider, all for one name or each for a name of its own.
 class Audience {
  public:
   Audience(std::size_t count, const Texts& names) : sources(MakeSources(scope, names)) {
@@ -135,7 +137,8 @@ class Audience {
 
 enum class Wiring { Listen, Connect, Leave };
 
-/// {listeners, names}: all of one step. The listeners leave while they are connected.
+/// Measures one of the steps; the arguments are {listeners, names}. The listeners leave while they
+/// are connected.
 template <Wiring Timed>
 void Listeners(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
@@ -204,7 +207,7 @@ class Chain {
   std::vector<DataBinding::DataSourceProviderPtr> scopes;
 };
 
-/// The innermost of so many scopes is asked for what the outermost holds.
+/// Asks the innermost of as many scopes for the source that the outermost holds.
 void FindInChain(benchmark::State& state) {
   Chain chain(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(chain.innermost->GetDataSource(oneName));

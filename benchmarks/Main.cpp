@@ -9,8 +9,8 @@
 #define COMPILER "g++ " __VERSION__
 #endif
 
-// Locks and counts of a process that never had a second thread are cheaper than those of one that
-// has: every benchmark is to measure the latter, whatever ran before it.
+// In a process that never had a second thread, locks and reference counts are cheaper. Every
+// benchmark is to measure the dearer ones, whatever ran before it, so a thread runs here first.
 int main(int argc, char** argv) {
   std::thread([] {}).join();
   benchmark::AddCustomContext("compiler", COMPILER);

@@ -23,7 +23,7 @@ double Pointers() {
   return static_cast<double>(sizeof(T)) / sizeof(void*);
 }
 
-/// What a broadcaster adds to the object that it is in.
+/// The bytes that a broadcaster adds to the object that it is a member of.
 void Sizes(benchmark::State& state) {
   for (auto _ : state) {
     state.counters["holder"] = Pointers<DataBinding::details::Broadcaster>();

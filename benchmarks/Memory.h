@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What objects and listeners hold, in bytes.
+/// Measures the memory of objects and listeners, in bytes.
 ///
-/// Counted by the C library itself, so that it does not matter how a peer allocates: the bytes of
-/// the heap that are in use, with the allocator's own words and its rounding. Objects stand side by
-/// side in an array, as they would in their owners. Many are made at once, so that what a process
-/// sets up once does not show.
+/// The C library counts the bytes of the heap that are in use, with the allocator's own words and
+/// its rounding, so it does not matter how a peer allocates. Objects stand side by side in an
+/// array, as they would in their owners. Many are made at once, so that memory which a process sets
+/// up once does not show.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@
 
 namespace Benchmarks {
 
-/// Whether the C library here keeps that account.
+/// True when the C library counts the bytes in use.
 #ifdef __GLIBC__
 inline constexpr bool heapIsCounted = true;
 #else
@@ -27,10 +27,10 @@ inline constexpr bool heapIsCounted = false;
 /// The bytes of the heap that are in use.
 [[nodiscard]] std::size_t HeapInUse() noexcept;
 
-/// What `make(count)` leaves on the heap while its result lives, for each of so many.
+/// The bytes that `make(count)` takes on the heap while its result lives, divided by the count.
 template <class Make>
 double BytesOfEach(std::size_t count, Make make) {
-  static_cast<void>(make(count));  // what is set up once
+  static_cast<void>(make(count));  // so that memory that is set up once does not count
   const std::size_t before = HeapInUse();
   const auto made = make(count);
   return static_cast<double>(HeapInUse() - before) / static_cast<double>(count);
@@ -46,8 +46,8 @@ void MemoryOfObject(benchmark::State& state) {
   }
 }
 
-/// Objects with so many listeners of one name each; the objects themselves are not counted, the
-/// handles are.
+/// Makes objects with as many listeners each, all of one name. The handles count, and the objects
+/// themselves do not.
 template <class Peer>
 void MemoryOfListeners(benchmark::State& state) {
   const auto listeners = static_cast<std::size_t>(state.range(0));
@@ -70,7 +70,7 @@ void MemoryOfListeners(benchmark::State& state) {
   }
 }
 
-/// Where the heap is counted.
+/// Enters a benchmark if the C library counts the bytes in use.
 template <class Object>
 void EnterMemoryOfObject(const std::string& kind, const std::string& peer) {
   if (heapIsCounted) Enter("memory/" + kind, peer, &MemoryOfObject<Object>).Iterations(1);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t nameLength = 12;
 
-/// A text with a number of at least so many digits in it.
+/// A text with a number in it, which is padded to as many digits.
 std::wstring Digits(std::size_t number, std::size_t width) {
   const std::wstring digits = std::to_wstring(number);
   return std::wstring(width - std::min(width, digits.size()), L'0') + digits;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Property names by the thousand, all of twelve characters, and the order in which to use them.
+/// Thousands of property names, all of twelve characters, and the order in which they are used.
 ///
-/// Deterministic, so that every peer gets the same names in the same order.
+/// Names and order are the same in each run, so that every peer gets the same ones.
 #pragma once
 
 #include <cstddef>
@@ -25,7 +25,7 @@ class NarrowName {
   std::string text;
 };
 
-/// Names as they come: they differ everywhere.
+/// Names that differ in all their characters.
 [[nodiscard]] Texts OrdinaryNames(std::size_t count);
 /// Names that differ in a running number at their end, so that a few share a sampling hash.
 [[nodiscard]] Texts NumberedNames(std::size_t count);
@@ -35,7 +35,7 @@ class NarrowName {
 /// The numbers below a count in random order.
 [[nodiscard]] std::vector<std::size_t> Shuffled(std::size_t count);
 
-/// A name of a type that is made from wide characters, in the one way or the other.
+/// Makes a name of any type that can be made from wide characters.
 template <class Name>
 [[nodiscard]] Name MakeName(const std::wstring& text) {
   if constexpr (requires { Name::fromStdWString(text); }) {
@@ -45,7 +45,7 @@ template <class Name>
   }
 }
 
-/// Strings of their own for some of the texts, in the order given.
+/// Makes separate strings of some of the texts, in the given order.
 template <class Name>
 [[nodiscard]] std::vector<Name> MakeNames(const Texts& texts,
                                           const std::vector<std::size_t>& order) {
@@ -55,7 +55,7 @@ template <class Name>
   return names;
 }
 
-/// The same in the texts' own order.
+/// Makes separate strings of all texts, in their own order.
 template <class Name>
 [[nodiscard]] std::vector<Name> MakeNames(const Texts& texts) {
   return {texts.begin(), texts.end()};

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What is measured side by side: the library and others that do the same, under one interface.
+/// The peers that are measured side by side, under one interface: the library, and others that do
+/// the same.
 ///
 /// A peer that announces has
 ///   - a Name, and a Handle that cancels when it is dropped;
 ///   - Register(name, listener), Emit(name) and, where it can tell, Heard(name);
 ///   - byName: whether it looks the name up, or is one signal that ignores it;
 ///   - threadSafe: whether threads may announce one object's change at the same time.
-/// Every listener does the same trivial work everywhere, see Increment. The workloads are templates
-/// over peers: see Signals.h, and Properties.h for peers that hold a value.
+/// The listeners of all peers do the same trivial work, see Increment. The workloads are templates
+/// over peers; they are in Signals.h, and in Properties.h for peers that hold a value.
 #pragma once
 
 #include <cstddef>
@@ -48,13 +49,14 @@ inline benchmark::internal::Benchmark& Enter(const std::string& workload, const 
   return *benchmark::RegisterBenchmark((workload + '/' + peer).c_str(), run);
 }
 
-/// Has the measurements mention the version of a library.
+/// Adds the version of a library to the head of the measurements.
 inline bool Mention(const std::string& library, const std::string& version) {
   benchmark::AddCustomContext("library " + library, version);
   return true;
 }
 
-/// Ends the connection of a peer whose own handle does not. A Connection made by default is none.
+/// Ends the connection of a peer whose own handle does not end it. A Connection made by default has
+/// nothing to end.
 template <class Connection>
 class Scoped {
  public:
@@ -96,7 +98,7 @@ class Ours {
   Announcer announcer;
 };
 
-/// The least that a broadcast can cost: a loop over an array. No names, no threads, no cancelling.
+/// The least that a broadcast can cost: a loop over an array, without names, threads or cancelling.
 class Floor {
  public:
   using Name = std::wstring;
@@ -119,13 +121,14 @@ class Floor {
   static void Run(void* context) { ++*static_cast<Counter*>(context); }
 };
 
-/// The same with the loop in one module and the listeners in another.
+/// As Floor, but with the loop in one module and the listeners in another.
 class FarFloor : public Floor {
  public:
   void Emit(const Name& /*name*/) const { RunFromAfar(entries.data(), entries.size()); }
 };
 
-/// What one would write in an hour: the callbacks of a name are copied for each broadcast.
+/// A broadcaster that one would write in an hour: it copies the callbacks of a name for each
+/// broadcast.
 class Naive {
  public:
   using Name = std::wstring;
@@ -192,7 +195,7 @@ class BoostSignal {
   boost::signals2::signal<void()> signal;
 };
 
-/// One signal per name, looked up for each operation. Nothing protects the map itself.
+/// One signal for each name, looked up for each operation. No lock protects the map itself.
 template <class Signal>
 class ByName {
  public:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The library's typed properties, and those that one writes by hand.
+// Workloads of the library's typed properties, and of properties that one writes by hand.
 
 #include "Properties.h"
 
@@ -22,7 +22,7 @@ class Thermostat : public DataBinding::NamedDataSource {
   DataBinding::Property<double> target{this, L"Target", 0.0};
 };
 
-/// A property of a data source, set where its source is known.
+/// A property of a data source, set by code that knows the source's class.
 class OurProperty {
  public:
   using Handle = DataBinding::Subscription;
@@ -36,7 +36,7 @@ class OurProperty {
   DataBinding::DataSourcePtr<Thermostat> source = MakeDataSource<Thermostat>(nullptr);
 };
 
-/// The same by its name, with its type checked.
+/// A property of a data source, set and read by its name, with its type checked.
 class OurNamedProperty : public OurProperty {
  public:
   void Set(double wanted) {
@@ -48,7 +48,7 @@ class OurNamedProperty : public OurProperty {
   static inline const VtrString name{L"Target"};
 };
 
-/// The same by a reference that was found before.
+/// A property of a data source, set and read by a reference that was found before.
 class OurFoundProperty : public OurProperty {
  public:
   void Set(double wanted) { benchmark::DoNotOptimize(found.Set(wanted)); }

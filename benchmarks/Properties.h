@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Properties that hold a number and announce its changes.
 ///
-/// A peer has a Handle, Register(listener), Set(number) and, where it is found by name, Get(): both
-/// by the way that the peer is about. Equal values are not announced.
+/// A peer has a Handle, Register(listener), Set(number) and, if its property is found by name,
+/// Get(). Set and Get reach the property in the way that the peer measures. Equal values are not
+/// announced.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +17,7 @@
 
 namespace Benchmarks {
 
-/// A value with a signal at its side, as one writes it by hand.
+/// A value beside a signal, as one writes it by hand.
 template <class Signal>
 class SignalProperty {
  public:
@@ -30,7 +31,7 @@ class SignalProperty {
   }
 
  private:
-  // Ignored by a signal; shared, so as not to count as the property's memory.
+  // A signal ignores the name. It is shared, so that it does not count as memory of the property.
   static inline const typename Signal::Name name{oneName};
 
   double number = 0;

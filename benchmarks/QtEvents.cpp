@@ -10,7 +10,7 @@ namespace Benchmarks {
 
 namespace {
 
-/// One posted event for each that is raised; one receiver for each name.
+/// Posts one Qt event for each event that is raised, and has one receiver for each name.
 class QtPosted {
  public:
   explicit QtPosted(const Texts& names) : receivers(names.size()) {
@@ -32,7 +32,7 @@ class QtPosted {
   std::vector<std::unique_ptr<QtReceiver>> receivers;
 };
 
-/// Senders by name whose listeners are connected to them.
+/// Keeps a sender for each name, and connects the listeners to it.
 template <Qt::ConnectionType Connection>
 class QtSenders {
  public:

@@ -18,7 +18,7 @@ class QtReadingEvent : public QEvent {
   Reading reading;
 };
 
-/// Adds up what is posted to it.
+/// Adds up the numbers that are posted to it.
 class QtReceiver : public QObject {
  public:
   explicit QtReceiver(Sum& target) : sum(target) {}
@@ -32,7 +32,8 @@ class QtReceiver : public QObject {
   Sum& sum;
 };
 
-/// A signal that carries a reading: raised at once, or for what is posted.
+/// A sender with a signal that carries a reading. It is raised directly, or when a posted event
+/// comes.
 class QtSender : public QObject {
   Q_OBJECT
 

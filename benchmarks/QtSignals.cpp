@@ -16,14 +16,14 @@ QCoreApplication& QtApplication() {
 
 namespace {
 
-/// A declared property, set where its class is known.
+/// A declared property, set by code that knows its class.
 class QtDeclaredProperty : public QtSignal {
  public:
   [[nodiscard]] Handle Register(Increment listener) { return QtSignal::Register({}, listener); }
   void Set(double wanted) { object.SetTarget(wanted); }
 };
 
-/// The same by its name.
+/// A declared property, set and read by its name.
 class QtNamedProperty : public QtDeclaredProperty {
  public:
   void Set(double wanted) { object.setProperty("target", wanted); }

@@ -21,7 +21,7 @@
 
 namespace Benchmarks {
 
-/// The application that posted events and dynamic properties need. Made on first use.
+/// The application object that posted events and dynamic properties need. It is made on first use.
 QCoreApplication& QtApplication();
 
 struct QtConnection {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Registering and cancelling, beside others and on a new object.
+/// Measures registering and cancelling, beside listeners that stay and on a new object.
 #pragma once
 
 #include <algorithm>
@@ -37,7 +37,7 @@ class Crowd {
   [[nodiscard]] typename Peer::Handle Register(const typename Peer::Name& name) {
     return peer.Register(name, Increment{&counter});
   }
-  /// Its handle is null where nobody stays.
+  /// The handle is null when no listener stays.
   [[nodiscard]] const Member& Next() noexcept {
     if (next == members.size()) next = 0;
     return members[next++];
@@ -89,7 +89,8 @@ void FirstListener(benchmark::State& state) {
   }
 }
 
-/// The same without the end: objects are made by the batch and dropped off the clock.
+/// Makes an object and registers a listener. Objects are made in batches, and end while the clock
+/// stands still.
 template <class Peer>
 void FirstListenerOnly(benchmark::State& state) {
   constexpr std::size_t batch = 256;
@@ -111,7 +112,8 @@ void FirstListenerOnly(benchmark::State& state) {
   }
 }
 
-/// An object that nobody ever listens to. Those that can are asked whether anybody does.
+/// The whole life of an object that has no listener. A peer that can tell is asked whether it
+/// has one.
 template <class Peer>
 void Idle(benchmark::State& state) {
   const typename Peer::Name name(oneName);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Scopes with data sources in them, for what is measured on whole trees of them.
+/// Scopes with data sources in them, for benchmarks that measure a whole tree of scopes.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Peers that announce and are there wherever the benchmarks are built.
+// Workloads of the announcing peers that need no library but Boost and this one.
 
 #include "Signals.h"
 

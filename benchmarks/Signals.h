@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Every workload of a peer that announces.
+/// Enters every workload of an announcing peer.
 #pragma once
 
 #include <string>
@@ -10,7 +10,8 @@
 
 namespace Benchmarks {
 
-/// Enters them all under the peer's name. True, for a constant that runs this before main.
+/// Enters all workloads under the peer's name. Gives true, so that the initialiser of a constant
+/// can call it before main.
 template <class Peer>
 bool MeasureSignal(const std::string& peer) {
   EnterBroadcasts<Peer>(peer);

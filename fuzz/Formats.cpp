@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Formatting: any format with a number, a text and a real number, and single conversions against
-/// the C library.
+/// Checks formatting: any format with a number, a text and a real number must be safe, and a single
+/// conversion must give what the C library gives.
 #include <array>
 #include <regex>
 #include <stdexcept>

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the fuzz targets share.
+/// Helpers that the fuzz targets share.
 ///
-/// Each <Target>.cpp defines CheckInput, which aborts where something does not hold of the input.
-/// Under the fuzz preset the fuzzer calls it with inputs of its own making; everywhere else a
-/// driver replays those of corpus/<Target>, so that what was found once stays found.
+/// Each <Target>.cpp defines CheckInput, which aborts when an input breaks a promise of the parser.
+/// Under the fuzz preset the fuzzer calls it with inputs of its own making. In all other builds a
+/// driver replays the inputs of corpus/<Target>, so that a mistake that was found once does not
+/// come back.
 #pragma once
 
 #include <algorithm>
@@ -28,7 +29,7 @@ inline void Expect(bool holds, const char* what) {
   std::abort();
 }
 
-/// Takes the first line off the front of the rest, and its end with it.
+/// Removes the first line and its end from the front of the rest, and gives the line.
 inline std::string_view TakeLine(std::string_view& rest) {
   const auto end = std::min(rest.find('\n'), rest.size());
   const auto line = rest.substr(0, end);

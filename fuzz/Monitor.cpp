@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the system monitor reads in /proc, as a whole and with the input as a process's name, and
-/// how it shows such a name.
+/// Checks the parsers by which the system monitor reads /proc, with the input as a whole file and
+/// as the name of a process, and how the monitor shows such a name.
 #include <clocale>
 #include <cmath>
 #include <cstdint>

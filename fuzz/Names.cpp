@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Lists of names: one line is split, announced, and taken for categories with those of the next.
+/// Checks lists of names: one line is split, announced, and used as the categories of a scope,
+/// which are matched with those of the next line.
 #include <set>
 
 #include "Fuzz.h"

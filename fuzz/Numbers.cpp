@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Texts that a user types as the value of a property.
+/// Checks the conversion of texts that a user types as the value of a property.
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -18,7 +18,7 @@ void CheckBack(T value) {
   Expect(back && *back == value, "a shown value reads as itself");
 }
 
-/// The C library tells what a text of the right shape stands for.
+/// The value of a text of the right shape, by the C library.
 template <class T>
 void CheckNumber(const VtrString& text, const std::regex& shape) {
   const auto read = TextConverter<T>().parse(text);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Checks each file of a folder, for compilers without a fuzzer.
+/// The driver for builds without a fuzzer: it checks each file of a folder.
 #include <filesystem>
 #include <fstream>
 #include <iterator>

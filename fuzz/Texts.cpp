@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// UTF-8 to wide text and back, of any bytes and any wide units; and how two such texts compare.
+/// Checks the conversion of any bytes from UTF-8 to wide text and back, and how two such texts
+/// compare.
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -12,7 +13,7 @@ namespace {
 
 constexpr std::uint32_t none = ~0u;
 
-/// The character that a sequence of bytes stands for, or none where it is overlong or torn.
+/// The character that a sequence of bytes stands for, or none if the sequence is overlong or torn.
 std::uint32_t Decoded(std::string_view bytes) {
   static constexpr std::uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
   const auto ones = static_cast<std::size_t>(std::countl_one(static_cast<std::uint8_t>(bytes[0])));
@@ -26,7 +27,7 @@ std::uint32_t Decoded(std::string_view bytes) {
   return isCharacter && code >= least[bytes.size()] ? code : none;
 }
 
-/// Whether a character can begin so: one of those with the least or the greatest rest.
+/// True if a character can begin with these bytes. It tries the least and the greatest rest.
 bool CanGoOn(std::string_view bytes) {
   for (std::size_t more = 1; bytes.size() + more <= 4; ++more) {
     for (const char trail : {'\x80', '\xBF'}) {
@@ -36,7 +37,8 @@ bool CanGoOn(std::string_view bytes) {
   return false;
 }
 
-/// Takes a character, or the longest part that could begin one, off the front: the slow way.
+/// Removes a character, or the longest part that could begin one, from the front, and gives it.
+/// This is a slow and plain way.
 std::uint32_t TakeCharacter(std::string_view& rest) {
   std::size_t length = 1;
   while (length < rest.size() && CanGoOn(rest.substr(0, length)) &&

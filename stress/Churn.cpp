@@ -30,7 +30,8 @@ class Reader final : public DataListener {
   void OnDataSourceProviderChanging(IDataSourceProvider* /*provider*/) override {}
 };
 
-/// Sources are made, listened to, set and ended; each other one is found, each fourth taken back.
+/// Makes sources, listens to them, sets and ends them. Every second one is also looked up, and
+/// every fourth is taken back.
 std::size_t ChurnSources(IDataSourceProvider& parent, std::size_t count) {
   std::size_t heard = 0;
   const DataSourceProviderPtr scope(parent.CreateDataSourceProvider(L"Churn", nullptr));
@@ -80,7 +81,7 @@ bool ChurnStaysFlat(std::size_t rounds) {
       heard += ChurnSources(root, perScope) + ChurnEvents(idle, event, perScope);
     }
     now = MemoryNow();
-    if (point == 0) before = now;  // what is kept for further use is there by now
+    if (point == 0) before = now;  // by now the library has the memory that it keeps for later use
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     std::printf("churn: %9zu callbacks, %7zu bytes in use, %6zu KiB resident, %5.1f s\n", heard,
                 now.inUse, now.resident / 1024, taken.count());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the scripts of the data half are about: the operations, and the names that they use.
+/// The operations of the scripts of sources, scopes and listeners, and the names that they use.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@ inline constexpr int providerCount = 6;  // the first is the registrar's root
 inline constexpr int listenerCount = 4;
 inline constexpr int watchCount = 3;
 
-/// In order. The last differs from the second by its case only.
+/// The names, in order. The last differs from the second only by its case.
 inline constexpr const wchar_t* sourceNames[] = {L"Art", L"Doc", L"Map", L"New", L"doc"};
 inline constexpr int nameCount = 5;
 /// The properties A, B and C are numbers, E is an event source, * is not declared.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The library's side of the data scripts: carries each operation out and notes what it brings.
+/// The library's side of the data scripts: it carries out each operation and notes what happens.
 #pragma once
 
 #include <algorithm>
@@ -172,7 +172,8 @@ class DataLibrary : public Player<DataLibrary> {
     for (const auto& listener : listeners) Tell("under", SlotOf(listener->GetDataSourceProvider()));
   }
 
-  /// Where the providers lie, in the order in which they were opened: it fixes the order of calls.
+  /// The addresses of the providers, in the order in which they were opened. Addresses fix the
+  /// order of calls, so the model has to know them.
   std::deque<const void*> addresses;
 
  private:

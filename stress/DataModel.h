@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the data half of the library is to do, written down as plainly as it can be: sources,
-/// providers and listeners are numbers in maps, and every question is answered by searching.
+/// A model of the library's data sources, scopes and listeners, written as plainly as it can be:
+/// they are numbers in maps, and every question is answered by searching.
 #pragma once
 
 #include <algorithm>
@@ -37,7 +37,7 @@ class DataModel : public SourceModel {
     if (!IsThere(slot)) return;
     ending = slot;
     ShutDown(slot);
-    ShutDown(slot);  // for sources that were added by the last listeners
+    ShutDown(slot);  // once more, since the last listeners may have added sources
     ending = -1;
     std::erase(attached, slot);
     providers.erase(slot);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The library's side of the event scripts: carries each operation out and notes what it brings.
+/// The library's side of the event scripts: it carries out each operation and notes what happens.
 #pragma once
 
 #include <chrono>
@@ -124,7 +124,8 @@ class EventLibrary : public Player<EventLibrary> {
     }
   }
 
-  /// An event of the application's own kind, which itself is what listens to it.
+  /// An event of the application's own kind, which notes its delivery itself instead of calling
+  /// listeners.
   class OwnEvent : public PendingEventBase, public std::enable_shared_from_this<OwnEvent> {
    public:
     OwnEvent(EventLibrary& raiser, int number, const void* key)

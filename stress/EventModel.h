@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the event half of the library is to do, written down as plainly as it can be.
+/// A model of the library's application events, written as plainly as it can be.
 #pragma once
 
 #include <algorithm>
@@ -202,7 +202,7 @@ class EventModel : public Player<EventModel> {
     --events->deliveries;
     events->batches.erase(own);
   }
-  /// Delivers the first event in the queue, or one by one all that are in it now.
+  /// Delivers the first event in the queue, or all events that are in it now, one by one.
   void DispatchSingly(const Pointer& events, bool all) {
     const int newest = lastValue;
     auto& queue = events->queue;
@@ -270,7 +270,8 @@ class EventModel : public Player<EventModel> {
               [&] { Happen("hooked", events->hooks[id], seen, Place::Anywhere); });
     }
   }
-  /// Those that listened when it began, unless they are cancelled meanwhile.
+  /// Calls the listeners that were there when the delivery began, unless they are cancelled
+  /// meanwhile.
   void CallListeners(const Pointer& events, const Event& event) {
     for (const auto& each : std::vector(events->listeners)) {
       const auto isIt = [&](const Subscribed& other) { return other.token == each.token; };
@@ -286,7 +287,7 @@ class EventModel : public Player<EventModel> {
     const auto held = events->held.extract(event);
     if (!held.empty() && fires) DeliverNow(events, held.mapped());
   }
-  /// Drops what is queued, held, or still to come in a batch.
+  /// Drops the events that are queued, held, or still to come in a batch.
   template <class Matches>
   void Drop(Matches matches) {
     const Pointer events = Obtain();
@@ -314,7 +315,7 @@ class EventModel : public Player<EventModel> {
       try {
         while (!taken.empty()) Initialise();
       } catch (const Thrown&) {
-        taken.clear();  // these wait no more
+        taken.clear();  // the listeners that this flush had not reached no longer wait
         throw;
       }
     }

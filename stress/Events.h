@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the scripts of the event half are about: the operations, and the names that they use.
+/// The operations of the scripts of application events, and the names that they use.
 #pragma once
 
 #include <array>

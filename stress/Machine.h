@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the program asks of the machine that it runs on.
+/// The functions of the operating system that the program needs.
 #pragma once
 
 #include <cstddef>
@@ -8,12 +8,12 @@
 
 namespace DataBinding::Stress {
 
-/// The seed that is being tried, for the process that looks at what has become of its child.
+/// The seed that is being tried. It lies where a process can read it after its child has crashed.
 std::uint32_t& CurrentSeed();
 
-/// Runs something and says whether it answered true: in a child process, so that a crash is a
-/// failure like a wrong answer; where that is asked for, one that prints nothing and has some
-/// seconds only. On Windows it runs in this process, and a crash ends the program with its seed.
+/// Runs a function and gives its answer. The function runs in a child process, so that a crash
+/// counts as the answer false; if asked for, the child prints nothing and has only some seconds. On
+/// Windows the function runs in this process, and a crash ends the program, which prints the seed.
 bool Succeeds(bool quietly, const std::function<bool()>& run);
 
 struct Memory {

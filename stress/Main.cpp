@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Half of the scripts have seeds that are always the same, the others random ones; all random where
-// there is a time. Scripts run in a child process, so that a crash is shrunk like a wrong answer.
+// Plays scripts to the library and its models, shrinks a script that fails, and prints it. Half of
+// the scripts have the same seeds in each run, and the others have random seeds; when the run is
+// limited by a time, all are random. Scripts run in a child process, so that a crash is shrunk like
+// a wrong answer.
 
 #include <chrono>
 #include <cstdlib>
@@ -39,8 +41,8 @@ Script Generate(std::uint32_t seed) {
   return script;
 }
 
-/// Leaves out what the failure does not need: large pieces first, in the end single operations.
-/// Nothing is left of a script that does not fail by itself.
+/// Leaves out operations that the failure does not need: large pieces first, and single operations
+/// in the end. The result is empty for a script that does not fail by itself.
 Script Shrink(const Subject& subject, Script script) {
   const auto fails = [&](const Script& tried) {
     return !Succeeds(true, [&] { return subject.agrees(tried, 1, false); });
@@ -114,7 +116,7 @@ bool StressThreads(const Options& options) {
   return false;
 }
 
-/// Nothing for arguments that mean nothing.
+/// Reads the command line. Gives nothing when it is not understood.
 std::optional<Options> Parse(std::span<char*> arguments) {
   Options options;
   for (std::size_t i = 0; i < arguments.size(); i += 2) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the scripts of properties and binds are about: the operations, and the names that they use.
+/// The operations of the scripts of properties and binds, and the names that they use.
 #pragma once
 
 #include <array>
@@ -17,8 +17,8 @@ inline constexpr int earCount = 2;
 inline constexpr int joinCount = 2;
 
 inline constexpr const wchar_t* kindNames[] = {L"One", L"Two"};
-/// A and B are set, and C is their sum. D adds to it the B and the D of a source that was made
-/// before, if there is one.
+/// A and B are set, and C is their sum. D is the sum of C and of the B and the D of a source that
+/// was made before, if there is one.
 inline constexpr const wchar_t* memberNames[] = {L"A", L"B", L"C", L"D"};
 enum Member { A, B, C, D };
 inline constexpr int memberCount = 4;

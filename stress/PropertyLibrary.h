@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The library's side of the scripts of properties and binds.
+/// The library's side of the scripts of properties and binds: it carries out each operation and
+/// notes what happens.
 #pragma once
 
 #include <algorithm>

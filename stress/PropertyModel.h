@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What properties and binds are to do, written down as plainly as it can be: who is told of a
+/// A model of properties and binds, written as plainly as it can be: which callbacks are told of a
 /// change, and in which order.
 #pragma once
 
@@ -82,7 +82,7 @@ class PropertyModel : public Player<PropertyModel> {
     sources[source].listeners[property].push_back({lastToken, Callback("called", which)});
     Cancel(former);
   }
-  /// One that is bound while a scope calls its listeners waits until that is over.
+  /// A bind that is made while a scope calls its listeners waits until the scope has finished.
   void Bind(int slot, int name, int property) {
     EndBind(0, 0, 0);
     bind = std::make_shared<Bound>(Bound{scopes.contains(slot) ? slot : -1, name, property});
@@ -195,7 +195,7 @@ class PropertyModel : public Player<PropertyModel> {
     if (sources[id].batches == 0) Announce(id);
     return {true, PropertyError::None};
   }
-  /// What waited only for properties of the source need not wait any more.
+  /// Properties that waited only for properties of this source need not wait any more.
   void Destroy(int id) {
     const auto noted = sources[id].noted;
     sources.erase(id);
@@ -239,8 +239,8 @@ class PropertyModel : public Player<PropertyModel> {
     std::erase(sources[property.first].noted, property.second);
     due[property] = std::max(due[property], announcements);
   }
-  /// The properties of the innermost announcement are told first: in it the ones that were set, in
-  /// the order of their changes, then the computed ones, the oldest first.
+  /// Orders the properties that are due. Those of the innermost announcement come first: the ones
+  /// that were set, in the order of their changes, and then the computed ones, the oldest first.
   auto Rank(const std::pair<const Property, int>& each) {
     const bool isComputed = each.first.second > B;
     return std::tuple(-each.second, isComputed, isComputed ? 0 : changes[each.first], each.first);
@@ -269,7 +269,7 @@ class PropertyModel : public Player<PropertyModel> {
     for (const auto& each : listeners) each.run();
   }
 
-  /// Calls those that the change of a scope concerns; then those that waited.
+  /// Calls the binds that the change of a scope concerns, and then those that waited.
   template <class Run>
   void InScope(int slot, Run change) {
     const ScopedValue wiring(place, Place::Wiring);

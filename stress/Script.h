@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Random scripts of operations, played to the library and to a plain model of it side by side.
 ///
-/// A script is a sequence of numbers, each of which decodes into one operation, so that generating,
-/// replaying and shrinking share one path. Both sides note what happens, and what can be seen
-/// between operations; the notes must be equal. An operation may also be put off until something
-/// happens, and is then run from inside the callback.
+/// A script is a sequence of numbers. Each number decodes into one operation, so that generating,
+/// replaying and shrinking a script share one path. The library and the model both note what
+/// happens, and what can be seen between operations; their notes must be equal. An operation may
+/// also be put off until something happens, and then runs inside the callback.
 #pragma once
 
 #include <algorithm>
@@ -31,7 +31,8 @@ struct Note {
   bool operator==(const Note&) const = default;
 };
 
-/// From where an operation may run: some callbacks must leave certain things alone.
+/// The places from which an operation may run, since some callbacks must not use certain
+/// operations.
 enum class Place { Wiring, Parting, Anywhere };
 
 template <class World>
@@ -43,7 +44,7 @@ struct Operation {
   Place place = Place::Anywhere;
 };
 
-/// What a script lets a callback throw.
+/// The exception that a script has a callback throw.
 struct Thrown {};
 
 template <class World>
@@ -88,7 +89,7 @@ class Player {
   void Tell(std::string_view what, int subject, int object = 0) {
     notes.push_back({what, subject, object});
   }
-  /// Notes what happens, and runs what was put off until then.
+  /// Notes what happens, and runs the operations that were put off until then.
   void Happen(std::string_view what, int subject, int object, Place here) {
     Tell(what, subject, object);
     const auto found = putOff.lower_bound({what, subject});
@@ -128,8 +129,9 @@ class Player {
   int depth = 0;
 };
 
-/// Plays a script to both and says whether their notes agree; looks at everything after every so
-/// many operations, and after all is ended. Tells about the first difference when it is to talk.
+/// Plays a script to the library and the model, and says whether their notes agree. It compares all
+/// that can be seen after every few operations, and after everything has ended. If asked to, it
+/// prints the first difference.
 template <class Library, class Model>
 bool Agree(const Script& script, std::size_t every, bool talks) {
   Library library;

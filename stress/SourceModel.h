@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What sources are to do by themselves: keep their values and call those who listen to them.
+/// A plain model of sources by themselves: they keep their values and call their listeners.
 #pragma once
 
 #include <algorithm>
@@ -69,8 +69,8 @@ class SourceModel : public Player<DataModel> {
       }
     }
   }
-  /// All that were registered when it began are called, whatever the earlier ones do, but for those
-  /// of listeners that have ended.
+  /// Calls all callbacks that were registered when the announcement began, whatever the earlier
+  /// ones do, except those of listeners that have ended.
   void Call(int source, int property) {
     if (!sources.contains(source)) return;
     for (const auto& each : std::vector(sources[source].listeners[property])) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What there is to be stressed, for the program that does it.
+/// The subjects that the program can stress.
 #pragma once
 
 #include "Script.h"
@@ -13,11 +13,11 @@ std::string DescribeProperties(std::uint32_t code);
 bool EventsAgree(const Script& script, std::size_t every, bool talks);
 std::string DescribeEvents(std::uint32_t code);
 
-/// Raises events on several threads while this one delivers them, and says whether each arrived
-/// once, in its producer's order, replaced ones with the last value that counts.
+/// Raises events on several threads while this one delivers them. True if each event arrived once,
+/// in the order of its thread, and each name of replaced events with its last value.
 bool ThreadsAgree(std::uint32_t seed);
 
-/// Makes, uses and ends so many sources and events. Says whether the memory in use stayed flat.
+/// Makes, uses and ends as many sources and events. True if the memory in use stayed flat.
 bool ChurnStaysFlat(std::size_t rounds);
 
 }  // namespace DataBinding::Stress

@@ -59,12 +59,12 @@ class Exchange {
       } else {
         replaced[producer].RaiseLatest(++lastRaised[producer]);
       }
-      // Ends a subscription of the delivering thread.
+      // This ends a subscription of the delivering thread.
       if (random() % 32 == 0) delete passedOn[producer].exchange(nullptr);
     }
     --running;
   }
-  /// What nobody was woken for stays where it is, and is missed in the end.
+  /// An event for which the loop was not woken stays in the queue, and is missed at the end.
   void DeliverIfWoken() {
     if (!isWoken.exchange(false)) return std::this_thread::yield();
     inBatch = {};
