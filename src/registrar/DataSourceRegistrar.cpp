@@ -8,6 +8,7 @@
 #include "DataBinding/datasource/DataSourceProvider.h"
 #include "DataBinding/foundation/StringSplit.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
+#include "DataBinding/foundation/details/VisitInOrder.h"
 #include "DataBinding/registrar/IDataSourceConstructor.h"
 
 namespace DataBinding {
@@ -92,14 +93,13 @@ void DataSourceRegistrar::UnregisterDataSource(IDataSourceConstructor* construct
   } catch (const std::bad_alloc&) {
   }
   const auto& walked = copy.size() == providers.size() ? copy : providers;
-  for (auto next = walked.begin(); next != walked.end();) {
-    IDataSourceProvider* const provider = next->first;
+  VisitInOrder(walked, [&](IDataSourceProvider* provider, const details::WeakReference&) {
     const auto attached = providers.find(provider);
     if (attached != providers.end() && attached->second.IsValid()) {
       failure.Try([&] { provider->DeleteLocalDataSourceInstance(name); });
     }
-    next = walked.upper_bound(provider);
-  }
+    return true;
+  });
   failure.Rethrow();
 }
 
@@ -128,11 +128,10 @@ void DataSourceRegistrar::DetachProvider(IDataSourceProvider* provider) {
     return;
   }
   FirstFailure failure;
-  for (auto next = constructors.begin(); alive.IsValid() && next != constructors.end();) {
-    const VtrString name = next->first;
+  VisitInOrder(constructors, [&](const VtrString& name, const IDataSourceConstructor*) {
     failure.Try([&] { provider->DeleteLocalDataSourceInstance(name); });
-    next = constructors.upper_bound(name);
-  }
+    return alive.IsValid();
+  });
   if (alive.IsValid()) providers.erase(provider);
   failure.Rethrow();
 }
