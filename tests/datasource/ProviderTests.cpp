@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <array>
+
 #include "../support/Scopes.h"
 
 namespace DataBinding::Testing {
@@ -264,6 +266,27 @@ TEST_F(Providers, VisitTheirSourcesInOrderWhileTheseComeOrGo) {
   });
 
   EXPECT_EQ(Joined(visited), "Doc Art");
+}
+
+TEST_F(Providers, EndInAVisitThatGoesNoFurther) {
+  std::vector<int> visits(3);
+  for (std::size_t kind = 0; kind < visits.size(); ++kind) {
+    ProviderPtr scope = MakeProvider();
+    const std::array inner{MakeProvider(scope.get()), MakeProvider(scope.get())};
+    std::array listeners{LoggedListener(log), LoggedListener(log)};
+    for (auto& listener : listeners) scope->AddDataListener(&listener, {}, false);
+    for (const auto* name : {L"Doc", L"Map"}) Add(scope, name);
+    const auto end = [&](auto& /*visited*/) {
+      ++visits[kind];
+      scope.reset();
+    };
+
+    if (kind == 0) scope->VisitDataSources(end);
+    if (kind == 1) scope->VisitChildren(end);
+    if (kind == 2) scope->VisitDataListeners(end);
+  }
+
+  EXPECT_EQ(visits, (std::vector{1, 1, 1}));
 }
 
 }  // namespace

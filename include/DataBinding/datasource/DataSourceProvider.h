@@ -10,7 +10,8 @@
 /// source; a source that is just being added is not found yet. A listener may end itself or another
 /// one there, and the provider does not call a listener that has ended. A source that ends, and a
 /// listener that hears of the provider's end, may end the provider, which then does what is left to
-/// do.
+/// do. Whoever visits its sources, children or listeners may change them meanwhile, or end the
+/// provider, and nothing more is visited then.
 ///
 /// A listener may leave an entry behind in a provider, because it has moved to another one or
 /// because a scope between them was shut down. The entry knows whether its listener lives, and the
@@ -29,6 +30,7 @@
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/WeakPtr.h"
 #include "DataBinding/foundation/details/NameMap.h"
+#include "DataBinding/foundation/details/VisitInOrder.h"
 
 namespace DataBinding {
 
@@ -85,19 +87,21 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// meanwhile. It does not visit sources that are added meanwhile.
   template <class Visitor>
   void VisitDataSources(Visitor&& visit) const {
-    const std::uint64_t last = lastAddition;
-    for (auto next = addedSources.begin(); next != addedSources.end() && next->first <= last;) {
-      const std::uint64_t number = next->first;
-      if (next->second != calls.leaving) visit(*next->second);
-      next = addedSources.upper_bound(number);
-    }
+    const auto alive = GetLiveness();
+    VisitInOrder(addedSources, [&, last = lastAddition](std::uint64_t number, IDataSource* source) {
+      if (number > last) return false;
+      if (source != calls.leaving) visit(*source);
+      return alive.IsValid();
+    });
   }
   /// Calls visit(IDataSourceProvider&) for the child scopes, in no meaningful order. It skips
   /// children that leave meanwhile. To go deeper, dynamic_cast a child to DataSourceProvider.
   template <class Visitor>
   void VisitChildren(Visitor&& visit) const {
+    const auto alive = GetLiveness();
     for (IDataSourceProvider* child : std::set(children)) {
       if (children.contains(child)) visit(*child);
+      if (!alive.IsValid()) return;
     }
   }
   /// Calls visit(IDataListener&) for the living listeners that are registered here, in no
@@ -105,11 +109,11 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// that come meanwhile.
   template <class Visitor>
   void VisitDataListeners(Visitor&& visit) const {
-    for (auto next = listeners.begin(); next != listeners.end();) {
-      IDataListener* const listener = next->first;
-      if (next->second.liveness.IsValid()) visit(*listener);
-      next = listeners.upper_bound(listener);
-    }
+    const auto alive = GetLiveness();
+    VisitInOrder(listeners, [&](IDataListener* listener, const ListenerEntry& entry) {
+      if (entry.liveness.IsValid()) visit(*listener);
+      return alive.IsValid();
+    });
   }
 
  private:
