@@ -7,6 +7,7 @@
 
 #include "DataBinding/appevents/IAppEventListener.h"
 #include "DataBinding/foundation/details/Cancellation.h"
+#include "DataBinding/foundation/details/VisitInOrder.h"
 
 namespace DataBinding {
 
@@ -65,51 +66,24 @@ class WAppEventRegistrar::Flush {
   IAppEventListener* current = nullptr;
 };
 
-/// A walk over the listeners, which knows where to go on when one is removed. Walks nest.
-class WAppEventRegistrar::Walk {
- public:
-  Walk(Walk*& innermostWalk, ListenerList& walked)
-      : innermost(innermostWalk),
-        outer(std::exchange(innermostWalk, this)),
-        next(walked.begin()),
-        end(walked.end()) {}
-  Walk(const Walk&) = delete;
-  Walk& operator=(const Walk&) = delete;
-  ~Walk() { innermost = outer; }
-
-  [[nodiscard]] IAppEventListener* Next() { return next == end ? nullptr : *next++; }
-  static void StepOver(Walk* innermost, ListenerList::iterator removed) noexcept {
-    for (Walk* walk = innermost; walk != nullptr; walk = walk->outer) {
-      if (walk->next == removed) ++walk->next;
-    }
-  }
-
- private:
-  Walk*& innermost;
-  Walk* outer;
-  ListenerList::iterator next;
-  ListenerList::iterator end;
-};
-
 WAppEventRegistrar::WAppEventRegistrar() = default;
 WAppEventRegistrar::~WAppEventRegistrar() = default;
 
 void WAppEventRegistrar::AddEventListener(IAppEventListener* listener) {
   if (listener == nullptr) return;
   const CriticalSectionLock guard(lock);
-  ListenerList known{listener};
   ListenerList waiting{listener};
-  listeners.splice(listeners.end(), known);
+  listeners.emplace_hint(listeners.end(), ++lastAddition, listener);
   delayInitList.splice(delayInitList.end(), waiting);
   anyWaiting.store(true, std::memory_order_release);
 }
 
 void WAppEventRegistrar::RemoveEventListener(IAppEventListener* listener) {
   const CriticalSectionLock guard(lock);
-  const auto found = std::ranges::find(listeners, listener);
+  const auto found = std::ranges::find(listeners, listener, &Listeners::value_type::second);
   if (found == listeners.end()) return;
   const bool waited = ForgetWaiting(listener);
-  Forget(found);
+  listeners.erase(found);
   if (waited) return;
   Flush::Stop(flush, listener);
   if (registered) listener->UnregisterAppEventListeners();
@@ -120,11 +94,6 @@ bool WAppEventRegistrar::ForgetWaiting(IAppEventListener* listener) {
   if (found == delayInitList.end()) return Flush::Forget(flush, listener);
   delayInitList.erase(found);
   return true;
-}
-
-void WAppEventRegistrar::Forget(ListenerList::iterator listener) {
-  Walk::StepOver(walk, listener);
-  listeners.erase(listener);
 }
 
 bool WAppEventRegistrar::IsAnyWaiting() noexcept {
@@ -153,22 +122,25 @@ void WAppEventRegistrar::RegisterAppEvents() {
 
 void WAppEventRegistrar::UnregisterAppEvents() {
   const CriticalSectionLock guard(lock);
-  ListenerList waiting = listeners;  // while all are subscribed still: there may be no memory
+  // The places are made while all are subscribed still, since there may be no memory for them.
+  ListenerList waiting(listeners.size());
   UnsubscribeAll();
   registered = false;
   anyWaiting.store(true, std::memory_order_release);
   waiting.splice(waiting.end(), delayInitList);  // a place for each that was added meanwhile
-  waiting.assign(listeners.begin(), listeners.end());
+  waiting.resize(listeners.size());
+  std::ranges::transform(listeners, waiting.begin(), &Listeners::value_type::second);
   delayInitList.swap(waiting);
   Flush::StopAll(flush);
 }
 
 DATABINDING_CATCHES_CANCELLATION void WAppEventRegistrar::UnsubscribeAll() {
-  Walk all(walk, listeners);
+  const auto visit = [waiting = &delayInitList](std::uint64_t /*addition*/, auto* listener) {
+    if (std::ranges::count(*waiting, listener) == 0) listener->UnregisterAppEventListeners();
+    return true;
+  };
   try {
-    while (IAppEventListener* listener = all.Next()) {
-      if (std::ranges::count(delayInitList, listener) == 0) listener->UnregisterAppEventListeners();
-    }
+    VisitInOrder(listeners, visit);
   }
   DATABINDING_PASS_CANCELLATION catch (...) {}
 }

@@ -13,7 +13,9 @@
 /// while it is called.
 #pragma once
 
+#include <cstdint>
 #include <list>
+#include <map>
 
 #include "DataBinding/Export.h"
 #include "DataBinding/Fwd.h"
@@ -48,21 +50,21 @@ class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 
 
  private:
   using ListenerList = std::list<IAppEventListener*>;
+  using Listeners = std::map<std::uint64_t, IAppEventListener*>;
   class Flush;
-  class Walk;
 
   void FlushOnce() DATABINDING_REQUIRES(lock);
   bool ForgetWaiting(IAppEventListener* listener) DATABINDING_REQUIRES(lock);
-  void Forget(ListenerList::iterator listener) DATABINDING_REQUIRES(lock);
   void UnsubscribeAll() DATABINDING_REQUIRES(lock);
 
-  ListenerList listeners DATABINDING_GUARDED_BY(lock);
+  /// The listeners by the number of their addition.
+  Listeners listeners DATABINDING_GUARDED_BY(lock);
+  std::uint64_t lastAddition DATABINDING_GUARDED_BY(lock) = 0;
   ListenerList delayInitList DATABINDING_GUARDED_BY(lock);
   bool registered DATABINDING_GUARDED_BY(lock) = false;
   CriticalSection lock;
-  /// The innermost flush and the innermost walk over `listeners` that are under way.
+  /// The innermost flush that is under way.
   Flush* flush DATABINDING_GUARDED_BY(lock) = nullptr;
-  Walk* walk DATABINDING_GUARDED_BY(lock) = nullptr;
 };
 
 }  // namespace DataBinding
