@@ -22,7 +22,7 @@ AppEventListener::~AppEventListener() {
   if (activationCount > 0 && WAppEventRegistrar::HasInstance()) {
     WAppEventRegistrar::GetInstance().RemoveEventListener(this);
   }
-  // Another object may come to this address and register anew.
+  // The callback is filed under this address, at which another listener may be made.
   if (IAppEventBroadcaster::HasInstance()) {
     IAppEventBroadcaster::GetInstance().RemoveCleanupCallback(this);
   }
@@ -61,7 +61,8 @@ void AppEventListener::DeactivateAppEventListeners() {
   if (WAppEventRegistrar::HasInstance()) {
     WAppEventRegistrar::GetInstance().RemoveEventListener(this);
   }
-  // The registrar left them alone after a flush that somebody broke off.
+  // After a flush that an exception has broken off, the registrar does not unsubscribe this
+  // listener.
   if (!subscriptions.empty()) UnregisterAppEventListeners();
 }
 
@@ -70,7 +71,8 @@ bool AppEventListener::HasListener(VtrStringView name) const {
       eventMap, [name](const auto& entry) { return entry != nullptr && entry->Name() == name; });
 }
 
-/// What is destroyed with a callback may look at this listener: the list is empty by then.
+/// Empties the list before the subscriptions end, because things that end with a callback may use
+/// this listener.
 void AppEventListener::ClearSubscriptions() { const auto ended = std::exchange(subscriptions, {}); }
 
 }  // namespace DataBinding

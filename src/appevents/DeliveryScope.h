@@ -52,8 +52,8 @@ class DeliveryScope {
       if (IsBroadcasterGone()) return;
     }
   }
-  /// Runs a step of the delivery of a name's event, and says whether it came to its end without an
-  /// exception. What it throws goes to the broadcaster, unless that was released meanwhile.
+  /// Runs a step in the delivery of an event. When the step throws, the exception goes to the
+  /// broadcaster, unless a callback has released it, and the answer is false.
   template <class Step>
   DATABINDING_CATCHES_CANCELLATION bool Guard(const VtrString& name, Step step) const {
     try {

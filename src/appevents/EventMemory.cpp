@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// Each thread has shelves, one for each size of block. A shelf is a list of the free blocks of its
+// size, linked through the blocks themselves.
 #include "DataBinding/appevents/details/EventMemory.h"
 
 #include <array>
@@ -14,7 +16,7 @@ namespace {
 #define DATABINDING_HAS_FEATURE(name) 0
 #endif
 #if defined(__SANITIZE_ADDRESS__) || DATABINDING_HAS_FEATURE(address_sanitizer)
-constexpr bool isWatched = true;  // events that are used after their end are to be found
+constexpr bool isWatched = true;  // nothing is kept, so that a use of an ended event is found
 #else
 constexpr bool isWatched = false;
 #endif
@@ -25,9 +27,9 @@ constexpr bool canTellThreadEnds = true;
 #endif
 
 constexpr std::size_t granule = 32;
-/// Larger blocks are the heap's.
+/// Larger blocks go to the heap.
 constexpr std::size_t largestKept = 128;
-/// How many blocks of one size a thread keeps: a full batch of most applications.
+/// How many blocks of one size a thread keeps. Most applications have no larger batches.
 constexpr std::size_t mostKept = canTellThreadEnds && !isWatched ? 1024 : 0;
 
 struct Spare {
@@ -39,7 +41,7 @@ struct Shelf {
   std::size_t count = 0;
 };
 
-/// Plain memory, which stays readable while the thread's destructors run.
+/// The shelves have no destructor, so that they stay readable while those of the thread run.
 struct Shelves {
   std::array<Shelf, largestKept / granule> bySize;
   bool open = false;
@@ -76,7 +78,7 @@ constexpr std::size_t Granules(std::size_t bytes) noexcept {
 
 Shelf& ShelfOf(std::size_t bytes) noexcept { return shelves.bySize[Granules(bytes) - 1]; }
 
-/// Opens the thread's shelves at the first block that comes back, and says whether they are open.
+/// Opens the thread's shelves when the first block comes back. False once the thread ends.
 bool Open() noexcept {
   if (shelves.open) return true;
   if (threadIsEnding) return false;

@@ -9,7 +9,8 @@
 namespace DataBinding {
 
 IAppEventBroadcaster::IAppEventBroadcaster() = default;
-/// A hook may own things whose end takes other hooks off.
+/// Empties the table before the hooks end, because a hook may own things whose end removes other
+/// hooks.
 IAppEventBroadcaster::~IAppEventBroadcaster() { const auto ended = std::exchange(eventHooks, {}); }
 
 int IAppEventBroadcaster::RegisterEventHook(EventHook hook, const void* owner) {

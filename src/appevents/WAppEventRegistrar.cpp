@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// The flush, which initialises and subscribes the waiting listeners, although they may add and
+// remove listeners meanwhile; and the registrar, which keeps all listeners and those that wait.
 #include "DataBinding/appevents/WAppEventRegistrar.h"
 
 #include <algorithm>
@@ -12,11 +14,14 @@
 namespace DataBinding {
 
 namespace {
-/// Whether the waiting list is not empty, to be asked without the lock.
+/// True when a listener may wait. It lies outside of the registrar, so that it can be read without
+/// the lock and before there is a registrar.
 constinit std::atomic<bool> anyWaiting{false};
 }  // namespace
 
-/// Listeners taken off the waiting list, to be initialised one by one. On the stack; flushes nest.
+/// A flush: it takes the listeners off the waiting list, and initialises and subscribes them one by
+/// one. It stands on the stack. Flushes nest, because a listener that is initialised may cause
+/// another one.
 class WAppEventRegistrar::Flush {
  public:
   Flush(Flush*& innermostFlush, ListenerList& waiting)
@@ -35,7 +40,7 @@ class WAppEventRegistrar::Flush {
       if (current != nullptr) current->RegisterAppEventListeners();
     }
   }
-  /// Takes a listener off that was not reached yet, and says whether there was one.
+  /// Removes a listener that no flush under way has reached yet. False if there is none.
   static bool Forget(Flush* innermost, const IAppEventListener* listener) {
     for (Flush* flush = innermost; flush != nullptr; flush = flush->outer) {
       const auto found = std::ranges::find(flush->taken, listener);
@@ -45,13 +50,13 @@ class WAppEventRegistrar::Flush {
     }
     return false;
   }
-  /// The listener that is being initialised goes no further.
+  /// Keeps a listener that is being initialised from being subscribed.
   static void Stop(Flush* innermost, const IAppEventListener* listener) noexcept {
     for (Flush* flush = innermost; flush != nullptr; flush = flush->outer) {
       if (flush->current == listener) flush->current = nullptr;
     }
   }
-  /// None goes any further: all are waiting again.
+  /// Stops all flushes under way, because all listeners wait again.
   static void StopAll(Flush* innermost) noexcept {
     for (Flush* flush = innermost; flush != nullptr; flush = flush->outer) {
       flush->current = nullptr;
@@ -122,12 +127,13 @@ void WAppEventRegistrar::RegisterAppEvents() {
 
 void WAppEventRegistrar::UnregisterAppEvents() {
   const CriticalSectionLock guard(lock);
-  // The places are made while all are subscribed still, since there may be no memory for them.
+  // The places are made while all listeners are still subscribed, because there may be no memory.
   ListenerList waiting(listeners.size());
   UnsubscribeAll();
   registered = false;
   anyWaiting.store(true, std::memory_order_release);
-  waiting.splice(waiting.end(), delayInitList);  // a place for each that was added meanwhile
+  // Listeners that were added meanwhile bring a place along, so that resize needs no memory.
+  waiting.splice(waiting.end(), delayInitList);
   waiting.resize(listeners.size());
   std::ranges::transform(listeners, waiting.begin(), &Listeners::value_type::second);
   delayInitList.swap(waiting);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 /// The base of objects that listen to application events.
 ///
-/// A subclass says in InitEventMap which events it wants, with On; the map is turned into
-/// subscriptions before the next event is delivered, and dropped when the listener is deactivated
-/// or ends. InitEventMap runs again after UnregisterAppEvents. Listeners belong to the delivering
-/// thread, and may end in a callback. One whose members send events while they are made or end is
-/// activated last and deactivated first: its methods would run without the members.
+/// A subclass overrides InitEventMap and says there with On which events it wants. The library
+/// makes subscriptions of this map before it delivers the next event, and ends them when the
+/// listener is deactivated or ends. After WAppEventRegistrar::UnregisterAppEvents, InitEventMap
+/// runs again.
+///
+/// Listeners belong to the delivering thread, and may end in a callback. If members of a listener
+/// send events while they are made or end, activate the listener last and deactivate it first;
+/// otherwise its methods would run when the members are not there.
 ///
 ///   void View::InitEventMap() {
 ///     On(processStarted, &View::AddRow);
@@ -36,29 +39,31 @@ namespace DataBinding {
 class DATABINDING_API AppEventListener : public IAppEventListener,
                                          public SupportsWeakPtr<AppEventListener> {
  public:
-  /// A listener that is not activated touches neither the registrar nor the broadcaster.
+  /// Activates the listener if asked to. A listener that is not activated touches neither the
+  /// registrar nor the broadcaster.
   explicit AppEventListener(bool activate = true);
   ~AppEventListener() override;
 
-  /// Sets the mark of IsEventMapInitialised; overrides call it last.
+  /// Notes that the map is initialised, see IsEventMapInitialised. Overrides call it last.
   void InitEventMap() override;
-  /// Subscribes what the map says. Calling it twice subscribes twice.
+  /// Subscribes to the events of the map. Calling it twice subscribes twice.
   void RegisterAppEventListeners() override;
-  /// Ends all subscriptions. Makes no broadcaster where there is none.
+  /// Ends all subscriptions. Does not make a broadcaster if there is none.
   void UnregisterAppEventListeners() override;
 
-  /// Activations count; the listener is known to the registrar while there are any. The count has
-  /// no floor, deliberately: one Deactivate too many is made up for by the next Activate.
+  /// Counts one activation; the registrar knows the listener while the count is above 0. The count
+  /// may deliberately fall below 0: one Deactivate too many is made up for by the next Activate.
   void ActivateAppEventListeners();
-  /// Undoes one activation; the last one takes the listener off and unsubscribes it.
+  /// Undoes one activation. Undoing the last one removes the listener from the registrar and ends
+  /// its subscriptions.
   void DeactivateAppEventListeners();
   /// True when the map has an entry of exactly that name.
   [[nodiscard]] bool HasListener(VtrStringView name) const;
 
  protected:
   /// Adds an entry to the map: while this listener lives, the event calls the method, whose
-  /// parameters must accept the event's arguments. Does nothing where the map has the event with
-  /// that method. Throws std::logic_error for a method of a class that this object is not.
+  /// parameters must accept the event's arguments. Does nothing if the map has the event with this
+  /// method already. Throws std::logic_error if this object is not of the method's class.
   template <class... Args, class Function, class Listener>
   requires std::is_function_v<Function>
   void On(const AppEvent<Args...>& event, Function Listener::*method) {
@@ -78,9 +83,9 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
           if (alive) (self->*method)(args...);
         }));
   }
-  /// The same for any callable, which the map owns. Each call adds an entry, since callables cannot
-  /// be compared: ask IsEventMapInitialised first. A class from which others derive maps methods,
-  /// since its map may be made once more for the class that derives from it.
+  /// Adds an entry for a callable, which the map owns. Each call adds an entry, since callables
+  /// cannot be compared; so ask IsEventMapInitialised first. A class from which others derive
+  /// should map methods, since InitEventMap may run once more for the class that derives from it.
   template <class... Args>
   void On(const AppEvent<Args...>& event,
           const std::type_identity_t<RepeatingCallback<void(const Args&...)>>& callback) {
@@ -89,11 +94,11 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
           if (alive) callback(args...);
         }));
   }
-  /// True once InitEventMap has run to its end. A run that came while this object was still its
-  /// base class, since a member sent an event, does not count.
+  /// True once InitEventMap has run to its end. A run while only a base class of this object was
+  /// made, because a member sent an event then, does not count.
   [[nodiscard]] bool IsEventMapInitialised() const noexcept;
 
-  /// Null entries are skipped.
+  /// The map. Null entries are skipped.
   std::vector<std::unique_ptr<AppEventMapEntry>> eventMap;
 
  private:
@@ -109,7 +114,7 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
   std::int32_t activationCount;
 };
 
-/// The entry that On makes of a callback.
+/// The entry that On makes for a callable.
 template <class... Args>
 class AppEventListener::CallbackEntry : public AppEventMapEntry {
  public:
@@ -125,6 +130,7 @@ class AppEventListener::CallbackEntry : public AppEventMapEntry {
   RepeatingCallback<void(const Args&...)> callback;
 };
 
+/// The entry that On makes for a method. It remembers the method, so that On finds it again.
 template <class Method, class... Args>
 class AppEventListener::MethodEntry final : public CallbackEntry<Args...> {
  public:

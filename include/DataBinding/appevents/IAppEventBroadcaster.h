@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The event broadcaster of the application: one in the process, whichever modules use it.
+/// The event broadcaster of the application. The process has one, whichever modules use it.
 ///
-/// Beside what every broadcaster does it has hooks, which see all events with their arguments, for
-/// logs and test tools. It is made on first use and ends when it is released or the library is
-/// unloaded; a later use makes another one, without the subscriptions of the first. What was made
-/// by Subscribe is made anew; listeners are brought back by
-/// WAppEventRegistrar::UnregisterAppEvents. Hooks belong to the delivering thread.
+/// In addition to the base class it has hooks, which see all events with their arguments, for logs
+/// and test tools. Hooks belong to the delivering thread.
+///
+/// The broadcaster is made on first use. It ends when it is released or the library is unloaded. A
+/// later use makes another one, without the subscriptions of the first: code that called Subscribe
+/// calls it anew, and WAppEventRegistrar::UnregisterAppEvents has the registrar's listeners
+/// subscribed again.
 ///
 ///   auto& events = IAppEventBroadcaster::GetInstance();
 ///   const Subscription seen = events.AddEventHook([](const VtrString& name, const auto& args)
@@ -27,9 +29,10 @@
 
 namespace DataBinding {
 
-/// Sees each event: its name, and its arguments in their order and exact types. Owns nothing.
+/// A hook that is called with the name of each event, and with its arguments in their order and
+/// exact types. It owns nothing.
 using EventHook = Delegate<void(VtrString, const std::vector<Any>&)>;
-/// The same as any callable, which is owned.
+/// A hook of any callable, which it owns. It is called with the same arguments.
 using EventHookCallback = RepeatingCallback<void(const VtrString&, const std::vector<Any>&)>;
 
 #if defined(__GNUC__)  // the base's destructor is deliberately not virtual
@@ -40,15 +43,17 @@ using EventHookCallback = RepeatingCallback<void(const VtrString&, const std::ve
 class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster,
                                                    public Singleton<IAppEventBroadcaster, 0> {
  public:
-  /// Adds a hook and gives its id: 1, 2, ..., never used again. Hooks run after the listeners, in
-  /// order of their ids; what one throws is treated as a listener's exception.
+  /// Adds a hook and gives its id: 1, 2, and so on; no id is used again. Hooks run after the
+  /// listeners, in the order of their ids. An exception of a hook is treated like a listener's.
   int RegisterEventHook(EventHook hook, const void* owner = nullptr);
-  /// Removes a hook, and says whether there was one of that id.
+  /// Removes the hook of an id. False if there is none.
   bool UnregisterEventHook(int id);
-  /// Removes all hooks that were registered for an owner, and says how many. None for null.
+  /// Removes all hooks that were registered for an owner, and gives their number. Removes none for
+  /// null.
   int UnregisterEventHooks(const void* owner);
-  /// Adds a hook until the subscription ends, which it may do after the broadcaster, on the
-  /// delivering thread. It has an id like the others. A null callback gives an inert subscription.
+  /// Adds a hook, which gets an id like the others and is removed when the subscription ends. The
+  /// subscription may end after the broadcaster, and ends on the delivering thread. A null callback
+  /// gives an inert subscription.
   Subscription AddEventHook(const EventHookCallback& hook);
 
  protected:
@@ -67,7 +72,7 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
 
   int nextHookId = 1;
   std::map<int, Hook> eventHooks;
-  /// The last member: while hooks end, subscriptions of hooks do nothing any more.
+  /// The last member, so that it ends first: while the hooks end, their subscriptions do nothing.
   WeakPtrFactory<IAppEventBroadcaster> hooksFactory{this};
 };
 

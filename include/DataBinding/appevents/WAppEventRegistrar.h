@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Knows every activated listener to application events, and subscribes each as late as it may.
+/// Knows every activated listener to application events, and subscribes each as late as possible.
 ///
-/// A listener that is added waits until the next flush, which comes before the next event is
-/// delivered, or until the application calls RegisterAppEvents. Listeners are not owned. One lock,
-/// recursive, guards everything and is held while listeners are called: they may add and remove
-/// listeners, other threads wait.
+/// A listener that is added waits until the next flush. A flush comes before the next event is
+/// delivered, or when the application calls RegisterAppEvents. It calls InitEventMap and then
+/// RegisterAppEventListeners of each waiting listener.
 ///
-/// One that is removed during a flush before it was reached is not touched any more; one that is
-/// removed in its own InitEventMap is not subscribed. When a listener throws out of a flush, those
-/// that it had not reached are no longer waiting, deliberately: they stay known, and the next
-/// UnregisterAppEvents makes them wait again. A listener must not release the registrar itself
-/// while it is called.
+/// The registrar does not own its listeners. One recursive lock guards everything and is held while
+/// listeners are called: they may add and remove listeners, and other threads wait. A listener must
+/// not release the registrar while it is called.
+///
+/// A flush does not touch a listener that is removed before the flush has reached it, and does not
+/// subscribe one that is removed in its own InitEventMap. When a listener throws out of a flush,
+/// the listeners that the flush had not reached deliberately wait no longer. They stay known, and
+/// the next UnregisterAppEvents makes them wait again.
 #pragma once
 
 #include <cstdint>
@@ -28,19 +30,19 @@ class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 
  public:
   /// Adds a listener, once more if it is known already. Ignores null.
   void AddEventListener(IAppEventListener* listener);
-  /// Takes one occurrence of a listener off, and unsubscribes it if it was subscribed. Does nothing
-  /// for a listener that is not known.
+  /// Removes a listener, one time if it was added several times, and unsubscribes it if it was
+  /// subscribed. Does nothing for a listener that is not known.
   void RemoveEventListener(IAppEventListener* listener);
-  /// Initialises and subscribes those that wait, and those that they add. Takes no lock where
-  /// nobody waits.
+  /// Initialises and subscribes the waiting listeners, and those that they add meanwhile. Takes no
+  /// lock when no listener waits.
   void FlushDelayInitList();
-  /// Whether a flush would find anybody. Any thread; makes no registrar.
+  /// True if a listener waits for a flush. Any thread; does not make a registrar.
   [[nodiscard]] static bool IsAnyWaiting() noexcept;
-  /// The application is ready: flushes.
+  /// Flushes. The application calls this when it is ready to receive events.
   void RegisterAppEvents();
-  /// Unsubscribes the listeners and makes all wait again. When one throws, those behind it stay
-  /// subscribed, deliberately, and nothing is let out. Inside a flush it stops the pass under way;
-  /// the next pass, of the same flush, serves each listener once.
+  /// Unsubscribes the listeners and makes all wait again. When one throws, the listeners behind it
+  /// deliberately stay subscribed, and the exception is dropped. Inside a flush it stops the pass
+  /// that is under way; the next pass of the same flush serves each listener once.
   void UnregisterAppEvents();
 
  protected:
@@ -63,7 +65,7 @@ class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 
   ListenerList delayInitList DATABINDING_GUARDED_BY(lock);
   bool registered DATABINDING_GUARDED_BY(lock) = false;
   CriticalSection lock;
-  /// The innermost flush that is under way.
+  /// The innermost flush that is under way, else null.
   Flush* flush DATABINDING_GUARDED_BY(lock) = nullptr;
 };
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 /// The memory of raised events.
 ///
-/// Each thread keeps the blocks of events that ended on it, up to a bound, for the next ones that
-/// it raises: a thread that both raises and delivers asks the heap for nothing once it has run for
-/// a while. A block may end on another thread than the one that took it. Large or specially aligned
-/// blocks, what a thread keeps when it ends, and on Windows all of them go to the heap. Taking one
-/// throws std::bad_alloc; giving one back throws nothing. Any thread; no locks. AppEvent is its
-/// user.
+/// A thread keeps the memory blocks of events that end on it, up to a bound, for events that it
+/// raises later. A thread that both raises and delivers therefore needs nothing from the heap once
+/// it has run for a while. A block may be given back on another thread than the one that took it.
+///
+/// Large or specially aligned blocks come from the heap and go back to it. So do all blocks on
+/// Windows, and the blocks that a thread still keeps when it ends. Any thread may call these
+/// functions, which take no locks. AppEvent uses them.
 #pragma once
 
 #include <cstddef>
@@ -16,11 +17,12 @@
 
 namespace DataBinding::details {
 
+/// Gives a block of at least as many bytes. Throws std::bad_alloc.
 [[nodiscard]] DATABINDING_API void* TakeEventMemory(std::size_t bytes);
-/// Takes back what TakeEventMemory gave for as many bytes.
+/// Takes back a block that TakeEventMemory gave for as many bytes.
 DATABINDING_API void ReturnEventMemory(void* block, std::size_t bytes) noexcept;
 
-/// For std::allocate_shared.
+/// The allocator by which std::allocate_shared uses this memory.
 template <class T>
 struct EventAllocator {
   using value_type = T;
@@ -29,7 +31,7 @@ struct EventAllocator {
   template <class U>
   EventAllocator(const EventAllocator<U>&) noexcept {}
 
-  // NOLINTBEGIN(readability-identifier-naming): what allocators are asked for
+  // NOLINTBEGIN(readability-identifier-naming): the names that an allocator must have
   [[nodiscard]] T* allocate(std::size_t count) {
     if constexpr (isOverAligned) return std::allocator<T>().allocate(count);
     return static_cast<T*>(TakeEventMemory(count * sizeof(T)));
