@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the registrar: constructors by name and by category, the attached providers, and
+// the root provider. Constructors, sources and providers that it calls may register, unregister or
+// end one another, so each walk goes over a copy or looks for its next step anew.
+
 #include "DataBinding/registrar/DataSourceRegistrar.h"
 
 #include <algorithm>
@@ -48,8 +52,8 @@ void DataSourceRegistrar::RegisterDataSource(IDataSourceConstructor* constructor
 }
 
 /// Puts a constructor where it wants to be in each of its categories. All that takes memory comes
-/// first, so that without any the constructor is in none of them; GetPlacement is asked afterwards,
-/// since it may register others, which belong into the same lists.
+/// first, so that without memory the constructor is in none of them. GetPlacement is asked
+/// afterwards, since it may register other constructors, which belong into the same lists.
 void DataSourceRegistrar::List(IDataSourceConstructor* constructor) {
   std::vector<ConstructorList*> lists;
   ConstructorList places;
@@ -64,7 +68,8 @@ void DataSourceRegistrar::List(IDataSourceConstructor* constructor) {
   }
 }
 
-/// Without the memory to look up its categories, a constructor is taken off all lists.
+/// Takes a constructor off the lists of its categories. Without the memory to look these up, it
+/// takes the constructor off all lists.
 void DataSourceRegistrar::Unlist(IDataSourceConstructor* constructor) {
   try {
     for (const auto category : String::SplitView(constructor->GetCategories(), L",", false, true)) {
@@ -85,8 +90,8 @@ void DataSourceRegistrar::UnregisterDataSource(IDataSourceConstructor* construct
   // The constructor may be gone after this.
   failure.Try([&] { filed->second->OnUnregistered(); });
   constructors.erase(name);
-  // Since it is gone, this completes without memory, too: then the attached providers are walked as
-  // they stand.
+  // The constructor is gone, so the rest must complete even without memory: if there is none for a
+  // copy, the attached providers are walked as they stand.
   std::map<IDataSourceProvider*, details::WeakReference> copy;
   try {
     copy = providers;
@@ -112,7 +117,7 @@ void DataSourceRegistrar::AttachProvider(IDataSourceProvider* provider) {
   for (const auto& category : std::vector(provider->GetCategories())) {
     const ConstructorList& live = categoryConstructors[category];
     for (IDataSourceConstructor* constructor : ConstructorList(live)) {
-      // An earlier one may have ended it, or the provider.
+      // An earlier constructor may have ended this one, or the provider.
       if (!alive.IsValid()) return;
       if (std::ranges::count(live, constructor) != 0) constructor->OnProviderAttached(provider);
     }
@@ -123,7 +128,7 @@ void DataSourceRegistrar::DetachProvider(IDataSourceProvider* provider) {
   const auto attached = providers.find(provider);
   if (attached == providers.end()) return;
   const auto alive = attached->second;
-  if (!alive.IsValid()) {  // a former provider at the same address
+  if (!alive.IsValid()) {  // it belonged to a former provider at the same address
     providers.erase(attached);
     return;
   }
@@ -166,11 +171,12 @@ void DataSourceRegistrar::Shutdown() {
   EndRoot();
 }
 
-/// A source that ends with the root may shut the registrar down once more, or initialize it.
+/// Ends the root provider. A source that ends with it may shut the registrar down once more, or
+/// initialize it.
 void DataSourceRegistrar::EndRoot() {
   IDataSourceProvider* const root = rootProvider;
   IDataSourceProvider::Destroy(root);
-  // It has detached itself from the installed registrar, which may be another.
+  // The root has detached itself from the installed registrar, which may be another one.
   providers.erase(root);
   if (rootProvider == root) rootProvider = nullptr;
 }
