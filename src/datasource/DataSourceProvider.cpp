@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the scope itself: its place in the tree, how it finds or builds a source, and how
+// it ends. ProviderWiring.cpp holds how it wires listeners to its sources.
+
 #include "DataBinding/datasource/DataSourceProvider.h"
 
 #include <algorithm>
@@ -23,9 +26,10 @@ DataSourceProvider::DataSourceProvider(IDataSourceProvider* parentProvider,
     : parent(parentProvider),
       dataContext(context),
       categories(String::Split(categoryList, L',', false, true)) {
-  // Makes the registrar, if need be, so that at exit it outlives even a static provider.
+  // This makes the registrar if need be, so that at exit the registrar outlives even a static
+  // provider.
   static_cast<void>(IDataSourceRegistrar::GetInstance());
-  // Makes what this allocates, so that the end needs no memory.
+  // This allocates what references to the provider need, so that its end needs no memory.
   static_cast<void>(GetLiveness());
   if (parent != nullptr) AddChildTo(*parent, this);
 }
@@ -35,10 +39,11 @@ DataSourceProvider& DataSourceProvider::operator=(const DataSourceProvider&) = d
 
 DataSourceProvider::~DataSourceProvider() {
   calls.ends = true;
-  FirstFailure dropped;  // shutting down completes all its steps; a destructor lets nothing out
+  FirstFailure dropped;  // a shutdown completes all its steps; a destructor lets nothing out
   dropped.Try([this] { ShutDownFrom(0); });
-  // Ending a source, and what awaited the end of a change, may have added to this scope: end that,
-  // too. The number of rounds is limited, for a source whose end always builds another.
+  // Ending a source, and callbacks that awaited the end of a change, may have added to this scope;
+  // end that, too. The number of rounds is limited, because the end of a source might always build
+  // another one.
   for (int round = 0; round < 10 && HoldsAnything(); ++round) {
     dropped.Try([this] { ShutDownFrom(0); });
   }
@@ -48,7 +53,7 @@ bool DataSourceProvider::HoldsAnything() const noexcept {
   return !addedSources.empty() || !listeners.empty() || !children.empty();
 }
 
-/// A source that ends with the provider may ask for the provider's end once more.
+/// Ends the provider once. A source that ends with the provider may ask for its end once more.
 void DataSourceProvider::Destroy() {
   if (!std::exchange(calls.ends, true)) delete this;
 }
@@ -104,8 +109,9 @@ IDataSource* DataSourceProvider::FindLocal(const wchar_t* name) const {
   return found == sourcesByName.end() ? nullptr : found->second;
 }
 
-/// Nothing where the constructor refuses; null for a source that has ended, or been ended with this
-/// scope, by what awaited the end of its addition.
+/// Builds a source and adds it. Returns nothing where the constructor refuses. Returns null for a
+/// source that is gone again, because a callback that awaited the end of its addition has ended it
+/// or this scope.
 std::optional<IDataSource*> DataSourceProvider::BuildDataSource(
     const wchar_t* name, IDataSourceConstructor& constructor) {
   const Construction underWay(*this, name);
@@ -127,7 +133,7 @@ bool DataSourceProvider::CanBuild(IDataSourceConstructor* constructor) const {
   return constructor != nullptr && MatchCategory(constructor->GetCategories(), categories);
 }
 
-/// True for the name of a source that is being added and that would be built here otherwise.
+/// Returns true for the name of a source that is being added and would otherwise be built here.
 bool DataSourceProvider::IsArriving(const wchar_t* name) const {
   return std::ranges::count(calls.arriving, VtrStringView(name)) != 0 &&
          CanBuild(IDataSourceRegistrar::GetInstance().FindConstructor(name));
@@ -195,7 +201,8 @@ void DataSourceProvider::WhenConnected(OneShotCallback<void()> callback) {
   calls.awaiting.push_back(std::move(callback));
 }
 
-/// A Shutdown within another one leaves the sources to the outer one, which goes on ending them.
+/// Ends all sources that are here. A Shutdown within another one leaves the sources of the outer
+/// one to it, which goes on ending them.
 void DataSourceProvider::Shutdown() {
   ShutDownFrom(addedSources.empty() ? lastAddition + 1 : addedSources.begin()->first);
 }
@@ -206,7 +213,8 @@ void DataSourceProvider::ShutDownFrom(std::uint64_t first) {
   Change([this, first] { EndAll(first); });
 }
 
-/// Each step may end the provider, whose destructor then does what is left.
+/// Ends the sources, tells the listeners and leaves the tree. Each step may end the provider, whose
+/// destructor then does what is left.
 void DataSourceProvider::EndAll(std::uint64_t first) {
   const auto alive = GetLiveness();
   FirstFailure failure;
@@ -227,9 +235,10 @@ void DataSourceProvider::EndAll(std::uint64_t first) {
   failure.Rethrow();
 }
 
-/// They stay registered until all were told, if there is memory to tell them from a copy: a source
-/// that one of them adds connects the others. When one of them shuts the provider down again, the
-/// outer walk goes on; when one of them ends the provider, the destructor tells the rest.
+/// Tells the listeners that the provider ends. They stay registered until all were told, because a
+/// source that one of them adds connects the others; only where there is no memory for a copy of
+/// the list, they leave it first. When one of them shuts the provider down again, the outer walk
+/// goes on. When one of them ends the provider, the destructor tells the rest.
 void DataSourceProvider::TellListenersOfTheEnd() {
   if (calls.tellsItsEnd && !calls.ends) return;
   try {
@@ -249,7 +258,7 @@ void DataSourceProvider::TellListenersOfTheEnd() {
   failure.Rethrow();
 }
 
-/// Nobody is called who might end the provider.
+/// Leaves the tree. This calls no code that might end the provider.
 void DataSourceProvider::LeaveTree() {
   listeners.clear();
   waiting.clear();

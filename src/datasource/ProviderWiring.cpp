@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// How a provider wires listeners to sources: sources come and go, listeners wait for them by name.
+// This file holds how a provider wires listeners to sources: sources come and go, and listeners
+// wait for them by name. A listener or a source that is called may end itself, another one or the
+// provider, so a walk looks for its next step anew after each call.
 
 #include <cassert>
 #include <utility>
@@ -32,7 +34,7 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
       failure.Try([&] { ConnectWaiting(key, source); });
     }
     sourcesByName.merge(filing);
-    // Listeners may have made this scope build others, which are added before it.
+    // Listeners may have made this scope build other sources, which are added before this one.
     auto numbered = addition.extract(addition.begin());
     numbered.key() = wayBack.begin()->second = ++lastAddition;
     addedSources.insert(std::move(numbered));
@@ -64,8 +66,8 @@ void DataSourceProvider::RemoveDataSource(IDataSource* source) {
   if (filed != sourcesByName.end()) LetGo(VtrString(filed->first), source, false);
 }
 
-/// Disconnects the listeners, takes a source off and, if it is to end, ends it. The name, which may
-/// be the source's own, is the caller's copy.
+/// Disconnects the listeners, takes a source off and, if it is to end, ends it. The caller passes a
+/// copy of the name, since the text may belong to the source.
 void DataSourceProvider::LetGo(const VtrString& name, IDataSource* source, bool ends) {
   Change([&] {
     FirstFailure failure;
@@ -97,8 +99,8 @@ void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   });
 }
 
-/// The next living listener, in order of address, that waits for a name. Looks anew each time,
-/// since a listener may end, or end others, while it is called.
+/// Returns the next living listener, in order of address, that waits for a name. It looks anew each
+/// time, since a listener may end, or end others, while it is called.
 IDataListener* DataSourceProvider::NextWaiting(VtrStringView name, IDataListener* after) {
   for (auto found = waiting.find(name); found != waiting.end(); found = waiting.find(name)) {
     const auto next = found->second.upper_bound(after);
@@ -139,7 +141,8 @@ void DataSourceProvider::ConnectAndFile(IDataListener* listener, const std::set<
     parent->AddDataListener(listener, forwarded, false);
     if (!alive.IsValid() || !isScopeThere.IsValid()) return;
   }
-  // It was not waiting yet for what was built or added here while it was connected to others.
+  // The listener was not waiting yet for sources that were built or added here while it was being
+  // connected to others.
   if (lastAddition != before) ConnectBuilt(listener, absent, kept);
   if (alive.IsValid()) FileListener(listener, std::move(kept));
 }
@@ -149,7 +152,8 @@ void DataSourceProvider::Connect(IDataListener* listener, IDataSource* source) {
   listener->ConnectToDatasource(source);
 }
 
-/// Begins anew after each call, in which more may be built.
+/// Connects a listener to sources that have come here meanwhile. It begins anew after each call, in
+/// which more may be built.
 void DataSourceProvider::ConnectBuilt(IDataListener* listener,
                                       std::vector<const VtrString*>& absent,
                                       const std::set<VtrString>& kept) {
@@ -170,7 +174,7 @@ void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrStrin
   const auto filed = listeners.find(listener);
   if (filed != listeners.end()) {
     if (filed->second.liveness.IsValid()) return;
-    ForgetListener(listener);  // a former listener at the same address
+    ForgetListener(listener);  // it belonged to a former listener at the same address
   }
   const auto names = std::make_shared<const std::set<VtrString>>(std::move(kept));
   listeners.emplace(listener, ListenerEntry{names, listener->liveness.GetRef()});
@@ -182,7 +186,7 @@ void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrStrin
   }
 }
 
-/// Takes a listener off and gives what was known of it.
+/// Takes a listener off and returns what was known of it.
 DataSourceProvider::ListenerEntry DataSourceProvider::ForgetListener(IDataListener* listener) {
   auto entry = listeners.extract(listener);
   if (entry.empty()) return {};
@@ -195,7 +199,8 @@ DataSourceProvider::ListenerEntry DataSourceProvider::ForgetListener(IDataListen
   return std::move(entry.mapped());
 }
 
-/// A listener of the parent may end this scope.
+/// Takes a listener off the enclosing scopes first. A listener that the parent calls meanwhile may
+/// end this scope.
 void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
   const auto alive = GetLiveness();
   FirstFailure failure;
@@ -209,8 +214,9 @@ void DataSourceProvider::RemoveDataListener(IDataListener* listener) {
   failure.Rethrow();
 }
 
-/// The listener is taken off first, lest a source that it asks for meanwhile connects it again. It
-/// may end in a call. Needs no memory, since destructors of listeners come here.
+/// Takes the listener off first, so that a source that it asks for meanwhile does not connect it
+/// again, and then disconnects it. The listener may end in a call. This needs no memory, since
+/// destructors of listeners come here.
 void DataSourceProvider::DisconnectAndForget(IDataListener* listener) {
   const ListenerEntry entry = ForgetListener(listener);
   if (!entry.liveness.IsValid()) return;

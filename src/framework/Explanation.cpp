@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds the texts that tell why a bind or a listener does not show what it names, and the
+// looks into scopes, sources and the registrar that find the reason.
+
 #include "Explanation.h"
 
 #include <algorithm>
@@ -17,8 +20,8 @@ namespace {
 using State = Framework::BindStatus::State;
 using Framework::BindStatus;
 
-/// Calls visit(source, its name, its scope) for the sources that the scope and those further out
-/// own, but for those that are just going, be it without the scope's knowledge.
+/// Calls visit(source, its name, its scope) for the sources that the scope and its enclosing ones
+/// own. It skips sources that are just ending, also without the scope's knowledge.
 template <class Visitor>
 void VisitOwned(IDataSourceProvider& nearest, const Visitor& visit) {
   for (IDataSourceProvider* scope = &nearest; scope != nullptr; scope = scope->GetParent()) {
@@ -32,7 +35,7 @@ void VisitOwned(IDataSourceProvider& nearest, const Visitor& visit) {
   }
 }
 
-/// True when a scope would build the source if it were asked for it.
+/// Returns true when a scope would build the source if it were asked for it.
 bool CanBeBuilt(const VtrString& name, IDataSourceProvider& nearest) {
   auto* constructor = IDataSourceRegistrar::GetInstance().FindConstructor(name);
   if (constructor == nullptr) return false;
@@ -42,7 +45,8 @@ bool CanBeBuilt(const VtrString& name, IDataSourceProvider& nearest) {
   return scope != nullptr;
 }
 
-/// A name that differs from the wanted one in case only, of a source that is there or could be.
+/// Returns a name that differs from the wanted one in case only, and that belongs to a source that
+/// is there or could be built.
 VtrString SimilarSource(const VtrString& wanted, IDataSourceProvider& nearest) {
   VtrString similar;
   VisitOwned(nearest, [&](const auto& /*source*/, const VtrString& name, const auto& /*scope*/) {
@@ -67,7 +71,7 @@ VtrString InScope(const IDataSourceProvider* scope) {
   return name.IsEmpty() ? name : VtrString().Format(L" in scope \"%s\"", name);
 }
 
-/// Of a source that its own scope does not find by its name.
+/// Explains a source that its own scope does not find by its name.
 BindStatus Displaced(const Wish& wish, const IDataSourceProvider& scope) {
   const bool isTaken = scope.GetLocalDataSourceInstance(wish.source) != nullptr;
   return {State::Shadowed,
@@ -76,7 +80,7 @@ BindStatus Displaced(const Wish& wish, const IDataSourceProvider& scope) {
                              isTaken ? L"has its name" : L"had its name when it was added")};
 }
 
-/// Of a source that would serve, and another one that is found in its place.
+/// Explains a source that would serve, but is hidden by another one that is found in its place.
 BindStatus Hidden(const Wish& wish, const IDataSourceProvider& scope, IDataSourceProvider& nearest,
                   const IDataSource& found) {
   const IDataSourceProvider* nearer = &nearest;
@@ -103,7 +107,7 @@ BindStatus NoSuchProperty(const Wish& wish, IDataSource& source) {
           ReflectionAccess::Explain(PropertyError::Absent, &source, wish.property, *wish.plain)};
 }
 
-/// Whether this source has the property, without regard to other sources.
+/// Tells whether this source has the property, without regard to other sources.
 BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
   const auto found = ReflectionAccess::Find(&source, wish.property, *wish.plain, *wish.readOnly);
   const auto explain = [&](PropertyError error) {
