@@ -1,2 +1,2 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Runs the benchmarks and reports them: goals.py and sweeps.py say what is compared with what."""
+"""Runs the benchmarks and reports them: goals.py and sweeps.py name the things that are compared."""

@@ -5,8 +5,8 @@ from typing import NamedTuple
 
 
 class Row(NamedTuple):
-    """A workload: our benchmark, others by the label that they have in the table, and the goal:
-    the label that ours is compared with and the largest ratio."""
+    """A workload: our benchmark, the others with their labels in the table, and the goal, which is the
+    label of the one that ours is compared with and the largest ratio."""
     workload: str
     ours: str
     others: dict = {}
@@ -51,7 +51,7 @@ def lookup(workload, kind, others, goal):
 
 
 def register(workload, kind, many, few, most):
-    """Two rows: beside many listeners against Boost, and against ours beside few."""
+    """Two rows: ours beside many listeners against Boost, and against ours beside few listeners."""
     name = f"register/{kind}"
     others = {"Boost in a map": f"{name}/boostmap/{many}", "naive": f"{name}/naive/{many}"}
     return [Row(workload, f"{name}/ours/{many}", others, ("Boost in a map", most)),
@@ -131,7 +131,7 @@ GOALS = [
 
 
 def available(row, there):
-    """The row without the peers that are not there; None where nothing is left to compare with."""
+    """The row without peers that are not installed; None if no peer is left to compare with."""
     if row.ours not in there:
         return None
     if not isinstance(row, Row):

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Runs the executable of the benchmarks and keeps what it measures."""
+"""Runs the executable of the benchmarks and keeps its measurements."""
 
 import itertools
 import json
@@ -15,15 +15,15 @@ class Fault(Exception):
 
 
 def available(binary):
-    """What the executable was built with: some peers may not be installed."""
+    """The names of the benchmarks in the executable, since some peers may not be installed."""
     listed = subprocess.run([binary, "--benchmark_list_tests"], stdout=subprocess.PIPE, text=True,
                             check=True)
     return set(listed.stdout.split())
 
 
-# Groups whose one repetition takes long, and says much.
+# Groups that need fewer repetitions, because one takes long and is exact.
 FEWER = {"growth": 2, "producers": 2}
-# GLib keeps small blocks that it no longer uses, which the account of memory would miss.
+# Has GLib free small blocks that it no longer uses, since they would spoil the count of memory.
 ENVIRONMENT = {"memory": {"G_SLICE": "always-malloc"}}
 
 
@@ -42,13 +42,13 @@ def run_group(binary, names, repetitions, min_time):
 
 
 def groups(names):
-    """Names by their first part. Each group has a process, and so a heap, of its own."""
+    """Groups names by their first part. Each group runs in a process, and so on a heap, of its own."""
     return [list(group) for _, group in itertools.groupby(sorted(names),
                                                           lambda name: name.split("/")[0])]
 
 
 def run(binary, names, runs, repetitions, min_time):
-    """Runs every group so many times: the measurements, and what the executable says of itself."""
+    """Runs every group as many times. Gives the measurements and the executable's own data."""
     entries, context = [], {}
     for number in range(runs):
         for group in groups(names):

@@ -69,7 +69,7 @@ the growth of the time over that of the depth.
 
 
 def machine(context):
-    """What the measurements depend on."""
+    """Names the machine and the versions on which the measurements depend."""
     model = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text(encoding="utf-8"))
     system = re.search(r'PRETTY_NAME="(.*)"', Path("/etc/os-release").read_text(encoding="utf-8"))
     caches = ", ".join(f"L{cache['level']} {cache['type'].lower()} {cache['size'] // 1024} KiB"
@@ -117,7 +117,7 @@ def section(sweep, results, folder):
 
 
 def notes():
-    """What each peer does otherwise than the library, or leaves out."""
+    """Says what each peer does differently from the library, or leaves out."""
     families = {"Announcing": peers.SIGNALS_OF, "Properties": peers.PROPERTIES,
                 "Finding sources": peers.SOURCES, "Binds": peers.BINDS, "Events": peers.EVENTS}
     lines = [[title if first else "", peer.label, peer.note]
@@ -136,7 +136,7 @@ def ahead_text(results):
 
 
 def write(page, goals, results, measured):
-    """The page, and a plot beside it for each sweep."""
+    """Writes the page, and beside it a plot for each sweep."""
     folder = page.parent / page.stem
     folder.mkdir(exist_ok=True)
     facts = HEAD.format(facts=machine(measured["context"]), **measured["effort"])

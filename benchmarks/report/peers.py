@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""What is measured beside the library: how each peer is called, drawn and to be understood."""
+"""The peers that are measured beside the library: their names, their lines in plots, and notes."""
 
 from typing import NamedTuple
 
@@ -10,11 +10,11 @@ class Peer(NamedTuple):
     label: str
     safe: str      # whether threads may announce, or raise, at the same time
     colour: str
-    note: str      # what it does otherwise than the library, or leaves out
+    note: str      # what it does differently from the library, or leaves out
 
     @property
     def is_rival(self):
-        """Whether the library is to be ahead of it: it is safe in the use of threads."""
+        """True for a peer that is safe in the use of threads; the library is to be ahead of it."""
         return self.safe in (YES, SIGNALS)
 
 

@@ -68,7 +68,7 @@ def quantity(value, unit):
 
 
 def spread_out(wanted, step, low, high):
-    """Places as near as can be to those wanted, in their order, at least a step apart."""
+    """Places as near as possible to the wanted ones, in their order, at least a step apart."""
     order = sorted(range(len(wanted)), key=lambda i: wanted[i])
     places = dict(zip(order, (wanted[i] for i in order)))
     for _ in range(200):

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Why a peer that is safe in the use of threads is ahead, where it is, as a profile shows it.
+"""The reasons why a peer that is safe in the use of threads is ahead, as a profile shows them.
 
-By the sweep's slug and the peer; a peer of None stands for all others of the sweep.
+The key is the sweep's slug and the peer; the peer None stands for all others of the sweep.
 """
 
 NAME_AND_GUARD = (

@@ -9,7 +9,7 @@ THREADED = "min_time:0.100/real_time/threads:{}"
 
 
 class Sweep(NamedTuple):
-    """`pattern` gives the benchmark of a {peer} at a {point}. Those of `counter` are not timed."""
+    """`pattern` gives the benchmark of a {peer} at a {point}. A `counter` is read instead of the time."""
     slug: str
     title: str
     text: str
@@ -27,7 +27,7 @@ class Sweep(NamedTuple):
         return [self.benchmark(peer, point) for peer in self.peers for point in self.points]
 
     def value(self, results, peer, point):
-        """The median, in nanoseconds or of the counter; None where the peer is not measured."""
+        """The median, in nanoseconds or of the counter; None if the peer was not measured."""
         name = self.benchmark(peer, point)
         if name not in results:
             return None
@@ -126,7 +126,7 @@ SWEEPS = DATA + EVENTS + MEMORY
 
 
 class Growth(NamedTuple):
-    """A step of one provider for N elements; `hashmap` is what memory makes of a map's."""
+    """A step of one provider for N elements; `hashmap` is the same step of a map."""
     title: str
     ours: str
     hashmap: str = None

@@ -83,8 +83,8 @@ def rivals(of, results):
 
 
 def lead(of, results, name):
-    """The points at which a peer takes less than the library, and how many times as much that
-    takes."""
+    """The points at which a peer takes less than the library, and how many times as much the library
+    takes there."""
     ours = next(iter(of.peers))
     values = [(point, of.value(results, ours, point), of.value(results, name, point))
               for point in of.points]
@@ -105,7 +105,7 @@ def ahead(sweeps, results):
 
 
 def growth(rows, results, ideal):
-    """Time of one element at each point, and the growth over what is ideal for that many."""
+    """The time of one element at each point, and its growth beyond the ideal growth."""
     lines = []
     for row in rows:
         for label, pattern in zip((row.title, "the same with a hash map"), row.patterns()):
