@@ -6,6 +6,8 @@
 - A public header includes public headers and the C++ standard library.
 - A source or private header includes public headers and the private headers of its own folder.
 - Tests, examples and benchmarks see the public headers only, without those in details/ folders.
+- Tests include the headers that they use, so that a change of one header rebuilds few of them; the
+  header of everything is for tests/consumer, which stands for a stranger's program.
 - The header of everything includes each public header that is not in a details/ folder.
 - The include graph has no circle.
 """
@@ -17,7 +19,8 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 PUBLIC = ROOT / "include" / "DataBinding"
 PRIVATE = ROOT / "src"
-USERS = ("tests", "stress", "fuzz", "examples", "benchmarks")
+TESTS = ("tests", "stress", "fuzz")
+USERS = (*TESTS, "examples", "benchmarks")
 
 # What a subsystem may include beside itself and the headers of COMMON.
 ALLOWED = {
@@ -122,6 +125,9 @@ def check_include(file, quote, name, target):
         check_layer(file, target)
     elif "details" in target.parts:
         report(file, f"{name} is a detail of the library's public headers")
+    elif target == PUBLIC / UMBRELLA and file.relative_to(ROOT).parts[0] in TESTS:
+        if "consumer" not in file.parts:
+            report(file, f"includes {UMBRELLA}: a test includes the headers that it uses")
 
 
 def check_circles(graph):

@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/foundation/String.h"
 
 namespace Fuzz {
 

@@ -3,6 +3,11 @@
 /// which are matched with those of the next line.
 #include <set>
 
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/foundation/StringSplit.h"
+#include "DataBinding/property/Property.h"
 #include "Fuzz.h"
 
 namespace Fuzz {

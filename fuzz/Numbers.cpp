@@ -6,6 +6,7 @@
 #include <limits>
 #include <regex>
 
+#include "DataBinding/framework/TextConverter.h"
 #include "Fuzz.h"
 
 namespace Fuzz {

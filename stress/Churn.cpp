@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <chrono>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/appevents/AppEvent.h"
+#include "DataBinding/appevents/IdlePass.h"
+#include "DataBinding/datasource/DataListener.h"
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/property/Property.h"
 #include "Machine.h"
 #include "Subjects.h"
 

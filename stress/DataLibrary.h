@@ -8,7 +8,14 @@
 #include <set>
 
 #include "Data.h"
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/datasource/DataListener.h"
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/property/Property.h"
+#include "DataBinding/property/PropertyAccess.h"
+#include "DataBinding/registrar/DataSourceRegistrar.h"
+#include "DataBinding/registrar/IDataSourceConstructor.h"
 
 namespace DataBinding::Stress {
 

@@ -5,7 +5,11 @@
 #include <chrono>
 #include <memory>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/appevents/AppEvent.h"
+#include "DataBinding/appevents/AppEventListener.h"
+#include "DataBinding/appevents/EventHold.h"
+#include "DataBinding/appevents/IdlePass.h"
+#include "DataBinding/appevents/WAppEventRegistrar.h"
 #include "Events.h"
 
 namespace DataBinding::Stress {

@@ -6,7 +6,13 @@
 #include <algorithm>
 #include <memory>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/framework/DataBind.h"
+#include "DataBinding/framework/TwoWay.h"
+#include "DataBinding/property/Property.h"
+#include "DataBinding/property/PropertyBatch.h"
 #include "Properties.h"
 
 namespace DataBinding::Stress {

@@ -5,7 +5,8 @@
 #include <random>
 #include <thread>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/appevents/AppEvent.h"
+#include "DataBinding/appevents/IdlePass.h"
 #include "Subjects.h"
 
 namespace DataBinding::Stress {

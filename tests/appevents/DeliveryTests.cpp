@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/appevents/EventHold.h"
+#include "DataBinding/foundation/BindWeak.h"
 #include "Events.h"
 
 namespace DataBinding::Testing {

@@ -14,7 +14,12 @@
 
 #include <gtest/gtest.h>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/appevents/AppEvent.h"
+#include "DataBinding/appevents/IAppEventBroadcaster.h"
+#include "DataBinding/appevents/UpdatePolicy.h"
+#include "DataBinding/appevents/WAppEventRegistrar.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
 
 namespace DataBinding::Testing {
 

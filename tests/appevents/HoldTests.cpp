@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/appevents/EventHold.h"
 #include "Events.h"
 
 namespace DataBinding::Testing {

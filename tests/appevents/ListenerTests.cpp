@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "DataBinding/appevents/AppEventListener.h"
+#include "DataBinding/appevents/AppEventMapEntry.h"
 #include "Events.h"
 
 namespace DataBinding::Testing {

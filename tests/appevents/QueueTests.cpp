@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <unordered_map>
 
+#include "DataBinding/appevents/ThreadingPolicy.h"
 #include "Events.h"
 
 namespace DataBinding::Testing {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <optional>
 
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/property/DataSourceConstructor.h"
+#include "DataBinding/property/Property.h"
 #include "Shared.h"
 
 namespace Boundary {

@@ -4,6 +4,10 @@
 #include <memory>
 #include <stdexcept>
 
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/property/DataSourceConstructor.h"
+#include "DataBinding/property/Property.h"
+
 namespace Boundary {
 
 using namespace DataBinding;

@@ -2,6 +2,7 @@
 #include <exception>
 #include <memory>
 
+#include "DataBinding/appevents/AppEventListener.h"
 #include "Plugin.h"
 
 namespace Boundary {

@@ -1,4 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/appevents/AppEventListener.h"
+#include "DataBinding/appevents/EventHold.h"
+#include "DataBinding/datasource/DataListener.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/property/DataSourceConstructor.h"
+#include "DataBinding/property/Property.h"
 #include "Shared.h"
 
 namespace Boundary {

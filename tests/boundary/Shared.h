@@ -8,10 +8,11 @@
 
 #include <string>
 
-#include <DataBinding/DataBinding.h>
 #include <DataBinding/appevents/AppEvent.h>
-#include <DataBinding/appevents/AppEventListener.h>
 #include <DataBinding/appevents/WAppEventRegistrar.h>
+#include <DataBinding/datasource/IDataSourceProvider.h>
+#include <DataBinding/foundation/Singleton.h>
+#include <DataBinding/property/PropertyAccess.h>
 
 #if defined(_WIN32) && defined(BOUNDARY_BUILD)
 #define BOUNDARY_API __declspec(dllexport)

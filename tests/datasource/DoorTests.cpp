@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../support/Scopes.h"
+#include "DataBinding/property/Property.h"
 
 namespace DataBinding::Testing {
 namespace {

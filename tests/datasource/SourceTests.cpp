@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../support/Scopes.h"
+#include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBinding/property/Property.h"
+#include "DataBinding/property/PropertyAccess.h"
 
 namespace DataBinding::Testing {
 namespace {

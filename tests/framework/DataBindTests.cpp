@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/framework/DataBind.h"
+
 #include <algorithm>
 #include <array>
 #include <vector>
 
+#include "DataBinding/framework/Diagnose.h"
+#include "DataBinding/framework/EventBind.h"
 #include "Gauge.h"
 
 namespace DataBinding::Testing {

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/framework/EventBind.h"
+
 #include <array>
 #include <functional>
 #include <memory>
 #include <vector>
 
+#include "DataBinding/appevents/IdlePass.h"
+#include "DataBinding/framework/DataBind.h"
+#include "DataBinding/framework/Diagnose.h"
 #include "Gauge.h"
 
 namespace DataBinding {

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "../support/Scopes.h"
+#include "DataBinding/framework/IDataBind.h"
+#include "DataBinding/property/Property.h"
 
 namespace DataBinding::Testing {
 

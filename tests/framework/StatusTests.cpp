@@ -3,6 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "DataBinding/datasource/DataListener.h"
+#include "DataBinding/framework/DataBind.h"
+#include "DataBinding/framework/Diagnose.h"
+#include "DataBinding/framework/EventBind.h"
 #include "Gauge.h"
 
 namespace DataBinding::Testing {

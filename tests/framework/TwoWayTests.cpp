@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/framework/TwoWay.h"
+
 #include <array>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/framework/DataBind.h"
 #include "Gauge.h"
 
 namespace DataBinding::Testing {

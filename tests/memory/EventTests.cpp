@@ -3,6 +3,12 @@
 
 #include "../appevents/Events.h"
 #include "Attempts.h"
+#include "DataBinding/appevents/AppEventListener.h"
+#include "DataBinding/appevents/EventHold.h"
+#include "DataBinding/appevents/IdlePass.h"
+#include "DataBinding/foundation/Singleton.h"
+#include "DataBinding/foundation/StringSplit.h"
+#include "DataBinding/framework/TextConverter.h"
 
 namespace DataBinding::Testing {
 namespace {

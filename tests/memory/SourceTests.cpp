@@ -4,6 +4,14 @@
 
 #include "../support/Scopes.h"
 #include "Attempts.h"
+#include "DataBinding/datasource/DataListener.h"
+#include "DataBinding/framework/DataBind.h"
+#include "DataBinding/framework/Diagnose.h"
+#include "DataBinding/framework/TwoWay.h"
+#include "DataBinding/property/DataSourceConstructor.h"
+#include "DataBinding/property/Property.h"
+#include "DataBinding/property/PropertyAccess.h"
+#include "DataBinding/property/PropertyBatch.h"
 
 namespace DataBinding::Testing {
 namespace {

@@ -5,7 +5,11 @@
 
 #include <gtest/gtest.h>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/property/DelegateAccess.h"
+#include "DataBinding/property/Property.h"
 
 namespace DataBinding {
 namespace {

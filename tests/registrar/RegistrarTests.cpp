@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../support/Scopes.h"
+#include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBinding/property/DataSourceConstructor.h"
 
 namespace DataBinding::Testing {
 namespace {

@@ -12,7 +12,12 @@
 
 #include <gtest/gtest.h>
 
-#include "DataBinding/DataBinding.h"
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/IDataListener.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/registrar/DataSourceRegistrar.h"
+#include "DataBinding/registrar/IDataSourceConstructor.h"
 
 namespace DataBinding::Testing {
 

@@ -6,7 +6,9 @@
 #include <variant>
 #include <vector>
 
-#include <DataBinding/DataBinding.h>
+#include <DataBinding/appevents/IAppEventBroadcaster.h>
+#include <DataBinding/property/PropertyAccess.h>
+#include <DataBinding/registrar/IDataSourceRegistrar.h>
 #include <gtest/gtest.h>
 
 #include "../../examples/sysmon/common/Limits.h"
