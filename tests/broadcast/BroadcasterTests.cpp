@@ -27,7 +27,7 @@ TEST(Broadcaster, AnnouncementRunsListenersOfExactlyOneName) {
 TEST(Broadcaster, NullCallbackIsCountedThoughItIsSkipped) {
   Notifier notifier;
   const auto before = notifier.Log('1');
-  const auto null = notifier.Register(nullptr, L"A");
+  const auto null = notifier.Listen(nullptr);
   const auto after = notifier.Log('2');
 
   EXPECT_EQ(notifier.GetNumRegistered(L"A"), 3u);
@@ -58,9 +58,9 @@ TEST(Broadcaster, AllOfManyListenersCancelledWithinOneBroadcastAreReleased) {
   Notifier notifier;
   const auto held = std::make_shared<int>();
   std::vector<Subscription> many;
-  const auto canceller = notifier.Register([&] { many.clear(); }, L"A");
+  const auto canceller = notifier.Listen([&] { many.clear(); });
 
-  for (int i = 0; i < 40; ++i) many.push_back(notifier.Register([held] {}, L"A"));
+  for (int i = 0; i < 40; ++i) many.push_back(notifier.Listen([held] {}));
   notifier.UpdateListeners(L"A");
 
   EXPECT_EQ(held.use_count(), 1);
@@ -70,12 +70,10 @@ TEST(Broadcaster, NestedAnnouncementsSeeWhatIsRegisteredAtEachLevel) {
   Notifier notifier;
   Subscription cancelledAtTheBottom = notifier.Log('c');
   int depth = 0;
-  const auto nest = notifier.Register(
-      [&] {
-        if (depth == 12) cancelledAtTheBottom.Cancel();
-        if (++depth <= 13) notifier.UpdateListeners(L"A");
-      },
-      L"A");
+  const auto nest = notifier.Listen([&] {
+    if (depth == 12) cancelledAtTheBottom.Cancel();
+    if (++depth <= 13) notifier.UpdateListeners(L"A");
+  });
   const auto last = notifier.Log('l');
 
   EXPECT_EQ(notifier.Announce(), std::string(13, 'c') + std::string(14, 'l'));
@@ -86,9 +84,9 @@ TEST(Broadcaster, ListenerThatEndsTheBroadcasterLeavesTheRestOfTheListToRun) {
   auto notifier = std::make_unique<Notifier>();
   const auto held = std::make_shared<int>();
   std::string log;
-  const auto first = notifier->Register([&] { notifier.reset(); }, L"A");
-  auto second = notifier->Register([&log, held] { log += '2'; }, L"A");
-  const auto third = notifier->Register([&] { second.Cancel(), log += '3'; }, L"A");
+  const auto first = notifier->Listen([&] { notifier.reset(); });
+  auto second = notifier->Listen([&log, held] { log += '2'; });
+  const auto third = notifier->Listen([&] { second.Cancel(), log += '3'; });
 
   notifier->UpdateListeners(L"A");
 
@@ -104,7 +102,7 @@ TEST(Broadcaster, StateMayUseTheBroadcasterWhenItIsReleased) {
     inner = notifier.Log('r');
   };
   std::shared_ptr<int> state(new int(0), registers);
-  auto outer = notifier.Register([state] {}, L"A");
+  auto outer = notifier.Listen([state] {});
 
   state.reset();
   outer.Cancel();

@@ -40,8 +40,8 @@ class FaultGuard : public testing::Test {
 TEST_F(FaultGuard, ThrowingListenerIsReportedWhileTheOthersRun) {
   handlerThrows = true;
   const auto before = notifier.Log('1');
-  const auto throwing = notifier.Register([] { throw std::runtime_error("mine"); }, L"A");
-  const auto odd = notifier.Register([] { throw 42; }, L"A");
+  const auto throwing = notifier.Listen([] { throw std::runtime_error("mine"); });
+  const auto odd = notifier.Listen([] { throw 42; });
   const auto after = notifier.Log('2');
 
   for (const bool withHardware : {true, false}) {
@@ -60,7 +60,7 @@ TEST_F(FaultGuard, FaultingListenerIsSkippedEachTimeItFaults) {
   const auto& faults = AllFaults();
   std::vector<Subscription> subscriptions;
   for (const auto& [fault, code] : faults) {
-    subscriptions.push_back(notifier.Register(fault, L"A"));
+    subscriptions.push_back(notifier.Listen(fault));
     subscriptions.push_back(notifier.Log('.'));
   }
   const std::string dots(faults.size(), '.');
@@ -78,13 +78,11 @@ TEST_F(FaultGuard, FaultingListenerIsSkippedEachTimeItFaults) {
 TEST_F(FaultGuard, FaultInANestedAnnouncementStaysThere) {
   const auto inner = notifier.Register(&AccessForbiddenMemory, L"Inner");
   const auto innerLast = notifier.Log('i', L"Inner");
-  const auto outer = notifier.Register(
-      [this] {
-        notifier.UpdateListeners(L"Inner");
-        notifier.log += 'o';
-        AccessForbiddenMemory();
-      },
-      L"A");
+  const auto outer = notifier.Listen([this] {
+    notifier.UpdateListeners(L"Inner");
+    notifier.log += 'o';
+    AccessForbiddenMemory();
+  });
   const auto outerLast = notifier.Log('l');
 
   EXPECT_EQ(notifier.Announce(), "iol");
@@ -92,15 +90,13 @@ TEST_F(FaultGuard, FaultInANestedAnnouncementStaysThere) {
 }
 
 TEST_F(FaultGuard, FaultWithinACatchBlockLeavesNoCurrentExceptionBehind) {
-  const auto listener = notifier.Register(
-      [] {
-        try {
-          throw std::runtime_error("handled");
-        } catch (const std::runtime_error&) {
-          AccessForbiddenMemory();
-        }
-      },
-      L"A");
+  const auto listener = notifier.Listen([] {
+    try {
+      throw std::runtime_error("handled");
+    } catch (const std::runtime_error&) {
+      AccessForbiddenMemory();
+    }
+  });
 
   try {
     throw std::logic_error("outside");
@@ -115,20 +111,16 @@ TEST_F(FaultGuard, FaultWithinACatchBlockLeavesNoCurrentExceptionBehind) {
 
 TEST_F(FaultGuard, ThrowingListenerBehindOneThatAnOuterAnnouncementCancelledIsSkippedOnce) {
   Subscription second;
-  const auto first = notifier.Register(
-      [&] {
-        if (!second) return;
-        second.Cancel();
-        notifier.UpdateListeners(L"A");
-      },
-      L"A");
+  const auto first = notifier.Listen([&] {
+    if (!second) return;
+    second.Cancel();
+    notifier.UpdateListeners(L"A");
+  });
   second = notifier.Log('2');
-  const auto third = notifier.Register(
-      [this] {
-        notifier.log += 't';
-        throw std::runtime_error("third");
-      },
-      L"A");
+  const auto third = notifier.Listen([this] {
+    notifier.log += 't';
+    throw std::runtime_error("third");
+  });
   const auto last = notifier.Log('l');
 
   EXPECT_EQ(notifier.Announce(), "tl2tl");
@@ -137,8 +129,8 @@ TEST_F(FaultGuard, ThrowingListenerBehindOneThatAnOuterAnnouncementCancelledIsSk
 
 TEST_F(FaultGuard, FailureHandlerThatFaultsCostsNobodyElse) {
   SetListenerFailureHandler([](const ListenerFailure&) { AccessForbiddenMemory(); });
-  const auto throwing = notifier.Register([] { throw 42; }, L"A");
-  const auto faulting = notifier.Register(&AccessForbiddenMemory, L"A");
+  const auto throwing = notifier.Listen([] { throw 42; });
+  const auto faulting = notifier.Listen(&AccessForbiddenMemory);
   const auto last = notifier.Log('l');
 
   EXPECT_EQ(notifier.Announce(), "l");
@@ -153,7 +145,7 @@ TEST_F(FaultGuard, FailureHandlerMaySetAnotherWhenItEnds) {
   SetListenerFailureHandler(
       [held = std::shared_ptr<int>(new int(0), setAnother)](const ListenerFailure&) {});
   SetListenerFailureHandler(nullptr);
-  const auto throwing = notifier.Register([] { throw 42; }, L"A");
+  const auto throwing = notifier.Listen([] { throw 42; });
 
   notifier.UpdateListeners(L"A");
   EXPECT_EQ(failures.size(), 1u);
@@ -182,7 +174,7 @@ TEST_F(FaultDeath, FirstFailureThatNobodyIsToldOfIsShownByADebugBuild) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto announceTwice = [this](const RepeatingCallback<void()>& failing,
                                     const RepeatingCallback<void(const ListenerFailure&)>& none) {
-    const auto told = notifier.Register(failing, L"A");
+    const auto told = notifier.Listen(failing);
     notifier.UpdateListeners(L"A");
     SetListenerFailureHandler(none);
     notifier.UpdateListeners(L"A");
@@ -199,7 +191,7 @@ TEST_F(FaultDeath, FirstFailureThatNobodyIsToldOfIsShownByADebugBuild) {
 }
 
 TEST_F(FaultDeath, FaultsGoTheirWayWhenTheGuardIsOff) {
-  const auto listener = notifier.Register(&RunAnIllegalInstruction, L"A");
+  const auto listener = notifier.Listen(&RunAnIllegalInstruction);
   const auto switchesOff = notifier.Register(
       [this] {
         SetHardwareFaultGuard(false);

@@ -12,7 +12,7 @@ TEST(FaultGuardOfThreads, ListenerThatEndsItsThreadIsNotSwallowed) {
   Notifier notifier;
   static bool cameBack;
   cameBack = false;
-  const auto listener = notifier.Register([] { pthread_exit(nullptr); }, L"A");
+  const auto listener = notifier.Listen([] { pthread_exit(nullptr); });
   const auto run = [](void* self) -> void* {
     static_cast<Notifier*>(self)->UpdateListeners(L"A");
     cameBack = true;

@@ -30,12 +30,10 @@ TEST_F(FaultGuardOfWindows, FaultThatTheProgramMendsItselfIsNone) {
     VirtualAlloc(page, 4096, MEM_COMMIT, PAGE_READWRITE);
     return EXCEPTION_CONTINUE_EXECUTION;
   });
-  const auto listener = notifier.Register(
-      [this] {
-        *static_cast<volatile char*>(page) = 'm';
-        notifier.log += *page;
-      },
-      L"A");
+  const auto listener = notifier.Listen([this] {
+    *static_cast<volatile char*>(page) = 'm';
+    notifier.log += *page;
+  });
 
   EXPECT_EQ(notifier.Announce(), "m");
   EXPECT_TRUE(codes.empty());
@@ -44,7 +42,7 @@ TEST_F(FaultGuardOfWindows, FaultThatTheProgramMendsItselfIsNone) {
 }
 
 TEST_F(FaultGuardOfWindows, BreakpointIsLeftToTheDebugger) {
-  const auto listener = notifier.Register(&DebugBreak, L"A");
+  const auto listener = notifier.Listen(&DebugBreak);
   EXPECT_DEATH(notifier.Announce(), "");
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include <DataBinding/broadcast/IBroadcaster.h>
 
@@ -14,6 +15,13 @@ class Notifier : public IBroadcaster {
  public:
   using IBroadcaster::GetNumRegistered;
 
+  /// Registers a callback for the property "A".
+  Subscription Listen(const RepeatingCallback<void()>& callback) {
+    return Register(callback, L"A");
+  }
+  Subscription ListenOnce(OneShotCallback<void()> callback) {
+    return RegisterOnce(std::move(callback), L"A");
+  }
   /// Registers a listener that appends a mark to the log.
   Subscription Log(char mark, const wchar_t* property = L"A") {
     return Register([this, mark] { log += mark; }, property);

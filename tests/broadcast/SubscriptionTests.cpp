@@ -3,7 +3,6 @@
 #include <atomic>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,12 +21,10 @@ namespace {
 TEST(RegisterOnce, CallbackThatAnnouncesItsOwnPropertyIsCalledOnce) {
   Notifier notifier;
   int runs = 0;
-  const auto once = notifier.RegisterOnce(
-      [&, moveOnly = std::make_unique<int>(1)] {
-        runs += *moveOnly;
-        notifier.UpdateListeners(L"A");
-      },
-      L"A");
+  const auto once = notifier.ListenOnce([&, moveOnly = std::make_unique<int>(1)] {
+    runs += *moveOnly;
+    notifier.UpdateListeners(L"A");
+  });
 
   notifier.UpdateListeners(L"A");
 
@@ -94,7 +91,7 @@ class Pausing : public testing::Test {
   Notifier notifier;
   CallbackList<> list;
   Event<void()> event;
-  std::array<Subscription, 3> each{notifier.Register([this] { ++heard; }, L"A"),
+  std::array<Subscription, 3> each{notifier.Listen([this] { ++heard; }),
                                    list.Add([this] { ++heard; }),
                                    event.Subscribe([this] { ++heard; })};
 };
@@ -134,13 +131,11 @@ TEST(PauseListening, ListenerOfARunningAnnouncementIsPassedOverHoweverManyRegist
   Subscription second;
   std::vector<Subscription> added;
   std::optional<PauseListening> pause;
-  const auto first = notifier.Register(
-      [&] {
-        pause.reset();
-        for (int i = 0; i < 5; ++i) added.push_back(notifier.Log('n'));
-        if (added.size() == 5) pause.emplace(second);
-      },
-      L"A");
+  const auto first = notifier.Listen([&] {
+    pause.reset();
+    for (int i = 0; i < 5; ++i) added.push_back(notifier.Log('n'));
+    if (added.size() == 5) pause.emplace(second);
+  });
   second = notifier.Log('2');
 
   EXPECT_EQ(notifier.Announce(), "");
@@ -160,12 +155,10 @@ TEST(CancelAndWait, AnnouncementUnderWayDoesNotCallItAnyMore) {
   Notifier notifier;
   Subscription second;
   std::vector<Subscription> added;
-  const auto first = notifier.Register(
-      [&] {
-        for (int i = 0; i < 5; ++i) added.push_back(notifier.Log('n'));
-        second.CancelAndWait();
-      },
-      L"A");
+  const auto first = notifier.Listen([&] {
+    for (int i = 0; i < 5; ++i) added.push_back(notifier.Log('n'));
+    second.CancelAndWait();
+  });
   second = notifier.Log('2');
   const auto third = notifier.Log('3');
 
@@ -177,12 +170,10 @@ TEST(CancelAndWait, ReturnsInsideTheCallbackHoweverDeepItsAnnouncementsNest) {
   Subscription own;
   int depth = 0;
 
-  own = notifier.Register(
-      [&] {
-        if (++depth < 9) return notifier.UpdateListeners(L"A");
-        own.CancelAndWait();
-      },
-      L"A");
+  own = notifier.Listen([&] {
+    if (++depth < 9) return notifier.UpdateListeners(L"A");
+    own.CancelAndWait();
+  });
   notifier.UpdateListeners(L"A");
 
   EXPECT_EQ(depth, 9);
@@ -219,11 +210,10 @@ TEST_P(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {
     Notifier notifier;
     CallbackList<> list;
     Busy busy;
-    auto stays =
-        ofList ? list.Add([&] { busy.Stay(); }) : notifier.Register([&] { busy.Stay(); }, L"A");
+    auto stays = ofList ? list.Add([&] { busy.Stay(); }) : notifier.Listen([&] { busy.Stay(); });
     const std::jthread announcing([&] { ofList ? list.Call() : notifier.UpdateListeners(L"A"); });
     busy.WaitUntilInside();
-    const auto later = grows ? notifier.Register([] {}, L"A") : Subscription();
+    const auto later = grows ? notifier.Listen([] {}) : Subscription();
     const std::jthread letting([&] {
       for (int i = 0; i < 50; ++i) std::this_thread::yield();
       busy.mayLeave = true;
@@ -240,12 +230,10 @@ INSTANTIATE_TEST_SUITE_P(EachKind, CancelAndWaitOnThreads,
 TEST(CancelAndWait, WaitsAlsoWhenTheCallbackHasEndedTheBroadcaster) {
   auto notifier = std::make_unique<Notifier>();
   Busy busy;
-  auto stays = notifier->Register(
-      [&] {
-        notifier.reset();
-        busy.Stay();
-      },
-      L"A");
+  auto stays = notifier->Listen([&] {
+    notifier.reset();
+    busy.Stay();
+  });
   const std::jthread announcing([&] { notifier->UpdateListeners(L"A"); });
   busy.WaitUntilInside();
   const std::jthread letting([&] {
@@ -267,7 +255,7 @@ TEST(CancelAndWait, ReturnsInAStaticDestructorWhereACallbackHasCalledExit) {
   const auto leave = [] {
     static AtExit atExit;
     Notifier notifier;
-    atExit.subscription = notifier.Register([] { std::exit(7); }, L"A");
+    atExit.subscription = notifier.Listen([] { std::exit(7); });
     notifier.UpdateListeners(L"A");
   };
 
@@ -278,8 +266,8 @@ TEST(CancelAndWait, DoesNotWaitForAnotherCallbackOfTheProperty) {
   Notifier notifier;
   Busy busy;
   std::atomic<bool> isCalled{false};
-  const auto stays = notifier.Register([&] { busy.Stay(); }, L"A");
-  auto behind = notifier.Register([&] { isCalled = true; }, L"A");
+  const auto stays = notifier.Listen([&] { busy.Stay(); });
+  auto behind = notifier.Listen([&] { isCalled = true; });
   const std::jthread announcing([&] { notifier.UpdateListeners(L"A"); });
 
   busy.WaitUntilInside();

@@ -31,7 +31,7 @@ TEST(BroadcasterThreads, FirstUsesOnSeveralThreadsShareOneRegistry) {
     std::array<Subscription, 3> subscriptions;
     OnThreads(4, [&](int thread) {
       if (thread == 3) return notifier.UpdateListeners(L"A");
-      subscriptions[static_cast<std::size_t>(thread)] = notifier.Register([] {}, L"A");
+      subscriptions[static_cast<std::size_t>(thread)] = notifier.Listen([] {});
     });
     ASSERT_EQ(notifier.GetNumRegistered(L"A"), 3u);
   }
@@ -43,7 +43,7 @@ TEST(BroadcasterThreads, FourThreadsMayUseOneBroadcasterAtOnce) {
   const std::array<VtrString, 2> names{L"A", L"B"};
   std::atomic<int> keptRuns{0};
   std::atomic<int> released{0};
-  const auto kept = notifier.Register([&] { ++keptRuns; }, L"A");
+  const auto kept = notifier.Listen([&] { ++keptRuns; });
 
   OnThreads(4, [&](int thread) {
     std::vector<Subscription> own;
@@ -67,7 +67,7 @@ TEST(BroadcasterThreads, CancellingMayRaceWithTheEndOfTheBroadcaster) {
   for (int round = 0; round < 300; ++round) {
     auto notifier = std::make_unique<Notifier>();
     std::array<Subscription, 3> subscriptions;
-    for (auto& each : subscriptions) each = notifier->Register([] {}, L"A");
+    for (auto& each : subscriptions) each = notifier->Listen([] {});
     OnThreads(4, [&](int thread) {
       if (thread == 3) return notifier.reset();
       subscriptions[static_cast<std::size_t>(thread)].Cancel();

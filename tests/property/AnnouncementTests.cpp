@@ -95,21 +95,6 @@ TEST_F(AnnouncementTest, ManyFollowersAreToldInTheOrderOfTheirMakingButForThoseT
   EXPECT_EQ(Log(), "ABCDEJKLMNOPQRSTUVYZ");
 }
 
-TEST_F(AnnouncementTest, WhatWaitsForASourceThatEndsInItsBatchIsToldAtTheBatchsEnd) {
-  const auto only = MakeDataSource<Sum>(nullptr, right->V);
-  Watch('o', *only);
-  Watch('b', *both);
-
-  {
-    const PropertyBatch batch(*right);
-    input->V.Set(1);
-    right.reset();
-    EXPECT_EQ(Log(), "");
-  }
-
-  EXPECT_EQ(Log(), "b");
-}
-
 TEST_F(AnnouncementTest, ChangesInManyCallbacksDoNotNestWithinEachOther) {
   int depth = 0;
   int deepest = 0;

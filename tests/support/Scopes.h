@@ -93,7 +93,7 @@ class LoggedConstructor final : public IDataSourceConstructor {
   }
   const wchar_t* GetName() override { return name; }
   IDataSource* CreateDataSource(IDataSourceProvider* provider) override {
-    return refuses ? nullptr : MakeDataSource<LoggedSource>(provider, name, log).release();
+    return MakeDataSource<LoggedSource>(provider, name, log).release();
   }
   void OnProviderAttached(IDataSourceProvider* /*provider*/) override {
     log += tag + ":attached ";
@@ -108,7 +108,6 @@ class LoggedConstructor final : public IDataSourceConstructor {
   std::function<void()> onUnregistered;
   std::function<void()> onAttached;
   std::function<void()> onPlaced;
-  bool refuses = false;
 
  private:
   std::string& log;
