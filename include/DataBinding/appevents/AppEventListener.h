@@ -39,7 +39,7 @@ namespace DataBinding {
 class DATABINDING_API AppEventListener : public IAppEventListener,
                                          public SupportsWeakPtr<AppEventListener> {
  public:
-  /// Activates the listener if asked to. A listener that is not activated touches neither the
+  /// Activates the listener if asked to. A listener that is not activated makes neither the
   /// registrar nor the broadcaster.
   explicit AppEventListener(bool activate = true);
   ~AppEventListener() override;
