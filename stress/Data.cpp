@@ -5,10 +5,6 @@
 
 namespace DataBinding::Stress {
 
-bool DataAgrees(const Script& script, std::size_t every, bool talks) {
-  return Agree<DataLibrary, DataModel>(script, every, talks);
-}
-
-std::string DescribeData(std::uint32_t code) { return DataModel::Describe(code); }
+constinit const Subject dataSubject{"data", &Agree<DataLibrary, DataModel>, &DataModel::Describe};
 
 }  // namespace DataBinding::Stress

@@ -125,7 +125,7 @@ class DataLibrary : public Player<DataLibrary> {
   void ToggleRefusal(int which, int, int) { constructors[At(which)].refuses ^= true; }
   void Want(int which, int name, int property) {
     listeners[At(which)]->AddDataListener(sourceNames[name], propertyNames[property],
-                                          Callback(which));
+                                          Callback("called", which));
   }
   void SetProvider(int which, int slot, int) {
     if (slot != ending) listeners[At(which)]->SetDataSourceProvider(providers[At(slot)]);
@@ -147,7 +147,7 @@ class DataLibrary : public Player<DataLibrary> {
   void Watch(int which, int chosen, int property) {
     auto* const source = Choose(chosen);
     if (source == nullptr) return;
-    watches[At(which)] = source->Register(Callback(which), propertyNames[property]);
+    watches[At(which)] = source->Register(Callback("called", which), propertyNames[property]);
   }
   void CancelWatch(int which, int, int) { watches[At(which)].Cancel(); }
   void Announce(int chosen, int announcement, int) {
@@ -255,7 +255,6 @@ class DataLibrary : public Player<DataLibrary> {
     DataLibrary& world;
   };
 
-  static std::size_t At(int index) { return static_cast<std::size_t>(index); }
   static Guid KeyOf(int key) { return Guid{static_cast<std::uint32_t>(key % 2)}; }
   int ValueOf(const void* stored) const {
     return stored == nullptr ? 0 : static_cast<int>(static_cast<const int*>(stored) - customValues);
@@ -272,11 +271,6 @@ class DataLibrary : public Player<DataLibrary> {
   }
   IDataSource* Make(IDataSourceProvider* provider, int name) {
     return MakeDataSource<Source>(provider, *this, name).release();
-  }
-  RepeatingCallback<void()> Callback(int which) {
-    return [this, which, serial = ++lastCallback] {
-      Happen("called", which, serial, Place::Anywhere);
-    };
   }
   Source* Choose(int chosen) const {
     if (sources.empty()) return nullptr;
@@ -322,7 +316,6 @@ class DataLibrary : public Player<DataLibrary> {
   std::array<Subscription, watchCount> watches;
   int ending = -1;
   int lastSource = 0;
-  int lastCallback = 0;
 };
 
 }  // namespace DataBinding::Stress

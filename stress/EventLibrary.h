@@ -183,7 +183,6 @@ class EventLibrary : public Player<EventLibrary> {
     int id = 0;
   };
 
-  static std::size_t At(int index) { return static_cast<std::size_t>(index); }
   static IAppEventBroadcaster& Broadcaster() { return IAppEventBroadcaster::GetInstance(); }
   [[nodiscard]] const void* KeyOf(int owner) const {
     return owner == 2 ? ThisModule() : &owners[owner];

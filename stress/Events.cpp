@@ -5,10 +5,7 @@
 
 namespace DataBinding::Stress {
 
-bool EventsAgree(const Script& script, std::size_t every, bool talks) {
-  return Agree<EventLibrary, EventModel>(script, every, talks);
-}
-
-std::string DescribeEvents(std::uint32_t code) { return EventModel::Describe(code); }
+constinit const Subject eventSubject{"events", &Agree<EventLibrary, EventModel>,
+                                     &EventModel::Describe};
 
 }  // namespace DataBinding::Stress

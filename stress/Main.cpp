@@ -18,14 +18,7 @@ namespace {
 constexpr std::size_t scriptLength = 400;
 constexpr std::size_t looksEvery = 16;
 
-struct Subject {
-  const char* name;
-  bool (*agrees)(const Script& script, std::size_t every, bool talks);
-  std::string (*describe)(std::uint32_t code);
-};
-constexpr Subject subjects[] = {{"data", &DataAgrees, &DescribeData},
-                                {"properties", &PropertiesAgree, &DescribeProperties},
-                                {"events", &EventsAgree, &DescribeEvents}};
+constexpr const Subject* subjects[] = {&dataSubject, &propertySubject, &eventSubject};
 
 struct Options {
   std::optional<std::uint32_t> seed;
@@ -148,8 +141,8 @@ constexpr char usage[] =
 int Main(std::span<char*> arguments) {
   const std::string_view what = arguments.size() > 1 ? arguments[1] : "";
   const auto options = Parse(arguments.subspan(std::min<std::size_t>(arguments.size(), 2)));
-  for (const Subject& subject : subjects) {
-    if (options && what == subject.name) return Stress(subject, *options);
+  for (const Subject* subject : subjects) {
+    if (options && what == subject->name) return Stress(*subject, *options);
   }
   if (options && what == "threads") return StressThreads(*options) ? 0 : 1;
   if (options && what == "churn") return ChurnStaysFlat(options->rounds) ? 0 : 1;

@@ -7,10 +7,7 @@
 
 namespace DataBinding::Stress {
 
-bool PropertiesAgree(const Script& script, std::size_t every, bool talks) {
-  return Agree<PropertyLibrary, PropertyModel>(script, every, talks);
-}
-
-std::string DescribeProperties(std::uint32_t code) { return PropertyModel::Describe(code); }
+constinit const Subject propertySubject{"properties", &Agree<PropertyLibrary, PropertyModel>,
+                                        &PropertyModel::Describe};
 
 }  // namespace DataBinding::Stress

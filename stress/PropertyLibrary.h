@@ -153,7 +153,6 @@ class PropertyLibrary : public Player<PropertyLibrary> {
     ComputedProperty<int> d;
   };
 
-  static std::size_t At(int index) { return static_cast<std::size_t>(index); }
   [[nodiscard]] Source* Choose(int chosen) const {
     if (sources.empty()) return nullptr;
     return std::next(sources.begin(), chosen % static_cast<int>(sources.size()))->second;
@@ -161,11 +160,6 @@ class PropertyLibrary : public Player<PropertyLibrary> {
   [[nodiscard]] int Followed(int id) const {
     const auto found = sources.find(id);
     return found == sources.end() ? 0 : *found->second->b + *found->second->d;
-  }
-  RepeatingCallback<void()> Callback(std::string_view what, int which) {
-    return [this, what, which, serial = ++lastCallback] {
-      Happen(what, which, serial, Place::Anywhere);
-    };
   }
   void Answer(const SetResult& result) {
     Tell("set", result.changed ? 1 : 0, static_cast<int>(result.error));
@@ -180,7 +174,6 @@ class PropertyLibrary : public Player<PropertyLibrary> {
   std::array<int, joinCount> widgets{};
   std::array<std::unique_ptr<Joined>, joinCount> joins;
   int lastSource = 0;
-  int lastCallback = 0;
 };
 
 }  // namespace DataBinding::Stress

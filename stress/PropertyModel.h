@@ -162,11 +162,6 @@ class PropertyModel : public Player<PropertyModel> {
     if (sources.empty()) return 0;
     return std::next(sources.begin(), chosen % static_cast<int>(sources.size()))->first;
   }
-  std::function<void()> Callback(std::string_view what, int which) {
-    return [this, what, which, serial = ++lastCallback] {
-      Happen(what, which, serial, Place::Anywhere);
-    };
-  }
   void Answer(const Result& result) {
     Tell("set", result.first ? 1 : 0, static_cast<int>(result.second));
   }
@@ -373,7 +368,6 @@ class PropertyModel : public Player<PropertyModel> {
   int lastChange = 0;
   int lastSource = 0;
   int lastToken = 0;
-  int lastCallback = 0;
 };
 
 }  // namespace DataBinding::Stress

@@ -101,7 +101,16 @@ class Player {
     for (const std::uint32_t code : due.mapped()) Play(code);
   }
 
+  /// A callback that tells of itself with a number of its own.
+  auto Callback(std::string_view what, int which) {
+    return [this, what, which, serial = ++lastCallback] {
+      Happen(what, which, serial, Place::Anywhere);
+    };
+  }
+  static std::size_t At(int index) { return static_cast<std::size_t>(index); }
+
   Place place = Place::Anywhere;
+  int lastCallback = 0;
 
  private:
   static const Operation<World>& Decode(std::uint32_t code) {

@@ -95,7 +95,6 @@ class SourceModel : public Player<DataModel> {
 
   std::map<int, Source> sources;
   std::set<int> ended;  // the callbacks of listeners
-  int lastCallback = 0;
 
  private:
   std::map<int, int> watches;  // tokens

@@ -6,12 +6,15 @@
 
 namespace DataBinding::Stress {
 
-bool DataAgrees(const Script& script, std::size_t every, bool talks);
-std::string DescribeData(std::uint32_t code);
-bool PropertiesAgree(const Script& script, std::size_t every, bool talks);
-std::string DescribeProperties(std::uint32_t code);
-bool EventsAgree(const Script& script, std::size_t every, bool talks);
-std::string DescribeEvents(std::uint32_t code);
+/// What plays scripts of one kind to the library and its model, and what an operation is called.
+struct Subject {
+  const char* name;
+  bool (*agrees)(const Script& script, std::size_t every, bool talks);
+  std::string (*describe)(std::uint32_t code);
+};
+extern const Subject dataSubject;
+extern const Subject eventSubject;
+extern const Subject propertySubject;
 
 /// Raises events on several threads while this one delivers them. True if each event arrived once,
 /// in the order of its thread, and each name of replaced events with its last value.
