@@ -50,7 +50,7 @@ class OurBind : public HeatedScope {
   DataBinding::Subscription watching = bind.SubscribeToChanges([this] { shown = *bind.Get(); });
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool bindsMeasured[] = {
     MeasureBind<CallbackOfSource>("callback"),
     MeasureBind<OurBind>("ours"),
 };

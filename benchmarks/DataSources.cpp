@@ -47,7 +47,7 @@ class MapScope {
   Map sources;
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool dataSourcesMeasured[] = {
     MeasureFinding<OurScope>("ours"),
     MeasureFinding<MapScope<std::unordered_map<std::wstring, Scope*>>>("hashmap"),
     MeasureFinding<MapScope<std::map<std::wstring, Scope*>>>("treemap"),

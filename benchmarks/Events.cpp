@@ -43,7 +43,7 @@ class BoostReadings {
   boost::signals2::signal<void(const Reading&)> signal;
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool eventsMeasured[] = {
     MeasureEvents<OurEvents>("ours"),
     MeasureEvents<ClosureEvents<FunctionList>>("functions"),
     MeasureEvents<ClosureEvents<BoostReadings>>("boost"),

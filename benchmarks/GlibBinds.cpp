@@ -26,7 +26,7 @@ class GlibBinding {
   GlibNotify::Handle watching;
 };
 
-[[maybe_unused]] const bool measured = MeasureBind<GlibBinding>("glib");
+[[maybe_unused]] const bool glibBindsMeasured = MeasureBind<GlibBinding>("glib");
 
 }  // namespace
 

@@ -82,7 +82,7 @@ class Sender : public GlibObject {
   static void Hear(GObject* /*sender*/, const Reading* reading, Sum* sum) { sum->Add(*reading); }
 };
 
-[[maybe_unused]] const bool measured = [] {
+[[maybe_unused]] const bool glibEventsMeasured = [] {
   EnterQueue<GlibIdle<Single>>("glib");
   EnterDelivery<GlibIdle<Sender>>("glib");
   return true;

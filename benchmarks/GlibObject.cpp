@@ -64,7 +64,7 @@ class GlibProperty : public GlibNotify {
   }
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool glibObjectMeasured[] = {
     Mention("GLib", std::to_string(glib_major_version) + '.' + std::to_string(glib_minor_version) +
                         '.' + std::to_string(glib_micro_version)),
     MeasureSignal<GlibSignal>("glib"),

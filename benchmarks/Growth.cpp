@@ -161,7 +161,7 @@ void Listeners(benchmark::State& state) {
   }
 }
 
-[[maybe_unused]] const bool measured = [] {
+[[maybe_unused]] const bool growthMeasured = [] {
   const std::pair<const char*, void (*)(benchmark::State&)> steps[] = {
       {"add/ours", &Sources<OurSources, Step::Add>},
       {"find/ours", &Sources<OurSources, Step::Find>},

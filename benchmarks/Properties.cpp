@@ -59,7 +59,7 @@ class OurFoundProperty : public OurProperty {
       DataBinding::FindProperty<double>(source.get(), L"Target");
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool propertiesMeasured[] = {
     MeasureProperty<OurProperty>("ours"),
     MeasureProperty<OurNamedProperty>("oursnamed"),
     MeasureProperty<OurFoundProperty>("oursfound"),

@@ -53,7 +53,7 @@ class QtChildren {
   QObject parent;
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool qtBindsMeasured[] = {
     MeasureBind<QtBinding>("qtbindable"),
     MeasureBind<QtConnected>("qt"),
     MeasureFinding<QtChildren>("qt", 10'000),

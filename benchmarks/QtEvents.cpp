@@ -68,7 +68,7 @@ class QtQueued : public QtSenders<Qt::QueuedConnection> {
   void Raise(std::size_t name, const Reading& reading) { Q_EMIT senders[name].Raised(reading); }
 };
 
-[[maybe_unused]] const bool measured = [] {
+[[maybe_unused]] const bool qtEventsMeasured = [] {
   EnterQueue<QtPosted>("qt");
   EnterDelivery<QtPostedSignal>("qt");
   return MeasureEvents<QtQueued>("qtqueued");

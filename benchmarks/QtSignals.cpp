@@ -46,7 +46,7 @@ class QtDynamicProperty : public QtDynamic {
   static inline const NarrowName name{oneName};
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool qtSignalsMeasured[] = {
     Mention("Qt", qVersion()),
     MeasureSignal<QtSignal>("qt"),
     MeasureSignal<ByName<QtSignal>>("qtmap"),

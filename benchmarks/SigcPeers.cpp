@@ -23,7 +23,7 @@ class SigcReadings {
   sigc::signal<void(const Reading&)> signal;
 };
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool sigcPeersMeasured[] = {
     Mention("libsigc++", std::to_string(SIGCXX_MAJOR_VERSION) + '.' +
                              std::to_string(SIGCXX_MINOR_VERSION) + '.' +
                              std::to_string(SIGCXX_MICRO_VERSION)),

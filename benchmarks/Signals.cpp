@@ -13,7 +13,7 @@ namespace {
 
 using BoostMap = ByName<BoostSignal>;
 
-[[maybe_unused]] const bool measured[] = {
+[[maybe_unused]] const bool signalsMeasured[] = {
     Mention("Boost", BOOST_LIB_VERSION), MeasureSignal<Ours>("ours"),
     MeasureSignal<Naive>("naive"),       MeasureSignal<BoostSignal>("boost"),
     MeasureSignal<BoostMap>("boostmap"),

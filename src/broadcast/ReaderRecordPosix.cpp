@@ -10,7 +10,7 @@
 namespace DataBinding::details {
 
 namespace {
-constinit thread_local bool threadIsEnding = false;
+constinit thread_local bool readerIsEnding = false;
 }  // namespace
 
 /// Gives the record back when its thread ends. A thread that calls exit() in a callback keeps its
@@ -23,7 +23,7 @@ class ReaderRecordOwner {
   ReaderRecordOwner(const ReaderRecordOwner&) = delete;
   ReaderRecordOwner& operator=(const ReaderRecordOwner&) = delete;
   ~ReaderRecordOwner() {
-    threadIsEnding = true;
+    readerIsEnding = true;
     if (record == nullptr || record->IsPinning()) return;
     ReaderRecord::ofThread = nullptr;
     record->GiveBack();
@@ -34,7 +34,7 @@ class ReaderRecordOwner {
 };
 
 ReaderRecord* ReaderRecord::MakeCurrent() noexcept {
-  if (threadIsEnding) return nullptr;
+  if (readerIsEnding) return nullptr;
   static thread_local ReaderRecordOwner owner;
   return ofThread;
 }

@@ -29,14 +29,14 @@ class BindStates : public BindTest {
   LoggedConstructor foreign{log, "foreign", L"Foreign", L"Elsewhere"};
 };
 
-struct Case {
+struct StatusCase {
   const wchar_t *context, *source, *property;
   State state;
   const wchar_t* text;
 };
 
-const std::vector<Case>& Cases() {
-  static const std::vector<Case> cases{
+const std::vector<StatusCase>& Cases() {
+  static const std::vector<StatusCase> cases{
       {L"", L"Gauge", L"Level", State::Connected, L""},
       {L"", L"Gauge", L"Limit", State::ReadOnly,
        L"Property \"Limit\" of data source \"Gauge\" can be read, but only its data source sets "
@@ -71,7 +71,7 @@ const std::vector<Case>& Cases() {
 }
 
 TEST_F(BindStates, TellWhyABindShowsNothing) {
-  for (const Case& each : Cases()) {
+  for (const StatusCase& each : Cases()) {
     const DataBind<int> bind(child.get(), each.context, each.source, each.property);
     const auto status = bind.Status();
     EXPECT_EQ(status.state, each.state) << each.text;
