@@ -10,6 +10,7 @@
 #include "DataBinding/datasource/IDataSource.h"
 #include "DataBinding/datasource/IDataSourceProvider.h"
 #include "DataBinding/datasource/ScopedListener.h"
+#include "DataBinding/datasource/details/ListenerReport.h"
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
 #include "KeptName.h"
@@ -20,6 +21,7 @@ IDataListener::IDataListener() noexcept = default;
 IDataListener::IDataListener(const IDataListener&) noexcept = default;
 IDataListener& IDataListener::operator=(const IDataListener&) noexcept = default;
 IDataListener::~IDataListener() = default;
+void IDataListener::ReportTo(details::ListenerReport& /*report*/) const {}
 
 class DataListener::EntryLife : public SupportsWeakPtr<EntryLife> {};
 
@@ -69,7 +71,7 @@ void DataListener::AddDataListener(const VtrString& dataSourceName, const VtrStr
 }
 
 void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
-  const auto alive = liveness.GetRef();
+  const auto alive = GetLiveness();
   OnDataSourceProviderChanging(newProvider);
   if (!alive.IsValid()) return;
   SetProvider(newProvider);
@@ -77,6 +79,13 @@ void DataListener::SetDataSourceProvider(IDataSourceProvider* newProvider) {
   std::set<VtrString> names;
   for (const auto& entry : listenerEntries) names.insert(entry.dataSourceName);
   newProvider->AddDataListener(this, names, true);
+}
+
+void DataListener::ReportTo(details::ListenerReport& report) const {
+  if (GetDataSourceProvider() != &report.Scope()) return;
+  for (const auto& entry : listenerEntries) {
+    report.AddEntry(entry.dataSourceName, entry.propertyName, bool{entry.subscription});
+  }
 }
 
 void DataListener::ConnectToDatasource(IDataSource* source) {

@@ -15,6 +15,7 @@
 #include "DataBinding/datasource/IDataSource.h"
 #include "DataBinding/foundation/StringSplit.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
+#include "DataBinding/foundation/details/VisitInOrder.h"
 #include "DataBinding/registrar/IDataSourceConstructor.h"
 #include "DataBinding/registrar/IDataSourceRegistrar.h"
 #include "ProviderCalls.h"
@@ -267,6 +268,33 @@ void DataSourceProvider::LeaveTree() {
   for (IDataSourceProvider* child : std::exchange(children, {})) SetParentOf(*child, parent);
   children.clear();
   shutDown = true;
+}
+
+void DataSourceProvider::VisitDataSources(const std::function<void(IDataSource&)>& visit) const {
+  const auto alive = GetLiveness();
+  VisitInOrder(addedSources, [&, last = lastAddition](std::uint64_t number, IDataSource* source) {
+    if (number > last) return false;
+    if (source != calls.leaving) visit(*source);
+    return alive.IsValid();
+  });
+}
+
+void DataSourceProvider::VisitChildren(
+    const std::function<void(IDataSourceProvider&)>& visit) const {
+  const auto alive = GetLiveness();
+  for (IDataSourceProvider* child : std::set(children)) {
+    if (children.contains(child)) visit(*child);
+    if (!alive.IsValid()) return;
+  }
+}
+
+void DataSourceProvider::VisitDataListeners(
+    const std::function<void(IDataListener&)>& visit) const {
+  const auto alive = GetLiveness();
+  VisitInOrder(listeners, [&](IDataListener* listener, const ListenerEntry& entry) {
+    if (entry.liveness.IsValid()) visit(*listener);
+    return alive.IsValid();
+  });
 }
 
 }  // namespace DataBinding

@@ -13,6 +13,13 @@ bool IDataSourceProvider::IsConnecting() const { return false; }
 
 void IDataSourceProvider::WhenConnected(OneShotCallback<void()> callback) { callback(); }
 
+void IDataSourceProvider::VisitDataSources(
+    const std::function<void(IDataSource&)>& /*visit*/) const {}
+void IDataSourceProvider::VisitChildren(
+    const std::function<void(IDataSourceProvider&)>& /*visit*/) const {}
+void IDataSourceProvider::VisitDataListeners(
+    const std::function<void(IDataListener&)>& /*visit*/) const {}
+
 // The values that are attached to a provider are no part of its state, so a proxy may set them on a
 // const provider.
 CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {

@@ -6,7 +6,7 @@
 
 #include <utility>
 
-#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/IDataSourceProvider.h"
 
 namespace DataBinding {
 
@@ -22,7 +22,7 @@ void TellScope(IDataSource* source, IDataSourceProvider* scope) {
 /// told it of another one since.
 bool HasMoved(IDataSource* source, const IDataSourceProvider* from) {
   const auto* told = dynamic_cast<const DataSourceImpl*>(source);
-  return told != nullptr && details::DataSourceAccess::Provider(*told) != from;
+  return told != nullptr && told->GetDataSourceProvider() != from;
 }
 
 /// Returns true when the scope holds the source. It also holds sources that it does not find by
@@ -30,9 +30,7 @@ bool HasMoved(IDataSource* source, const IDataSourceProvider* from) {
 bool IsHeld(const IDataSourceProvider& scope, IDataSource* source) {
   if (scope.GetLocalDataSourceInstance(source->GetDataSourceName()) == source) return true;
   bool isFound = false;
-  if (const auto* provider = dynamic_cast<const DataSourceProvider*>(&scope)) {
-    provider->VisitDataSources([&](IDataSource& held) { isFound = isFound || &held == source; });
-  }
+  scope.VisitDataSources([&](IDataSource& held) { isFound = isFound || &held == source; });
   return isFound;
 }
 

@@ -121,7 +121,7 @@ void DataSourceProvider::AddDataListener(IDataListener* listener, const std::set
 
 void DataSourceProvider::ConnectAndFile(IDataListener* listener, const std::set<VtrString>& names,
                                         bool keepUnresolved) {
-  const auto alive = listener->liveness.GetRef();
+  const auto alive = listener->GetLiveness();
   const auto isScopeThere = GetLiveness();
   const std::uint64_t before = lastAddition;
   std::set<VtrString> kept;
@@ -157,7 +157,7 @@ void DataSourceProvider::Connect(IDataListener* listener, IDataSource* source) {
 void DataSourceProvider::ConnectBuilt(IDataListener* listener,
                                       std::vector<const VtrString*>& absent,
                                       const std::set<VtrString>& kept) {
-  const auto alive = listener->liveness.GetRef();
+  const auto alive = listener->GetLiveness();
   for (auto next = absent.begin(); alive.IsValid() && next != absent.end();) {
     IDataSource* built = kept.contains(**next) ? GetLocalDataSourceInstance(**next) : nullptr;
     if (built == nullptr) {
@@ -177,7 +177,7 @@ void DataSourceProvider::FileListener(IDataListener* listener, std::set<VtrStrin
     ForgetListener(listener);  // it belonged to a former listener at the same address
   }
   const auto names = std::make_shared<const std::set<VtrString>>(std::move(kept));
-  listeners.emplace(listener, ListenerEntry{names, listener->liveness.GetRef()});
+  listeners.emplace(listener, ListenerEntry{names, listener->GetLiveness()});
   try {
     for (const auto& name : *names) waiting[name].insert(listener);
   } catch (...) {

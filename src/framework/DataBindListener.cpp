@@ -7,6 +7,7 @@
 #include <set>
 
 #include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/datasource/details/ListenerReport.h"
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/framework/DataBind.h"
 #include "Explanation.h"
@@ -61,6 +62,11 @@ void DataBindListener::DisconnectFromDatasource(IDataSource* going) {
 
 void DataBindListener::NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) {
   if (isListening) connection.CutAt(*this);
+}
+
+void DataBindListener::ReportTo(ListenerReport& report) const {
+  if (connection.Provider() != &report.Scope()) return;
+  report.AddBind(connection.SourceName(), connection.PropertyName(), connection.Status());
 }
 
 void DataBindListener::Know(IDataSource* newSource) {

@@ -35,11 +35,12 @@ class DataBindListener final : public IDataListener, public SupportsWeakPtr<Data
     return scopeLiveness.IsValid() ? scope : nullptr;
   }
   [[nodiscard]] bool HasCategory(const VtrString& category) const;
-  [[nodiscard]] const BindConnection& Connection() const noexcept { return connection; }
 
   void ConnectToDatasource(IDataSource* added) override;
   void DisconnectFromDatasource(IDataSource* going) override;
   void NotifyDatasourceProviderDestroyed(IDataSourceProvider* provider) override;
+  /// Reports the bind to the scope that the bind was given.
+  void ReportTo(ListenerReport& report) const override;
 
  private:
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}

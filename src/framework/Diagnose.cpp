@@ -6,53 +6,33 @@
 #include <tuple>
 #include <utility>
 
-#include "DataBindListener.h"
-#include "DataBinding/datasource/DataListener.h"
-#include "DataBinding/datasource/DataSourceProvider.h"
-#include "DataBinding/framework/DataBind.h"
-#include "DataBinding/framework/EventBind.h"
-#include "EventBindListener.h"
+#include "DataBinding/datasource/IDataListener.h"
+#include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/datasource/details/ListenerReport.h"
 #include "Explanation.h"
 
 namespace DataBinding {
 
-namespace details {
+namespace {
 
-/// Looks into the listeners of one scope.
-class ListenerDiagnosis {
+/// Makes rows of what the listeners of one scope report.
+class ScopeReport final : public details::ListenerReport {
  public:
-  ListenerDiagnosis(IDataSourceProvider& diagnosedScope, std::vector<BindDiagnosis>& rows)
-      : scope(diagnosedScope), out(rows), scopeName(ScopeName(diagnosedScope)) {}
+  ScopeReport(IDataSourceProvider& diagnosedScope, std::vector<BindDiagnosis>& rows)
+      : scope(diagnosedScope), out(rows), scopeName(details::ScopeName(diagnosedScope)) {}
 
-  void Add(const IDataListener& listener) {
-    if (const auto* ofBind = dynamic_cast<const DataBindListener*>(&listener))
-      return AddBind(*ofBind);
-    if (const auto* ofEvent = dynamic_cast<const EventBindListener*>(&listener)) {
-      const Framework::EventBind& bind = ofEvent->Bind();
-      return Add(bind.DataSource(), bind.EventName(), bind.Status());
-    }
-    if (const auto* entries = dynamic_cast<const DataListener*>(&listener)) AddEntries(*entries);
+  [[nodiscard]] const IDataSourceProvider& Scope() const noexcept override { return scope; }
+  void AddEntry(const VtrString& source, const VtrString& property, bool isHeard) override {
+    AddBind(source, property, Explain({source, property}, isHeard));
+  }
+  void AddBind(const VtrString& source, const VtrString& property,
+               const Framework::BindStatus& status) override {
+    out.push_back({&scope, scopeName, source, property, status});
   }
 
  private:
-  void AddBind(const DataBindListener& ofBind) {
-    const BindConnection& bind = ofBind.Connection();
-    // A bind listens in the outer scopes too.
-    if (bind.Provider() != &scope) return;
-    Add(bind.SourceName(), bind.PropertyName(), bind.Status());
-  }
-  void AddEntries(const DataListener& listener) {
-    if (listener.GetDataSourceProvider() != &scope) return;
-    for (const auto& entry : listener.listenerEntries) {
-      Add(entry.dataSourceName, entry.propertyName, Explain(entry));
-    }
-  }
-  void Add(const VtrString& source, const VtrString& property, Framework::BindStatus&& status) {
-    out.push_back({&scope, scopeName, source, property, std::move(status)});
-  }
-  [[nodiscard]] Framework::BindStatus Explain(const DataListenerEntry& entry) const {
-    const Wish wish{entry.dataSourceName, entry.propertyName};
-    if (entry.subscription) return ExplainHeard(wish, scope);
+  [[nodiscard]] Framework::BindStatus Explain(const details::Wish& wish, bool isHeard) const {
+    if (isHeard) return ExplainHeard(wish, scope);
     IDataSource* source = nullptr;
     for (auto* at = &scope; at != nullptr && source == nullptr; at = at->GetParent()) {
       source = at->GetLocalDataSourceInstance(wish.source);
@@ -71,21 +51,15 @@ class ListenerDiagnosis {
   VtrString scopeName;
 };
 
-}  // namespace details
-
-namespace {
-
 void AddTree(IDataSourceProvider& provider, std::vector<BindDiagnosis>& out) {
-  const auto* scope = dynamic_cast<const DataSourceProvider*>(&provider);
-  if (scope == nullptr) return;
   std::vector<BindDiagnosis> rows;
-  details::ListenerDiagnosis here(provider, rows);
-  scope->VisitDataListeners([&](IDataListener& listener) { here.Add(listener); });
+  ScopeReport here(provider, rows);
+  provider.VisitDataListeners([&](IDataListener& listener) { listener.ReportTo(here); });
   std::ranges::sort(rows, {}, [](const BindDiagnosis& row) {
     return std::tie(row.source, row.property, row.status.text);
   });
   std::ranges::move(rows, std::back_inserter(out));
-  scope->VisitChildren([&](IDataSourceProvider& child) { AddTree(child, out); });
+  provider.VisitChildren([&](IDataSourceProvider& child) { AddTree(child, out); });
 }
 
 }  // namespace

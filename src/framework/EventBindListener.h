@@ -7,14 +7,12 @@
 
 #include "DataBinding/datasource/IDataListener.h"
 #include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/datasource/details/ListenerReport.h"
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/WeakPtr.h"
+#include "DataBinding/framework/EventBind.h"
 
 namespace DataBinding {
-
-namespace Framework {
-class EventBind;
-}  // namespace Framework
 
 namespace details {
 
@@ -30,7 +28,6 @@ class EventBindListener final : public IDataListener, public SupportsWeakPtr<Eve
     if (scopeLiveness.IsValid()) scope->RemoveDataListener(this);
   }
 
-  [[nodiscard]] const Framework::EventBind& Bind() const noexcept { return bind; }
   /// Returns the scope, or null once it is gone.
   [[nodiscard]] IDataSourceProvider* Scope() const noexcept {
     return scopeLiveness.IsValid() ? scope : nullptr;
@@ -40,6 +37,9 @@ class EventBindListener final : public IDataListener, public SupportsWeakPtr<Eve
   void DisconnectFromDatasource(IDataSource* /*source*/) override {}
   void NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) override {
     scopeLiveness = WeakReference();
+  }
+  void ReportTo(ListenerReport& report) const override {
+    report.AddBind(bind.DataSource(), bind.EventName(), bind.Status());
   }
 
  private:

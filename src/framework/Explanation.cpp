@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-#include "DataBinding/datasource/DataSourceProvider.h"
 #include "DataBinding/datasource/IDataSource.h"
+#include "DataBinding/datasource/IDataSourceProvider.h"
 #include "DataBinding/framework/BindTypes.h"
 #include "DataBinding/property/PropertyAccess.h"
 #include "DataBinding/registrar/IDataSourceConstructor.h"
@@ -25,12 +25,9 @@ using Framework::BindStatus;
 template <class Visitor>
 void VisitOwned(IDataSourceProvider& nearest, const Visitor& visit) {
   for (IDataSourceProvider* scope = &nearest; scope != nullptr; scope = scope->GetParent()) {
-    const auto* provider = dynamic_cast<const DataSourceProvider*>(scope);
-    if (provider == nullptr) continue;
-    provider->VisitDataSources([&](IDataSource& source) {
+    scope->VisitDataSources([&](IDataSource& source) {
       if (ReflectionAccess::IsEnding(source)) return;
-      if (const wchar_t* name = source.GetDataSourceName())
-        visit(source, VtrString(name), *provider);
+      if (const wchar_t* name = source.GetDataSourceName()) visit(source, VtrString(name), *scope);
     });
   }
 }

@@ -12,7 +12,7 @@ namespace DataBinding::details {
 PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
     : source(itsSource), filedName(propertyName.Get()) {
   // Made now, so that nothing has to be allocated between a change and its notification.
-  static_cast<void>(DataSourceAccess::Liveness(source));
+  static_cast<void>(source.GetLiveness());
 }
 
 PropertyBase::~PropertyBase() {

@@ -11,7 +11,7 @@ namespace DataBinding {
 
 PropertyBatch::PropertyBatch(DataSourceImpl& changingSource)
     : source(changingSource),
-      liveness(details::DataSourceAccess::Liveness(changingSource)),
+      liveness(changingSource.GetLiveness()),
       uncaughtBefore(std::uncaught_exceptions()) {
   details::DataSourceAccess::Changes(source).Open();
 }

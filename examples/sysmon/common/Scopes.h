@@ -5,13 +5,12 @@
 #include <optional>
 #include <vector>
 
-#include <DataBinding/datasource/DataSourceProvider.h>
+#include <DataBinding/datasource/IDataSourceProvider.h>
 
 #include "Quantities.h"
 
 namespace Sysmon {
 
-using DataBinding::DataSourceProvider;
 using DataBinding::IDataSource;
 using DataBinding::IDataSourceProvider;
 
@@ -20,12 +19,5 @@ using DataBinding::IDataSourceProvider;
 
 /// The names of the sources that belong to this very scope, built or not.
 [[nodiscard]] std::vector<VtrString> SourceNames(const IDataSourceProvider& scope);
-
-/// Calls visit(IDataSourceProvider&) for each child scope.
-template <class Visitor>
-void VisitScopes(const IDataSourceProvider& parent, Visitor&& visit) {
-  const auto* const tree = dynamic_cast<const DataSourceProvider*>(&parent);
-  if (tree != nullptr) tree->VisitChildren(visit);
-}
 
 }  // namespace Sysmon

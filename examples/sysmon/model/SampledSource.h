@@ -5,7 +5,7 @@
 /// knows nothing of it but this class, which it gets from the source's IDataSourceBase.
 #pragma once
 
-#include <DataBinding/datasource/DataSourceProvider.h>
+#include <DataBinding/datasource/IDataSourceProvider.h>
 #include <DataBinding/datasource/NamedDataSource.h>
 #include <DataBinding/property/Property.h>
 #include <DataBinding/property/PropertyBatch.h>
@@ -41,8 +41,7 @@ inline void RefreshSource(DataBinding::IDataSource* source) {
 
 /// Refreshes the sources that have been built in a scope.
 inline void RefreshSources(const DataBinding::IDataSourceProvider& scope) {
-  const auto* const tree = dynamic_cast<const DataBinding::DataSourceProvider*>(&scope);
-  if (tree != nullptr) tree->VisitDataSources([](auto& source) { RefreshSource(&source); });
+  scope.VisitDataSources([](auto& source) { RefreshSource(&source); });
 }
 
 }  // namespace Sysmon

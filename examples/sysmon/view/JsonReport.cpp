@@ -57,7 +57,7 @@ json SortKey(const json& thing) {
 /// Adds the child scopes. They are sorted first, since a provider keeps them in no order.
 void AddChildren(IDataSourceProvider& scope, json& members) {
   std::map<std::string, std::vector<json>> lists;
-  VisitScopes(scope, [&](IDataSourceProvider& child) {
+  scope.VisitChildren([&](IDataSourceProvider& child) {
     const auto& categories = child.GetCategories();
     lists[ArrayName(categories.empty() ? VtrString() : categories.front())].push_back(
         ReportScope(child));

@@ -30,7 +30,7 @@ void ScopeRows::Gather() {
   std::erase_if(rows, [](const Row& row) { return row->Scope() == nullptr; });
   std::set<const IDataSourceProvider*> known;
   for (const Row& row : rows) known.insert(row->Scope());
-  VisitScopes(root, [&](IDataSourceProvider& scope) {
+  root.VisitChildren([&](IDataSourceProvider& scope) {
     if (!scope.MatchCategory(kind.category) || known.contains(&scope)) return;
     std::vector<Watch::Name> names;
     for (const Column& column : kind.columns) names.push_back({kind.source, column.property});

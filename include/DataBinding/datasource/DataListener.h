@@ -24,10 +24,6 @@
 
 namespace DataBinding {
 
-namespace details {
-class ListenerDiagnosis;
-}  // namespace details
-
 /// An entry names one wanted property and holds its registration while the source is connected.
 struct DataListenerEntry {
   /// The provider finds a source by exactly this name, case included. Once the provider has
@@ -73,6 +69,7 @@ class DATABINDING_API DataListener : public IDataListener {
   /// Calls OnDataSourceProviderChanging and then attaches the listener to the provider. Null only
   /// makes the listener forget its provider.
   void SetDataSourceProvider(IDataSourceProvider* newProvider);
+  void ReportTo(details::ListenerReport& report) const override;
 
  protected:
   /// Adds an entry, which takes effect with the next SetDataSourceProvider. Where several entries
@@ -94,8 +91,6 @@ class DATABINDING_API DataListener : public IDataListener {
   void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) override = 0;
 
  private:
-  friend class details::ListenerDiagnosis;
-
   class EntryLife;
 
   void SetProvider(IDataSourceProvider* newProvider);

@@ -87,14 +87,8 @@ class DATABINDING_API DataSourceAccess {
   static void SetProvider(DataSourceImpl& source, IDataSourceProvider* provider) {
     source.SetDataSourceProvider(provider);
   }
-  [[nodiscard]] static IDataSourceProvider* Provider(const DataSourceImpl& source) {
-    return source.GetDataSourceProvider();
-  }
   [[nodiscard]] static PropertyChanges& Changes(DataSourceImpl& source) noexcept {
     return source.propertyChanges;
-  }
-  [[nodiscard]] static WeakReference Liveness(const DataSourceImpl& source) {
-    return source.GetLiveness();
   }
 };
 

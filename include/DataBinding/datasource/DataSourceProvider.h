@@ -30,7 +30,6 @@
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/WeakPtr.h"
 #include "DataBinding/foundation/details/NameMap.h"
-#include "DataBinding/foundation/details/VisitInOrder.h"
 
 namespace DataBinding {
 
@@ -76,45 +75,14 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   [[nodiscard]] const std::vector<VtrString>& GetCategories() const override;
   [[nodiscard]] bool IsConnecting() const override;
   void WhenConnected(OneShotCallback<void()> callback) override;
+  void VisitDataSources(const std::function<void(IDataSource&)>& visit) const override;
+  void VisitChildren(const std::function<void(IDataSourceProvider&)>& visit) const override;
+  void VisitDataListeners(const std::function<void(IDataListener&)>& visit) const override;
 
   /// Returns true when the comma-separated list holds one of the categories, exactly, case
   /// included.
   [[nodiscard]] static bool MatchCategory(const wchar_t* categoryList,
                                           const std::vector<VtrString>& categories);
-
-  /// Calls visit(IDataSource&) for the sources that were added here, in order of addition. It skips
-  /// a source from which the listeners are just being disconnected, and sources that are removed
-  /// meanwhile. It does not visit sources that are added meanwhile.
-  template <class Visitor>
-  void VisitDataSources(Visitor&& visit) const {
-    const auto alive = GetLiveness();
-    VisitInOrder(addedSources, [&, last = lastAddition](std::uint64_t number, IDataSource* source) {
-      if (number > last) return false;
-      if (source != calls.leaving) visit(*source);
-      return alive.IsValid();
-    });
-  }
-  /// Calls visit(IDataSourceProvider&) for the child scopes, in no meaningful order. It skips
-  /// children that leave meanwhile. To go deeper, dynamic_cast a child to DataSourceProvider.
-  template <class Visitor>
-  void VisitChildren(Visitor&& visit) const {
-    const auto alive = GetLiveness();
-    for (IDataSourceProvider* child : std::set(children)) {
-      if (children.contains(child)) visit(*child);
-      if (!alive.IsValid()) return;
-    }
-  }
-  /// Calls visit(IDataListener&) for the living listeners that are registered here, in no
-  /// meaningful order. It skips listeners that leave meanwhile, and may or may not visit listeners
-  /// that come meanwhile.
-  template <class Visitor>
-  void VisitDataListeners(Visitor&& visit) const {
-    const auto alive = GetLiveness();
-    VisitInOrder(listeners, [&](IDataListener* listener, const ListenerEntry& entry) {
-      if (entry.liveness.IsValid()) visit(*listener);
-      return alive.IsValid();
-    });
-  }
 
  private:
   struct ListenerEntry {

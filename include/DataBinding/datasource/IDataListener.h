@@ -13,6 +13,10 @@
 
 namespace DataBinding {
 
+namespace details {
+class ListenerReport;
+}  // namespace details
+
 class DATABINDING_API IDataListener {
  public:
   /// Called when a source of one of the wanted names is there.
@@ -21,6 +25,9 @@ class DATABINDING_API IDataListener {
   virtual void DisconnectFromDatasource(IDataSource* source) = 0;
   /// Called when the provider shuts down. Its parent is still set.
   virtual void NotifyDatasourceProviderDestroyed(IDataSourceProvider* provider) = 0;
+  /// Returns a reference that tells whether the listener is still there, for code that keeps a
+  /// pointer to it.
+  [[nodiscard]] details::WeakReference GetLiveness() const { return liveness.GetRef(); }
 
  protected:
   virtual ~IDataListener();
@@ -35,11 +42,12 @@ class DATABINDING_API IDataListener {
   /// Runs before the listener is given a new provider, while the old one is still in place.
   virtual void OnDataSourceProviderChanging(IDataSourceProvider* newProvider) = 0;
 
- private:
-  friend class DataListener;
-  friend class DataSourceProvider;
+ public:
+  /// Tells what the listener wants in the scope of the report, for Diagnose. The base tells
+  /// nothing.
+  virtual void ReportTo(details::ListenerReport& report) const;
 
-  /// Lets providers know whether the listener is still there.
+ private:
   details::WeakReferenceOwner liveness;
 };
 

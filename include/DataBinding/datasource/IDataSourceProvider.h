@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <set>
 #include <vector>
@@ -162,6 +163,17 @@ class DATABINDING_API IDataSourceProvider {
   /// operation that made the change. When the provider is ending, the callback runs before the
   /// provider is gone; it is dropped when the provider ends inside another such callback.
   virtual void WhenConnected(OneShotCallback<void()> callback);
+  /// Calls visit for the sources that were added here, in order of addition. It skips a source from
+  /// which the listeners are just being disconnected, and sources that are removed meanwhile. It
+  /// does not visit sources that are added meanwhile. Like the next two operations, it stops when a
+  /// visit ends the provider, and visits nothing in a provider that cannot tell.
+  virtual void VisitDataSources(const std::function<void(IDataSource&)>& visit) const;
+  /// Calls visit for the child scopes, in no meaningful order. It skips children that leave
+  /// meanwhile.
+  virtual void VisitChildren(const std::function<void(IDataSourceProvider&)>& visit) const;
+  /// Calls visit for the living listeners that are registered here, in no meaningful order. It
+  /// skips listeners that leave meanwhile, and may or may not visit listeners that come meanwhile.
+  virtual void VisitDataListeners(const std::function<void(IDataListener&)>& visit) const;
 
  private:
   details::WeakReferenceOwner liveness;

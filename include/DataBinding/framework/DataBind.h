@@ -55,22 +55,26 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
     return changed.Add(callback);
   }
 
+  /// The bind's listeners call these, and then touch nothing of the connection, which may be gone.
+  ///@{
+  /// Enters the scopes when they have called their listeners.
+  void Resume();
+  /// Gives up the listener's scope, which can no longer be reached, and the scopes further out.
+  void CutAt(const DataBindListener& listener);
+  /// Follows the nearest source, which may be another one by now.
+  void Update();
+  ///@}
+
  protected:
   [[nodiscard]] IDataSource* Source() const noexcept { return source; }
 
  private:
-  friend class DataBindListener;
-
   /// Finds the property in its new source. A null source has none.
   virtual void Refer(IDataSource* newSource, const VtrString& name) = 0;
 
   /// Begins to listen in a scope and its enclosing ones. If one of them is calling its listeners,
   /// this waits until it has called them.
   void Enter(IDataSourceProvider* provider);
-  void Resume();
-  /// Called when a scope can no longer be reached, and with it the scopes further out.
-  void CutAt(const DataBindListener& listener);
-  void Update();
   void Follow(IDataSource* newSource);
   void Notify();
   [[nodiscard]] bool NamesAProperty() const;
