@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds Diagnose: it walks the scopes of a tree, has the listeners of each scope report
+// what they want there, and explains each of these wishes.
+
 #include "DataBinding/framework/Diagnose.h"
 
 #include <algorithm>
@@ -15,7 +18,7 @@ namespace DataBinding {
 
 namespace {
 
-/// Makes rows of what the listeners of one scope report.
+/// A ScopeReport makes rows of what the listeners of one scope report.
 class ScopeReport final : public details::ListenerReport {
  public:
   ScopeReport(IDataSourceProvider& diagnosedScope, std::vector<BindDiagnosis>& rows)

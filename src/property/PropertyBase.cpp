@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+// This file holds what properties do without knowing their type: they file themselves, follow
+// others, and begin an announcement when they have changed.
+
 #include "DataBinding/property/details/PropertyBase.h"
 
 #include <atomic>
@@ -11,7 +14,8 @@ namespace DataBinding::details {
 
 PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
     : source(itsSource), filedName(propertyName.Get()) {
-  // Made now, so that nothing has to be allocated between a change and its notification.
+  // The reference is made now, so that nothing has to be allocated between a change and its
+  // notification.
   static_cast<void>(source.GetLiveness());
 }
 

@@ -10,8 +10,8 @@
 /// source; a source that is just being added is not found yet. A listener may end itself or another
 /// one there, and the provider does not call a listener that has ended. A source that ends, and a
 /// listener that hears of the provider's end, may end the provider, which then does what is left to
-/// do. Whoever visits its sources, children or listeners may change them meanwhile, or end the
-/// provider, and nothing more is visited then.
+/// do. Code that visits the sources, children or listeners may change them meanwhile. It may also
+/// end the provider, and then the visit stops.
 ///
 /// A listener may leave an entry behind in a provider, because it has moved to another one or
 /// because a scope between them was shut down. The entry knows whether its listener lives, and the
