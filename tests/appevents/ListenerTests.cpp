@@ -175,13 +175,9 @@ struct View : AppEventListener {
     On(moved, &View::OnMoved);  // again each time
     AppEventListener::InitEventMap();
   }
-  void OnMoved(long value) {
-    log += "v" + std::to_string(value);
-    if (const auto run = act) run();
-  }
+  void OnMoved(long value) { log += "v" + std::to_string(value); }
   using AppEventListener::eventMap;
 
-  std::function<void()> act;
   std::string& log;
 };
 
