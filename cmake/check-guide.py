@@ -6,7 +6,7 @@
   every page of the guide has its program.
 - A ```cpp block of such a page stands in the program, or in a file of examples/guide/<name>/, line
   for line, but for its indentation. What the program prints is compared by a test.
-- The index of the guide links every page.
+- The index of the guide links every page, and the reference lists it.
 - A link to another file of the project leads somewhere.
 """
 
@@ -76,12 +76,15 @@ def check_page(page, program):
 
 def check_guide():
     index = (GUIDE / "README.md").read_text(encoding="utf-8")
+    reference = (DOCS / "reference.md").read_text(encoding="utf-8").splitlines()
     programs = {file.stem: file for file in PROGRAMS.glob("*.cpp")}
     for page in sorted(GUIDE.glob("*.md")):
         if page.name == "README.md":
             continue
         if f"]({page.name})" not in index:
             report(page, "the guide's index does not link it")
+        if f"- @subpage md_docs_guide_{page.stem.replace('-', '_')}" not in reference:
+            report(page, "docs/reference.md does not list it")
         if page.stem not in programs:
             report(page, f"there is no program {page.stem}.cpp")
     for name, program in sorted(programs.items()):

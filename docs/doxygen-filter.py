@@ -7,6 +7,9 @@
 - Text that is indented in a comment is code.
 - What is there for the compiler only is left out: friends, defaulted copies and moves, explicit
   specialisations, and names that are taken over from namespace to namespace.
+- What a header of include/DataBinding/<room>/ declares belongs to the group of that room, which
+  rooms.dox describes.
+- A property shows the operations of its bases, which stand in namespace `details`.
 """
 
 import re
@@ -22,6 +25,30 @@ COMPILER_ONLY = re.compile(r"^\s*(?:friend [\w:]+;|namespace \w+ = [\w:]+;"
 EXPLICIT = re.compile(r"^template <>\n(?!struct VtrUtils::InterfaceId)[^{]*?;$"
                       r"|^template <\w* ?\w*>\nstruct std::hash<[\s\S]*?^\};$", re.MULTILINE)
 INDENTED = re.compile(r"^(\s*///) {3}(\S)")
+# Between these two a header declares what belongs to its room.
+ROOM_BEGIN = re.compile(r"^namespace (?:DataBinding|VtrUtils) \{$")
+ROOM_END = re.compile(r"^\}  // namespace (?:DataBinding|VtrUtils)$")
+# What users call on a property that keeps its value, and on every property.
+READ = "".join(f"/** Reads the value. */ {member} const noexcept; "
+               for member in ("const T& Get()", "const T& operator*()", "const T* operator->()"))
+SHARED = ("/** Tells the name of the property. */ const VtrString& Name() const noexcept; "
+          "/** Tells the listeners of the property that its value has changed, and then those of the "
+          "properties that are computed from it. Set and Assign do so themselves. */ void NotifyChanged();")
+# A line of a class, and what it stands for.
+SHOWN = ((re.compile(r"^  using details::StoredProperty<.*>::StoredProperty;$"), READ + SHARED),
+         (re.compile(r"^  ~ComputedProperty\(\) .*$"), SHARED))
+
+
+def shown(line, room):
+    """The line as Doxygen is to see it."""
+    for pattern, members in SHOWN:
+        if pattern.match(line):
+            return members
+    if room and ROOM_BEGIN.match(line):
+        return f"{line} /** @addtogroup {room} */ /**@{{*/"
+    if room and ROOM_END.match(line):
+        return f"/**@}}*/ {line}"
+    return "" if COMPILER_ONLY.match(line) else INDENTED.sub(r"\1       \2", line)
 
 
 def without_details(lines):
@@ -68,9 +95,10 @@ def main():
         lines = rest[:place - 1] + banner + ["///"] + rest[place:]
     else:
         lines = rest[:place] + banner + rest[place:]
+    room = path.parent.name if path.parent.parent.name == "DataBinding" else None
     print()
     for line in lines:
-        print("" if COMPILER_ONLY.match(line) else INDENTED.sub(r"\1       \2", line))
+        print(shown(line, room))
 
 
 if __name__ == "__main__":
