@@ -55,6 +55,7 @@ class DeliveryScope {
   /// Runs a step in the delivery of an event. When the step throws, the exception goes to the
   /// broadcaster, unless a callback has released it, and the answer is false.
   template <class Step>
+  // NOLINTNEXTLINE(modernize-use-nodiscard): few callers go by the answer
   DATABINDING_CATCHES_CANCELLATION bool Guard(const VtrString& name, Step step) const {
     try {
       step();

@@ -12,9 +12,7 @@
 #include "DataBinding/foundation/WeakPtr.h"
 #include "DataBinding/framework/EventBind.h"
 
-namespace DataBinding {
-
-namespace details {
+namespace DataBinding::details {
 
 class EventBindListener final : public IDataListener, public SupportsWeakPtr<EventBindListener> {
  public:
@@ -55,6 +53,4 @@ class EventBindListener final : public IDataListener, public SupportsWeakPtr<Eve
   WeakReference scopeLiveness;
 };
 
-}  // namespace details
-
-}  // namespace DataBinding
+}  // namespace DataBinding::details

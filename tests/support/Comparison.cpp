@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cwchar>
 
-// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the C library reserves its
-// own
 extern "C" int wmemcmp(const wchar_t* left, const wchar_t* right, std::size_t count) noexcept {
   const auto [here, there] = std::mismatch(left, left + count, right);
   if (here == left + count) return 0;

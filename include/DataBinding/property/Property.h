@@ -55,8 +55,10 @@ class StoredProperty : public TypedProperty<T, Filed> {
   virtual ~StoredProperty() { this->InvalidateWeakPtrs(); }
 
   SetResult Store(T wanted) {
-    const VtrString reason = ReasonAgainst(wanted, options.validate);
-    if (!reason.IsEmpty()) return this->RefusedResult(reason);
+    if (options.validate) {
+      const VtrString reason = ReasonAgainst(wanted, options.validate);
+      if (!reason.IsEmpty()) return this->RefusedResult(reason);
+    }
     if constexpr (std::equality_comparable<T>) {
       if (value == wanted) return {};
     }
