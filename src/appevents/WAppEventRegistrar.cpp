@@ -132,7 +132,8 @@ void WAppEventRegistrar::UnregisterAppEvents() {
   UnsubscribeAll();
   registered = false;
   anyWaiting.store(true, std::memory_order_release);
-  // Listeners that were added meanwhile bring a place along, so that resize needs no memory.
+  // Listeners that were added meanwhile bring a place along, unless a flush has served them, so
+  // that resize seldom needs memory.
   waiting.splice(waiting.end(), delayInitList);
   waiting.resize(listeners.size());
   std::ranges::transform(listeners, waiting.begin(), &Listeners::value_type::second);

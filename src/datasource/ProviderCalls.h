@@ -50,7 +50,8 @@ class DataSourceProvider::Arrival {
 };
 
 /// Runs a step. The callbacks that await the end of the change run whatever the step throws, and
-/// the first exception is let out.
+/// the first exception is let out. When one of them ends the provider, the destructor, which is a
+/// change too, runs the rest.
 template <class Step>
 void DataSourceProvider::Change(Step step) {
   const auto alive = GetLiveness();
@@ -59,10 +60,10 @@ void DataSourceProvider::Change(Step step) {
     const Marking changing(*this, calls.changes, calls.changes + 1);
     failure.Try(step);
   }
-  if (alive.IsValid() && calls.changes == 0) {
-    for (auto& enter : std::exchange(calls.awaiting, {})) {
-      if (alive.IsValid()) failure.Try([&] { enter(); });
-    }
+  while (alive.IsValid() && calls.changes == 0 && !calls.awaiting.empty()) {
+    auto enter = std::move(calls.awaiting.front());
+    calls.awaiting.erase(calls.awaiting.begin());
+    failure.Try([&] { enter(); });
   }
   failure.Rethrow();
 }

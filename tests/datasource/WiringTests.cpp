@@ -87,7 +87,7 @@ TEST_F(Wiring, BuiltSourceMayEndAsSoonAsItsScopeMayBeChanged) {
   EXPECT_EQ(Notes(), "+Doc -Doc ~Doc");
 }
 
-TEST_F(Wiring, ScopeThatEndsDropsWhatStillAwaitsItsChange) {
+TEST_F(Wiring, ScopeThatEndsBeforeItsChangeIsOverRunsWhatAwaitsIt) {
   child->AddDataListener(&*listener, {L"Doc"}, true);
   listener->hook = [&](const std::string& note) {
     if (note != "+Doc") return;
@@ -96,7 +96,19 @@ TEST_F(Wiring, ScopeThatEndsDropsWhatStillAwaitsItsChange) {
   };
   Add(child, L"Doc");
 
-  EXPECT_EQ(Notes(), "+Doc -Doc ~Doc gone");
+  EXPECT_EQ(Notes(), "+Doc -Doc ~Doc gone late");
+
+  listener->hook = nullptr;
+  child = MakeProvider(parent.get());
+  Add(child, L"Doc")->onPreDestroy = [&] { child.reset(); };
+  child->AddDataListener(&*listener, {L"Doc"}, true);
+  listener->hook = [&](const std::string& note) {
+    if (note == "-Doc") child->WhenConnected([&] { log += "late "; });
+  };
+  Notes();
+  child->DeleteLocalDataSourceInstance(L"Doc");
+
+  EXPECT_EQ(Notes(), "-Doc gone late ~Doc");
 }
 
 TEST_F(Wiring, ScopeMayEndWhileItsParentConnectsAListenerOrDisconnectsIt) {

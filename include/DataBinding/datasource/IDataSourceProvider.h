@@ -160,8 +160,8 @@ class DATABINDING_API IDataSourceProvider {
   [[nodiscard]] virtual bool IsConnecting() const;
   /// Runs the callback as soon as the provider may be changed: at once, or when the outermost
   /// change that is under way is over. An exception of a callback that had to wait leaves the
-  /// operation that made the change. When the provider is ending, the callback runs before the
-  /// provider is gone; it is dropped when the provider ends inside another such callback.
+  /// operation that made the change. When the provider ends before, the callback runs inside its
+  /// destructor, once the sources have ended and the listeners have been told.
   virtual void WhenConnected(OneShotCallback<void()> callback);
   /// Calls visit for the sources that were added here, in order of addition. It skips a source from
   /// which the listeners are just being disconnected, and sources that are removed meanwhile. It
