@@ -25,9 +25,8 @@ Broadcaster::~Broadcaster() {
   if (WListenersImpl* owned = Existing()) owned->DropOwner();
 }
 
-WListenersImpl& Broadcaster::Listeners() const {
-  WListenersImpl* existing = Existing();
-  if (existing != nullptr) return *existing;
+WListenersImpl& Broadcaster::MakeListeners() const {
+  WListenersImpl* existing = nullptr;
   auto* const made = new WListenersImpl;
   if (registry.compare_exchange_strong(existing, made)) return *made;
   made->DropOwner();  // another thread was faster, and its registry is used

@@ -44,7 +44,11 @@ class DATABINDING_API Broadcaster {
   [[nodiscard]] std::vector<VtrString> GetRegisteredProperties() const;
 
  private:
-  WListenersImpl& Listeners() const;
+  WListenersImpl& Listeners() const {
+    WListenersImpl* const existing = Existing();
+    return existing != nullptr ? *existing : MakeListeners();
+  }
+  WListenersImpl& MakeListeners() const;
   [[nodiscard]] WListenersImpl* Existing() const noexcept {
     return registry.load(std::memory_order_acquire);
   }
