@@ -121,7 +121,7 @@ class Floor {
   static void Run(void* context) { ++*static_cast<Counter*>(context); }
 };
 
-/// As Floor, but with the loop in one module and the listeners in another.
+/// FarFloor measures what Floor does, but its loop is in one module and its listeners in another.
 class FarFloor : public Floor {
  public:
   void Emit(const Name& /*name*/) const { RunFromAfar(entries.data(), entries.size()); }

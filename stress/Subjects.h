@@ -6,7 +6,7 @@
 
 namespace DataBinding::Stress {
 
-/// What plays scripts of one kind to the library and its model, and what an operation is called.
+/// A Subject plays scripts of one kind to the library and its model, and names their operations.
 struct Subject {
   const char* name;
   bool (*agrees)(const Script& script, std::size_t every, bool talks);

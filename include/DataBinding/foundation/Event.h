@@ -42,7 +42,7 @@ class DATABINDING_API EventBase : private SupportsWeakPtr<EventBase> {
   [[nodiscard]] RepeatingCallbackMemento GetListener(unsigned long long token) const;
   /// Returns true while a listener is subscribed, even if its callback is empty.
   [[nodiscard]] bool HasListeners() const noexcept { return !listeners.empty(); }
-  /// By this pointer a raise learns whether a callback has destroyed the event.
+  /// Returns the pointer by which a raise learns whether a callback has destroyed the event.
   [[nodiscard]] WeakPtr<EventBase> GetWeakPtr() { return AsWeakPtr(); }
 
  private:
