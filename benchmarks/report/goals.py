@@ -66,6 +66,8 @@ def threads(count):
                f"threads/ours/min_time:0.100/real_time/threads:{count}", others)
 
 
+RECORD = "memory/record/ours/iterations:1"
+
 GOALS = [
     broadcast(1, ("Boost", 0.55)),
     broadcast(10),
@@ -99,7 +101,11 @@ GOALS = [
     Row("find a source among 100,000, the same 100 in turn", "find/ours/100000/100",
         {"among 100": "find/ours/100/100"}, ("among 100", 2.5)),
     Row("find a source among 100,000, all in turn", "find/ours/100000/100000",
-        {"among 100": "find/ours/100/100"}),
+        {"hash map": "find/hashmap/100000/100000", "among 100": "find/ours/100/100"},
+        ("hash map", 1.5)),
+    *[Row(f"{step} 100,000 sources in one scope; each", f"growth/{step}/ours/100000",
+          {"hash map": f"growth/{step}/hashmap/100000"}, ("hash map", 1.5))
+      for step in ("add", "find", "remove")],
     CountRow("find a source: allocations", "find/ours/100000/100000", "allocations", 0),
     Row("source announces one property, 1 listener", "announce/ours",
         {"broadcaster": "broadcast/ours/1"}),
@@ -107,6 +113,17 @@ GOALS = [
     CountRow("Property<double>::Set: allocations", "set/ours/1", "allocations", 0),
     Row("GetProperty<double> by name", "get/oursnamed", {"found before": "get/oursfound"}),
     CountRow("GetProperty<double>: allocations", "get/oursnamed", "allocations", 0),
+    CountRow("a record of six properties, in bytes", RECORD, "bytes", 450),
+    CountRow("a record of six properties: allocations", RECORD, "allocations", 2),
+    CountRow("one property more, in bytes", "memory/parts/ours/iterations:1", "property", 48),
+    CountRow("a source without properties, in bytes", "memory/parts/ours/iterations:1", "source",
+             160),
+    Row("make 10,000 records of six properties; each", "records/make/ours",
+        {label: f"records/make/{peer}" for label, peer in
+         {"QObject": "qt", "items": "qtitem", "GObject": "glib", "plain": "floor"}.items()},
+        ("QObject", 3.0)),
+    LimitRow("make and end records on 4 threads; each, wall time",
+             "records/threads/ours/min_time:0.100/real_time/threads:4", 200),
     Row("raise 1000 named events, dispatch all; per event", "queue/ours/100",
         {"functions": "queue/functions/100", "floor": "queue/floor/100", "Qt": "queue/qt/100",
          "GLib": "queue/glib/100", "Boost": "queue/boost/100"}, ("functions", 0.9)),

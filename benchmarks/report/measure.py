@@ -67,6 +67,8 @@ def things_of(name):
         return 1000
     if parts[0] == "producers":
         return 500_000 * int(parts[2])
+    if name.startswith("records/make/"):
+        return 10_000
     return int(parts[3]) if parts[0] == "growth" else 1
 
 

@@ -61,10 +61,14 @@ Counted in instructions (`valgrind --tool=callgrind`), no step grows faster than
 
 {growth}
 
+{plots}
+
 A chain of scopes, one within the other; nanoseconds for one operation. The columns at the right are
 the growth of the time over that of the depth.
 
 {depths}
+
+{depth_plot}
 """
 
 
@@ -116,10 +120,41 @@ def section(sweep, results, folder):
     return "\n\n".join(part for part in parts if part)
 
 
+COLOURS = (peers.BLUE, peers.RED, peers.GREEN, peers.BROWN, peers.PURPLE, peers.GREY)
+
+
+def growth_lines(rows, results):
+    """Two lines for each step: ours, and dashed the same step of a hash map."""
+    lines = []
+    for row, colour in zip(rows, COLOURS):
+        for label, pattern, dash in zip((row.label, f"{row.label}, hash map"), row.patterns(),
+                                        ("", DASHES[peers.FLOOR])):
+            points = [(n, results.time(pattern.format(n=n))) for n in row.points]
+            lines.append(plot.Line(label, points, colour, dash, len(lines)))
+    return lines
+
+
+def growth_plot(slug, title, axis, rows, results, folder):
+    drawing = plot.draw(title, axis, "ns", growth_lines(rows, results), [])
+    (folder / f"{slug}.svg").write_text(drawing, encoding="utf-8")
+    return f"![{title}, by the number of {axis}]({folder.name}/{slug}.svg)"
+
+
+def growth_section(results, folder):
+    by_step = {"sources": ("Sources of one scope", GROWTH[:3]),
+               "listeners": ("Listeners of one scope", GROWTH[3:])}
+    plots = [growth_plot(f"growth-{axis}", title, axis, rows, results, folder)
+             for axis, (title, rows) in by_step.items()]
+    return GROWTH_TEXT.format(
+        growth=tables.growth_table(GROWTH, results), plots="\n\n".join(plots),
+        depths=tables.depth_table(DEPTHS, results),
+        depth_plot=growth_plot("chain", "Scopes within scopes", "scopes", DEPTHS, results, folder))
+
+
 def notes():
     """Says what each peer does differently from the library, or leaves out."""
     families = {"Announcing": peers.SIGNALS_OF, "Properties": peers.PROPERTIES,
-                "Finding sources": peers.SOURCES, "Binds": peers.BINDS, "Events": peers.EVENTS}
+                "Records": peers.RECORDS, "Finding sources": peers.SOURCES, "Binds": peers.BINDS, "Events": peers.EVENTS}
     lines = [[title if first else "", peer.label, peer.note]
              for title, family in families.items()
              for first, peer in zip([True] + [False] * len(family), family.values())]
@@ -146,7 +181,6 @@ def write(page, goals, results, measured):
     for title, sweeps in chapters.items():
         parts += [f"## {title}", *[section(sweep, results, folder) for sweep in sweeps]]
     parts += [MEMORY_TEXT.strip(), *[section(sweep, results, folder) for sweep in MEMORY]]
-    parts.append(GROWTH_TEXT.format(growth=tables.growth_table(GROWTH, results),
-                                    depths=tables.depth_table(DEPTHS, results)).strip())
+    parts.append(growth_section(results, folder).strip())
     parts.append(notes())
     page.write_text("\n\n".join(parts) + "\n", encoding="utf-8")

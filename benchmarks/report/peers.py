@@ -103,6 +103,16 @@ BINDS = {
     "glib": Peer("g_object_bind_property", NO, BROWN, "knows the source; sets a second property"),
 }
 
+RECORDS = {
+    "ours": Peer("data source", YES, BLUE, "six typed properties, which can be found and listed by "
+                 "name and announce their changes"),
+    "floor": Peer("structure", FLOOR, GREY, "six plain members; tells nobody"),
+    "qt": Peer("QObject", YES, GREEN, "six declared properties, each with a signal"),
+    "qtitem": Peer("QStandardItem", NO, GREEN, "an item with six more in one row, as item models "
+                   "hold it; its model announces"),
+    "glib": Peer("GObject", NO, BROWN, "six properties of a class"),
+}
+
 SOURCES = {
     "ours": Peer("provider", NO, BLUE, "scopes, sources built on demand, listeners that wait"),
     "hashmap": Peer("hash map", NO, GREY, "std::unordered_map: names to pointers"),

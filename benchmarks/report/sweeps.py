@@ -86,6 +86,11 @@ DATA = [
     Sweep("get", "Read a property by its name", "",
           selected(peers.PROPERTIES, "oursnamed", "oursfound", "qtnamed", "qtdynamic", "glib"),
           "get/{peer}", plotted=False),
+    Sweep("records", "Make 10,000 records of six properties; time of one", "",
+          peers.RECORDS, "records/make/{peer}", plotted=False),
+    Sweep("records-threads", "Make and end records on N threads; wall time of one", "",
+          peers.RECORDS, "records/threads/{peer}/" + THREADED.format("{point}"), "threads", (1, 4),
+          plotted=False),
     Sweep("find", "Find one of N sources by its name",
           "All are asked for in random order, so that most of the larger numbers is waiting for "
           "memory.",
@@ -116,6 +121,9 @@ MEMORY = [
           {name: peer for name, peer in peers.PROPERTIES.items()
            if name not in ("oursnamed", "oursfound", "qtnamed")},
           "memory/property/{peer}/iterations:1", counter="bytes", plotted=False),
+    Sweep("memory-record", "A record of six properties that nobody listens to",
+          "One of 10,000, with the pointer that owns it.",
+          peers.RECORDS, "memory/record/{peer}/iterations:1", counter="bytes", plotted=False),
     Sweep("memory-listener", "One of N listeners of one name, with its handle",
           "The object itself is not counted.",
           OBJECTS, "memory/listener/{peer}/{point}/iterations:1", "listeners", AUDIENCES,
@@ -126,8 +134,10 @@ SWEEPS = DATA + EVENTS + MEMORY
 
 
 class Growth(NamedTuple):
-    """A step of one provider for N elements; `hashmap` is the same step of a map."""
+    """A step of one provider for N elements; `hashmap` is the same step of a map, and `label` names
+    the step in a plot."""
     title: str
+    label: str
     ours: str
     hashmap: str = None
     points: tuple = (1000, 10_000, 100_000)
@@ -140,16 +150,17 @@ class Growth(NamedTuple):
 
 
 def sources(title, step):
-    return Growth(title, f"growth/{step}/ours/{{n}}",
+    return Growth(title, step, f"growth/{step}/ours/{{n}}",
                   f"growth/{step}/hashmap/{{n}}")
 
 
 def listeners(title, step, names):
-    return Growth(title, f"growth/{step}/ours/{{n}}/{names}")
+    label = step if names == 1 else f"{step}, N names"
+    return Growth(title, label, f"growth/{step}/ours/{{n}}/{names}")
 
 
 def depth(title, step):
-    return Growth(title, f"chain/{step}/ours/{{n}}", points=(1, 10, 100))
+    return Growth(title, step, f"chain/{step}/ours/{{n}}", points=(1, 10, 100))
 
 
 GROWTH = [
