@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A delivery that is under way. It tells the code that delivers whether a callback has released
-/// the broadcaster.
+/// A DeliveryScope stands for a delivery that is under way. It tells the code that delivers whether
+/// a callback has released the broadcaster.
 ///
 /// A scope stands on the stack of the delivering thread. The scopes of one broadcaster nest and
 /// form a chain, from the innermost, to which EventBroadcaster::delivery points, outward. Dropping

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The state that a pass shares with its UpdateUI callback; the chain of passes, which a pass enters
-// and leaves; and Run and RunFor, which deliver.
+// This file holds the state that a pass shares with its UpdateUI callback; the chain of passes,
+// which a pass enters and leaves; and Run and RunFor, which deliver.
 #include "DataBinding/appevents/IdlePass.h"
 
 #include <atomic>

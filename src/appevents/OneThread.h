@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A check that only one thread at a time is inside a piece of the library. Another thread may be
-/// inside later.
+/// A OneThread checks that only one thread at a time is inside a piece of the library. Another
+/// thread may be inside later.
 ///
 /// Debug builds of the library assert it; other builds do nothing. A thread may enter again while
 /// it is inside. The OneThread must outlive the visits.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Taking events out of the queue, singly or as a batch; closing the holes that this leaves; and the
-// index by which Replace finds the newest event of a name.
+// This file holds how events are taken out of the queue, singly or as a batch; how the holes that
+// this leaves are closed; and the index by which Replace finds the newest event of a name.
 #include "PendingEvents.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The queue of an event broadcaster: entries in order of arrival, with an index by name.
+/// PendingEvents is the queue of an event broadcaster: entries in order of arrival, with an index
+/// by name.
 ///
 /// Replace puts the new event into the newest entry of its name and links this entry to the end of
 /// the order, so that it moves no entry and scans nothing. The index and the links are made only

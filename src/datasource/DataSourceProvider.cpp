@@ -40,7 +40,7 @@ DataSourceProvider& DataSourceProvider::operator=(const DataSourceProvider&) = d
 
 DataSourceProvider::~DataSourceProvider() {
   calls.ends = true;
-  calls.changes = 0;     // a change that this interrupts has no end of its own any more
+  calls.changes = 0;     // a change that this interrupts will not count itself down any more
   FirstFailure dropped;  // a shutdown completes all its steps; a destructor lets nothing out
   dropped.Try([this] { ShutDownFrom(0); });
   // Ending a source, and callbacks that awaited the end of a change, may have added to this scope;

@@ -17,7 +17,7 @@ void IDataSource::Destroy(IDataSource* source) {
   try {
     source->PreDestroy();
   } catch (const std::exception& exception) {
-    throw std::exception(exception);  // by its static type: see the header
+    throw std::exception(exception);  // the header says why it is sliced
   }
   const details::HandlerFailures failures;
   source->Destroy();

@@ -34,7 +34,7 @@ class DataSourceProvider::Marking {
 };
 
 /// An Arrival stands on the stack while listeners are connected to a source that is being added.
-/// The name outlasts it, and room for the name was made before.
+/// The caller keeps the name alive, and has reserved room for it in `arriving`.
 class DataSourceProvider::Arrival {
  public:
   Arrival(Calls& underWay, VtrStringView name) : calls(underWay), before(calls.arriving.size()) {

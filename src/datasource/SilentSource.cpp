@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// This file tells, in debug builds, of sources that nobody will ever hear, and counts the sources
-// that are being made on each thread, of which it says nothing.
+// This file tells, in debug builds, of sources that nobody will ever hear. It says nothing while a
+// source is being made, and therefore counts on each thread the sources that are.
 
 #include "SilentSource.h"
 

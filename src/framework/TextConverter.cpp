@@ -16,8 +16,8 @@ bool IsNearZero(std::string_view number) {
   std::int32_t exponent = 0;
   const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
   if (read.ec == std::errc::result_out_of_range) return digits.starts_with('-');
-  // This compares the power of ten of the first digit with 0. A number that is too small and one
-  // that is too big are both far from 1, so that one place more or less does not matter.
+  // This asks whether the power of ten of the first digit is negative: 1e-400 is too small, and
+  // 1e400 is too big. Both are far from 1, so that one place more or less does not matter.
   return std::int64_t{exponent} + static_cast<std::int64_t>(point) -
              static_cast<std::int64_t>(first) <
          0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A named application event with its signature. It is declared once in a header and used by every
-/// module that includes this header.
+/// An AppEvent is a named application event with its signature. It is declared once in a header and
+/// used by every module that includes this header.
 ///
 /// Making an AppEvent of a literal costs nothing and cannot fail, so it may stand at namespace
 /// scope. A name has one signature in the whole process, that of its first use: any operation that

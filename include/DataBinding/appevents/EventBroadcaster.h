@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The engine behind application-wide named events: a queue that any thread fills, and that one
-/// thread, the delivering thread, empties on the application's idle pass.
+/// An EventBroadcaster is the engine behind application-wide named events. It has a queue that any
+/// thread fills, and that one thread, the delivering thread, empties on the application's idle
+/// pass.
 ///
 /// A name can be disabled. The newest event of a disabled name is held until the name is enabled
 /// again, and older ones are lost. Events that are still queued or held when the broadcaster ends
@@ -154,9 +155,10 @@ class DATABINDING_API EventBroadcaster {
   void DispatchPendingEvents();
   /// Delivers events one after the other, at least one, until the budget is used up, and looks at
   /// the clock after each. The others stay queued, and the caller is to come back for them. Events
-  /// that are raised meanwhile wait for the next call. Events that were not reached count as
-  /// queued: RaiseLatest replaces them, a call from inside a listener delivers them, and an
-  /// exception out of an event of the application's own kind leaves them for later.
+  /// that are raised meanwhile wait for the next call. Events for which the budget
+  /// did not suffice count as queued: RaiseLatest replaces them, a call from inside a listener
+  /// delivers them, and an exception out of an event of the application's own kind leaves them for
+  /// later.
   void DispatchPendingEventsFor(std::chrono::nanoseconds budget);
 
   /// Queues an event of the caller's own kind. Any thread. With `replaceLast` the event goes to the

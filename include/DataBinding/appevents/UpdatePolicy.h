@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Ties an event broadcaster to the application's idle pass.
+/// An UpdatePolicy ties an event broadcaster to the application's idle pass.
 ///
-/// The process has one UpdateUI callback, which tells the application that events wait. The
-/// application's message loop then calls DispatchPendingEvents. IdlePass sets the callback; an
-/// application that does without IdlePass sets it itself. Setting it takes no lock, so it is set
-/// before other threads raise events, or after they have stopped.
+/// The process has one UpdateUI callback, which tells the application that events wait. IdlePass
+/// sets it, and the message loop then calls IdlePass::Run. An application that does without
+/// IdlePass sets the callback itself, and its loop calls DispatchPendingEvents. Setting it takes no
+/// lock, so it is set before other threads raise events, or after they have stopped.
 #pragma once
 
 #include "DataBinding/Export.h"

@@ -28,10 +28,11 @@ namespace DataBinding {
 
 class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 1> {
  public:
-  /// Adds a listener, once more if it is known already. Ignores null.
+  /// Adds a listener. It may be added several times, and must then be removed as often. Ignores
+  /// null.
   void AddEventListener(IAppEventListener* listener);
-  /// Removes a listener, one time if it was added several times, and unsubscribes it if it was
-  /// subscribed. Does nothing for a listener that is not known.
+  /// Takes one addition of a listener back, and unsubscribes the listener if it was subscribed.
+  /// Does nothing for a listener that is not known.
   void RemoveEventListener(IAppEventListener* listener);
   /// Initialises and subscribes the waiting listeners, and those that they add meanwhile. Takes no
   /// lock when no listener waits.
@@ -41,8 +42,8 @@ class DATABINDING_API WAppEventRegistrar : public Singleton<WAppEventRegistrar, 
   /// Flushes. The application calls this when it is ready to receive events.
   void RegisterAppEvents();
   /// Unsubscribes the listeners and makes all wait again. When one throws, the listeners behind it
-  /// deliberately stay subscribed, and the exception is dropped. Inside a flush it stops the pass
-  /// that is under way; the next pass of the same flush serves each listener once.
+  /// deliberately stay subscribed, and the exception is dropped. Inside a flush it stops the
+  /// round that is under way; the next round of the same flush serves each listener once.
   void UnregisterAppEvents();
 
  protected:

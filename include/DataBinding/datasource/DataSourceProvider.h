@@ -89,8 +89,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     std::shared_ptr<const std::set<VtrString>> names;
     details::WeakReference liveness;
   };
-  /// Notes what is under way in a provider. A copy of a provider has nothing under way, and a
-  /// provider that another one is assigned to goes on with its own calls.
+  /// Calls records what is under way in a provider. A copy of a provider has nothing under way, and
+  /// a provider that another one is assigned to goes on with its own calls.
   struct Calls {
     Calls() = default;
     Calls(const Calls& /*others*/) noexcept {}
@@ -160,8 +160,8 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   std::set<IDataSourceProvider*> children;
   std::vector<VtrString> categories;
   NameMap<IDataSource*> sourcesByName;
-  /// `addedSources` holds the owned sources by the number of their addition, and `additions` the
-  /// numbers by source.
+  /// `addedSources` leads from the number of an addition to the owned source, and `additions` from
+  /// a source to the numbers of its additions.
   std::map<std::uint64_t, IDataSource*> addedSources;
   std::multimap<IDataSource*, std::uint64_t> additions;
   std::uint64_t lastAddition = 0;

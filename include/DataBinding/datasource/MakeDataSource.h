@@ -64,7 +64,7 @@ template <std::derived_from<DataSourceImpl> T, class... Args>
 /// scope. Returns the source. Null does nothing and returns null. When a listener throws while it
 /// is connected, the scope owns the source all the same; when there is no memory to add the source,
 /// the source ends. A callback that awaits the end of the addition (WhenConnected) may hand the
-/// source on by TakeDataSource and GiveDataSource only, and only if it is a DataSourceImpl.
+/// source on only if it is a DataSourceImpl, and only by TakeDataSource and GiveDataSource.
 template <std::derived_from<IDataSource> T>
 T* GiveDataSource(IDataSourceProvider& scope, DataSourcePtr<T> source) {
   T* const given = source.get();

@@ -37,8 +37,8 @@ class Singleton {
   /// Returns true when there is an instance. Never creates one, and does not wait for a thread that
   /// creates or releases it.
   [[nodiscard]] static bool HasInstance() { return IsInstanceThere(); }
-  /// Deletes the instance, if there is one. `markReleased` is noted, for callers that mean the
-  /// release for good, but GetInstance creates another instance all the same.
+  /// Deletes the instance, if there is one. GetInstance creates another one afterwards, whether
+  /// `markReleased` is set or not; the library keeps the mark and never reads it.
   static void ReleaseInstance(bool markReleased) { EndInstance(markReleased); }
 
  protected:

@@ -149,7 +149,7 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   operator std::basic_string_view<CharT>() const noexcept { return View(*this); }
   /// A string cannot be used as a condition: it converts to a pointer that is never null, so the
   /// condition would always hold. Use IsEmpty. The second deleted conversion makes the implicit one
-  /// to bool ambiguous, and `delete` of a string, too.
+  /// to bool ambiguous. It makes `delete` of a string ambiguous, too.
   ///@{
   explicit operator bool() const = delete;
   operator const void*() const = delete;

@@ -63,8 +63,8 @@ class [[nodiscard]] Subscription {
   explicit operator bool() const noexcept { return static_cast<bool>(unsubscribe); }
 
   /// Returns the state that ends the registration and can also pause it. The result is null if the
-  /// subscription is inert, or was made with a callback of the user's own: if the state of that
-  /// were shared, it would be released too late.
+  /// subscription is inert, or was made with a callback of the user's own, whose callable would be
+  /// kept alive too long if its state were shared.
   [[nodiscard]] details::BindStateBase* GetRegistration() const noexcept {
     auto* const state = unsubscribe.GetBindState();
     return state != nullptr && state->IsRegistration() ? state : nullptr;

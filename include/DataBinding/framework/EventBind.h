@@ -2,9 +2,10 @@
 /// An EventBind is a button's end of an application event. Its path is the event's name.
 ///
 /// Raise raises AppEvent<IDataContext*>(Path()) with the data context that the bind stands in.
-/// Delivery comes later, so the context must live until then, or be told of its end. The
-/// application itself defines `class DataBinding::IDataContext`, once for all its modules. A bind
-/// is used on one thread, that of the provider tree.
+/// Delivery comes later, so the context must live until then, or the application must tell the
+/// event's listeners that it has ended. The application itself defines
+/// `class DataBinding::IDataContext`, once for all its modules. A bind is used on one thread, that
+/// of the provider tree.
 ///
 ///   Framework::EventBind remove(L"", L"", L"RemoveItem");
 ///   remove.Connect(&provider);

@@ -48,8 +48,9 @@ class DATABINDING_API IEventBind : public IBaseBind {
   [[nodiscard]] virtual IDataContext* DataContext() const = 0;
 
   /// Takes over the bind of the data context, and runs the callback with (this, that bind) whenever
-  /// it notifies, but not now. The bind that was set before is ended. A null bind only does that.
-  /// So does a bind that cannot be subscribed to, and the exception that it throws is let out.
+  /// it notifies, but not now. The bind that was set before is ended; a null bind puts none in its
+  /// place. If subscribing to the new bind throws, there is none either, and the exception is let
+  /// out.
   void SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataContext*>> bind,
                           DataContextCallback callback);
 

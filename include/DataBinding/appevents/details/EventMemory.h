@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The memory of raised events.
+/// This header holds where the memory of raised events comes from.
 ///
 /// A thread keeps the memory blocks of events that end on it, up to a bound, for events that it
 /// raises later. A thread that both raises and delivers therefore needs nothing from the heap once

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The record that the process keeps of an application event's name: the name, its signature, and a
-/// number by which a broadcaster finds the listeners in a table.
+/// An EventName is the record that the process keeps of an application event's name: the name, its
+/// signature, and a number by which a broadcaster finds the listeners in a table.
 ///
 /// The process has one record for each name, whichever modules use it. A record is never destroyed
 /// and owns its texts, so it outlives the module that used the name first. Any thread may ask for

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The part of a raised AppEvent that does not depend on its signature: how it is queued, held and
-/// delivered.
+/// NamedEvent is the part of a raised AppEvent that does not depend on its signature: how it is
+/// queued, held and delivered.
 ///
 /// A delivery first subscribes the listeners that wait in WAppEventRegistrar. If the event's name
 /// is disabled, it holds the event. Otherwise it calls the listeners in order of subscription, and
