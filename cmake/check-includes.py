@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Checks who includes whom; prints each violation and exits 1 where it finds any.
 
-- Every subsystem includes only the subsystems that ALLOWED grants it.
+- Every room includes only the rooms that ALLOWED grants it.
 - A public header includes public headers and the C++ standard library.
 - A source or private header includes public headers and the private headers of its own folder.
 - Tests, examples and benchmarks see the public headers only, without those in details/ folders.
@@ -22,7 +22,7 @@ PRIVATE = ROOT / "src"
 TESTS = ("tests", "stress", "fuzz")
 USERS = (*TESTS, "examples", "benchmarks")
 
-# What a subsystem may include beside itself and the headers of COMMON.
+# What a room may include beside itself and the headers of COMMON.
 ALLOWED = {
     "foundation": set(),
     "broadcast": {"foundation"},
@@ -38,7 +38,7 @@ ALLOWED = {
 # their public headers may not.
 ALLOWED_IN_SOURCES = {"datasource": {"registrar"}, "registrar": {"datasource"}}
 
-# Public headers of no subsystem, which everything may include.
+# Public headers of no room, which everything may include.
 COMMON = {"Export.h", "Fwd.h"}
 # The header of everything, which only users of the library include.
 UMBRELLA = "DataBinding.h"
@@ -55,19 +55,19 @@ def report(file, text):
     problems.append(f"{file.relative_to(ROOT)}: {text}")
 
 
-def subsystem(file):
-    """The subsystem of a file of the library: the name of its folder. None right in the top one."""
+def room(file):
+    """The room of a file of the library: the name of its folder. None right in the top one."""
     top = PRIVATE if file.is_relative_to(PRIVATE) else PUBLIC
     parts = file.relative_to(top).parts
     return parts[0] if len(parts) > 1 else None
 
 
 def check_place(file):
-    """Reports a file of the library whose subsystem is not known."""
+    """Reports a file of the library whose room is not known."""
     if file.parent == PUBLIC and file.name in COMMON | {UMBRELLA}:
         return
-    if subsystem(file) not in ALLOWED:
-        report(file, "not in the folder of a known subsystem: move it, or add the subsystem to "
+    if room(file) not in ALLOWED:
+        report(file, "not in the folder of a known room: move it, or add the room to "
                      "ALLOWED of cmake/check-includes.py")
 
 
@@ -99,7 +99,7 @@ def check_layer(file, target):
         return
     if file == PUBLIC / UMBRELLA:
         return
-    own, other = subsystem(file), subsystem(target)
+    own, other = room(file), room(target)
     if own is None and file.name in COMMON:
         report(file, f"includes {target.name}, but everything may include {file.name}")
         return

@@ -2,12 +2,12 @@
 /// A PropertyAnnouncement announces the changed properties of a source, and whatever is computed
 /// from them in any source.
 ///
-/// A property is in one of three places. Its source has *noted* it when it has changed. It is *due*
-/// once an announcement has taken it over. It is in neither place when everything about it has been
-/// told. An announcement first makes due what its source has noted. Then it takes the due property
-/// of the least turn, until none of its own is left. If that property must wait, because a batch is
-/// open on its source or because something that it follows is noted, it is noted again. Otherwise
-/// the properties that follow it are made due, and it is told by UpdateListeners of its source.
+/// A property is noted, due, or neither. Its source has *noted* it when it has changed. It is *due*
+/// once an announcement has taken it over. It is neither when everything about it has been told. An
+/// announcement first makes due what its source has noted. Then it takes the due property of the
+/// least turn, until none of its own is left. If that property must wait, because a batch is open
+/// on its source or because something that it follows is noted, it is noted again. Otherwise the
+/// properties that follow it are made due, and it is told by UpdateListeners of its source.
 ///
 /// 1. Turns are such that a property comes after all that it follows. Properties that were set come
 ///    first, by the order of their changes; then come computed ones, by the order in which they
