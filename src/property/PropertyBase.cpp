@@ -13,7 +13,7 @@
 namespace DataBinding::details {
 
 PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
-    : source(itsSource), filedName(propertyName.Get()) {
+    : source(itsSource), filedName(propertyName.ToString()) {
   // The reference is made now, so that nothing has to be allocated between a change and its
   // notification.
   static_cast<void>(source.GetLiveness());

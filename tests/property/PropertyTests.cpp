@@ -194,5 +194,19 @@ TEST(PropertyNames, UnfitNamesAreRefused) {
   }
 }
 
+TEST(PropertyNames, LiteralsAreOneStringInTheProcessAndOtherTextsAreNot) {
+  const auto text = [](const VtrString& name) { return static_cast<const wchar_t*>(name); };
+  const VtrString made = L"Width";
+  Box first;
+  Box second;
+  const Property<int> third(&first, PropertyName(VtrString(L"Third")));
+  const Property<int> again(&second, PropertyName(VtrString(L"Third")));
+
+  EXPECT_EQ(text(first.Width.Name()), text(second.Width.Name()));
+  EXPECT_NE(text(first.Width.Name()), text(made));
+  EXPECT_NE(text(third.Name()), text(again.Name()));
+  EXPECT_EQ(first.GetDataSourceName(), second.GetDataSourceName());
+}
+
 }  // namespace
 }  // namespace DataBinding

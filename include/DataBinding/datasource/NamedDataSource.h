@@ -15,13 +15,20 @@
 #include "DataBinding/datasource/DataSourceImpl.h"
 #include "DataBinding/datasource/IDataSourceBase.h"
 #include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/details/KeptLiteral.h"
 
 namespace DataBinding {
 
 class DATABINDING_API NamedDataSource : public DataSourceImpl, public IDataSourceBase {
  public:
-  /// Keeps the name as it is given. Providers match it case included.
+  /// Keeps the name as it is given. Providers match it case included. Sources that are given the
+  /// same literal share one string, which is kept until the process ends.
+  ///@{
   explicit NamedDataSource(VtrString name);
+  template <VtrPlatform::details::Literal Text>
+  explicit NamedDataSource(Text& name)
+      : NamedDataSource(VtrPlatform::details::KeptLiteral(VtrStringView(name))) {}
+  ///@}
 
   const wchar_t* GetDataSourceName() override;
   /// Returns this object.

@@ -3,7 +3,8 @@
 /// is not "*" and has no blank at either end, since names are sent in trimmed, comma-separated
 /// lists, which end at a NUL.
 ///
-/// A literal is checked when it is compiled. Any other text is checked when the name is made, which
+/// A literal is checked when it is compiled, and all properties that bear it share one string,
+/// which is kept until the process ends. Any other text is checked when the name is made, which
 /// throws std::invalid_argument for a bad one. The name refers to the text that it was made from.
 ///
 ///   Property<int> size{this, L"Size"};                       // checked by the compiler
@@ -13,11 +14,13 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string_view>
 
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/StringSplit.h"
+#include "DataBinding/foundation/details/KeptLiteral.h"
 
 namespace DataBinding {
 
@@ -25,7 +28,10 @@ class PropertyName {
  public:
   /// Takes a literal, which is checked when it is compiled.
   template <std::size_t Size>
-  consteval PropertyName(const wchar_t (&literal)[Size]) : text(literal, Size - 1) {
+  consteval PropertyName(const wchar_t (&literal)[Size])
+      : text(literal, Size - 1),
+        literalHash(VtrPlatform::details::LiteralHash(text)),
+        isLiteral(true) {
     Check(text);
   }
   /// Takes any other text, which must outlive this object. Throws std::invalid_argument for a text
@@ -41,6 +47,10 @@ class PropertyName {
 
   /// Returns the checked text, in the place that it was made from.
   [[nodiscard]] constexpr std::wstring_view Get() const noexcept { return text; }
+  /// Returns a string of the name, which for a literal is the shared one.
+  [[nodiscard]] VtrString ToString() const {
+    return isLiteral ? VtrPlatform::details::KeptLiteral(text, literalHash) : VtrString(text);
+  }
 
  private:
   static constexpr void Check(std::wstring_view name) {
@@ -58,6 +68,8 @@ class PropertyName {
   }
 
   std::wstring_view text;
+  std::uint32_t literalHash = 0;
+  bool isLiteral = false;
 };
 
 }  // namespace DataBinding

@@ -5,6 +5,9 @@
 /// The count is atomic, so the owners may be on different threads. The characters do not change
 /// once there is a second owner. The hash is computed when it is first asked for. In every
 /// operation here a null pointer stands for the empty string.
+///
+/// A buffer that is kept until the process ends (KeptLiteral.h) is not counted. So threads that
+/// copy the same names do not write to memory that they share.
 #pragma once
 
 #include <atomic>
@@ -19,6 +22,9 @@ namespace VtrPlatform::details {
 
 struct StringBuffer {
   explicit StringBuffer(std::int32_t characters) noexcept : references(1), length(characters) {}
+
+  /// Stands in `references` for a buffer that is never released.
+  static constexpr auto kept = std::uint32_t{1} << 31;
 
   std::atomic<std::uint32_t> references;
   std::int32_t length;
@@ -50,12 +56,18 @@ struct StringBuffer {
     return made;
   }
   static void AddRef(StringBuffer* buffer) noexcept {
-    if (buffer != nullptr) buffer->references.fetch_add(1, std::memory_order_relaxed);
+    if (IsCounted(buffer)) buffer->references.fetch_add(1, std::memory_order_relaxed);
   }
   static void Release(StringBuffer* buffer) noexcept {
-    if (buffer == nullptr || buffer->references.fetch_sub(1, std::memory_order_acq_rel) != 1) {
-      return;
-    }
+    if (!IsCounted(buffer)) return;
+    if (buffer->references.fetch_sub(1, std::memory_order_acq_rel) == 1) Delete(buffer);
+  }
+
+ private:
+  [[nodiscard]] static bool IsCounted(const StringBuffer* buffer) noexcept {
+    return buffer != nullptr && (buffer->references.load(std::memory_order_relaxed) & kept) == 0;
+  }
+  static void Delete(StringBuffer* buffer) noexcept {
     buffer->~StringBuffer();
     ::operator delete(buffer);
   }

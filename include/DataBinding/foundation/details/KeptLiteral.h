@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+/// KeptLiteral keeps the texts of literals, each once in the process.
+///
+/// Thousands of objects of one class bear the same names. They share one string for each, which is
+/// made when its text is first asked for, is never released, and is not counted by its owners. The
+/// characters are the library's own copy, so nothing refers to a plug-in that may be unloaded. What
+/// is kept cannot grow without bound, since only literals may be given: a program has so many of
+/// them. Texts that are made at run time belong into ordinary strings.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/String.h"
+
+namespace VtrPlatform::details {
+
+/// A literal's type is an array of constant characters. A buffer's is not.
+template <class Text>
+concept Literal = std::is_array_v<Text> && std::same_as < std::remove_extent_t<Text>,
+const wchar_t > ;
+
+/// Hashes all characters (FNV-1a), so that the compiler can do it.
+[[nodiscard]] constexpr std::uint32_t LiteralHash(std::wstring_view text) noexcept {
+  std::uint32_t hash = 2166136261U;
+  for (const wchar_t unit : text) hash = (hash ^ static_cast<std::uint32_t>(unit)) * 16777619U;
+  return hash;
+}
+
+/// Returns the string that is kept of a literal with this LiteralHash. May be called on any thread;
+/// allocates only for a new text.
+[[nodiscard]] DATABINDING_API VtrString KeptLiteral(std::wstring_view literal, std::uint32_t hash);
+[[nodiscard]] inline VtrString KeptLiteral(std::wstring_view literal) {
+  return KeptLiteral(literal, LiteralHash(literal));
+}
+
+}  // namespace VtrPlatform::details
