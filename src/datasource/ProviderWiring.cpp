@@ -25,6 +25,7 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
   std::map<std::uint64_t, IDataSource*> addition{{0, source}};
   std::multimap<IDataSource*, std::uint64_t> wayBack{{source, 0}};
   NameMap<IDataSource*> filing;
+  filing.max_load_factor(16);  // so that a single node needs no array of buckets
   ReserveOneMore(sourcesByName, calls.arriving.size());
   calls.arriving.reserve(calls.arriving.size() + 1);
   Change([&] {
@@ -37,7 +38,7 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
     // Listeners may have made this scope build other sources, which are added before this one.
     auto numbered = addition.extract(addition.begin());
     numbered.key() = wayBack.begin()->second = ++lastAddition;
-    addedSources.insert(std::move(numbered));
+    addedSources.insert(addedSources.end(), std::move(numbered));
     additions.merge(wayBack);
     if (calls.built == source) calls.built = nullptr;
     failure.Rethrow();
@@ -85,7 +86,7 @@ void DataSourceProvider::RemoveDataSources(IDataSource* const* sources, std::siz
 
 void DataSourceProvider::DisconnectDataListeners(IDataSource* source) {
   const wchar_t* name = source->GetDataSourceName();
-  if (name == nullptr) return;
+  if (name == nullptr || !waiting.contains(VtrStringView(name))) return;
   const KeptName key(name);
   Change([&] {
     const ScopedValue notifying(calls.notifications, calls.notifications + 1);
