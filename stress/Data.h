@@ -19,6 +19,8 @@ inline constexpr int nameCount = 5;
 /// The properties A, B and C are numbers, E is an event source, * is not declared.
 inline constexpr const wchar_t* propertyNames[] = {L"A", L"B", L"C", L"E", L"*"};
 inline constexpr int propertyCount = 5;
+/// A watch of this number hears any property.
+inline constexpr int anyProperty = propertyCount;
 
 /// Lists of categories as they are written, and a letter for each category that they name.
 struct Categories {
@@ -77,7 +79,7 @@ std::vector<Operation<World>> DataOperations() {
       {"RemoveListener", "p6l4", &World::RemoveListener, 5},
       {"EndListener", "l4", &World::EndListener, 4, Wiring},
       {"MoveListener", "l4l4", &World::MoveListener, 2},
-      {"Watch", "w3s9q5", &World::Watch, 6, Wiring},
+      {"Watch", "w3s9q6", &World::Watch, 6, Wiring},
       {"CancelWatch", "w3", &World::CancelWatch, 5, Wiring},
       {"Announce", "s9a9", &World::Announce, 12, Wiring},
       {"SetProperty", "s9q5v4", &World::SetProperty, 15, Wiring},

@@ -147,7 +147,16 @@ class DataLibrary : public Player<DataLibrary> {
   void Watch(int which, int chosen, int property) {
     auto* const source = Choose(chosen);
     if (source == nullptr) return;
-    watches[At(which)] = source->Register(Callback("called", which), propertyNames[property]);
+    const auto callback = Callback("called", which);
+    if (property != anyProperty) {
+      watches[At(which)] = source->Register(callback, propertyNames[property]);
+      return;
+    }
+    watches[At(which)] = source->RegisterAny([this, callback](const VtrString& name) {
+      Tell("of", static_cast<int>(std::find(propertyNames, propertyNames + propertyCount, name) -
+                                  propertyNames));
+      callback();
+    });
   }
   void CancelWatch(int which, int, int) { watches[At(which)].Cancel(); }
   void Announce(int chosen, int announcement, int) {

@@ -73,8 +73,14 @@ class SourceModel : public Player<DataModel> {
   /// ones do, except those of listeners that have ended.
   void Call(int source, int property) {
     if (!sources.contains(source)) return;
-    for (const auto& each : std::vector(sources[source].listeners[property])) {
+    auto called = sources[source].listeners[property];
+    const auto& any = sources[source].listeners[anyProperty];
+    const std::size_t own = called.size();
+    called.insert(called.end(), any.begin(), any.end());
+    for (std::size_t i = 0; i < called.size(); ++i) {
+      const Registration& each = called[i];
       if (ended.contains(each.callback)) continue;
+      if (i >= own) Tell("of", property);
       try {
         Happen("called", each.which, each.callback, Place::Anywhere);
       } catch (const Thrown&) {
@@ -84,11 +90,13 @@ class SourceModel : public Player<DataModel> {
   void ObserveSources() {
     for (auto& [id, source] : sources) {
       Tell("values", source.values[0] * 10 + source.values[1], source.values[2]);
-      const auto used = [](const auto& each) { return !each.second.empty(); };
+      const auto used = [](const auto& each) {
+        return each.first != anyProperty && !each.second.empty();
+      };
       Tell("listened", id, static_cast<int>(std::ranges::count_if(source.listeners, used)));
       for (int property = 0; property < propertyCount; ++property) {
         const int count = static_cast<int>(source.listeners[property].size());
-        Tell("listeners", count == 0 ? 0 : 1, count);
+        Tell("listeners", count == 0 && source.listeners[anyProperty].empty() ? 0 : 1, count);
       }
     }
   }

@@ -65,6 +65,10 @@ void Resize(Room& room) {
   batch.Commit();  // Width, Length and Area are announced here, once each
 }
 
+Subscription LogChanges(Room& room) {
+  return room.RegisterAny([](const VtrString& name) { std::cout << "changed " << name << '\n'; });
+}
+
 int main() {
   const DataSourcePtr<Room> room = MakeDataSource<Room>(nullptr);
   SetByName(room.get());
@@ -76,6 +80,7 @@ int main() {
       room->Register([&] { std::cout << "now " << *room->area << " m2\n"; }, L"Area");
   Resize(*room);
 
+  const Subscription logged = LogChanges(*room);
   room->name.Set(L"Kitchen");
   std::cout << "renamed " << room->renamed << " time\n";
 }

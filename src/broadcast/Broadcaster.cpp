@@ -38,6 +38,11 @@ Subscription Broadcaster::Register(const RepeatingCallback<void()>& callback,
   return Listeners().Register(callback, property);
 }
 
+Subscription Broadcaster::RegisterAny(
+    const RepeatingCallback<void(const VtrString& property)>& callback) {
+  return Listeners().RegisterAny(callback);
+}
+
 void Broadcaster::UpdateListeners(const VtrString& property) {
   Listeners().UpdateListeners(property);
 }
@@ -74,6 +79,11 @@ Subscription IBroadcaster::RegisterOnce(OneShotCallback<void()> callback,
   return details::CallOnce(std::move(callback), [&](const RepeatingCallback<void()>& once) {
     return Register(once, property);
   });
+}
+
+Subscription IBroadcaster::RegisterAny(
+    const RepeatingCallback<void(const VtrString& property)>& callback) {
+  return broadcaster.RegisterAny(callback);
 }
 
 void IBroadcaster::UpdateListeners(const VtrString& property) {

@@ -108,21 +108,6 @@ void ShowFirst(const VtrString& name, const std::exception_ptr& exception, std::
 
 #endif
 
-/// Calls the step until it returns without an exception.
-struct GuardedStep {
-  void (*step)(void* context);
-  void* context;
-  const VtrString& property;
-
-  static void Run(void* self) {
-    const auto& guarded = *static_cast<GuardedStep*>(self);
-    for (bool done = false; !done;) {
-      CatchAll([&] { guarded.step(guarded.context), done = true; },
-               [&] { details::ReportFailure(guarded.property, std::current_exception()); });
-    }
-  }
-};
-
 }  // namespace
 
 void details::ReportFailure(const VtrString& name, const std::exception_ptr& exception,
@@ -168,11 +153,11 @@ void RunUntrapped(void (*run)(void*), void* context) { run(context); }
 
 #endif
 
-void RunGuarded(void (*step)(void*), void* context, const VtrString& property) {
-  GuardedStep guarded{step, context, property};
-  if (!IsHardwareFaultGuardOn()) return RunUntrapped(&GuardedStep::Run, &guarded);
-  while (const auto code = RunTrapping(&GuardedStep::Run, &guarded)) {
-    ReportFailure(property, nullptr, code);
+void GuardedStep::Run(void* self) {
+  const auto& guarded = *static_cast<GuardedStep*>(self);
+  for (bool done = false; !done;) {
+    CatchAll([&] { guarded.step(guarded.context), done = true; },
+             [&] { ReportFailure(guarded.property, std::current_exception()); });
   }
 }
 

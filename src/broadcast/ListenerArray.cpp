@@ -41,7 +41,7 @@ void ListenerArray::Destroy(ListenerArray* array) {
   ::operator delete(array);
 }
 
-void ListenerArray::Append(std::uint64_t id, const RepeatingCallback<void()>& callback) noexcept {
+void ListenerArray::Append(std::uint64_t id, const RepeatingCallbackBase& callback) noexcept {
   const BindStateBase* state = callback.GetBindState();
   if (state != nullptr) state->AddRef();
   const auto ownLoop = state != nullptr ? state->Loop() : nullptr;
@@ -51,6 +51,14 @@ void ListenerArray::Append(std::uint64_t id, const RepeatingCallback<void()>& ca
   ::new (&Marks()[count]) ListenerMark{id, ListenerMark::never};
   ++count;
   ++live;
+}
+
+void ListenerArray::CallWithName(std::uint32_t position, const VtrString& name) const {
+  const Listener& listener = listeners[position];
+  const Listener::Function run = listener.run.load(std::memory_order_relaxed);
+  if (run == &RunNothing) return;
+  const auto untyped = reinterpret_cast<BindStateBase::InvokeFunction>(run);
+  reinterpret_cast<void (*)(const BindStateBase*, const VtrString&)>(untyped)(listener.state, name);
 }
 
 void ListenerArray::CloseHoles() noexcept {

@@ -60,8 +60,11 @@ class ListenerArray {
   [[nodiscard]] ListenerMark* Marks() const noexcept {
     return reinterpret_cast<ListenerMark*>(listeners + capacity);
   }
-  /// Returns the loop that calls the listeners. If all of them come from one module, it is that
-  /// module's copy, which reaches them faster; otherwise it is the library's.
+  /// Calls the listener at a position with the name that is announced, unless the position is a
+  /// hole or the listener is silenced. For arrays whose listeners take a name.
+  void CallWithName(std::uint32_t position, const VtrString& name) const;
+  /// Returns the loop that calls listeners without a name. If all of them come from one module, it
+  /// is that module's copy, which reaches them faster; otherwise it is the library's.
   [[nodiscard]] BindStateBase::CallLoop Loop() const noexcept { return loop; }
   /// Returns how many positions are in use, holes included.
   [[nodiscard]] std::uint32_t Count() const noexcept { return count; }
@@ -74,7 +77,7 @@ class ListenerArray {
   [[nodiscard]] bool HasRemoved() const noexcept { return removed != 0; }
 
   /// Adds a listener at the end. The array must not be full.
-  void Append(std::uint64_t id, const RepeatingCallback<void()>& callback) noexcept;
+  void Append(std::uint64_t id, const RepeatingCallbackBase& callback) noexcept;
   /// Makes room by closing holes. The array must not be pinned.
   void CloseHoles() noexcept;
   /// Makes a larger array with the same listeners. This array is left empty, unless it is pinned:

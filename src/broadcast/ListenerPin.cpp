@@ -16,20 +16,7 @@ constinit thread_local ListenerPin* innermostWithoutPlace = nullptr;
 
 }  // namespace
 
-void ListenerPin::Take(ListenerArray& pinned, WListenersImpl& itsRegistry,
-                       ReaderRecord* ofThread) noexcept {
-  array = &pinned;
-  registry = &itsRegistry;
-  if (ofThread != nullptr) {
-    for (auto& each : ofThread->pins) {
-      if (each.array.load(std::memory_order_relaxed) != 0) continue;
-      pin = &each;
-      next = &each.next;
-      next->store(0, std::memory_order_release);
-      pin->array.store(reinterpret_cast<std::uintptr_t>(array), std::memory_order_release);
-      return;
-    }
-  }
+void ListenerPin::TakeWithoutPlace() noexcept {
   outer = std::exchange(innermostWithoutPlace, this);
   array->withoutPlace.fetch_add(1, std::memory_order_relaxed);
   registry->ExpectReport(*array);

@@ -30,7 +30,20 @@ class ListenerPin {
 
   /// Pins an array. The caller holds the registry's lock, for reading at least. Pins of one thread
   /// end in the reverse order.
-  void Take(ListenerArray& pinned, WListenersImpl& itsRegistry, ReaderRecord* ofThread) noexcept;
+  void Take(ListenerArray& pinned, WListenersImpl& itsRegistry, ReaderRecord* ofThread) noexcept {
+    array = &pinned;
+    registry = &itsRegistry;
+    if (ofThread == nullptr) return TakeWithoutPlace();
+    for (auto& each : ofThread->pins) {
+      if (each.array.load(std::memory_order_relaxed) != 0) continue;
+      pin = &each;
+      next = &each.next;
+      next->store(0, std::memory_order_release);
+      pin->array.store(reinterpret_cast<std::uintptr_t>(array), std::memory_order_release);
+      return;
+    }
+    TakeWithoutPlace();
+  }
   [[nodiscard]] ListenerArray* Get() const noexcept { return array; }
   /// Returns the position that the run comes to next, to be read and changed.
   [[nodiscard]] std::atomic<std::uint32_t>& Next() noexcept { return *next; }
@@ -49,6 +62,7 @@ class ListenerPin {
                                 bool fenced) noexcept;
 
  private:
+  void TakeWithoutPlace() noexcept;
   void Release() noexcept;
 
   ListenerArray* array = nullptr;

@@ -74,10 +74,11 @@ void PropertyTable::Reserve() {
   capacity = std::exchange(larger.capacity, 0);
 }
 
-std::unique_ptr<PropertyEntry> PropertyTable::Extract(PropertyEntry& entry) noexcept {
+ListenerArrayPtr PropertyTable::Extract(PropertyEntry& entry) noexcept {
   RemoveFromSlot(Probe(entry.Name().GetSamplingHash()), entry);
   --size;
-  return std::unique_ptr<PropertyEntry>(&entry);
+  const std::unique_ptr<PropertyEntry> ended(&entry);
+  return std::move(entry.array);
 }
 
 void PropertyTable::RemoveFromSlot(Slot& slot, PropertyEntry& entry) noexcept {

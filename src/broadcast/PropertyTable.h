@@ -43,8 +43,8 @@ class PropertyTable {
   [[nodiscard]] PropertyEntry* Find(const VtrString& name) const noexcept;
   /// Adds a name that is not in the table yet, with an empty array that has room for one listener.
   PropertyEntry& Insert(const VtrString& name);
-  /// Takes an entry out of the table and gives it to the caller.
-  std::unique_ptr<PropertyEntry> Extract(PropertyEntry& entry) noexcept;
+  /// Takes an entry out of the table, frees it, and gives its array to the caller.
+  ListenerArrayPtr Extract(PropertyEntry& entry) noexcept;
   [[nodiscard]] std::size_t Size() const noexcept { return size; }
 
   template <class Visit>

@@ -4,10 +4,11 @@
 #include "WListenersImpl.h"
 
 #include <array>
+#include <optional>
 #include <utility>
 
+#include "Broadcast.h"
 #include "DataBinding/foundation/details/Registration.h"
-#include "GuardedRun.h"
 #include "ListenerPin.h"
 
 namespace DataBinding::details {
@@ -35,68 +36,49 @@ class PropertyRegistration final : public RegistrationState<PropertyRegistration
   Registered listener;
 };
 
-/// A Broadcast is one run of a property's listeners. It remembers what the array showed when the
-/// run began.
-class Broadcast {
- public:
-  /// The caller holds the registry's lock.
-  void Begin(ListenerArray& array, WListenersImpl& registry, ReaderRecord* record) noexcept {
-    loop = array.Loop();
-    count = array.Count();
-    lastRemoval = array.LastRemoval();
-    skipsRemoved = array.HasRemoved();
-    pin.Take(array, registry, record);
-  }
-  void Run() {
-    if (const ListenerArray* array = pin.Get()) {
-      RunGuarded(skipsRemoved ? &StepOverRemoved : &Step, this, array->Property());
-    }
-  }
-
- private:
-  /// Both steps store the next position before they call a listener, so that a listener which
-  /// throws or faults counts as called. An array without removed listeners needs no look at the
-  /// marks, which makes the first step faster.
-  static void Step(void* context) {
-    auto& self = *static_cast<Broadcast*>(context);
-    auto& next = self.pin.Next();
-    if (next.load(std::memory_order_relaxed) == self.count) return;
-    self.loop(self.pin.Get()->Listeners(), &next, self.count);
-  }
-  static void StepOverRemoved(void* context) {
-    auto& self = *static_cast<Broadcast*>(context);
-    const ListenerArray& array = *self.pin.Get();
-    auto& next = self.pin.Next();
-    for (std::uint32_t i = next.load(std::memory_order_relaxed); i < self.count; ++i) {
-      const auto removal = array.Marks()[i].removal.load(std::memory_order_relaxed);
-      next.store(i, std::memory_order_release);
-      if (removal > self.lastRemoval) self.loop(array.Listeners(), &next, i + 1);
-    }
-  }
-
-  ListenerPin pin;
-  BindStateBase::CallLoop loop = nullptr;
-  std::uint32_t count = 0;
-  std::uint64_t lastRemoval = 0;
-  bool skipsRemoved = false;
-};
-
 }  // namespace
 
 Subscription WListenersImpl::Register(const RepeatingCallback<void()>& callback,
                                       const VtrString& property) {
+  return Add(callback, &property);
+}
+
+Subscription WListenersImpl::RegisterAny(
+    const RepeatingCallback<void(const VtrString&)>& callback) {
+  return Add(callback, nullptr);
+}
+
+/// Registers a callback for a property, or for any property where that is null.
+Subscription WListenersImpl::Add(const RepeatingCallbackBase& callback, const VtrString* property) {
   auto* registration = new PropertyRegistration(*this);
   OneShotCallback<void()> unsubscribe{comlike_ptr<BindStateBase>(registration)};
   ListenerArrayPtr replaced;
   {
     const RegistryWriteLock guard(lock);
-    PropertyEntry* entry = properties.Find(property);
-    if (entry == nullptr) entry = &properties.Insert(property);
-    MakeRoom(*entry, replaced);
-    entry->array->Append(++lastListenerId, callback);
-    registration->Set({entry, lastListenerId});
+    PropertyEntry& entry = EntryOf(property);
+    MakeRoom(entry, replaced);
+    entry.array->Append(++lastListenerId, callback);
+    registration->Set({&entry, lastListenerId});
   }
   return Subscription(std::move(unsubscribe));
+}
+
+/// Returns the entry of a property, or of any property, and makes what it lacks.
+PropertyEntry& WListenersImpl::EntryOf(const VtrString* property) {
+  if (property != nullptr) {
+    PropertyEntry* const entry = properties.Find(*property);
+    return entry != nullptr ? *entry : properties.Insert(*property);
+  }
+  if (any.array == nullptr) any.array.reset(ListenerArray::Make({}, 1));
+  isAnyHeard.store(true, std::memory_order_relaxed);
+  return any;
+}
+
+/// Takes the array of an entry without listeners, which leaves the table.
+ListenerArrayPtr WListenersImpl::TakeArray(PropertyEntry& entry) noexcept {
+  if (&entry != &any) return properties.Extract(entry);
+  isAnyHeard.store(false, std::memory_order_relaxed);
+  return std::move(any.array);
 }
 
 void WListenersImpl::MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) {
@@ -127,8 +109,8 @@ WListenersImpl::Removed WListenersImpl::TakeOut(Registered& listener) noexcept {
     removed.state = entry.array->TakeOut(listener.id);
   }
   if (entry.array->Live() != 0) return removed;
-  removed.entry = properties.Extract(entry);
-  if (running) Retire(removed.entry->array);
+  removed.array = TakeArray(entry);
+  if (running) Retire(removed.array);
   return removed;
 }
 
@@ -222,6 +204,7 @@ void WListenersImpl::Report(ListenerArray& array) noexcept {
 }
 
 void WListenersImpl::UpdateListeners(const VtrString& property) {
+  if (isAnyHeard.load(std::memory_order_relaxed)) return UpdateWithAny(property);
   Broadcast broadcast;
   {
     ReaderRecord* record = ReaderRecord::Current();
@@ -233,7 +216,27 @@ void WListenersImpl::UpdateListeners(const VtrString& property) {
   broadcast.Run();
 }
 
+/// Runs the listeners of a property and then those to any. Both runs begin at once, so that both
+/// show what was registered then. The first one has ended when the second one calls: a thread that
+/// waits for the property's last listener shall not wait for others.
+void WListenersImpl::UpdateWithAny(const VtrString& property) {
+  const VtrString name = property;  // a listener may end the text
+  BroadcastToAny toAny(name);
+  std::optional<Broadcast> broadcast(std::in_place);
+  {
+    ReaderRecord* record = ReaderRecord::Current();
+    const RegistryReadLock guard(lock, record);
+    if (any.array != nullptr) toAny.Begin(*any.array, *this, record);
+    PropertyEntry* entry = properties.Find(name);
+    if (entry != nullptr) broadcast->Begin(*entry->array, *this, record);
+  }
+  broadcast->Run();
+  broadcast.reset();
+  toAny.Run();
+}
+
 bool WListenersImpl::AreListenersAvailable(const VtrString& property) {
+  if (isAnyHeard.load(std::memory_order_relaxed)) return true;
   const RegistryReadLock guard(lock, ReaderRecord::Existing());
   return properties.Find(property) != nullptr;
 }
@@ -263,14 +266,18 @@ void WListenersImpl::DropKeeper() noexcept {
 }
 
 void WListenersImpl::Clear() noexcept {
-  const auto takeAll = [this] {
+  ListenerArrayPtr endedAny;
+  const auto takeAll = [&] {
     const RegistryWriteLock guard(lock);
     // Clang's analysis does not see that the lock is held within the lambda.
-    properties.ForEach([this](PropertyEntry& entry)
-                           DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
-                             if (ListenerPin::HandOver(*entry.array, *this) != 0)
-                               Retire(entry.array);
-                           });
+    const auto retireIfRun = [this](PropertyEntry& entry)
+                                 DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
+                                   if (ListenerPin::HandOver(*entry.array, *this) != 0)
+                                     Retire(entry.array);
+                                 };
+    properties.ForEach(retireIfRun);
+    if (any.array != nullptr) retireIfRun(any);
+    endedAny = std::move(any.array);
     isEmptied = true;
     return std::move(properties);
   };

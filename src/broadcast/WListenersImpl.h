@@ -39,6 +39,7 @@ class WListenersImpl {
   WListenersImpl& operator=(const WListenersImpl&) = delete;
 
   Subscription Register(const RepeatingCallback<void()>& callback, const VtrString& property);
+  Subscription RegisterAny(const RepeatingCallback<void(const VtrString&)>& callback);
   void UpdateListeners(const VtrString& property);
   [[nodiscard]] bool AreListenersAvailable(const VtrString& property);
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property);
@@ -72,7 +73,7 @@ class WListenersImpl {
   /// Holds what a removal leaves to be released after the lock.
   struct Removed {
     comlike_ptr<const BindStateBase> state;
-    std::unique_ptr<PropertyEntry> entry;
+    ListenerArrayPtr array;
   };
   /// A Place is the position of a listener in an array for which a report is expected, so that the
   /// array stays. The array is null if there is nothing to wait for.
@@ -83,6 +84,10 @@ class WListenersImpl {
 
   ~WListenersImpl() = default;
 
+  Subscription Add(const RepeatingCallbackBase& callback, const VtrString* property);
+  void UpdateWithAny(const VtrString& property);
+  PropertyEntry& EntryOf(const VtrString* property) DATABINDING_REQUIRES(lock);
+  ListenerArrayPtr TakeArray(PropertyEntry& entry) noexcept DATABINDING_REQUIRES(lock);
   void MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) DATABINDING_REQUIRES(lock);
   Removed TakeOut(Registered& listener) noexcept DATABINDING_REQUIRES(lock);
   void Retire(ListenerArrayPtr& array) noexcept DATABINDING_REQUIRES(lock);
@@ -100,6 +105,10 @@ class WListenersImpl {
 
   RegistryLock lock;
   PropertyTable properties DATABINDING_GUARDED_BY(lock);
+  /// Holds the listeners to any property, which take its name. The array is null without any.
+  PropertyEntry any DATABINDING_GUARDED_BY(lock);
+  /// This is true while `any` has an array. An announcement looks at it before it takes the lock.
+  std::atomic<bool> isAnyHeard{false};
   std::uint64_t lastListenerId DATABINDING_GUARDED_BY(lock) = 0;
   /// Heads the list of the arrays that no property has any more, but broadcasts still run.
   ListenerArray* retired DATABINDING_GUARDED_BY(lock) = nullptr;

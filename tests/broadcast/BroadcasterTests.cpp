@@ -34,6 +34,54 @@ TEST(Broadcaster, NullCallbackIsCountedThoughItIsSkipped) {
   EXPECT_EQ(notifier.Announce(), "12");
 }
 
+TEST(RegisterAny, HearsEachNameAfterTheListenersOfTheName) {
+  Notifier notifier;
+  auto any = notifier.LogAny('*');
+  const auto own = notifier.Log('1');
+
+  EXPECT_EQ(notifier.Announce(L"A"), "1*A");
+  EXPECT_EQ(notifier.Announce(L"B"), "*B");
+  EXPECT_TRUE(notifier.AreListenersAvailable(L"B"));
+  EXPECT_EQ(notifier.GetNumRegistered(L"A"), 1u);
+  EXPECT_EQ(notifier.GetRegisteredProperties(), std::vector<VtrString>{L"A"});
+
+  any.Cancel();
+  EXPECT_EQ(notifier.Announce(L"A"), "1");
+  EXPECT_FALSE(notifier.AreListenersAvailable(L"B"));
+}
+
+TEST(RegisterAny, ChangesWithinAnAnnouncementActAsThoseOfAName) {
+  Notifier notifier;
+  std::vector<Subscription> any;
+  Subscription awaited;
+  const auto own = notifier.Listen([&] {
+    any.erase(any.begin());
+    awaited.CancelAndWait();
+    for (const char mark : {'x', 'y', 'z'}) any.push_back(notifier.LogAny(mark));
+  });
+  any.push_back(notifier.LogAny('1'));
+  awaited = notifier.LogAny('2');
+  any.push_back(notifier.RegisterAny([](const VtrString&) { throw 3; }));
+  any.push_back(notifier.RegisterAny(nullptr));
+  any.push_back(notifier.LogAny('4'));
+
+  EXPECT_EQ(notifier.Announce(), "1A4A");
+  any.erase(any.begin(), any.begin() + 2);
+  EXPECT_EQ(notifier.Announce(), "4AxAyAzA");
+}
+
+TEST(RegisterAny, NameOutlivesTheAnnouncedTextAndTheBroadcaster) {
+  auto notifier = std::make_unique<Notifier>();
+  auto text = std::make_unique<VtrString>(L"Volume");
+  std::string heard;
+  const auto any = notifier->RegisterAny([&](const VtrString& name) { heard = name.ToUtf8(); });
+  const auto own = notifier->Register([&] { text.reset(), notifier.reset(); }, *text);
+
+  notifier->UpdateListeners(*text);
+
+  EXPECT_EQ(heard, "Volume");
+}
+
 TEST(Broadcaster, CopiesShareTheirListenersUntilTheLastOneGoes) {
   std::optional<Notifier> original(std::in_place);
   const Notifier early(*original);  // there is nothing to share yet

@@ -26,6 +26,11 @@ class Notifier : public IBroadcaster {
   Subscription Log(char mark, const wchar_t* property = L"A") {
     return Register([this, mark] { log += mark; }, property);
   }
+  /// Registers a listener that appends the mark and each announced name to the log.
+  Subscription LogAny(char mark) {
+    return RegisterAny(
+        [this, mark](const VtrString& name) { (log += mark).append(name.ToUtf8()); });
+  }
   /// What an announcement of the property makes the listeners log.
   std::string Announce(const wchar_t* property = L"A") {
     log.clear();

@@ -91,7 +91,8 @@ class Pausing : public testing::Test {
   Notifier notifier;
   CallbackList<> list;
   Event<void()> event;
-  std::array<Subscription, 3> each{notifier.Listen([this] { ++heard; }),
+  std::array<Subscription, 4> each{notifier.RegisterAny([this](const VtrString&) { ++heard; }),
+                                   notifier.Listen([this] { ++heard; }),
                                    list.Add([this] { ++heard; }),
                                    event.Subscribe([this] { ++heard; })};
 };
@@ -101,11 +102,11 @@ TEST_F(Pausing, RegistrationHearsAgainAfterTheLastOfItsPauses) {
     std::optional<PauseListening> outer(subscription);
     {
       const PauseListening inner(subscription);
-      EXPECT_EQ(Announce(), 2);
+      EXPECT_EQ(Announce(), 3);
     }
-    EXPECT_EQ(Announce(), 2);
-    outer.reset();
     EXPECT_EQ(Announce(), 3);
+    outer.reset();
+    EXPECT_EQ(Announce(), 4);
   }
 
   EXPECT_EQ(notifier.GetNumRegistered(L"A"), 1u);
@@ -199,21 +200,27 @@ class Busy {
   std::atomic<bool> mayLeave{false};
 };
 
-/// Whether the registration is one of a list, and whether another came while its callback ran.
-class CancelAndWaitOnThreads : public testing::TestWithParam<std::pair<bool, bool>> {};
+enum class Kind { OfAName, OfAnyName, OfAList };
+
+/// What the registration is, and whether another came while its callback ran.
+class CancelAndWaitOnThreads : public testing::TestWithParam<std::pair<Kind, bool>> {};
 
 TEST_P(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {
-  const bool ofList = GetParam().first;
+  const Kind kind = GetParam().first;
   const bool grows = GetParam().second;
 
   for (int round = 0; round < 100; ++round) {
     Notifier notifier;
     CallbackList<> list;
     Busy busy;
-    auto stays = ofList ? list.Add([&] { busy.Stay(); }) : notifier.Listen([&] { busy.Stay(); });
-    const std::jthread announcing([&] { ofList ? list.Call() : notifier.UpdateListeners(L"A"); });
+    auto stays = kind == Kind::OfAList ? list.Add([&] { busy.Stay(); })
+                 : kind == Kind::OfAName
+                     ? notifier.Listen([&] { busy.Stay(); })
+                     : notifier.RegisterAny([&](const VtrString&) { busy.Stay(); });
+    const std::jthread announcing([&] { list.Call(), notifier.UpdateListeners(L"A"); });
     busy.WaitUntilInside();
-    const auto later = grows ? notifier.Listen([] {}) : Subscription();
+    const std::array later{grows ? notifier.Listen([] {}) : Subscription(),
+                           grows ? notifier.LogAny('n') : Subscription()};
     const std::jthread letting([&] {
       for (int i = 0; i < 50; ++i) std::this_thread::yield();
       busy.mayLeave = true;
@@ -224,8 +231,10 @@ TEST_P(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EachKind, CancelAndWaitOnThreads,
-                         testing::Values(std::pair{false, false}, std::pair{false, true},
-                                         std::pair{true, false}));
+                         testing::Values(std::pair{Kind::OfAName, false},
+                                         std::pair{Kind::OfAName, true},
+                                         std::pair{Kind::OfAnyName, true},
+                                         std::pair{Kind::OfAList, false}));
 
 TEST(CancelAndWait, WaitsAlsoWhenTheCallbackHasEndedTheBroadcaster) {
   auto notifier = std::make_unique<Notifier>();
@@ -268,10 +277,12 @@ TEST(CancelAndWait, DoesNotWaitForAnotherCallbackOfTheProperty) {
   std::atomic<bool> isCalled{false};
   const auto stays = notifier.Listen([&] { busy.Stay(); });
   auto behind = notifier.Listen([&] { isCalled = true; });
+  auto behindAll = notifier.RegisterAny([&](const VtrString&) { isCalled = true; });
   const std::jthread announcing([&] { notifier.UpdateListeners(L"A"); });
 
   busy.WaitUntilInside();
   behind.CancelAndWait();
+  behindAll.CancelAndWait();
 
   EXPECT_TRUE(busy.isInside);
   EXPECT_FALSE(isCalled);

@@ -45,6 +45,18 @@ TEST_F(Sources, MayBeEndedByAListenerWhichDropsTheRestOfTheList) {
   }
 }
 
+TEST_F(Sources, TellAListenerToAnyPropertyEachNameOfAList) {
+  Make();
+  const auto any =
+      source->RegisterAny([this](const VtrString& name) { log += "any " + name.ToUtf8() + " "; });
+  Listen(L"Size");
+
+  source->UpdateListeners(L"Size, Other,Size");
+  EXPECT_EQ(std::exchange(log, {}), "Size any Size any Other Size any Size ");
+  source->UpdateListeners(L"*");
+  EXPECT_EQ(std::exchange(log, {}), "any Alpha Size any Size ");
+}
+
 /// Announces while it is built; its PostConstruct does not call the base.
 class Hasty : public NamedDataSource {
  public:

@@ -38,6 +38,7 @@ class DATABINDING_API Broadcaster {
   ~Broadcaster();
 
   Subscription Register(const RepeatingCallback<void()>& callback, const VtrString& property);
+  Subscription RegisterAny(const RepeatingCallback<void(const VtrString& property)>& callback);
   void UpdateListeners(const VtrString& property);
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property) const;
   [[nodiscard]] bool AreListenersAvailable(const VtrString& property) const;
@@ -84,14 +85,26 @@ class DATABINDING_API IBroadcaster {
   /// Runs the callbacks that are registered for the property. It allocates nothing once the
   /// broadcaster has been used and the thread has announced before.
   virtual void UpdateListeners(const VtrString& property);
-  /// Returns true when a callback is registered for the property.
+  /// Returns true when a callback is registered for the property, or one for any property.
   [[nodiscard]] virtual bool AreListenersAvailable(const VtrString& property) const;
-  /// Returns the properties for which callbacks are registered, in no particular order.
+  /// Returns the properties for which callbacks are registered, in no particular order. A callback
+  /// for any property adds no name.
   [[nodiscard]] virtual std::vector<VtrString> GetRegisteredProperties() const;
 
  protected:
   virtual ~IBroadcaster();
 
+ public:
+  /// Runs the callback with the name of each property that is announced, after the callbacks that
+  /// are registered for this name. A list that a data source announces is heard name by name. In
+  /// everything else such a registration is like one of Register; its cost does not depend on the
+  /// number of names. The name is good until the callback returns, even if an earlier callback has
+  /// ended the announced text. A class whose override of Register registers elsewhere overrides
+  /// this operation, too. It stands last so that the places of the others stay.
+  virtual Subscription RegisterAny(
+      const RepeatingCallback<void(const VtrString& property)>& callback);
+
+ protected:
   /// Returns how many callbacks are registered for exactly this property.
   [[nodiscard]] std::uint64_t GetNumRegistered(const VtrString& property) const;
 
