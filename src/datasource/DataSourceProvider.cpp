@@ -52,7 +52,7 @@ DataSourceProvider::~DataSourceProvider() {
 }
 
 bool DataSourceProvider::HoldsAnything() const noexcept {
-  return !addedSources.empty() || !listeners.empty() || !children.empty();
+  return !additions.empty() || !listeners.empty() || !children.empty();
 }
 
 /// Ends the provider once. A source that ends with the provider may ask for its end once more.
@@ -152,9 +152,9 @@ bool DataSourceProvider::DeleteLocalDataSourceInstance(const wchar_t* name) {
 
 /// Takes every addition of a source off the list of owned sources.
 void DataSourceProvider::ForgetSource(IDataSource* source) {
-  const auto [first, last] = additions.equal_range(source);
-  for (auto addition = first; addition != last; ++addition) addedSources.erase(addition->second);
-  additions.erase(first, last);
+  const auto first = additions.lower_bound({source, 0});
+  const auto isOfOther = [source](const Addition& next) { return next.source != source; };
+  additions.erase(first, std::find_if(first, additions.end(), isOfOther));
 }
 
 void* DataSourceProvider::SetCustomData(const Guid& id, void* value) {
@@ -206,7 +206,7 @@ void DataSourceProvider::WhenConnected(OneShotCallback<void()> callback) {
 /// Ends all sources that are here. A Shutdown within another one leaves the sources of the outer
 /// one to it, which goes on ending them.
 void DataSourceProvider::Shutdown() {
-  ShutDownFrom(addedSources.empty() ? lastAddition + 1 : addedSources.begin()->first);
+  ShutDownFrom(calls.ending.empty() ? 0 : calls.ending.rbegin()->number + 1);
 }
 
 /// Ends the sources whose additions have that number or a later one.
@@ -220,14 +220,14 @@ void DataSourceProvider::ShutDownFrom(std::uint64_t first) {
 void DataSourceProvider::EndAll(std::uint64_t first) {
   const auto alive = GetLiveness();
   FirstFailure failure;
-  calls.ending.merge(addedSources);
-  additions.clear();
+  calls.ending.merge(additions);
   sourcesByName.clear();
-  while (alive.IsValid() && !calls.ending.empty() && calls.ending.rbegin()->first >= first) {
-    const auto last = calls.ending.extract(std::prev(calls.ending.end()));
+  while (alive.IsValid() && !calls.ending.empty() && calls.ending.rbegin()->number >= first) {
+    IDataSource* const last = calls.ending.rbegin()->source;
+    calls.ending.erase(std::prev(calls.ending.end()));
     // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor means this class
-    failure.Try([&] { DisconnectDataListeners(last.mapped()); });
-    failure.Try([&] { IDataSource::Destroy(last.mapped()); });
+    failure.Try([&] { DisconnectDataListeners(last); });
+    failure.Try([&] { IDataSource::Destroy(last); });
   }
   if (alive.IsValid() && !shutDown) {
     failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
@@ -273,11 +273,10 @@ void DataSourceProvider::LeaveTree() {
 
 void DataSourceProvider::VisitDataSources(const std::function<void(IDataSource&)>& visit) const {
   const auto alive = GetLiveness();
-  VisitInOrder(addedSources, [&, last = lastAddition](std::uint64_t number, IDataSource* source) {
-    if (number > last) return false;
-    if (source != calls.leaving) visit(*source);
-    return alive.IsValid();
-  });
+  for (const Addition& next : std::set<Addition, ByNumber>(additions.begin(), additions.end())) {
+    if (additions.contains(next) && next.source != calls.leaving) visit(*next.source);
+    if (!alive.IsValid()) return;
+  }
 }
 
 void DataSourceProvider::VisitChildren(

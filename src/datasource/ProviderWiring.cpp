@@ -22,8 +22,7 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
   assert((calls.notifications == 0 || source == calls.built) &&
          "a listener adds a source while this provider connects it");
   // All that filing needs is made first, so that the source is either taken over or left alone.
-  std::map<std::uint64_t, IDataSource*> addition{{0, source}};
-  std::multimap<IDataSource*, std::uint64_t> wayBack{{source, 0}};
+  std::set<Addition, BySource> addition{{source, 0}};
   NameMap<IDataSource*> filing;
   filing.max_load_factor(16);  // so that a single node needs no array of buckets
   ReserveOneMore(sourcesByName, calls.arriving.size());
@@ -37,9 +36,8 @@ void DataSourceProvider::AddDataSource(IDataSource* source) {
     sourcesByName.merge(filing);
     // Listeners may have made this scope build other sources, which are added before this one.
     auto numbered = addition.extract(addition.begin());
-    numbered.key() = wayBack.begin()->second = ++lastAddition;
-    addedSources.insert(addedSources.end(), std::move(numbered));
-    additions.merge(wayBack);
+    numbered.value().number = ++lastAddition;
+    additions.insert(std::move(numbered));
     if (calls.built == source) calls.built = nullptr;
     failure.Rethrow();
   });

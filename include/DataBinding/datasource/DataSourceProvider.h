@@ -89,6 +89,23 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     std::shared_ptr<const std::set<VtrString>> names;
     details::WeakReference liveness;
   };
+  /// An Addition says that a source was added. Additions are numbered in their order, and a source
+  /// may be added several times.
+  struct Addition {
+    IDataSource* source;
+    std::uint64_t number;
+  };
+  struct BySource {
+    bool operator()(const Addition& left, const Addition& right) const noexcept {
+      if (left.source == right.source) return left.number < right.number;
+      return std::less<>()(left.source, right.source);
+    }
+  };
+  struct ByNumber {
+    bool operator()(const Addition& left, const Addition& right) const noexcept {
+      return left.number < right.number;
+    }
+  };
   /// Calls records what is under way in a provider. A copy of a provider has nothing under way, and
   /// a provider that another one is assigned to goes on with its own calls.
   struct Calls {
@@ -114,7 +131,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     std::vector<VtrStringView> arriving;
     /// A Shutdown has yet to end the sources in `ending`, and has yet to tell the listeners in
     /// `untold`.
-    std::map<std::uint64_t, IDataSource*> ending;
+    std::set<Addition, ByNumber> ending;
     std::map<IDataListener*, ListenerEntry> untold;
     std::vector<OneShotCallback<void()>> awaiting;
   };
@@ -160,10 +177,9 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   std::set<IDataSourceProvider*> children;
   std::vector<VtrString> categories;
   NameMap<IDataSource*> sourcesByName;
-  /// `addedSources` leads from the number of an addition to the owned source, and `additions` from
-  /// a source to the numbers of its additions.
-  std::map<std::uint64_t, IDataSource*> addedSources;
-  std::multimap<IDataSource*, std::uint64_t> additions;
+  /// Holds the owned sources by address, so that one is taken off without looking at the others. A
+  /// shutdown brings them into the order in which they were added.
+  std::set<Addition, BySource> additions;
   std::uint64_t lastAddition = 0;
   std::map<Guid, void*> customData;
   std::map<IDataListener*, ListenerEntry> listeners;
