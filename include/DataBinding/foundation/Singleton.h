@@ -64,7 +64,8 @@ class Singleton {
 
   static T& ObtainInstance() {
     SingletonData* data = GetSingletonData(true);
-    T* instance = CreateSingletonData(*data);
+    T* instance = data->instance.load(std::memory_order_acquire);
+    if (instance == nullptr) instance = CreateSingletonData(*data);
     if (instance == nullptr) throw std::bad_alloc();
     return *instance;
   }
@@ -95,6 +96,12 @@ class Singleton {
   }
 
   static SingletonData* GetSingletonData(bool create) {
+    const SingletonLibrary* const entry = ModuleCache().entry.load(std::memory_order_acquire);
+    void* const data = entry == nullptr ? nullptr : entry->data.load(std::memory_order_acquire);
+    return data == nullptr ? FindSingletonData(create) : static_cast<SingletonData*>(data);
+  }
+  /// Asks the library for the entry. Gives null if there is no data and none is to be made.
+  static SingletonData* FindSingletonData(bool create) {
     Cache& cache = ModuleCache();
     static const bool prepared = PrepareReset();
     static_cast<void>(prepared);
@@ -150,10 +157,8 @@ class Singleton {
   }
 
   static T* CreateSingletonData(SingletonData& data) {
-    T* instance = data.instance.load(std::memory_order_acquire);
-    if (instance != nullptr) return instance;
     const WriteLock guard(data.lock);
-    instance = data.instance.load(std::memory_order_relaxed);
+    T* instance = data.instance.load(std::memory_order_relaxed);
     if (instance != nullptr) return instance;
     instance = CreateInstance();
     if (instance == nullptr) return nullptr;
