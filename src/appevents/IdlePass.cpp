@@ -65,7 +65,7 @@ IdlePass*& NewestPass() noexcept {
 IdlePass::IdlePass(RepeatingCallback<void()> wake)
     : state(std::make_shared<State>(std::move(wake))),
       installed([shared = state] { shared->Request(); }),
-      former(AEB::UpdatePolicy::UpdateUICallback()) {
+      former(AEB::UpdatePolicy::GetUpdateUICallback()) {
   if (IsAnythingToDo()) state->Request();  // first, since it may throw: nothing is installed yet
   nextPass = std::exchange(NewestPass(), this);
   AEB::UpdatePolicy::SetUpdateUICallback(installed);
@@ -84,22 +84,18 @@ IdlePass::~IdlePass() {
     link = &(*link)->nextPass;
   }
   if (*link == this) *link = nextPass;
-  if (!isMine(AEB::UpdatePolicy::UpdateUICallback())) return;
+  if (!isMine(AEB::UpdatePolicy::GetUpdateUICallback())) return;
   AEB::UpdatePolicy::SetUpdateUICallback(former);
   FirstFailure dropped;
   if (IsAnythingToDo()) dropped.Try([this] { former(); });
 }
 
-void IdlePass::Run() {
-  Deliver([](IAppEventBroadcaster& events) { events.DispatchPendingEvents(); });
-}
+void IdlePass::Run() { Deliver(std::nullopt); }
 
-void IdlePass::RunFor(std::chrono::nanoseconds budget) {
-  Deliver([budget](IAppEventBroadcaster& events) { events.DispatchPendingEventsFor(budget); });
-}
+void IdlePass::RunFor(std::chrono::nanoseconds budget) { Deliver(budget); }
 
-template <class Dispatch>
-void IdlePass::Deliver(Dispatch dispatch) {
+/// Without a budget it delivers all that is queued.
+void IdlePass::Deliver(std::optional<std::chrono::nanoseconds> budget) {
   const auto keep = state;  // a listener may end the pass
   keep->Begin();
   if (!IAppEventBroadcaster::HasInstance()) return;
@@ -107,7 +103,7 @@ void IdlePass::Deliver(Dispatch dispatch) {
   if (!IsAnythingToDo(events)) return;
   const auto alive = events.GetWeakPtr();
   try {
-    dispatch(events);
+    budget ? events.DispatchPendingEventsFor(*budget) : events.DispatchPendingEvents();
   } catch (...) {
     if (alive && IsAnythingToDo(events)) keep->Request();
     throw;

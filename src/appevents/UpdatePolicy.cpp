@@ -5,11 +5,13 @@
 
 namespace DataBinding::AEB {
 
+namespace {
 /// The callback is never destroyed, because threads may raise events while the process ends.
-RepeatingCallback<void()>& UpdatePolicy::UpdateUICallback() {
+RepeatingCallback<void()>& UpdateUICallback() {
   static auto* callback = new RepeatingCallback<void()>;
   return *callback;
 }
+}  // namespace
 
 void UpdatePolicy::PreNotify() { WAppEventRegistrar::GetInstance().FlushDelayInitList(); }
 
@@ -21,5 +23,7 @@ bool UpdatePolicy::PostUpdate() {
 void UpdatePolicy::SetUpdateUICallback(const RepeatingCallback<void()>& callback) {
   UpdateUICallback() = callback;
 }
+
+const RepeatingCallback<void()>& UpdatePolicy::GetUpdateUICallback() { return UpdateUICallback(); }
 
 }  // namespace DataBinding::AEB

@@ -17,6 +17,7 @@
 #include <chrono>
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/Callback.h"
@@ -50,8 +51,7 @@ class DATABINDING_API IdlePass {
 
  private:
   class State;
-  template <class Dispatch>
-  void Deliver(Dispatch dispatch);
+  void Deliver(std::optional<std::chrono::nanoseconds> budget);
 
   std::shared_ptr<State> state;
   RepeatingCallback<void()> installed;

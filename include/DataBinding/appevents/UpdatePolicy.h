@@ -10,10 +10,6 @@
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/Callback.h"
 
-namespace DataBinding {
-class IdlePass;
-}  // namespace DataBinding
-
 namespace DataBinding::AEB {
 
 struct DATABINDING_API UpdatePolicy {
@@ -27,13 +23,11 @@ struct DATABINDING_API UpdatePolicy {
   /// Replaces the UpdateUI callback, for all broadcasters. It runs on the threads that raise
   /// events.
   static void SetUpdateUICallback(const RepeatingCallback<void()>& callback);
+  /// The UpdateUI callback, which is null until one is set.
+  [[nodiscard]] static const RepeatingCallback<void()>& GetUpdateUICallback();
 
   /// The number that SetMessage stored; 0 before.
   unsigned int message = 0;
-
- private:
-  friend class DataBinding::IdlePass;
-  static RepeatingCallback<void()>& UpdateUICallback();
 };
 
 }  // namespace DataBinding::AEB
