@@ -13,10 +13,10 @@ namespace DataBinding::details {
 
 /// The table of all names. It is never destroyed, because events may be raised while the process
 /// ends.
-class EventNames {
+class EventName::Table {
  public:
-  static EventNames& Get() {
-    static auto* names = new EventNames;
+  static Table& Get() {
+    static auto* names = new Table;
     return *names;
   }
 
@@ -66,13 +66,13 @@ class EventNames {
 };
 
 const EventName& EventName::Find(VtrStringView name, const std::type_info& signature) {
-  return EventNames::Get().Find(name, signature);
+  return Table::Get().Find(name, signature);
 }
 
 void EventName::Check(VtrStringView name, const std::type_info& signature) {
-  EventNames::Get().Check(name, signature);
+  Table::Get().Check(name, signature);
 }
 
-const wchar_t* EventName::Intern(VtrStringView name) { return EventNames::Get().Intern(name); }
+const wchar_t* EventName::Intern(VtrStringView name) { return Table::Get().Intern(name); }
 
 }  // namespace DataBinding::details

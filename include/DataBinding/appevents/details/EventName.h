@@ -38,7 +38,8 @@ class DATABINDING_API EventName {
   [[nodiscard]] std::size_t Number() const noexcept { return number; }
 
  private:
-  friend class EventNames;
+  class Table;
+
   EventName(VtrStringView name, std::size_t count)
       : text(name), hash(std::hash<VtrString>()(text)), number(count) {}
 
