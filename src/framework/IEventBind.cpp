@@ -13,21 +13,21 @@ namespace DataBinding::Framework {
 /// so that the event bind may be given another one, or end, inside the call.
 class IEventBind::Run {
  public:
-  explicit Run(IEventBind& bind)
-      : owner(&bind), outer(bind.running), subject(bind.dataContextBind.get()) {
+  explicit Run(IEventBind& ofBind)
+      : bind(&ofBind), outer(ofBind.running), subject(ofBind.dataContextBind.get()) {
     ReserveRetired(this);
-    callback = std::move(bind.dataContextCallback);
-    bind.running = this;
+    callback = std::move(ofBind.dataContextCallback);
+    ofBind.running = this;
   }
   Run(const Run&) = delete;
   Run& operator=(const Run&) = delete;
   ~Run() {
-    if (owner == nullptr) return;
-    owner->running = outer;
-    if (!isReplaced) owner->dataContextCallback = std::move(callback);
+    if (bind == nullptr) return;
+    bind->running = outer;
+    if (!isReplaced) bind->dataContextCallback = std::move(callback);
   }
 
-  void Call() { callback(owner, subject); }
+  void Call() { callback(bind, subject); }
   [[nodiscard]] bool IsReplaced() const noexcept { return isReplaced; }
 
   /// Makes room to retire one more bind.
@@ -45,8 +45,8 @@ class IEventBind::Run {
       run->Outermost().retired.push_back(std::move(replaced));
     }
   }
-  static void ForgetOwner(Run* innermost) noexcept {
-    for (Run* run = innermost; run != nullptr; run = run->outer) run->owner = nullptr;
+  static void ForgetBind(Run* innermost) noexcept {
+    for (Run* run = innermost; run != nullptr; run = run->outer) run->bind = nullptr;
   }
 
  private:
@@ -64,7 +64,7 @@ class IEventBind::Run {
     }
   };
 
-  IEventBind* owner;
+  IEventBind* bind;
   Run* outer;
   IDataBind<IDataContext*>* subject;
   bool isReplaced = false;
@@ -79,7 +79,7 @@ IEventBind::IEventBind(const VtrStringT<wchar_t>& context, const VtrStringT<wcha
 
 IEventBind::~IEventBind() {
   EndDataContextBind();
-  Run::ForgetOwner(running);
+  Run::ForgetBind(running);
 }
 
 BindTypeEnum IEventBind::BindType() const { return BindTypeEnum::Event; }
