@@ -28,9 +28,9 @@ class EventLibrary : public Player<EventLibrary> {
   void Raise(int event, int latest, int) {
     latest != 0 ? events[event].RaiseLatest(++lastValue) : events[event].Raise(++lastValue);
   }
-  void RaiseOwn(int event, int owner, int latest) {
+  void RaiseOwn(int event, int origin, int latest) {
     Broadcaster().QueueEvent(events[event].Name(),
-                             std::make_shared<OwnEvent>(*this, event, KeyOf(owner)), latest != 0);
+                             std::make_shared<OwnEvent>(*this, event, KeyOf(origin)), latest != 0);
   }
   void Send(int event, int, int) { events[event].Send(++lastValue); }
   void Dispatch(int, int, int) { Broadcaster().DispatchPendingEvents(); }
@@ -88,9 +88,9 @@ class EventLibrary : public Player<EventLibrary> {
     Tell("unhooked", Broadcaster().UnregisterEventHook(spies[At(slot)].id) ? 1 : 0);
   }
   void DropEvents(int event, int, int) { Broadcaster().DropEvents(events[event].Name()); }
-  void DropOwner(int owner, int, int) {
-    Broadcaster().DropOwner(KeyOf(owner));
-    Tell("unhooked", Broadcaster().UnregisterEventHooks(KeyOf(owner)));
+  void DropEventsFrom(int origin, int, int) {
+    Broadcaster().DropEventsFrom(KeyOf(origin));
+    Tell("unhooked", Broadcaster().UnregisterEventHooks(KeyOf(origin)));
   }
   void SetHandler(int on, int, int) {
     if (on == 0) return Broadcaster().SetErrorHandler(nullptr);
@@ -184,8 +184,8 @@ class EventLibrary : public Player<EventLibrary> {
   };
 
   static IAppEventBroadcaster& Broadcaster() { return IAppEventBroadcaster::GetInstance(); }
-  [[nodiscard]] const void* KeyOf(int owner) const {
-    return owner == 2 ? ThisModule() : &owners[owner];
+  [[nodiscard]] const void* KeyOf(int origin) const {
+    return origin == 2 ? ThisModule() : &origins[origin];
   }
   static int NumberOf(const VtrString& name) {
     int number = 0;
@@ -195,7 +195,7 @@ class EventLibrary : public Player<EventLibrary> {
 
   static inline const AppEvent<int> events[eventCount] = {
       AppEvent<int>(L"Zero"), AppEvent<int>(L"Zone"), AppEvent<int>(L"Zoom")};
-  char owners[ownerCount] = {};
+  char origins[originCount] = {};
   Spy spies[hookCount] = {{this, 0}, {this, 1}, {this, 2}};
   std::array<Subscription, subscriptionCount> subscriptions;
   std::array<std::unique_ptr<Listener>, appListenerCount> listeners;

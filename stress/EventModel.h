@@ -25,8 +25,8 @@ class EventModel : public Player<EventModel> {
     Release(0, 0, 0);
   }
   void Raise(int event, int latest, int) { Queue({event, ++lastValue}, latest != 0); }
-  void RaiseOwn(int event, int owner, int latest) {
-    Queue({event, ++lastValue, owner, true}, latest != 0);
+  void RaiseOwn(int event, int origin, int latest) {
+    Queue({event, ++lastValue, origin, true}, latest != 0);
   }
   void Send(int event, int, int) { DeliverNow(Obtain(), {event, ++lastValue}); }
   void Dispatch(int, int, int) { DispatchAll(Obtain()); }
@@ -105,10 +105,10 @@ class EventModel : public Player<EventModel> {
   void DropEvents(int event, int, int) {
     Drop([event](const Event& each) { return each.name == event; });
   }
-  void DropOwner(int owner, int, int) {
-    Drop([owner](const Event& each) { return each.owner == owner; });
-    const auto isOwned = [owner](const auto& hook) { return hook.second % 2 == owner; };
-    Tell("unhooked", static_cast<int>(std::erase_if(current->hooks, isOwned)));
+  void DropEventsFrom(int origin, int, int) {
+    Drop([origin](const Event& each) { return each.origin == origin; });
+    const auto isFromThere = [origin](const auto& hook) { return hook.second % 2 == origin; };
+    Tell("unhooked", static_cast<int>(std::erase_if(current->hooks, isFromThere)));
   }
   void SetHandler(int on, int, int) { Obtain()->hasHandler = on != 0; }
   void TakeFailure(int, int, int) {
@@ -135,7 +135,7 @@ class EventModel : public Player<EventModel> {
   struct Event {
     int name;
     int value;
-    int owner = 2;
+    int origin = 2;
     bool isOwnKind = false;
     bool isDropped = false;
   };

@@ -14,7 +14,7 @@ inline constexpr int subscriptionCount = 5;
 inline constexpr int appListenerCount = 3;
 inline constexpr int holdCount = 2;
 inline constexpr int hookCount = 3;
-inline constexpr int ownerCount = 3;  // the last is the module that raises the typed events
+inline constexpr int originCount = 3;  // the last is the module that raises the typed events
 
 template <class World>
 std::vector<Operation<World>> EventOperations() {
@@ -42,7 +42,7 @@ std::vector<Operation<World>> EventOperations() {
       {"AddHook", "k3", &World::AddHook, 4},
       {"RemoveHook", "k3", &World::RemoveHook, 2},
       {"DropEvents", "e3", &World::DropEvents, 2},
-      {"DropOwner", "o3", &World::DropOwner, 2},
+      {"DropEventsFrom", "o3", &World::DropEventsFrom, 2},
       {"SetHandler", "b2", &World::SetHandler, 2},
       {"TakeFailure", "", &World::TakeFailure},
       {"Release", "", &World::Release},

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // This file holds the engine of application events, in this order: its end; disabling, holding and
-// enabling names; cleanup callbacks; delivery of the queue, whole or within a budget of time;
-// queueing; dropping events; failures of listeners; the listeners of each name; and the helpers
-// with which events of an application's own kinds deliver themselves.
+// enabling names; cleanup callbacks; delivery of the queue, whole or within a budget of time, and of
+// one event; queueing; dropping events; failures of listeners; the listeners of each name; and the
+// helpers with which events of an application's own kinds deliver themselves.
 #include "DataBinding/appevents/EventBroadcaster.h"
 
 #include <utility>
@@ -73,7 +73,7 @@ void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, boo
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);
   const auto held = heldEvents.extract(name);
-  if (fireHeldEvent && !held.empty()) Deliver(held.mapped());
+  if (fireHeldEvent && !held.empty()) SendEvent(held.mapped());
 }
 
 /// Holds an event of a disabled name. The older event ends after the new one is in its place, since
@@ -92,13 +92,20 @@ void EventBroadcaster<Update, Threading>::BeginHold(const VtrString& name) {
 }
 
 template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name, bool fireHeldEvent) {
+void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name,
+                                                  bool fireHeldEvent) noexcept {
   {
     const details::OneThreadVisit visit(pendingEvents->delivering);
     const auto held = holdCounts.find(name);
     if (--held->second == 0) holdCounts.erase(held);
   }
-  UndoDisable(name, fireHeldEvent);
+  const auto alive = GetWeakPtr();
+  try {
+    UndoDisable(name, fireHeldEvent);
+  } catch (...) {
+    if (alive) ReportFailure(name);
+    if (alive && !IsDelivering() && HasFailure()) AskForPass();
+  }
 }
 
 template <class Update, class Threading>
@@ -110,7 +117,7 @@ template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
   const auto alive = GetWeakPtr();
   FirstFailure failed;  // events of an application's own kinds may throw
-  VisitInOrder(knownEvents, [&](const VtrString& name, const auto* /*channel*/) {
+  VisitInOrder(knownEvents, [&](const VtrString& name, const auto* /*known*/) {
     failed.Try([&] { EnableEvent(name, fireHeldEvent); });
     return alive.IsValid();
   });
@@ -121,7 +128,7 @@ template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DisableAllEvents() {
   // Counted in a copy: if memory runs out on the way, no name is disabled rather than some.
   auto disabled = disabledEvents;
-  for (const auto& [name, channel] : knownEvents) ++disabled[name];
+  for (const auto& [name, known] : knownEvents) ++disabled[name];
   disabledEvents.swap(disabled);
 }
 
@@ -192,7 +199,8 @@ auto EventBroadcaster<Update, Threading>::TakeFirst(std::uint32_t pass) -> Event
 }
 
 template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::Deliver(const EventPtr& event) {
+void EventBroadcaster<Update, Threading>::SendEvent(const EventPtr& event) {
+  if (event == nullptr) return;
   const auto alive = GetWeakPtr();
   const bool hadFailure = HasFailure();
   details::DeliveryScope(*this).Dispatch(event);
@@ -211,20 +219,8 @@ template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::NotifyListenersOnIdleImpl(const VtrString& name,
                                                                     bool replaceLast,
                                                                     EventPtr event) {
-  if (event != nullptr) Append(name, replaceLast, std::move(event));
-}
-
-template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::QueueNamed(const details::EventName& name,
-                                                     bool replaceLast, EventPtr&& event) {
-  Append(name, replaceLast, std::move(event));
-}
-
-template <class Update, class Threading>
-template <class Name>
-inline void EventBroadcaster<Update, Threading>::Append(const Name& name, bool replaceLast,
-                                                        EventPtr&& event) {
-  const std::uint64_t hash = replaceLast ? details::PendingEvents::Hash(name) : 0;
+  if (event == nullptr) return;
+  const std::uint64_t hash = replaceLast ? details::PendingEvents::Hash(name, *event) : 0;
   EventPtr replaced;
   {
     const QueueLock guard(threadingPolicy);
@@ -246,12 +242,6 @@ inline void EventBroadcaster<Update, Threading>::Append(const Name& name, bool r
 }
 
 template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::QueueEvent(const VtrString& name, EventPtr event,
-                                                     bool replaceLast) {
-  NotifyListenersOnIdleImpl(name, replaceLast, std::move(event));
-}
-
-template <class Update, class Threading>
 bool EventBroadcaster<Update, Threading>::HasPendingEvents() const noexcept {
   return anyPending.load(std::memory_order_acquire);
 }
@@ -267,9 +257,11 @@ void EventBroadcaster<Update, Threading>::DropEvents(const VtrString& name) {
 }
 
 template <class Update, class Threading>
-void EventBroadcaster<Update, Threading>::DropOwner(const void* owner) {
-  if (owner == nullptr) return;
-  Drop([owner](const VtrString&, const PendingEventBase& event) { return event.Owner() == owner; });
+void EventBroadcaster<Update, Threading>::DropEventsFrom(const void* origin) {
+  if (origin == nullptr) return;
+  Drop([origin](const VtrString&, const PendingEventBase& event) {
+    return event.Origin() == origin;
+  });
 }
 
 /// Takes out all events that match before it ends the first of them, because the destructor of an
@@ -323,17 +315,26 @@ DATABINDING_CATCHES_CANCELLATION void EventBroadcaster<Update, Threading>::Repor
 }
 
 template <class Update, class Threading>
-details::EventChannel& EventBroadcaster<Update, Threading>::Channel(
-    const details::EventName& name) {
+CallbackListBase* EventBroadcaster<Update, Threading>::FindListeners(
+    const details::EventName& name) const noexcept {
+  return name.Number() < listeners.size() ? listeners[name.Number()].get() : nullptr;
+}
+
+template <class Update, class Threading>
+CallbackListBase& EventBroadcaster<Update, Threading>::Listeners(const details::EventName& name) {
   const details::OneThreadVisit visit(pendingEvents->delivering);
-  if (channels.size() <= name.Number()) channels.resize(name.Number() + 1);
-  auto& channel = channels[name.Number()];
-  if (channel == nullptr) {
-    auto made = std::make_unique<details::EventChannel>();
-    knownEvents[name.Text()] = made.get();
-    channel = std::move(made);
-  }
-  return *channel;
+  CallbackListBase* const found = FindListeners(name);
+  return found == nullptr ? AddListeners(name) : *found;
+}
+
+template <class Update, class Threading>
+CallbackListBase& EventBroadcaster<Update, Threading>::AddListeners(
+    const details::EventName& name) {
+  if (listeners.size() <= name.Number()) listeners.resize(name.Number() + 1);
+  auto made = std::make_unique<CallbackListBase>();
+  knownEvents[name.Text()] = made.get();
+  listeners[name.Number()] = std::move(made);
+  return *listeners[name.Number()];
 }
 
 template <class Update, class Threading>

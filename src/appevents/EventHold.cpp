@@ -7,7 +7,7 @@ namespace DataBinding {
 
 EventHold::EventHold(const VtrString& eventName)
     : name(eventName), broadcaster(IAppEventBroadcaster::GetInstance().GetWeakPtr()) {
-  static_cast<PolicyEventBroadcaster&>(*broadcaster).BeginHold(name);
+  broadcaster->BeginHold(name);
 }
 
 EventHold::EventHold(EventHold&& other) noexcept
@@ -26,16 +26,7 @@ EventHold& EventHold::operator=(EventHold&& other) noexcept {
 }
 
 EventHold::~EventHold() {
-  if (!broadcaster) return;
-  try {
-    broadcaster->EndHold(name, firesAtEnd);
-  } catch (...) {
-    if (!broadcaster) return;
-    broadcaster->ReportFailure(name);
-    if (broadcaster && !broadcaster->IsDelivering() && broadcaster->HasFailure()) {
-      broadcaster->AskForPass();
-    }
-  }
+  if (broadcaster) broadcaster->EndHold(name, firesAtEnd);
 }
 
 }  // namespace DataBinding

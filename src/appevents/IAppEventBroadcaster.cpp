@@ -13,8 +13,8 @@ IAppEventBroadcaster::IAppEventBroadcaster() = default;
 /// hooks.
 IAppEventBroadcaster::~IAppEventBroadcaster() { const auto ended = std::exchange(eventHooks, {}); }
 
-int IAppEventBroadcaster::RegisterEventHook(EventHook hook, const void* owner) {
-  eventHooks.insert_or_assign(nextHookId, Hook{hook, owner});
+int IAppEventBroadcaster::RegisterEventHook(EventHook hook, const void* origin) {
+  eventHooks.insert_or_assign(nextHookId, Hook{hook, origin});
   return nextHookId++;
 }
 
@@ -30,10 +30,10 @@ Subscription IAppEventBroadcaster::AddEventHook(const EventHookCallback& hook) {
   return added;
 }
 
-int IAppEventBroadcaster::UnregisterEventHooks(const void* owner) {
-  if (owner == nullptr) return 0;
-  return static_cast<int>(
-      std::erase_if(eventHooks, [owner](const auto& hook) { return hook.second.owner == owner; }));
+int IAppEventBroadcaster::UnregisterEventHooks(const void* origin) {
+  if (origin == nullptr) return 0;
+  return static_cast<int>(std::erase_if(
+      eventHooks, [origin](const auto& hook) { return hook.second.origin == origin; }));
 }
 
 bool IAppEventBroadcaster::AnyEventHooksRegistered() const { return !eventHooks.empty(); }

@@ -29,11 +29,8 @@ PendingEvents::EventPtr PendingEvents::TakeFirst(std::uint32_t ofPass) noexcept 
 }
 
 void PendingEvents::Take(Batch& batch) noexcept {
-  entries.swap(batch.entries);
-  batch.first = std::exchange(first, none);
-  batch.rest = batch.entries.data() + indexed;
-  batch.end = batch.entries.data() + batch.entries.size();
-  last = none;
+  batch.Fill(entries, first, indexed);
+  first = last = none;
   events = 0;
   ClearIndex();
 }
@@ -76,13 +73,26 @@ std::uint32_t PendingEvents::FindLast(const VtrString& name, std::uint64_t hash)
   return found == none || entries[found].event == nullptr ? none : found;
 }
 
+PendingEvents::EventPtr PendingEvents::Replace(const VtrString& name, std::uint64_t hash,
+                                               EventPtr&& event) {
+  const std::uint32_t found = FindLast(name, hash);
+  if (found == none) {
+    Append(name, std::move(event));
+    return nullptr;
+  }
+  Unlink(found);
+  Link(found);
+  entries[found].pass = pass;
+  return std::exchange(entries[found].event, std::move(event));
+}
+
 /// Enters the entries that were appended since the index was last used.
 void PendingEvents::IndexRest() {
   if (entries.size() >= none) throw std::length_error("vector too long");
   for (; indexed < entries.size(); ++indexed) {
     if ((names + 1) * 2 > newest.size()) GrowIndex();
     Entry& entry = entries[indexed];
-    const std::uint64_t hash = Hash(entry.Name());
+    const std::uint64_t hash = Hash(entry.Name(), *entry.event);
     entry.hash = static_cast<std::uint32_t>(hash);
     std::uint32_t& place = Slot(entry.Name(), hash);
     if (place == none) ++names;

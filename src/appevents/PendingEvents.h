@@ -33,20 +33,20 @@ namespace DataBinding::details {
 class PendingEvents {
  public:
   using EventPtr = std::shared_ptr<PendingEventBase>;
-  class Entry;
+  struct Entry;
   class Batch;
 
-  [[nodiscard]] static std::uint64_t Hash(const VtrString& name) noexcept {
-    return std::hash<VtrString>()(name);
+  /// The hash of an event's name, which Replace needs. It is computed outside the lock.
+  [[nodiscard]] static std::uint64_t Hash(const VtrString& name,
+                                          const PendingEventBase& event) noexcept {
+    const EventName* const known = event.KnownName();
+    return known == nullptr ? std::hash<VtrString>()(name) : known->Hash();
   }
-  [[nodiscard]] static std::uint64_t Hash(const EventName& name) noexcept { return name.Hash(); }
 
-  template <class Name>
-  void Append(const Name& name, EventPtr&& event);
+  void Append(const VtrString& name, EventPtr&& event);
   /// Replaces the newest event of the name, moves its entry to the end of the queue, and gives the
   /// replaced event. Appends the event and gives null if the queue has none of that name.
-  template <class Name>
-  [[nodiscard]] EventPtr Replace(const Name& name, std::uint64_t hash, EventPtr&& event);
+  [[nodiscard]] EventPtr Replace(const VtrString& name, std::uint64_t hash, EventPtr&& event);
   /// Begins a pass and gives its number. Events that are queued from now on are not of this pass.
   [[nodiscard]] std::uint32_t BeginPass() noexcept { return ++pass; }
   /// Takes out the oldest event that was queued before that pass began, or null.
@@ -72,9 +72,6 @@ class PendingEvents {
   [[nodiscard]] std::uint32_t& Slot(const VtrString& name, std::uint64_t hash);
   [[nodiscard]] std::uint32_t FindLast(const VtrString& name, std::uint64_t hash);
 
-  static const VtrString& TextOf(const VtrString& name) noexcept { return name; }
-  static const VtrString& TextOf(const EventName& name) noexcept { return name.Text(); }
-
   std::vector<Entry> entries;
   std::size_t events = 0;
   std::uint32_t pass = 0;
@@ -93,12 +90,15 @@ class PendingEvents {
   OneThread delivering;
 };
 
-class PendingEvents::Entry {
- public:
-  Entry(VtrString name, EventPtr&& queued, std::uint32_t current) noexcept
-      : event(std::move(queued)), ownName(std::move(name)), pass(current) {}
-  Entry(const EventName& name, EventPtr&& queued, std::uint32_t current) noexcept
-      : event(std::move(queued)), permanentName(&name.Text()), pass(current) {}
+struct PendingEvents::Entry {
+  Entry(const VtrString& name, EventPtr&& queued, std::uint32_t current) noexcept
+      : event(std::move(queued)), pass(current) {
+    if (const EventName* const known = event->KnownName()) {
+      permanentName = &known->Text();
+    } else {
+      ownName = name;
+    }
+  }
 
   [[nodiscard]] const VtrString& Name() const noexcept {
     return permanentName == nullptr ? ownName : *permanentName;
@@ -118,11 +118,6 @@ class PendingEvents::Entry {
   }
 
   EventPtr event;  // null once it was taken out or dropped
-
- private:
-  friend class PendingEvents;
-  friend class Batch;
-
   VtrString ownName;
   const VtrString* permanentName = nullptr;  // a name that is never destroyed, so it is not copied
   std::uint32_t pass;  // the number of the pass that had begun last when the event was queued
@@ -134,10 +129,26 @@ class PendingEvents::Entry {
 /// The events that DispatchPendingEvents delivers in one call.
 class PendingEvents::Batch {
  public:
+  /// Takes the entries over. Those before `linked` are linked from `firstLinked` on.
+  void Fill(std::vector<Entry>& queued, std::uint32_t firstLinked, std::size_t linked) noexcept {
+    entries.swap(queued);
+    first = firstLinked;
+    rest = entries.data() + linked;
+    end = entries.data() + entries.size();
+  }
   /// The next event in order, or null at the end.
   [[nodiscard]] const EventPtr* Next() noexcept {
     const Entry* const next = NextEntry();
     return next == nullptr ? nullptr : &next->event;
+  }
+  [[nodiscard]] Entry* NextEntry() noexcept {
+    while (first != none) {
+      Entry& entry = entries[first];
+      first = entry.next;
+      if (entry.event != nullptr) return &entry;
+    }
+    while (rest != end && rest->event == nullptr) ++rest;
+    return rest == end ? nullptr : rest++;
   }
   /// False when Next would give null.
   [[nodiscard]] bool HasNext() const noexcept;
@@ -153,18 +164,6 @@ class PendingEvents::Batch {
   }
 
  private:
-  friend class PendingEvents;
-
-  [[nodiscard]] Entry* NextEntry() noexcept {
-    while (first != none) {
-      Entry& entry = entries[first];
-      first = entry.next;
-      if (entry.event != nullptr) return &entry;
-    }
-    while (rest != end && rest->event == nullptr) ++rest;
-    return rest == end ? nullptr : rest++;
-  }
-
   std::vector<Entry> entries;
   /// The next of the linked entries.
   std::uint32_t first = none;
@@ -173,26 +172,11 @@ class PendingEvents::Batch {
   Entry* end = nullptr;
 };
 
-template <class Name>
-inline void PendingEvents::Append(const Name& name, EventPtr&& event) {
+inline void PendingEvents::Append(const VtrString& name, EventPtr&& event) {
   if (entries.size() == entries.capacity()) [[unlikely]]
     MakeRoom();
   entries.emplace_back(name, std::move(event), pass);
   ++events;
-}
-
-template <class Name>
-PendingEvents::EventPtr PendingEvents::Replace(const Name& name, std::uint64_t hash,
-                                               EventPtr&& event) {
-  const std::uint32_t found = FindLast(TextOf(name), hash);
-  if (found == none) {
-    Append(name, std::move(event));
-    return nullptr;
-  }
-  Unlink(found);
-  Link(found);
-  entries[found].pass = pass;
-  return std::exchange(entries[found].event, std::move(event));
 }
 
 template <class Matches>

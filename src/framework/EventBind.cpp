@@ -5,6 +5,7 @@
 #include "DataBinding/framework/EventBind.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "EventBindListener.h"
 #include "Explanation.h"
@@ -18,8 +19,8 @@ const std::type_info& signature = typeid(void(IDataContext*));
 }  // namespace
 
 EventBind::EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
-                     const void* ownerKey)
-    : IEventBind(context, source, eventName), owner(ownerKey) {}
+                     const void* raisedFrom)
+    : IEventBind(context, source, eventName), origin(raisedFrom) {}
 EventBind::~EventBind() = default;
 
 void EventBind::Connect(IDataSourceProvider* provider) {
@@ -53,8 +54,9 @@ void EventBind::Raise() {
   using Event = details::TypedEvent<IDataContext*>;
   const auto context = FindContext();
   if (!context || !EventStatus().IsConnected()) return;
-  const auto& event = details::EventName::Find(EventName(), signature);
-  details::NamedEvent::Queue(event, std::make_shared<Event>(event, owner, *context), false);
+  const auto& name = details::EventName::Find(EventName(), signature);
+  auto event = std::make_shared<Event>(name, origin, *context);
+  IAppEventBroadcaster::GetInstance().QueueEvent(name.Text(), std::move(event));
 }
 
 IDataContext* EventBind::DataContext() const { return FindContext().value_or(nullptr); }

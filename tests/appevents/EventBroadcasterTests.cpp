@@ -126,7 +126,7 @@ TEST_F(EventHooks, SeeAllArgumentsInOrderAfterTheListeners) {
   events().RegisterEventHook({});
   for (Hook* hook : {&first, &second}) events().RegisterEventHook(hook->Delegate());
 
-  EXPECT_EQ(events().UnregisterEventHooks(nullptr), 0) << "they have no owner";
+  EXPECT_EQ(events().UnregisterEventHooks(nullptr), 0) << "they have no origin";
 
   drawn.Send(0.5, 7);
   EXPECT_EQ(log, "a12");

@@ -20,6 +20,13 @@ TEST_F(Events, UpdateCallbackIsOneForAllBroadcasters) {
   EXPECT_EQ(log, "a");
 }
 
+TEST_F(Events, OfAnOwnKindAreDeliveredAtOnceWhenTheyAreSent) {
+  events().SendEvent(std::make_shared<NotedEvent>(log, "e"));
+  events().SendEvent(nullptr);
+
+  EXPECT_EQ(log, "e");
+}
+
 TEST_F(Events, DroppedInADeliveryAreNotReachedAnyMoreThoughOneIsQueuedTwice) {
   const auto twice = std::make_shared<NotedEvent>(
       log, "e", [](PolicyEventBroadcaster& broadcaster) { broadcaster.DropEvents(L"E"); });
@@ -48,7 +55,7 @@ TEST_F(Events, OfTwoNamesWhoseHashesMeetDoNotReplaceEachOther) {
 
 TEST_F(Events, MayChangeTheQueueWhileTheirArgumentsEnd) {
   const std::function<void()> acts[] = {[] { events().DropEvents(L"Ending"); },
-                                        [] { events().DropOwner(ThisModule()); },
+                                        [] { events().DropEventsFrom(ThisModule()); },
                                         [] { events().DispatchPendingEvents(); },
                                         [] { IAppEventBroadcaster::ReleaseInstance(false); }};
   const auto abandon = [] {

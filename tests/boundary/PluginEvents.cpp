@@ -71,7 +71,7 @@ void Enter(std::string& heard) {
 }
 
 void Leave() {
-  events().DropOwner(ThisModule());
+  events().DropEventsFrom(ThisModule());
   events().UnregisterEventHooks(ThisModule());
   guest.reset();
 }

@@ -40,7 +40,7 @@ class LeftListener : public DataListener, public AppEventListener {
 /// Ends when the module is unloaded, and takes back by itself what refers to this module's code.
 struct Remains {
   ~Remains() {
-    IAppEventBroadcaster::GetInstance().DropOwner(ThisModule());
+    IAppEventBroadcaster::GetInstance().DropEventsFrom(ThisModule());
     IDataSourceRegistrar::GetInstance().Shutdown();
   }
   bool initialised = (IDataSourceRegistrar::GetInstance().Initialize(), true);

@@ -119,7 +119,7 @@ TEST_F(EventBindTest, RaisesTheEventOfItsPathOnBehalfOfItsModule) {
   bind.Raise();
   idle.Run();
   bind.Raise();
-  IAppEventBroadcaster::GetInstance().DropOwner(ThisModule());
+  IAppEventBroadcaster::GetInstance().DropEventsFrom(ThisModule());
   idle.Run();
 
   EXPECT_EQ(heard, (decltype(heard){&ofScope}));

@@ -67,7 +67,7 @@ TEST(FailingAllocations, InTheQueueLoseNoEvent) {
     EXPECT_EQ(w.Dispatched(), "");
     attempt([&] { moved.Send(6); });
     EXPECT_EQ(w.Notes().substr(0, 4), "a6b6");
-    attempt([&] { w.events().DropOwner(ThisModule()); });
+    attempt([&] { w.events().DropEventsFrom(ThisModule()); });
   });
 }
 

@@ -37,7 +37,7 @@ extern "C" PLUGIN_API void StartPlugin() {
 
 extern "C" PLUGIN_API void StopPlugin() {
   auto& events = IAppEventBroadcaster::GetInstance();
-  events.DropOwner(ThisModule());             // what it has queued, or what is held
+  events.DropEventsFrom(ThisModule());        // what it has queued, or what is held
   events.UnregisterEventHooks(ThisModule());  // hooks that were registered for ThisModule()
   static_cast<void>(events.TakeFailure());    // an exception may be of a type of the plug-in's
   plugin.reset();                             // ends the constructor, and the tides with it

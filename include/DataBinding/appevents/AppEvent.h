@@ -36,7 +36,7 @@
 namespace DataBinding {
 
 /// Gives an address that stands for the module (executable, library or plug-in) whose code calls
-/// it. The module is the owner of the events that it raises, see PolicyEventBroadcaster::DropOwner.
+/// it. The module is the origin of the events that it raises: see DropEventsFrom.
 [[nodiscard]] DATABINDING_MODULE_LOCAL inline const void* ThisModule() noexcept {
   static constexpr char here = 0;
   return &here;
@@ -88,18 +88,21 @@ class AppEvent {
   /// Queues an event for the next idle pass. Any thread. When `wake` (see IdlePass) throws because
   /// it cannot wake the loop, Raise lets the exception out, and the event is queued all the same.
   DATABINDING_MODULE_LOCAL void Raise(Args... args) const {
-    details::NamedEvent::Queue(Known(), Make(std::move(args)...), false);
+    const VtrString& name = Name();
+    IAppEventBroadcaster::GetInstance().QueueEvent(name, Make(std::move(args)...));
   }
   /// Queues an event that takes the place of the newest queued event of this name, for readings of
   /// which only the latest counts. The arguments of the replaced event end on this thread, before
   /// the call returns. As Raise otherwise.
   DATABINDING_MODULE_LOCAL void RaiseLatest(Args... args) const {
-    details::NamedEvent::Queue(Known(), Make(std::move(args)...), true);
+    const VtrString& name = Name();
+    IAppEventBroadcaster::GetInstance().QueueEvent(name, Make(std::move(args)...), true);
   }
   /// Delivers an event now, on this thread, by the rules of a queued one: the event is held if its
   /// name is disabled, hooks see it, and exceptions of listeners go to the error handler.
   DATABINDING_MODULE_LOCAL void Send(Args... args) const {
-    details::NamedEvent::Send(Make(std::move(args)...));
+    const auto event = Make(std::move(args)...);
+    IAppEventBroadcaster::GetInstance().SendEvent(event);
   }
   /// Calls the callback for each event of this name until the subscription is cancelled, which any
   /// thread may do, or the broadcaster ends. Cancelling on another thread does not wait for a call
@@ -109,7 +112,7 @@ class AppEvent {
   }
   /// Subscribes at the given broadcaster instead of that of the process.
   Subscription Subscribe(IAppEventBroadcaster& broadcaster, const Callback& callback) const {
-    return details::NamedEvent::Subscribe(broadcaster, Known(), callback.GetMemento());
+    return broadcaster.Listeners(Known()).Add(callback.GetMemento());
   }
   /// Calls the callback for one event only: the subscription ends when the callback has returned or
   /// thrown. A callback that sends the event itself is not called again. The callback may own its
@@ -131,7 +134,7 @@ class AppEvent {
   [[nodiscard]] const VtrString& Name() const { return Known().Text(); }
 
  private:
-  DATABINDING_MODULE_LOCAL details::NamedEvent::Ptr Make(Args&&... args) const {
+  DATABINDING_MODULE_LOCAL PolicyEventBroadcaster::EventPtr Make(Args&&... args) const {
     using Event = details::TypedEvent<Args...>;
     return std::allocate_shared<Event>(details::EventAllocator<Event>(), Known(), ThisModule(),
                                        std::move(args)...);

@@ -69,9 +69,13 @@ class DATABINDING_API AppEventListener : public IAppEventListener,
   void On(const AppEvent<Args...>& event, Function Listener::*method) {
     static_assert(std::is_invocable_v<decltype(method), Listener&, const Args&...>,
                   "the method does not take the event's arguments");
+    // A cast that is checked, since the method may be of a class beside this one, or of another
+    // object's class.
     auto* const self = dynamic_cast<Listener*>(this);
     if (self == nullptr) throw std::logic_error("an event is mapped to another object's method");
     using Entry = MethodEntry<Function Listener::*, Args...>;
+    // Classes derive from AppEventMapEntry as well, so the map says only by its types which of its
+    // entries are of methods.
     const auto isSame = [&](const std::unique_ptr<AppEventMapEntry>& entry) {
       const auto* const known = dynamic_cast<const Entry*>(entry.get());
       return known != nullptr && known->Is(event.Name(), method);

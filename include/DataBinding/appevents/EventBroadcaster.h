@@ -23,6 +23,7 @@
 #include <exception>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "DataBinding/Export.h"
@@ -30,6 +31,7 @@
 #include "DataBinding/appevents/UpdatePolicy.h"
 #include "DataBinding/foundation/Any.h"
 #include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/CallbackList.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
@@ -38,9 +40,7 @@ namespace DataBinding {
 namespace details {
 class DeliveryScope;
 class EventName;
-class NamedEvent;
 class PendingEvents;
-struct EventChannel;
 }  // namespace details
 
 /// The exceptions of listeners and hooks since the last TakeFailure.
@@ -55,8 +55,6 @@ struct EventFailure {
   /// True when something was thrown.
   explicit operator bool() const noexcept { return exception != nullptr; }
 };
-
-class EventHold;
 
 #if defined(__GNUC__)  // its destructor is deliberately not virtual
 #pragma GCC diagnostic push
@@ -79,12 +77,18 @@ class DATABINDING_API EventBroadcaster {
     virtual ~PendingEventBase() = default;
     /// Delivers the event to its listeners. Runs on the delivering thread.
     virtual void Dispatch(EventBroadcaster& broadcaster) = 0;
-    /// The key by which DropOwner finds the event; see ThisModule. Null for an event without owner.
-    [[nodiscard]] const void* Owner() const noexcept { return owner; }
+    /// The key by which DropEventsFrom finds the event, most often ThisModule. Null for none.
+    [[nodiscard]] const void* Origin() const noexcept { return origin; }
+    /// The record of its name that an event of an AppEvent has. Null for an application's own kind.
+    [[nodiscard]] const details::EventName* KnownName() const noexcept { return knownName; }
 
    protected:
-    /// Makes an event of an owner. Null stands for none, and DropOwner passes the event over.
-    explicit PendingEventBase(const void* ownerKey = nullptr) noexcept : owner(ownerKey) {}
+    /// Makes an event of the application's own kind. DropEventsFrom finds it by the origin, and
+    /// passes it over if that is null.
+    explicit PendingEventBase(const void* raisedFrom = nullptr) noexcept : origin(raisedFrom) {}
+    /// Makes an event whose name has a record.
+    PendingEventBase(const void* raisedFrom, const details::EventName& name) noexcept
+        : origin(raisedFrom), knownName(&name) {}
     /// Dispatch calls this first: it subscribes the listeners that wait in WAppEventRegistrar.
     static void PreNotify(EventBroadcaster& broadcaster);
     /// Dispatch calls this before it calls listeners. If the name is disabled, it holds the event
@@ -102,7 +106,8 @@ class DATABINDING_API EventBroadcaster {
     static void ReportFailure(EventBroadcaster& broadcaster, const VtrString& name);
 
    private:
-    const void* owner;
+    const void* origin;
+    const details::EventName* knownName = nullptr;
   };
   /// The queue, the held events and a batch under delivery share an event.
   using EventPtr = std::shared_ptr<PendingEventBase>;
@@ -120,8 +125,8 @@ class DATABINDING_API EventBroadcaster {
   virtual void OnEventDispatched(VtrString name, const std::vector<Any>& args);
 
  public:
-  /// Runs the cleanup callbacks, then drops everything. Deliberately not virtual: the owner of a
-  /// derived broadcaster deletes it through the derived type.
+  /// Runs the cleanup callbacks, then drops everything. Deliberately not virtual: a derived
+  /// broadcaster is deleted through the derived type.
   ~EventBroadcaster();
 
   /// Undoes one DisableEvent. When it undoes the last one, it delivers the held event at once, or
@@ -165,7 +170,12 @@ class DATABINDING_API EventBroadcaster {
   /// end of the queue and replaces the newest queued event of its name, which ends on this thread.
   /// Ignores null. An exception of the UpdateUI callback comes out of here, but the event is
   /// queued, and the next event runs the callback again.
-  void QueueEvent(const VtrString& name, EventPtr event, bool replaceLast = false);
+  void QueueEvent(const VtrString& name, EventPtr event, bool replaceLast = false) {
+    NotifyListenersOnIdleImpl(name, replaceLast, std::move(event));
+  }
+  /// Delivers an event now, on this thread. What its Dispatch throws comes out of here. Ignores
+  /// null.
+  void SendEvent(const EventPtr& event);
   /// True while events are queued. Events that DispatchPendingEvents has taken out as its batch do
   /// not count, even before they are delivered. Any thread.
   [[nodiscard]] bool HasPendingEvents() const noexcept;
@@ -176,9 +186,9 @@ class DATABINDING_API EventBroadcaster {
   /// The destructors of their arguments may drop further events and release the broadcaster. Takes
   /// time in proportion to the queue.
   void DropEvents(const VtrString& name);
-  /// Drops the events of an owner, whatever their names, for example those of a plug-in that is
+  /// Drops the events of an origin, whatever their names, for example those of a plug-in that is
   /// about to be unloaded. As DropEvents otherwise. Does nothing for null.
-  void DropOwner(const void* owner);
+  void DropEventsFrom(const void* origin);
   /// Has the handler called with each exception of a listener or hook. Without a handler (null, or
   /// bound to an object that has gone since) the first exception is kept for TakeFailure. If it was
   /// thrown outside a dispatch, an idle pass is asked for, so that it comes to light. When the
@@ -194,31 +204,33 @@ class DATABINDING_API EventBroadcaster {
   /// Gives a pointer that tells whether this broadcaster, and not a later one, is still there.
   [[nodiscard]] WeakPtr<EventBroadcaster> GetWeakPtr() const { return weakFactory.GetWeakPtr(); }
 
+  /// EventHold calls this when it begins to disable a name, and EndHold when it ends.
+  void BeginHold(const VtrString& name);
+  /// Undoes one BeginHold as EnableEvent undoes DisableEvent. What a held event throws goes to the
+  /// error handler.
+  void EndHold(const VtrString& name, bool fireHeldEvent) noexcept;
+  /// The listeners of a typed event, to which AppEvent adds. Makes the name known.
+  [[nodiscard]] CallbackListBase& Listeners(const details::EventName& name);
+  /// The same, but null, and the name stays unknown, if nobody has asked for the listeners before.
+  [[nodiscard]] CallbackListBase* FindListeners(const details::EventName& name) const noexcept;
+
  protected:
   /// Gives the exception that is being handled to the error handler, or keeps it.
   void ReportFailure(const VtrString& name);
 
  private:
   friend class details::DeliveryScope;
-  friend class details::NamedEvent;
-  friend class EventHold;
 
   void NotifyListenersOnIdleImpl(const VtrString& name, bool replaceLast, EventPtr event);
-  void QueueNamed(const details::EventName& name, bool replaceLast, EventPtr&& event);
-  template <class Name>
-  void Append(const Name& name, bool replaceLast, EventPtr&& event);
   [[nodiscard]] EventPtr TakeFirst(std::uint32_t pass);
   template <class Matches>
   void Drop(Matches matches);
-  void Deliver(const EventPtr& event);
   void AskForPass();
   void HoldEvent(const VtrString& name, EventPtr event);
-  void BeginHold(const VtrString& name);
-  void EndHold(const VtrString& name, bool fireHeldEvent);
   void UndoDisable(const VtrString& name, bool fireHeldEvent);
-  [[nodiscard]] details::EventChannel& Channel(const details::EventName& name);
+  CallbackListBase& AddListeners(const details::EventName& name);
 
-  std::map<VtrString, details::EventChannel*> knownEvents;
+  std::map<VtrString, CallbackListBase*> knownEvents;
   std::unique_ptr<details::PendingEvents> pendingEvents;
   std::map<VtrString, std::int32_t> disabledEvents;
   std::map<VtrString, EventPtr> heldEvents;
@@ -231,7 +243,7 @@ class DATABINDING_API EventBroadcaster {
   /// How many of a name's disables belong to EventHolds, which EnableEvent leaves alone.
   std::map<VtrString, std::int32_t> holdCounts;
   /// The listeners of typed events, by the number of their names.
-  std::vector<std::unique_ptr<details::EventChannel>> channels;
+  std::vector<std::unique_ptr<CallbackListBase>> listeners;
   ErrorHandler errorHandler;
   EventFailure failure;
   details::DeliveryScope* delivery = nullptr;

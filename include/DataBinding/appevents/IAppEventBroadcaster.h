@@ -45,12 +45,12 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
  public:
   /// Adds a hook and gives its id: 1, 2, and so on; no id is used again. Hooks run after the
   /// listeners, in the order of their ids. An exception of a hook is treated like a listener's.
-  int RegisterEventHook(EventHook hook, const void* owner = nullptr);
+  int RegisterEventHook(EventHook hook, const void* origin = nullptr);
   /// Removes the hook of an id. False if there is none.
   bool UnregisterEventHook(int id);
-  /// Removes all hooks that were registered for an owner, and gives their number. Removes none for
-  /// null.
-  int UnregisterEventHooks(const void* owner);
+  /// Removes all hooks that were registered with that origin, and gives their number. Removes none
+  /// for null.
+  int UnregisterEventHooks(const void* origin);
   /// Adds a hook, which gets an id like the others and is removed when the subscription ends. The
   /// subscription may end after the broadcaster, and ends on the delivering thread. A null callback
   /// gives an inert subscription.
@@ -64,7 +64,7 @@ class DATABINDING_API IAppEventBroadcaster final : public PolicyEventBroadcaster
   friend class VtrUtils::Singleton<IAppEventBroadcaster, 0>;
   struct Hook {
     EventHookCallback call;
-    const void* owner = nullptr;
+    const void* origin = nullptr;
   };
 
   IAppEventBroadcaster();

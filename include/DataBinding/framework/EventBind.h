@@ -33,7 +33,7 @@ namespace Framework {
 /// has the data context's name as a category. The data source's name only stands in the tracking
 /// name.
 ///
-/// The events belong to the module whose code makes the bind: see ThisModule.
+/// The origin of the events is the module whose code makes the bind: see ThisModule.
 class DATABINDING_API EventBind final : public IEventBind {
  public:
   DATABINDING_MODULE_LOCAL EventBind() : EventBind(VtrString(), VtrString(), VtrString()) {}
@@ -58,7 +58,7 @@ class DATABINDING_API EventBind final : public IEventBind {
 
  private:
   EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
-            const void* ownerKey);
+            const void* raisedFrom);
 
   /// Answers Unbound or WrongType where no event may be raised, else Connected.
   [[nodiscard]] BindStatus EventStatus() const;
@@ -68,7 +68,7 @@ class DATABINDING_API EventBind final : public IEventBind {
   /// context.
   [[nodiscard]] std::optional<IDataContext*> FindContext() const;
 
-  const void* owner;
+  const void* origin;
   std::unique_ptr<details::EventBindListener> scopeListener;
 };
 
