@@ -31,11 +31,11 @@ ListenerArray* ListenerArray::Make(const VtrString& property, std::uint32_t capa
 }
 
 ListenerArray::ListenerArray(const VtrString& name, std::uint32_t size) noexcept
-    : property(name), listeners(reinterpret_cast<Listener*>(this + 1)), capacity(size) {}
+    : property(name), capacity(size) {}
 
 void ListenerArray::Destroy(ListenerArray* array) {
   for (std::uint32_t i = 0; i < array->count; ++i) {
-    if (array->listeners[i].state != nullptr) array->listeners[i].state->Release();
+    if (array->At(i)->state != nullptr) array->At(i)->state->Release();
   }
   array->~ListenerArray();
   ::operator delete(array);
@@ -47,14 +47,14 @@ void ListenerArray::Append(std::uint64_t id, const RepeatingCallbackBase& callba
   const auto ownLoop = state != nullptr ? state->Loop() : nullptr;
   loop = ownLoop != nullptr && (live == 0 || loop == ownLoop) ? ownLoop
                                                               : &VtrUtils::details::MakeCalls;
-  ::new (&listeners[count]) Listener(state != nullptr ? Function(*state) : &RunNothing, state);
+  ::new (At(count)) Listener(state != nullptr ? Function(*state) : &RunNothing, state);
   ::new (&Marks()[count]) ListenerMark{id, ListenerMark::never};
   ++count;
   ++live;
 }
 
 void ListenerArray::CallWithName(std::uint32_t position, const VtrString& name) const {
-  const Listener& listener = listeners[position];
+  const Listener& listener = *At(position);
   const Listener::Function run = listener.run.load(std::memory_order_relaxed);
   if (run == &RunNothing) return;
   const auto untyped = reinterpret_cast<BindStateBase::InvokeFunction>(run);
@@ -65,7 +65,7 @@ void ListenerArray::CloseHoles() noexcept {
   std::uint32_t kept = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
     if (!IsRegistered(i)) continue;
-    listeners[kept] = listeners[i];
+    *At(kept) = *At(i);
     Marks()[kept].id = Marks()[i].id;
     SetRemoval(kept, Removal(i));
     ++kept;
@@ -77,8 +77,8 @@ ListenerArray* ListenerArray::Grown(bool pinned) {
   ListenerArray* grown = Make(property, std::max(live * 2, std::uint32_t{2}));
   for (std::uint32_t i = 0; i < count; ++i) {
     if (!IsRegistered(i)) continue;
-    if (pinned && listeners[i].state != nullptr) listeners[i].state->AddRef();
-    ::new (&grown->listeners[grown->count]) Listener(listeners[i]);
+    if (pinned && At(i)->state != nullptr) At(i)->state->AddRef();
+    ::new (grown->At(grown->count)) Listener(*At(i));
     ::new (&grown->Marks()[grown->count]) ListenerMark{Marks()[i].id, Removal(i)};
     ++grown->count;
   }
@@ -106,7 +106,7 @@ std::uint32_t ListenerArray::Find(std::uint64_t id) const noexcept {
 }
 
 void ListenerArray::Silence(std::uint32_t position) noexcept {
-  listeners[position].run.store(&RunNothing, std::memory_order_relaxed);
+  At(position)->run.store(&RunNothing, std::memory_order_relaxed);
 }
 
 void ListenerArray::Pause(std::uint32_t position) noexcept {
@@ -118,13 +118,13 @@ void ListenerArray::Pause(std::uint32_t position) noexcept {
 void ListenerArray::Resume(std::uint32_t position) noexcept {
   if (!IsRegistered(position) || Removal(position) == ListenerMark::never) return;
   SetRemoval(position, Removal(position) + 1);
-  const BindStateBase* const state = listeners[position].state;
+  const BindStateBase* const state = At(position)->state;
   if (Removal(position) != ListenerMark::never || state == nullptr) return;
-  listeners[position].run.store(Function(*state), std::memory_order_relaxed);
+  At(position)->run.store(Function(*state), std::memory_order_relaxed);
 }
 
 comlike_ptr<const BindStateBase> ListenerArray::Vacate(std::uint32_t position) noexcept {
-  Listener& listener = listeners[position];
+  Listener& listener = *At(position);
   comlike_ptr<const BindStateBase> state(listener.state);
   listener = Listener(&RunNothing, nullptr);
   return state;

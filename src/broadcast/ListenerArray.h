@@ -55,10 +55,10 @@ class ListenerArray {
   ListenerArray& operator=(const ListenerArray&) = delete;
 
   [[nodiscard]] const VtrString& Property() const noexcept { return property; }
-  [[nodiscard]] const Listener* Listeners() const noexcept { return listeners; }
+  [[nodiscard]] const Listener* Listeners() const noexcept { return At(0); }
   /// Returns the mark of each listener. The marks stand behind the room for the listeners.
   [[nodiscard]] ListenerMark* Marks() const noexcept {
-    return reinterpret_cast<ListenerMark*>(listeners + capacity);
+    return reinterpret_cast<ListenerMark*>(At(capacity));
   }
   /// Calls the listener at a position with the name that is announced, unless the position is a
   /// hole or the listener is silenced. For arrays whose listeners take a name.
@@ -120,6 +120,10 @@ class ListenerArray {
   ListenerArray(const VtrString& name, std::uint32_t size) noexcept;
   ~ListenerArray() = default;
 
+  /// Returns the listener at a position. The listeners stand behind the object.
+  [[nodiscard]] Listener* At(std::uint32_t position) const noexcept {
+    return reinterpret_cast<Listener*>(const_cast<ListenerArray*>(this) + 1) + position;
+  }
   [[nodiscard]] std::uint64_t Removal(std::uint32_t position) const noexcept;
   [[nodiscard]] bool IsRegistered(std::uint32_t position) const noexcept {
     return Removal(position) >= ListenerMark::never - ListenerMark::mostPauses;
@@ -128,7 +132,6 @@ class ListenerArray {
   [[nodiscard]] comlike_ptr<const BindStateBase> Vacate(std::uint32_t position) noexcept;
 
   VtrString property;
-  Listener* listeners;
   BindStateBase::CallLoop loop = nullptr;
   std::uint32_t capacity;
   std::uint32_t count = 0;

@@ -5,6 +5,21 @@
 
 namespace DataBinding::details {
 
+/// Takes the lock when it has become free. A waiting thread cannot know whether others wait as
+/// well, so it takes the lock as one that is awaited.
+void RegistryLock::Await(std::uint32_t bits) noexcept {
+  auto seen = word.load(std::memory_order_relaxed);
+  for (;;) {
+    if (seen == 0) {
+      if (word.compare_exchange_weak(seen, bits | isAwaited, std::memory_order_seq_cst)) return;
+    } else if ((seen & isAwaited) != 0 ||
+               word.compare_exchange_weak(seen, seen | isAwaited, std::memory_order_relaxed)) {
+      word.wait(seen | isAwaited, std::memory_order_relaxed);
+      seen = word.load(std::memory_order_relaxed);
+    }
+  }
+}
+
 void RegistryLock::WaitForReaders() const noexcept {
   for (auto* record = ReaderRecord::First(); record != nullptr; record = record->Next()) {
     while (record->reading.load(std::memory_order_seq_cst) == this) std::this_thread::yield();

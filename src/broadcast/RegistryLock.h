@@ -5,14 +5,15 @@
 /// A reader names the lock in its thread's record, and then looks whether a writer has announced
 /// itself. A writer announces itself, and then waits until no record names the lock. Both do this
 /// in sequentially consistent order, so that at least one of them sees the other. A reader that
-/// meets a writer, or has no record, locks the mutex of the writers instead.
+/// meets a writer, or has no record, takes the lock as a writer does instead, but does not announce
+/// itself.
 ///
 /// A reader looks something up and calls no callback, so writers wait only briefly, by yielding.
 /// The lock is not recursive.
 #pragma once
 
 #include <atomic>
-#include <mutex>
+#include <cstdint>
 
 #include "DataBinding/Export.h"
 #include "ReaderRecord.h"
@@ -30,10 +31,25 @@ class DATABINDING_THREAD_ANNOTATION(capability("mutex")) RegistryLock {
   friend class RegistryReadLock;
   friend class RegistryWriteLock;
 
+  /// The bits of the lock's one word.
+  enum : std::uint32_t { isTaken = 1, isWriting = 2, isAwaited = 4 };
+
+  void Take(std::uint32_t bits) noexcept {
+    std::uint32_t isFree = 0;
+    if (!word.compare_exchange_strong(isFree, bits, std::memory_order_seq_cst)) Await(bits);
+  }
+  void Leave() noexcept {
+    // Another thread may have freed the lock when this one wakes the next: that uses the address
+    // alone.
+    if ((word.exchange(0, std::memory_order_release) & isAwaited) != 0) word.notify_one();
+  }
+  [[nodiscard]] bool IsWriting() const noexcept {
+    return (word.load(std::memory_order_seq_cst) & isWriting) != 0;
+  }
+  void Await(std::uint32_t bits) noexcept;
   void WaitForReaders() const noexcept;
 
-  std::mutex writers;
-  std::atomic<bool> writing{false};
+  std::atomic<std::uint32_t> word{0};
 };
 
 class DATABINDING_THREAD_ANNOTATION(scoped_lockable) RegistryReadLock {
@@ -43,11 +59,11 @@ class DATABINDING_THREAD_ANNOTATION(scoped_lockable) RegistryReadLock {
       : lock(taken), record(ofThread) {
     if (record != nullptr) {
       record->reading.store(&lock, std::memory_order_seq_cst);
-      if (!lock.writing.load(std::memory_order_seq_cst)) return;
+      if (!lock.IsWriting()) return;
       record->reading.store(nullptr, std::memory_order_release);
       record = nullptr;
     }
-    lock.writers.lock();
+    lock.Take(RegistryLock::isTaken);
   }
   RegistryReadLock(const RegistryReadLock&) = delete;
   RegistryReadLock& operator=(const RegistryReadLock&) = delete;
@@ -55,7 +71,7 @@ class DATABINDING_THREAD_ANNOTATION(scoped_lockable) RegistryReadLock {
     if (record != nullptr) {
       record->reading.store(nullptr, std::memory_order_release);
     } else {
-      lock.writers.unlock();
+      lock.Leave();
     }
   }
 
@@ -69,16 +85,12 @@ class DATABINDING_THREAD_ANNOTATION(scoped_lockable) RegistryWriteLock {
   [[nodiscard]] explicit RegistryWriteLock(RegistryLock& taken)
       DATABINDING_THREAD_ANNOTATION(acquire_capability(taken))
       : lock(taken) {
-    lock.writers.lock();
-    lock.writing.store(true, std::memory_order_seq_cst);
+    lock.Take(RegistryLock::isTaken | RegistryLock::isWriting);
     lock.WaitForReaders();
   }
   RegistryWriteLock(const RegistryWriteLock&) = delete;
   RegistryWriteLock& operator=(const RegistryWriteLock&) = delete;
-  ~RegistryWriteLock() DATABINDING_THREAD_ANNOTATION(release_capability()) {
-    lock.writing.store(false, std::memory_order_release);
-    lock.writers.unlock();
-  }
+  ~RegistryWriteLock() DATABINDING_THREAD_ANNOTATION(release_capability()) { lock.Leave(); }
 
  private:
   RegistryLock& lock;

@@ -266,22 +266,26 @@ void WListenersImpl::DropKeeper() noexcept {
 }
 
 void WListenersImpl::Clear() noexcept {
-  ListenerArrayPtr endedAny;
-  const auto takeAll = [&] {
+  ListenerArray* ended = nullptr;
+  {
     const RegistryWriteLock guard(lock);
     // Clang's analysis does not see that the lock is held within the lambda.
-    const auto retireIfRun = [this](PropertyEntry& entry)
-                                 DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
-                                   if (ListenerPin::HandOver(*entry.array, *this) != 0)
-                                     Retire(entry.array);
-                                 };
-    properties.ForEach(retireIfRun);
-    if (any.array != nullptr) retireIfRun(any);
-    endedAny = std::move(any.array);
+    const auto letGo = [&](PropertyEntry& entry)
+                           DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
+                             if (ListenerPin::HandOver(*entry.array, *this) != 0) {
+                               return Retire(entry.array);
+                             }
+                             entry.array->nextRetired = ended;
+                             ended = entry.array.release();
+                           };
+    properties.ForEach(letGo);
+    if (any.array != nullptr) letGo(any);
+    properties.Clear();
     isEmptied = true;
-    return std::move(properties);
-  };
-  const PropertyTable ended = takeAll();
+  }
+  while (ended != nullptr) {
+    ListenerArray::Destroy(std::exchange(ended, ended->nextRetired));
+  }
 }
 
 }  // namespace DataBinding::details
