@@ -86,6 +86,14 @@ def whole(value):
         return value
 
 
+def held(atomic, name):
+    """The object to which an atomic pointer to a class of that name points, or None."""
+    pointer = unwrapped(atomic, gdb.lookup_type("void").pointer())
+    if int(pointer) == 0:
+        return None
+    return pointer.cast(gdb.lookup_type(f"DataBinding::details::{name}").pointer()).dereference()
+
+
 def pointed(pointer):
     """A pointer to the object of which its target is a part."""
     try:
@@ -125,8 +133,8 @@ def is_known(value):
 
 def filed_name(member):
     """The name of a property, as text."""
-    base = part(member, "DataBinding::details::PropertyBase")
-    return name_text(base["filedName"]) if is_known(base) else "property"
+    base = part(member, "DataBinding::details::ChainedMember")
+    return name_text(base["memberName"]) if is_known(base) else "property"
 
 
 def own_members(value, ends):
@@ -207,8 +215,9 @@ class ComputedProperty(Printer):
         name = filed_name(self.value)
         if name == "property":
             return "computed property"
-        others = elements(self.value["dependencies"])
-        names = [filed_name(other.dereference()) for other in others]
+        extras = held(self.value["extras"], "PropertyExtras")
+        others = elements(extras["dependencies"]) if extras is not None else ()
+        names = [filed_name(other["property"].dereference()) for other in others]
         return f"{name}: computed from {', '.join(names) or 'nothing'}"
 
 
@@ -238,9 +247,24 @@ class DataSource(Parent):
         reflectable = part(self.value, "DataBinding::IReflectable")
         if not is_known(reflectable):
             return
-        for key, item in pairs(reflectable["reflectable"]["items"]):
-            if name_text(key) not in shown:
-                yield f"[{name_text(key)}]", filed_type(item)
+        for name, member in filed_members(reflectable["reflectable"]):
+            if name not in shown:
+                yield f"[{name}]", member
+
+
+def filed_members(table):
+    """The names of a table of members, each with its type or the property that has it: of the map,
+    or of the chain while there is no map."""
+    extras = held(table["extras"], "ReflectableExtras")
+    filed = held(extras["map"], "MemberMap") if extras is not None else None
+    if filed is not None:
+        for key, item in pairs(filed["items"]):
+            yield name_text(key), filed_type(item)
+        return
+    member = table["newest"]
+    while int(member):
+        yield filed_name(member.dereference()), whole(member.dereference())
+        member = member["older"]
 
 
 def filed_type(item):

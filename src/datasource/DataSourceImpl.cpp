@@ -30,7 +30,10 @@ bool IsOneName(std::wstring_view names) noexcept {
 DataSourceImpl::DataSourceImpl() = default;
 DataSourceImpl::~DataSourceImpl() = default;
 
-void DataSourceImpl::Destroy() { delete this; }
+void DataSourceImpl::Destroy() {
+  NoteEnd();
+  delete this;
+}
 
 IDataContext* DataSourceImpl::GetDataContext() const {
   IDataSourceProvider* const provider = GetDataSourceProvider();
@@ -74,6 +77,12 @@ void details::DataSourceAccess::Complete(DataSourceImpl& source, IDataSourceProv
   source.SetDataSourceProvider(provider);
   source.PostConstruct();
   source.postConstructed = true;
+}
+
+details::PropertyChanges& details::DataSourceAccess::MakeChanges(DataSourceImpl& source) {
+  auto& changes = source.propertyChanges;
+  if (changes == nullptr) changes = std::make_unique<PropertyChanges>();
+  return *changes;
 }
 
 }  // namespace DataBinding

@@ -3,6 +3,11 @@
 
 namespace DataBinding::details {
 
+PropertyChanges::~PropertyChanges() {
+  while (TakeFirst() != nullptr) {
+  }
+}
+
 void PropertyChanges::Add(PropertyLink& property) noexcept {
   property.place = PropertyLink::Place::Noted;
   if (!property.IsComputed()) property.turn = ++lastChange;

@@ -4,7 +4,7 @@
 
 #include "DataBinding/property/PropertyAccess.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace DataBinding::details {
 
@@ -20,19 +20,50 @@ bool IsGone(const RepeatingCallbackMemento& accessor) {
 
 }  // namespace
 
+RepeatingCallbackMemento ReflectionAccess::Found::Accessor() const {
+  if (property == nullptr) return accessor;
+  RepeatingCallbackMemento lent;
+  lent.Lend(*property);
+  return RepeatingCallbackMemento(lent);
+}
+
 ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const VtrString& name,
                                                const runtime_type_base& plain,
                                                const runtime_type_base& readOnly) {
-  if (source == nullptr) return {PropertyError::NoSource, {}, false};
+  Found found;
+  found.error = source == nullptr ? PropertyError::NoSource : PropertyError::None;
+  if (source == nullptr) return found;
   const auto& type = source->GetDelegateType(name);
-  const bool isReadOnly = readOnly.IsSameType(&type);
-  if (!isReadOnly && !plain.IsSameType(&type)) {
+  found.isReadOnly = readOnly.IsSameType(&type);
+  if (!found.isReadOnly && !plain.IsSameType(&type)) {
     const bool isKnown = !runtime_type<void>::Get().IsSameType(&type);
-    return {isKnown ? PropertyError::WrongType : PropertyError::Absent, {}, false};
+    found.error = isKnown ? PropertyError::WrongType : PropertyError::Absent;
+    return found;
   }
-  auto accessor = source->GetDelegateMemento(name, isReadOnly ? readOnly : plain);
-  if (IsGone(accessor)) return {PropertyError::Absent, {}, false};
-  return {PropertyError::None, std::move(accessor), isReadOnly};
+  FindAccessor(*source, name, found.isReadOnly ? readOnly : plain, found);
+  return found;
+}
+
+void ReflectionAccess::FindAccessor(const IReflectable& table, const VtrString& name,
+                                    const runtime_type_base& wanted, Found& found) {
+  const LendingScope lending;
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a look-up changes nothing
+  auto answer = const_cast<IReflectable&>(table)._GetDelegate({{name, wanted}});
+  // Only properties lend their accessors. An override may answer with one of another name.
+  auto* const property = static_cast<PropertyBase*>(answer.second.Lender());
+  if (property != nullptr && wanted.IsSameType(&property->Type())) {
+    found.property = property;
+    return;
+  }
+  found.accessor = std::move(answer.second);
+  if (IsGone(found.accessor)) found.error = PropertyError::Absent;
+}
+
+void ReflectionAccess::File(IReflectable& table, PropertyBase& property, bool isTableComplete) {
+  if (isTableComplete) table.reflectable.ReserveNames();
+  RepeatingCallbackMemento accessor;
+  accessor.Lend(property);
+  table._AddDelegate(property.Name(), accessor, property.Type());
 }
 
 VtrString ReflectionAccess::NameOf(const IDataSource& source) {
@@ -42,11 +73,7 @@ VtrString ReflectionAccess::NameOf(const IDataSource& source) {
 }
 
 bool ReflectionAccess::HasLiving(const IReflectable& table, const VtrString& name) {
-  return std::ranges::any_of(table.reflectable, [&](const auto& member) {
-    const auto& [filed, item] = member;
-    return filed == name && !item.delegate.IsEmpty() && !item.type.get().IsFunction() &&
-           !IsGone(item.delegate);
-  });
+  return table.reflectable.FindChained(name) != nullptr;
 }
 
 VtrString ReflectionAccess::Explain(PropertyError error, const IDataSource* source,

@@ -14,7 +14,7 @@ PropertyAnnouncement::PropertyAnnouncement() noexcept
     : due(DueProperties::OfThisThread()), depth(++due.announcements) {}
 
 PropertyAnnouncement::~PropertyAnnouncement() {
-  while (PropertyBase* left = TakeNext()) Note(*left);
+  while (PropertyExtras* left = TakeNext()) Note(*left);
   due.announcements = depth - 1;
 }
 
@@ -24,55 +24,58 @@ void PropertyAnnouncement::Take(PropertyChanges& noted) noexcept {
 
 void PropertyAnnouncement::Run() {
   FirstFailure failure;
-  while (PropertyBase* next = TakeNext()) {
+  while (PropertyExtras* next = TakeNext()) {
     failure.Try([this, next] { Tell(*next); });
   }
   failure.Rethrow();
 }
 
-PropertyBase* PropertyAnnouncement::TakeNext() noexcept {
+PropertyExtras* PropertyAnnouncement::TakeNext() noexcept {
   PropertyLink* const first = due.First();
   const bool isOutermost = depth == 1;
   if (first == nullptr || (first->depth < depth && !isOutermost)) return nullptr;
   due.Remove(*first);
-  return static_cast<PropertyBase*>(first);
+  return static_cast<PropertyExtras*>(first);
 }
 
-void PropertyAnnouncement::Tell(PropertyBase& property) {
+void PropertyAnnouncement::Tell(PropertyExtras& property) {
   if (MustWait(property)) return Note(property);
-  for (PropertyBase* follower : property.dependents) MakeDue(*follower);
-  property.source.UpdateListeners(property.Name());
+  for (PropertyExtras* follower : property.dependents) MakeDue(*follower);
+  property.property->Source().UpdateListeners(property.property->Name());
 }
 
-bool PropertyAnnouncement::MustWait(const PropertyBase& property) noexcept {
-  if (DataSourceAccess::Changes(property.source).IsOpen()) return true;
-  return std::ranges::any_of(property.dependencies, [](const PropertyBase* followed) {
+bool PropertyAnnouncement::MustWait(const PropertyExtras& property) noexcept {
+  if (ChangesOf(property)->IsOpen()) return true;
+  return std::ranges::any_of(property.dependencies, [](const PropertyExtras* followed) {
     return followed->place == PropertyLink::Place::Noted;
   });
 }
 
-void PropertyAnnouncement::MakeDue(PropertyBase& property) noexcept {
+void PropertyAnnouncement::MakeDue(PropertyExtras& property) noexcept {
   if (property.place == PropertyLink::Place::Due && property.depth >= depth) return;
   Forget(property);
   due.Add(property, depth);
 }
 
-void PropertyAnnouncement::Forget(PropertyBase& property) noexcept {
-  if (property.place == PropertyLink::Place::Noted)
-    DataSourceAccess::Changes(property.source).Remove(property);
+PropertyChanges* PropertyAnnouncement::ChangesOf(const PropertyExtras& property) noexcept {
+  return DataSourceAccess::Changes(property.property->Source());
+}
+
+void PropertyAnnouncement::Forget(PropertyExtras& property) noexcept {
+  if (property.place == PropertyLink::Place::Noted) ChangesOf(property)->Remove(property);
   if (property.place == PropertyLink::Place::Due) DueProperties::OfThisThread().Remove(property);
 }
 
-void PropertyAnnouncement::Note(PropertyBase& property) noexcept {
+void PropertyAnnouncement::Note(PropertyExtras& property) noexcept {
   if (property.place == PropertyLink::Place::Noted) return;
   Forget(property);
-  DataSourceAccess::Changes(property.source).Add(property);
+  ChangesOf(property)->Add(property);
 }
 
-void PropertyAnnouncement::ReleaseFollowers(const PropertyBase& ending) noexcept {
+void PropertyAnnouncement::ReleaseFollowers(const PropertyExtras& ending) noexcept {
   if (ending.place != PropertyLink::Place::Noted) return;
   DueProperties& due = DueProperties::OfThisThread();
-  for (PropertyBase* follower : ending.dependents) {
+  for (PropertyExtras* follower : ending.dependents) {
     if (follower->place != PropertyLink::Place::Noted) continue;
     Forget(*follower);
     due.Add(*follower, due.announcements);

@@ -53,18 +53,19 @@ class PropertyAnnouncement {
   void Run();
 
   /// Takes a property out of the place where it stands, if it stands in one.
-  static void Forget(PropertyBase& property) noexcept;
+  static void Forget(PropertyExtras& property) noexcept;
   /// Notes a property as changed.
-  static void Note(PropertyBase& property) noexcept;
+  static void Note(PropertyExtras& property) noexcept;
   /// Makes due the noted properties that follow a property which ends, if it is noted itself. Some
   /// of them may have to wait for another one and are then noted again.
-  static void ReleaseFollowers(const PropertyBase& ending) noexcept;
+  static void ReleaseFollowers(const PropertyExtras& ending) noexcept;
 
  private:
-  [[nodiscard]] PropertyBase* TakeNext() noexcept;
-  void MakeDue(PropertyBase& property) noexcept;
-  void Tell(PropertyBase& property);
-  [[nodiscard]] static bool MustWait(const PropertyBase& property) noexcept;
+  [[nodiscard]] PropertyExtras* TakeNext() noexcept;
+  void MakeDue(PropertyExtras& property) noexcept;
+  void Tell(PropertyExtras& property);
+  [[nodiscard]] static bool MustWait(const PropertyExtras& property) noexcept;
+  [[nodiscard]] static PropertyChanges* ChangesOf(const PropertyExtras& property) noexcept;
 
   DueProperties& due;
   std::uint32_t depth;

@@ -6,61 +6,121 @@
 
 #include <atomic>
 #include <cassert>
+#include <vector>
 
 #include "DataBinding/property/PropertyAccess.h"
 #include "PropertyAnnouncement.h"
 
 namespace DataBinding::details {
 
-PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
-    : source(itsSource), filedName(propertyName.ToString()) {
-  // The reference is made now, so that nothing has to be allocated between a change and its
-  // notification.
-  static_cast<void>(source.GetLiveness());
+PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName,
+                           std::unique_ptr<PropertyExtras> options)
+    : ChainedMember(itsSource, propertyName.ToString()), extras(options.release()) {
+  if (PropertyExtras* const given = ExistingExtras()) given->property = this;
 }
 
-PropertyBase::~PropertyBase() {
-  PropertyAnnouncement::ReleaseFollowers(*this);
-  PropertyAnnouncement::Forget(*this);
-  for (PropertyBase* other : dependents) std::erase(other->dependencies, this);
-  for (const PropertyBase* other : dependencies) std::erase(other->dependents, this);
+PropertyExtras& PropertyBase::Extras() const {
+  PropertyExtras* existing = ExistingExtras();
+  if (existing != nullptr) return *existing;
+  auto made = std::make_unique<PropertyExtras>();
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): announcing changes nothing in a property
+  made->property = const_cast<PropertyBase*>(this);
+  if (!extras.compare_exchange_strong(existing, made.get(), std::memory_order_acq_rel)) {
+    return *existing;
+  }
+  return *made.release();
 }
 
-void PropertyBase::File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
-  assert(!ReflectionAccess::HasLiving(source, Name()) && "a source has two properties of one name");
-  ReflectionAccess::File(source, Name(), accessor, type);
+void PropertyBase::EndExtras() noexcept {
+  const std::unique_ptr<PropertyExtras> ended(ExistingExtras());
+  PropertyAnnouncement::ReleaseFollowers(*ended);
+  PropertyAnnouncement::Forget(*ended);
+  for (PropertyExtras* other : ended->dependents) std::erase(other->dependencies, ended.get());
+  for (PropertyExtras* other : ended->dependencies) std::erase(other->dependents, ended.get());
 }
 
-void PropertyBase::DependOn(std::initializer_list<const PropertyBase*> others) {
-  static constinit std::atomic<std::uint64_t> lastTurn{firstComputedTurn};
-  turn = lastTurn.fetch_add(1, std::memory_order_relaxed);
-  dependencies.reserve(others.size());
-  for (const PropertyBase* other : others) {
-    other->dependents.push_back(this);
-    dependencies.push_back(other);
+void PropertyBase::File() {
+  assert(!ReflectionAccess::HasLiving(Source(), Name()) &&
+         "a source has two properties of one name");
+  try {
+    ReflectionAccess::File(Home(), *this, DataSourceAccess::IsComplete(Source()));
+    // A property that an override files elsewhere is not found when a batch is opened.
+    const PropertyChanges* const changes = DataSourceAccess::Changes(Source());
+    if (!IsChained() || (changes != nullptr && changes->AreAllLinked())) Extras();
+  } catch (...) {
+    EndAccess();
+    throw;
   }
 }
 
+void PropertyBase::EndAccess() noexcept {
+  if (IsChained()) ReflectionAccess::Unfile(Home(), *this);
+  if (PropertyExtras* const existing = ExistingExtras()) existing->weak.Invalidate();
+}
+
+comlike_ptr<BindStateBase> PropertyBase::SharedAccessor() const noexcept {
+  const PropertyExtras* const existing = ExistingExtras();
+  if (existing == nullptr) return {};
+  return comlike_ptr<BindStateBase>::Share(existing->accessor.load(std::memory_order_acquire));
+}
+
+comlike_ptr<BindStateBase> PropertyBase::ShareAccessor(comlike_ptr<BindStateBase> made) {
+  BindStateBase* existing = nullptr;
+  if (Extras().accessor.compare_exchange_strong(existing, made.Get(), std::memory_order_acq_rel)) {
+    return comlike_ptr<BindStateBase>::Share(made.Detach());
+  }
+  return comlike_ptr<BindStateBase>::Share(existing);
+}
+
+void PropertyBase::DependOn(std::initializer_list<const PropertyBase*> others) {
+  static constinit std::atomic<std::uint64_t> lastTurn{PropertyLink::firstComputedTurn};
+  DataSourceAccess::MakeChanges(Source());
+  PropertyExtras& own = Extras();
+  own.turn = lastTurn.fetch_add(1, std::memory_order_relaxed);
+  own.dependencies.reserve(others.size());
+  for (const PropertyBase* other : others) {
+    DataSourceAccess::MakeChanges(other->Source());
+    PropertyExtras& followed = other->Extras();
+    followed.dependents.push_back(&own);
+    own.dependencies.push_back(&followed);
+  }
+}
+
+PropertyChanges& PropertyBase::PrepareBatch(DataSourceImpl& source) {
+  PropertyChanges& changes = DataSourceAccess::MakeChanges(source);
+  if (changes.AreAllLinked()) return changes;
+  for (auto* member = ReflectionAccess::Newest(source); member != nullptr;
+       member = member->Older()) {
+    static_cast<PropertyBase*>(member)->Extras();  // only properties are chained
+  }
+  changes.SetAllLinked();
+  return changes;
+}
+
 void PropertyBase::NotifyChanged() {
-  PropertyChanges& changes = DataSourceAccess::Changes(source);
-  const bool isAlone = dependents.empty() && dependencies.empty() && place == Place::None;
-  if (isAlone && !changes.IsOpen()) return source.UpdateListeners(Name());
-  PropertyAnnouncement::Note(*this);
-  if (changes.IsOpen()) return;
+  PropertyChanges* const changes = DataSourceAccess::Changes(Source());
+  PropertyExtras* const own = ExistingExtras();
+  const bool isAlone = own == nullptr || own->IsAlone();
+  if (changes == nullptr || (isAlone && !changes->IsOpen())) {
+    return Source().UpdateListeners(Name());
+  }
+  if (own == nullptr) return;  // it is ending: a batch was opened after it had left its source
+  PropertyAnnouncement::Note(*own);
+  if (changes->IsOpen()) return;
   PropertyAnnouncement announcement;
-  announcement.Take(changes);
+  announcement.Take(*changes);
   announcement.Run();
 }
 
 SetResult PropertyBase::ReadOnlyResult(const runtime_type_base& wanted) const {
   constexpr auto error = PropertyError::ReadOnly;
-  return {false, error, ReflectionAccess::Explain(error, &source, Name(), wanted)};
+  return {false, error, ReflectionAccess::Explain(error, &Source(), Name(), wanted)};
 }
 
 SetResult PropertyBase::RefusedResult(const VtrString& reason) const {
   SetResult result{false, PropertyError::Refused, {}, reason};
   result.text.Format(L"Property \"%s\" of data source \"%s\" refuses the value: %s", Name(),
-                     ReflectionAccess::NameOf(source), reason);
+                     ReflectionAccess::NameOf(Source()), reason);
   return result;
 }
 

@@ -13,7 +13,7 @@ PropertyBatch::PropertyBatch(DataSourceImpl& changingSource)
     : source(changingSource),
       liveness(changingSource.GetLiveness()),
       uncaughtBefore(std::uncaught_exceptions()) {
-  details::DataSourceAccess::Changes(source).Open();
+  details::PropertyBase::PrepareBatch(source).Open();
 }
 
 PropertyBatch::~PropertyBatch() noexcept(false) {
@@ -27,9 +27,9 @@ PropertyBatch::~PropertyBatch() noexcept(false) {
 
 void PropertyBatch::Commit() {
   if (!std::exchange(isOpen, false)) return;
-  if (liveness.IsValid() && !details::DataSourceAccess::Changes(source).Close()) return;
+  if (liveness.IsValid() && !details::DataSourceAccess::Changes(source)->Close()) return;
   details::PropertyAnnouncement announcement;
-  if (liveness.IsValid()) announcement.Take(details::DataSourceAccess::Changes(source));
+  if (liveness.IsValid()) announcement.Take(*details::DataSourceAccess::Changes(source));
   announcement.Run();
 }
 

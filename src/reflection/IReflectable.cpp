@@ -5,14 +5,7 @@
 
 namespace DataBinding {
 
-// The resolvers call the virtual operations of this object. They may refer to it, since the table
-// that holds them is a member.
-IReflectable::IReflectable()
-    : reflectable([this](const VtrString& name,
-                         const runtime_type_base& type) { return GetDynamicDelegate(name, type); },
-                  [this](const VtrString& name) -> const runtime_type_base& {
-                    return GetDynamicType(name);
-                  }) {}
+IReflectable::IReflectable() : reflectable(*this) {}
 
 // The references of GetLiveness end here, before the table's destructor calls the destruction
 // handlers.
@@ -45,6 +38,8 @@ IReflectable::iterator IReflectable::begin() { return reflectable.begin(); }
 IReflectable::const_iterator IReflectable::begin() const { return reflectable.begin(); }
 IReflectable::iterator IReflectable::end() { return reflectable.end(); }
 IReflectable::const_iterator IReflectable::end() const { return reflectable.end(); }
+
+std::vector<VtrString> IReflectable::GetNamesInOrder() const { return reflectable.NamesInOrder(); }
 
 void IReflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
                                 const runtime_type_base& type) {

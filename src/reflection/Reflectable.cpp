@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-// This file holds the table of members, and the calls of the destruction handlers at its end.
+// This file holds the table of members, and the calls of the destruction handlers at its end. While
+// there is no map, names are looked up in the chain of members, the newest first.
+#include <algorithm>
 #include <limits>
+#include <memory>
+#include <new>
 
+#include "DataBinding/foundation/Event.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/reflection/IReflectable.h"
+#include "DataBinding/reflection/details/ChainedMember.h"
 
 namespace DataBinding::details {
 
@@ -10,7 +17,11 @@ namespace {
 
 constexpr std::size_t notFound = std::numeric_limits<std::size_t>::max();
 
+/// A longer chain would be slower to look through than a map.
+constexpr std::uint32_t longestChainWithoutMap = 16;
+
 constinit thread_local HandlerFailures* innermostFailures = nullptr;
+constinit thread_local bool isLending = false;
 
 /// Calls all handlers and notes the first exception, since a destructor cannot let one out.
 void RaiseQuietly(Event<void()>& event) noexcept {
@@ -35,39 +46,222 @@ void HandlerFailures::RethrowFirst() const {
   if (first != nullptr) std::rethrow_exception(first);
 }
 
-Reflectable::Reflectable(DelegateResolver forDelegates, TypeResolver forTypes)
-    : resolveDelegate(std::move(forDelegates)), resolveType(std::move(forTypes)) {}
+LendingScope::LendingScope() noexcept : before(std::exchange(isLending, true)) {}
+LendingScope::~LendingScope() { isLending = before; }
+
+/// The map with the order in which its names were added.
+struct MemberMap {
+  /// Returns the item of a name, which is made if there is none.
+  Reflectable::ReflectedItem& Item(const VtrString& name) {
+    if (inOrder.size() == inOrder.capacity()) inOrder.reserve(2 * inOrder.size() + 8);
+    const auto [place, isNew] = items.try_emplace(name);
+    if (isNew) inOrder.push_back(&place->first);
+    return place->second;
+  }
+
+  Reflectable::Items items;
+  std::vector<const VtrString*> inOrder;
+};
+
+namespace {
+
+/// The accessor of a property that has gone. No callback has its signature, and it counts as
+/// cancelled.
+class GoneState final : public BindStateBase {
+ public:
+  static RepeatingCallbackMemento Memento() noexcept {
+    alignas(GoneState) static std::byte place[sizeof(GoneState)];
+    static auto* const everlasting = ::new (static_cast<void*>(place)) GoneState;
+    return RepeatingCallbackBase(comlike_ptr<BindStateBase>::Share(everlasting)).GetMemento();
+  }
+
+ private:
+  GoneState() noexcept : BindStateBase([] {}, [](const BindStateBase*) {}, &Answer) {
+    SetSignature(typeid(GoneState));
+  }
+  static bool Answer(const BindStateBase* /*state*/, CancellationQueryMode mode) {
+    return mode == CancellationQueryMode::IsCancelled;
+  }
+};
+
+/// Takes the delegate out of an item, unless it is only lent. It is released when the item is new
+/// already, since its end may run any code.
+RepeatingCallbackMemento TakeOwned(Reflectable::ReflectedItem& item) {
+  if (item.delegate.Lender() != nullptr) return RepeatingCallbackMemento();
+  return std::move(item.delegate);
+}
+
+/// Puts what was made into an empty place, unless another thread was faster. Returns what is there.
+template <class T>
+T& Publish(std::atomic<T*>& place, std::unique_ptr<T> made) noexcept {
+  T* existing = nullptr;
+  if (!place.compare_exchange_strong(existing, made.get(), std::memory_order_acq_rel)) {
+    return *existing;
+  }
+  return *made.release();
+}
+
+}  // namespace
+
+/// Holds what few objects have.
+struct ReflectableExtras {
+  ReflectableExtras() = default;
+  ReflectableExtras(const ReflectableExtras&) = delete;
+  ReflectableExtras& operator=(const ReflectableExtras&) = delete;
+  ~ReflectableExtras() { delete map.load(std::memory_order_relaxed); }
+
+  Event<void()> onDestroy;
+  Event<void()> onDestroyed;
+  Reflectable::DelegateResolver resolveDelegate;
+  Reflectable::TypeResolver resolveType;
+  std::atomic<MemberMap*> map{nullptr};
+};
+
+/// What the table knows of a name: its type, and a living chained member or else a delegate.
+struct Reflectable::Known {
+  const runtime_type_base* type = nullptr;
+  ChainedMember* member = nullptr;
+  const RepeatingCallbackMemento* delegate = nullptr;
+};
+
+Reflectable::Reflectable(DelegateResolver forDelegates, TypeResolver forTypes) {
+  ReflectableExtras& made = Extras();
+  made.resolveDelegate = std::move(forDelegates);
+  made.resolveType = std::move(forTypes);
+}
 
 Reflectable::~Reflectable() {
   isEnding = true;
-  RaiseQuietly(onDestroy);
-  RaiseQuietly(onDestroyed);
+  const std::unique_ptr<ReflectableExtras> ended(extras.load(std::memory_order_acquire));
+  if (ended != nullptr) {
+    RaiseQuietly(ended->onDestroy);
+    RaiseQuietly(ended->onDestroyed);
+  }
+  // A property may outlive its source, and must not look for it when it ends.
+  while (newest != nullptr) newest = std::exchange(newest->older, newest);
 }
+
+ReflectableExtras& Reflectable::Extras() const {
+  ReflectableExtras* const existing = extras.load(std::memory_order_acquire);
+  return existing != nullptr ? *existing : Publish(extras, std::make_unique<ReflectableExtras>());
+}
+
+MemberMap* Reflectable::ExistingMap() const noexcept {
+  const ReflectableExtras* const existing = extras.load(std::memory_order_acquire);
+  return existing == nullptr ? nullptr : existing->map.load(std::memory_order_acquire);
+}
+
+MemberMap& Reflectable::Map() const {
+  if (MemberMap* const existing = ExistingMap()) return *existing;
+  auto made = std::make_unique<MemberMap>();
+  for (ChainedMember* member = newest; member != nullptr; member = member->older) {
+    if (made->items.contains(member->Name())) continue;
+    ReflectedItem& item = made->Item(member->Name());
+    item.type = member->Type();
+    item.delegate.Lend(*member);
+  }
+  std::ranges::reverse(made->inOrder);
+  return Publish(Extras().map, std::move(made));
+}
+
+void Reflectable::ReserveNames() const { static_cast<void>(Map()); }
 
 void Reflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
                                const runtime_type_base& type) {
-  const ReflectedItem former = std::exchange(items[name], ReflectedItem{delegate, type});
+  // Nothing else lends to a table.
+  auto* const member = static_cast<ChainedMember*>(delegate.Lender());
+  const bool isOwn = member != nullptr && &member->Home() == object && !member->IsChained() &&
+                     member->Name() == name && type.IsSameType(&member->Type());
+  if (isOwn) return Link(*member);
+  RepeatingCallbackMemento own = delegate;
+  ReflectedItem& item = Map().Item(name);
+  const RepeatingCallbackMemento former = TakeOwned(item);
+  item.delegate = std::move(own);
+  item.type = type;
+}
+
+void Reflectable::Link(ChainedMember& member) {
+  if (chained == longestChainWithoutMap) ReserveNames();
+  RepeatingCallbackMemento former;
+  if (MemberMap* const map = ExistingMap()) {
+    ReflectedItem& item = map->Item(member.Name());
+    former = TakeOwned(item);
+    item.type = member.Type();
+    item.delegate.Lend(member);
+  }
+  member.older = std::exchange(newest, &member);
+  ++chained;
+}
+
+void Reflectable::Unlink(ChainedMember& member) noexcept {
+  if (!member.IsChained()) return;
+  FirstFailure dropped;  // without memory the name is forgotten
+  if (!wholeEnds) dropped.Try([this] { ReserveNames(); });
+  if (MemberMap* const map = ExistingMap()) {
+    const auto found = map->items.find(member.Name());
+    const bool isFiled = found != map->items.end() && found->second.delegate.Lender() == &member;
+    if (isFiled) found->second.delegate = GoneState::Memento();
+  }
+  ChainedMember** place = &newest;
+  while (*place != &member) place = &(*place)->older;
+  *place = std::exchange(member.older, &member);
+  --chained;
 }
 
 void Reflectable::_AddType(const VtrString& name, const runtime_type_base& type) {
   _AddDelegate(name, RepeatingCallbackMemento(), type);
 }
 
+Reflectable::Known Reflectable::Look(const VtrString& name) const {
+  if (const MemberMap* const map = ExistingMap()) {
+    const auto found = map->items.find(name);
+    if (found == map->items.end()) return {};
+    const ReflectedItem& item = found->second;
+    auto* const member = static_cast<ChainedMember*>(item.delegate.Lender());
+    return {&item.type.get(), member, &item.delegate};
+  }
+  for (ChainedMember* member = newest; member != nullptr; member = member->older) {
+    if (member->Name() == name) return {&member->Type(), member, nullptr};
+  }
+  return {};
+}
+
+ChainedMember* Reflectable::FindChained(const VtrString& name) const { return Look(name).member; }
+
+RepeatingCallbackMemento Reflectable::ResolveDelegate(const VtrString& name,
+                                                      const runtime_type_base& type) const {
+  return object != nullptr ? object->GetDynamicDelegate(name, type)
+                           : Extras().resolveDelegate(name, type);
+}
+
+const runtime_type_base& Reflectable::ResolveType(const VtrString& name) const {
+  if (object != nullptr) return object->GetDynamicType(name);
+  const TypeResolver& resolve = Extras().resolveType;
+  return resolve ? resolve(name) : runtime_type<void>::Get();
+}
+
 std::pair<std::size_t, RepeatingCallbackMemento> Reflectable::_GetDelegate(
     std::initializer_list<DelegateTag> tags) const {
-  std::size_t index = 0;
+  // This is returned in place: a lent callback stays lent only while it is not copied or moved.
+  std::pair<std::size_t, RepeatingCallbackMemento> answer(0, RepeatingCallbackMemento());
   for (const auto& [name, type] : tags) {
-    const auto found = items.find(name);
-    if (found != items.end()) {
-      const ReflectedItem& item = found->second;
-      if (!type.IsSameType(&item.type.get())) return {index, RepeatingCallbackMemento()};
-      return {index, item.delegate};
+    const Known known = Look(name);
+    if (known.type != nullptr) {
+      if (!type.IsSameType(known.type)) return answer;
+      if (known.member == nullptr) {
+        answer.second = *known.delegate;
+      } else {
+        answer.second.Lend(*known.member);
+        if (!isLending) answer.second = RepeatingCallbackMemento(answer.second);
+      }
+      return answer;
     }
-    auto resolved = resolveDelegate(name, type);
-    if (!resolved.IsEmpty()) return {index, std::move(resolved)};
-    ++index;
+    answer.second = ResolveDelegate(name, type);
+    if (!answer.second.IsEmpty()) return answer;
+    ++answer.first;
   }
-  return {notFound, RepeatingCallbackMemento()};
+  answer.first = notFound;
+  return answer;
 }
 
 std::pair<std::size_t, const runtime_type_base&> Reflectable::_GetType(
@@ -75,21 +269,37 @@ std::pair<std::size_t, const runtime_type_base&> Reflectable::_GetType(
   const runtime_type_base& none = runtime_type<void>::Get();
   std::size_t index = 0;
   for (const auto& name : names) {
-    const auto found = items.find(name);
-    if (found != items.end()) return {index, found->second.type.get()};
-    const runtime_type_base& resolved = resolveType ? resolveType(name) : none;
+    const Known known = Look(name);
+    if (known.type != nullptr) return {index, *known.type};
+    const runtime_type_base& resolved = ResolveType(name);
     if (!resolved.IsSameType(&none)) return {index, resolved};
     ++index;
   }
   return {notFound, none};
 }
 
+std::vector<VtrString> Reflectable::NamesInOrder() const {
+  std::vector<VtrString> names;
+  if (const MemberMap* const map = ExistingMap()) {
+    names.reserve(map->inOrder.size());
+    for (const VtrString* name : map->inOrder) names.push_back(*name);
+    return names;
+  }
+  for (ChainedMember* member = newest; member != nullptr; member = member->older) {
+    if (FindChained(member->Name()) == member) names.push_back(member->Name());
+  }
+  std::ranges::reverse(names);
+  return names;
+}
+
 Subscription Reflectable::AddOnDestroyHandler(const RepeatingCallback<void()>& callback) {
-  return onDestroy.Subscribe(callback.GetMemento());
+  ReserveNames();
+  return Extras().onDestroy.Subscribe(callback.GetMemento());
 }
 
 Subscription Reflectable::AddOnDestroyedHandler(const RepeatingCallback<void()>& callback) {
-  return onDestroyed.Subscribe(callback.GetMemento());
+  ReserveNames();
+  return Extras().onDestroyed.Subscribe(callback.GetMemento());
 }
 
 bool Reflectable::IsProperty(const VtrString& name) const {
@@ -100,5 +310,10 @@ bool Reflectable::IsWritableProperty(const VtrString& name) const {
   const runtime_type_base& type = _GetType({name}).second;
   return !type.IsFunction() && !type.IsReadOnly();
 }
+
+Reflectable::Items::iterator Reflectable::begin() { return Map().items.begin(); }
+Reflectable::Items::const_iterator Reflectable::begin() const { return Map().items.begin(); }
+Reflectable::Items::iterator Reflectable::end() { return Map().items.end(); }
+Reflectable::Items::const_iterator Reflectable::end() const { return Map().items.end(); }
 
 }  // namespace DataBinding::details

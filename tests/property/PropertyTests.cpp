@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -164,6 +165,53 @@ TEST_F(PropertyTest, MembersWithoutAnAccessorOfTheirTypeCannotBeRead) {
   EXPECT_EQ(GetProperty<int>(plain.get(), L"Typed").error, PropertyError::NoAccessor);
   EXPECT_EQ(GetProperty<int>(plain.get(), L"Odd").error, PropertyError::NoAccessor);
   EXPECT_EQ(GetProperty<int>(plain.get(), L"Changed").error, PropertyError::WrongType);
+}
+
+TEST_F(PropertyTest, NameOfOneThatEndedBeforeItsSourceStaysKnown) {
+  std::string announced;
+  auto shade = std::make_unique<ReadOnlyProperty<int>>(box.get(), PropertyName(L"Shade"));
+  Listen(L"Shade");
+  const auto handler = box->AddOnDestroyHandler([&, base = static_cast<IReflectable*>(box.get())] {
+    for (const auto& [name, item] : *base) announced += name.ToUtf8() + ' ';
+  });
+
+  shade.reset();
+  box->UpdateListeners(L"*");
+
+  EXPECT_EQ(log, "S");
+  EXPECT_FALSE(box->IsWritableProperty(L"Shade"));
+  EXPECT_EQ(GetProperty<double>(box.get(), L"Shade").error, PropertyError::WrongType);
+  EXPECT_EQ(GetProperty<int>(box.get(), L"Shade").error, PropertyError::Absent);
+
+  box.reset();
+  EXPECT_EQ(announced, "Area Height Label Shade Width ");
+}
+
+TEST_F(PropertyTest, MayOutliveItsSource) {
+  const Property<int> late(box.get(), PropertyName(L"Late"), 7);
+  const auto reference = FindProperty<const int>(box.get(), L"Late");
+
+  box.reset();
+
+  EXPECT_EQ(*late, 7);
+  EXPECT_EQ(*reference.Get(), 7);
+}
+
+TEST_F(PropertyTest, NamesAreGivenInTheOrderOfTheirDeclaration) {
+  const std::vector<VtrString> declared{L"Width", L"Height", L"Area", L"Label"};
+  EXPECT_EQ(box->GetNamesInOrder(), declared);
+
+  std::vector<std::unique_ptr<Property<int>>> more;
+  for (const int i : {9, 3, 5, 1, 8, 2, 7, 6, 4, 0, 14, 11, 13, 10, 12}) {
+    const VtrString name = VtrString().Format(L"N%d", i);
+    more.push_back(std::make_unique<Property<int>>(box.get(), PropertyName(name), i));
+  }
+
+  const auto names = box->GetNamesInOrder();
+  EXPECT_TRUE(std::equal(declared.begin(), declared.end(), names.begin()));
+  EXPECT_EQ(names[4], L"N9");
+  EXPECT_EQ(names.back(), L"N12");
+  for (const auto& one : more) EXPECT_EQ(*GetProperty<int>(box.get(), one->Name()), **one);
 }
 
 #if !defined(NDEBUG)

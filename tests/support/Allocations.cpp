@@ -10,6 +10,7 @@ namespace {
 
 constinit thread_local std::int64_t allocated = 0;
 constinit thread_local std::int64_t released = 0;
+constinit thread_local std::int64_t bytes = 0;
 constinit thread_local std::int64_t untilFailure = 0;  // 0 for none, below it when it is over
 
 void* Allocate(std::size_t size) {
@@ -20,6 +21,7 @@ void* Allocate(std::size_t size) {
   void* const memory = std::malloc(size == 0 ? 1 : size);
   if (memory == nullptr) throw std::bad_alloc();
   ++allocated;
+  bytes += static_cast<std::int64_t>(size < 24 ? 32 : (size + 8 + 15) / 16 * 16);
   return memory;
 }
 
@@ -32,6 +34,8 @@ void Release(void* memory) noexcept {
 
 std::int64_t Allocations() noexcept { return allocated; }
 std::int64_t LiveAllocations() noexcept { return allocated - released; }
+
+std::int64_t AllocatedBytes() noexcept { return bytes; }
 
 FailingAllocation::FailingAllocation(std::int64_t number) noexcept { untilFailure = number; }
 FailingAllocation::~FailingAllocation() { untilFailure = 0; }

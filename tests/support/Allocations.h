@@ -14,6 +14,9 @@ namespace DataBinding::Testing {
 /// The same less what it has given back.
 [[nodiscard]] std::int64_t LiveAllocations() noexcept;
 
+/// How many bytes this thread has allocated, with what a usual heap adds to each block.
+[[nodiscard]] std::int64_t AllocatedBytes() noexcept;
+
 /// While it lives, the n-th allocation of this thread from its making on throws std::bad_alloc.
 class FailingAllocation {
  public:

@@ -10,6 +10,7 @@
 /// it announces a property that somebody is registered for.
 #pragma once
 
+#include <memory>
 #include <set>
 #include <utility>
 
@@ -68,7 +69,8 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   void UpdateAllBut(const std::set<VtrString>& excluded, const details::WeakReference& self);
 
   WeakPtr<IDataSourceProvider> dataSourceProvider;
-  details::PropertyChanges propertyChanges;
+  /// Is made when it is first needed.
+  std::unique_ptr<details::PropertyChanges> propertyChanges;
 };
 
 namespace details {
@@ -87,8 +89,14 @@ class DATABINDING_API DataSourceAccess {
   static void SetProvider(DataSourceImpl& source, IDataSourceProvider* provider) {
     source.SetDataSourceProvider(provider);
   }
-  [[nodiscard]] static PropertyChanges& Changes(DataSourceImpl& source) noexcept {
-    return source.propertyChanges;
+  /// Returns the list of a source's changed properties, or null if there is none yet.
+  [[nodiscard]] static PropertyChanges* Changes(const DataSourceImpl& source) noexcept {
+    return source.propertyChanges.get();
+  }
+  /// Returns that list, which is made if there is none yet.
+  static PropertyChanges& MakeChanges(DataSourceImpl& source);
+  [[nodiscard]] static bool IsComplete(const DataSourceImpl& source) noexcept {
+    return source.postConstructed;
   }
 };
 

@@ -167,7 +167,7 @@ class RepeatingCallback<Result(Args...)> : public details::RepeatingCallbackBase
   }
   /// Shares the callable that the memento holds. If that has another signature, the callback
   /// becomes null.
-  void SetMemento(const RepeatingCallbackMemento& memento) noexcept {
+  void SetMemento(const RepeatingCallbackMemento& memento) {
     RepeatingCallbackBase::SetMemento(memento);
     if (state && !state->FitsSignature(typeid(Result(Args...)))) state = {};
   }

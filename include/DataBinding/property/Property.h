@@ -17,6 +17,7 @@
 #include <concepts>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -37,14 +38,29 @@ struct PropertyOptions {
 
 namespace details {
 
+/// The extras of a property with options.
+template <class T>
+struct OptionalExtras final : PropertyExtras {
+  explicit OptionalExtras(PropertyOptions<T>&& given) : options(std::move(given)) {
+    hasOptions = true;
+    // The flag is made now, so that nothing is allocated between a change and its notification.
+    if (options.changed) static_cast<void>(weak.GetRef());
+  }
+  [[nodiscard]] static std::unique_ptr<PropertyExtras> Of(PropertyOptions<T>&& given) {
+    if (!given.validate && !given.changed) return nullptr;
+    return std::make_unique<OptionalExtras>(std::move(given));
+  }
+
+  PropertyOptions<T> options;
+};
+
 template <class T, class Filed>
 class StoredProperty : public TypedProperty<T, Filed> {
  public:
   StoredProperty(DataSourceImpl* itsSource, PropertyName name, T initial = T(),
-                 PropertyOptions<T> extras = {})
-      : TypedProperty<T, Filed>(*itsSource, name),
-        value(std::move(initial)),
-        options(std::move(extras)) {}
+                 PropertyOptions<T> options = {})
+      : TypedProperty<T, Filed>(*itsSource, name, OptionalExtras<T>::Of(std::move(options))),
+        value(std::move(initial)) {}
 
   [[nodiscard]] const T& Get() const noexcept { return value; }
   [[nodiscard]] const T& operator*() const noexcept { return value; }
@@ -52,19 +68,20 @@ class StoredProperty : public TypedProperty<T, Filed> {
 
  protected:
   /// Ends the accessor first, so that nobody reads the value while it goes.
-  virtual ~StoredProperty() { this->InvalidateWeakPtrs(); }
+  virtual ~StoredProperty() { this->EndAccess(); }
 
   SetResult Store(T wanted) {
-    if (options.validate) {
-      const VtrString reason = ReasonAgainst(wanted, options.validate);
+    const PropertyOptions<T>* const options = Options();
+    if (options != nullptr && options->validate) {
+      const VtrString reason = ReasonAgainst(wanted, options->validate);
       if (!reason.IsEmpty()) return this->RefusedResult(reason);
     }
     if constexpr (std::equality_comparable<T>) {
       if (value == wanted) return {};
     }
     std::swap(value, wanted);
-    if (options.changed) {
-      RunHookAndNotify(wanted);
+    if (options != nullptr && options->changed) {
+      RunHookAndNotify(options->changed, wanted);
     } else {
       this->NotifyChanged();
     }
@@ -80,11 +97,12 @@ class StoredProperty : public TypedProperty<T, Filed> {
   }
   /// Runs the change hook and notifies. It notifies also when the hook throws, but not when the
   /// hook ends the property.
-  DATABINDING_CATCHES_CANCELLATION void RunHookAndNotify(const T& before) {
+  DATABINDING_CATCHES_CANCELLATION void RunHookAndNotify(
+      const RepeatingCallback<void(const T&, const T&)>& hook, const T& before) {
     const auto self = this->AsWeakPtr();
     std::exception_ptr failure;
     try {
-      options.changed(before, value);
+      hook(before, value);
     }
     DATABINDING_PASS_CANCELLATION catch (...) { failure = std::current_exception(); }
     if (self) this->NotifyChanged();
@@ -92,8 +110,13 @@ class StoredProperty : public TypedProperty<T, Filed> {
   }
   [[nodiscard]] T GetValue() const override { return value; }
 
+  [[nodiscard]] const PropertyOptions<T>* Options() const noexcept {
+    const PropertyExtras* const existing = this->ExistingExtras();
+    if (existing == nullptr || !existing->hasOptions) return nullptr;
+    return &static_cast<const OptionalExtras<T>*>(existing)->options;
+  }
+
   T value;
-  PropertyOptions<T> options;
 };
 
 }  // namespace details
@@ -144,7 +167,7 @@ class ComputedProperty final : public details::TypedProperty<T, const T> {
       : details::TypedProperty<T, const T>(*itsSource, name), compute(std::move(function)) {
     this->DependOn({&others...});
   }
-  ~ComputedProperty() { this->InvalidateWeakPtrs(); }
+  ~ComputedProperty() { this->EndAccess(); }
 
   /// Computes the value now.
   ///@{

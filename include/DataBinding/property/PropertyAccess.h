@@ -3,8 +3,9 @@
 /// checked, for code that does not know the source's class.
 ///
 /// When a look-up fails, its PropertyError tells the reason and its text explains it. Reading
-/// accepts read-only properties of the same value type; no type is converted to another. Nothing is
-/// allocated where nothing fails, beyond what copying the value takes.
+/// accepts read-only properties of the same value type; no type is converted to another.
+/// GetProperty and SetProperty allocate nothing where nothing fails, beyond what copying the value
+/// takes. The first PropertyRef to a property allocates what later ones share.
 ///
 ///   if (const auto load = GetProperty<double>(source, L"Load")) Show(*load);
 ///   SetResult set = SetProperty(source, L"Target", 22.0);
@@ -29,8 +30,22 @@ class DATABINDING_API ReflectionAccess {
  public:
   struct Found {
     PropertyError error = PropertyError::None;
-    RepeatingCallbackMemento accessor;
     bool isReadOnly = false;
+    /// The property itself, which is of the wanted type. It is good until any other code runs.
+    PropertyBase* property = nullptr;
+    /// The accessor that was filed by hand, where there is no such property.
+    RepeatingCallbackMemento accessor;
+
+    [[nodiscard]] bool HasAccessor() const noexcept {
+      return property != nullptr || !accessor.IsEmpty();
+    }
+    /// Makes the accessor of the property, where it is one.
+    [[nodiscard]] RepeatingCallbackMemento Accessor() const;
+    /// Returns the property with its type, or null.
+    template <class T>
+    [[nodiscard]] IProperty<T>* As() const noexcept {
+      return static_cast<IProperty<T>*>(property);
+    }
   };
   /// Finds the accessor of a property whose type is `plain`, or `readOnly` for a read-only one.
   [[nodiscard]] static Found Find(const IDataSource* source, const VtrString& name,
@@ -50,10 +65,20 @@ class DATABINDING_API ReflectionAccess {
   [[nodiscard]] static VtrString NameOf(const IDataSource& source);
   /// Returns true when a property of that name stands in the table and is not gone.
   [[nodiscard]] static bool HasLiving(const IReflectable& table, const VtrString& name);
-  static void File(IReflectable& table, const VtrString& name,
-                   const RepeatingCallbackMemento& accessor, const runtime_type_base& type) {
-    table._AddDelegate(name, accessor, type);
+  /// Files a property. A source that is complete goes on living when the property ends, so it makes
+  /// sure that the name can be kept then.
+  static void File(IReflectable& table, PropertyBase& property, bool isTableComplete);
+  static void Unfile(IReflectable& table, PropertyBase& property) noexcept {
+    table.reflectable.Unlink(property);
   }
+  /// Returns the newest property of a source that stands in its chain, or null.
+  [[nodiscard]] static ChainedMember* Newest(const IReflectable& table) noexcept {
+    return table.reflectable.Newest();
+  }
+
+ private:
+  static void FindAccessor(const IReflectable& table, const VtrString& name,
+                           const runtime_type_base& wanted, Found& found);
 };
 
 }  // namespace details
@@ -72,13 +97,17 @@ class PropertyRef {
   using Source = std::conditional_t<std::is_const_v<T>, const IDataSource, IDataSource>;
 
   /// Looks the property up, once. The source may be null and may end later.
-  PropertyRef(Source* source, const VtrString& propertyName) : name(propertyName) {
+  PropertyRef(Source* source, const VtrString& propertyName)
+      : PropertyRef(
+            source, propertyName,
+            details::ReflectionAccess::Find(source, propertyName, runtime_type<Value>::Get(),
+                                            runtime_type<const Value>::Get())) {}
+  /// Takes what such a look-up has just found.
+  PropertyRef(Source* source, const VtrString& propertyName,
+              const details::ReflectionAccess::Found& found)
+      : name(propertyName), error(found.error), isReadOnly(found.isReadOnly) {
     const auto& wanted = runtime_type<Value>::Get();
-    auto found =
-        details::ReflectionAccess::Find(source, name, wanted, runtime_type<const Value>::Get());
-    error = found.error;
-    accessor.SetMemento(found.accessor);
-    isReadOnly = found.isReadOnly;
+    accessor.SetMemento(found.Accessor());
     if (error == PropertyError::None && !accessor) error = PropertyError::NoAccessor;
     if (error != PropertyError::None) {
       text = details::ReflectionAccess::Explain(error, source, name, wanted);
@@ -122,8 +151,8 @@ class PropertyRef {
 
   VtrString name;
   details::PropertyAccessor<Value> accessor;
-  PropertyError error = PropertyError::None;
-  bool isReadOnly = false;
+  PropertyError error;
+  bool isReadOnly;
   VtrString text;
 };
 
@@ -138,13 +167,21 @@ template <class T>
 /// Finds and reads a property.
 template <class T>
 [[nodiscard]] PropertyValue<T> GetProperty(const IDataSource* source, const VtrString& name) {
-  return FindProperty<const T>(source, name).Get();
+  const auto found = details::ReflectionAccess::Find(source, name, runtime_type<T>::Get(),
+                                                     runtime_type<const T>::Get());
+  if (const auto* property = found.template As<T>()) {
+    return {property->GetValue(), PropertyError::None, {}};
+  }
+  return PropertyRef<const T>(source, name, found).Get();
 }
 
 /// Finds and sets a property. T is the property's own type: an int does not set a double.
 template <class T>
 SetResult SetProperty(IDataSource* source, const VtrString& name, T value) {
-  return FindProperty<T>(source, name).Set(std::move(value));
+  const auto found = details::ReflectionAccess::Find(source, name, runtime_type<T>::Get(),
+                                                     runtime_type<const T>::Get());
+  if (auto* property = found.template As<T>()) return property->SetValue(std::move(value));
+  return PropertyRef<T>(source, name, found).Set(std::move(value));
 }
 
 /// Sets a property of type VtrString from a literal.

@@ -5,8 +5,14 @@
 ///
 /// The members stand in a table. It has no lock, so members are added while the object is built,
 /// before other threads see it. Adding a name again overwrites the member; no member is ever
-/// removed. When a name is asked for that is not in the table, GetDynamicDelegate or GetDynamicType
-/// is called, so that a derived class can answer for names that it never added.
+/// removed, and a property that ends before the object leaves its name and type. When a name is
+/// asked for that is not in the table, GetDynamicDelegate or GetDynamicType is called, so that a
+/// derived class can answer for names that it never added.
+///
+/// An object pays only for what it uses. Its typed properties form a chain, in which names are
+/// looked up. The ordered map that begin and end lead through is made when it is first needed: by
+/// them, by a member that is added by hand, by a destruction handler, by many properties, or by a
+/// property that is made or ends while the object goes on living. From then on the map answers.
 ///
 /// Two kinds of handlers are called when the object ends, first the on-destroy handlers and then
 /// the on-destroyed handlers. By then the derived classes are gone, but the table still stands.
@@ -16,17 +22,20 @@
 /// find out whether a member exists, look it up with its type (see PropertyAccess.h).
 #pragma once
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <initializer_list>
 #include <map>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "DataBinding/Export.h"
+#include "DataBinding/Fwd.h"
 #include "DataBinding/foundation/Callback.h"
-#include "DataBinding/foundation/Event.h"
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/WeakPtr.h"
@@ -36,9 +45,16 @@ namespace DataBinding {
 
 namespace details {
 
+class ChainedMember;
+struct MemberMap;
+struct ReflectableExtras;
+
+/// Reflectable is the table of an object's members: the chain of its properties, and the map, if
+/// there is one.
 class DATABINDING_API Reflectable {
  public:
-  /// An item is one member. The descriptor that `type` refers to outlives the table.
+  /// An item is one member. The descriptor that `type` refers to outlives the table. The delegate
+  /// of a property is lent: whoever wants to keep it copies it.
   struct ReflectedItem {
     RepeatingCallbackMemento delegate;
     std::reference_wrapper<const runtime_type_base> type = runtime_type<void>::Get();
@@ -53,7 +69,10 @@ class DATABINDING_API Reflectable {
       RepeatingCallback<RepeatingCallbackMemento(const VtrString&, const runtime_type_base&)>;
   using TypeResolver = RepeatingCallback<const runtime_type_base&(const VtrString&)>;
 
+  /// Makes a table with resolvers of its own.
   Reflectable(DelegateResolver forDelegates, TypeResolver forTypes);
+  /// Makes the table of an object, whose GetDynamicDelegate and GetDynamicType are the resolvers.
+  explicit Reflectable(IReflectable& itsObject) noexcept : object(&itsObject) {}
   Reflectable(const Reflectable&) = delete;
   Reflectable& operator=(const Reflectable&) = delete;
   /// Calls the on-destroy handlers, then the on-destroyed handlers, and then releases the members.
@@ -75,18 +94,59 @@ class DATABINDING_API Reflectable {
   /// Returns true while the destruction handlers run. The classes that derive from IReflectable are
   /// gone then.
   [[nodiscard]] bool IsEnding() const noexcept { return isEnding; }
-  [[nodiscard]] Items::iterator begin() noexcept { return items.begin(); }
-  [[nodiscard]] Items::const_iterator begin() const noexcept { return items.begin(); }
-  [[nodiscard]] Items::iterator end() noexcept { return items.end(); }
-  [[nodiscard]] Items::const_iterator end() const noexcept { return items.end(); }
+  /// Make the map, if there is none yet. Threads that only read may do so at the same time.
+  ///@{
+  [[nodiscard]] Items::iterator begin();
+  [[nodiscard]] Items::const_iterator begin() const;
+  [[nodiscard]] Items::iterator end();
+  [[nodiscard]] Items::const_iterator end() const;
+  ///@}
+
+  /// Returns the names in the order in which they were first added.
+  [[nodiscard]] std::vector<VtrString> NamesInOrder() const;
+  /// Returns the newest member of the chain, or null.
+  [[nodiscard]] ChainedMember* Newest() const noexcept { return newest; }
+  /// Returns the living chained member that answers to the name, or null.
+  [[nodiscard]] ChainedMember* FindChained(const VtrString& name) const;
+  /// Makes sure that the end of a member allocates nothing.
+  void ReserveNames() const;
+  /// Takes a member out of the chain. Its name and type stay, with a delegate that is gone.
+  void Unlink(ChainedMember& member) noexcept;
+  /// Notes that the object ends, with all its members. Nobody can ask for their names any more
+  /// then, but destruction handlers, for which a map is kept.
+  void NoteEnd() noexcept { wholeEnds = true; }
 
  private:
-  Event<void()> onDestroy;
-  Event<void()> onDestroyed;
-  DelegateResolver resolveDelegate;
-  TypeResolver resolveType;
-  Items items;
+  struct Known;
+
+  [[nodiscard]] ReflectableExtras& Extras() const;
+  [[nodiscard]] MemberMap* ExistingMap() const noexcept;
+  [[nodiscard]] MemberMap& Map() const;
+  [[nodiscard]] Known Look(const VtrString& name) const;
+  void Link(ChainedMember& member);
+  [[nodiscard]] RepeatingCallbackMemento ResolveDelegate(const VtrString& name,
+                                                         const runtime_type_base& type) const;
+  [[nodiscard]] const runtime_type_base& ResolveType(const VtrString& name) const;
+
+  IReflectable* object = nullptr;
+  mutable std::atomic<ReflectableExtras*> extras{nullptr};
+  ChainedMember* newest = nullptr;
+  std::uint32_t chained = 0;
   bool isEnding = false;
+  bool wholeEnds = false;
+};
+
+/// While a LendingScope exists, look-ups on its thread that find a chained member lend its callback
+/// instead of making one. The caller must not let the memento out of its hands.
+class DATABINDING_API LendingScope {
+ public:
+  LendingScope() noexcept;
+  LendingScope(const LendingScope&) = delete;
+  LendingScope& operator=(const LendingScope&) = delete;
+  ~LendingScope();
+
+ private:
+  bool before;
 };
 
 /// Keeps the first exception that a destruction handler throws on this thread during its scope. The
@@ -143,8 +203,7 @@ class DATABINDING_API IReflectable {
   virtual RepeatingCallbackMemento GetDynamicDelegate(const VtrString& name,
                                                       const runtime_type_base& type);
   /// This is called for the type of a name that is not in the table. An override returns the type,
-  /// or
-  /// runtime_type<void> for a name that it does not know.
+  /// or runtime_type<void> for a name that it does not know.
   virtual const runtime_type_base& GetDynamicType(const VtrString& name);
   /// Runs the callback when the object ends, before the on-destroyed handlers.
   virtual Subscription AddOnDestroyHandler(const RepeatingCallback<void()>& callback);
@@ -157,10 +216,17 @@ class DATABINDING_API IReflectable {
   [[nodiscard]] virtual iterator end();
   [[nodiscard]] virtual const_iterator end() const;
   ///@}
+  /// Returns the names of the members in the order in which they were first added, which for
+  /// properties is that of their declarations. Properties whose _AddDelegate was overridden to file
+  /// them elsewhere are not among them. Takes time in proportion to their number.
+  [[nodiscard]] std::vector<VtrString> GetNamesInOrder() const;
 
  protected:
   IReflectable();
   virtual ~IReflectable();
+  /// Notes that this object is about to be deleted, so that the names of members that end with it
+  /// need not be kept.
+  void NoteEnd() noexcept { reflectable.NoteEnd(); }
 
   /// Adds a delegate, or overwrites the member of that name. FindDelegate finds it by its name and
   /// signature (DelegateAccess.h). The caller has to give the signature:
@@ -170,7 +236,8 @@ class DATABINDING_API IReflectable {
   void AddDelegate(const VtrString& name, const RepeatingCallback<Signature>& callback) {
     _AddDelegate(name, callback.GetMemento(), runtime_type<Signature>::Get());
   }
-  /// Adds a member with a callback, or overwrites the one of that name.
+  /// Adds a member with a callback, or overwrites the one of that name. A typed property calls this
+  /// when it is made; an override that copies the memento has the property's accessor.
   virtual void _AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
                             const runtime_type_base& type);
   /// Adds a member without a callback, or overwrites the one of that name.

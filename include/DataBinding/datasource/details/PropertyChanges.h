@@ -3,8 +3,10 @@
 /// announced, in order of their first change. They wait while a PropertyBatch is open on the
 /// source, or while a property that they are computed from waits.
 ///
-/// Each property brings along the links by which it stands in the list. So noting a change
-/// allocates nothing, and a property that ends takes itself out.
+/// A source has this list once a batch was opened on it, or once one of its properties is computed
+/// from others or others from it. Each of those properties brings along the links by which it
+/// stands in the list. So noting a change allocates nothing, and a property that ends takes itself
+/// out.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +15,8 @@
 
 namespace DataBinding::details {
 
-/// A property derives from this link, by which it is noted as changed and waits to be announced.
-/// The link stands in at most one place at a time.
+/// The extras of a property derive from this link, by which it is noted as changed and waits to be
+/// announced. The link stands in at most one place at a time.
 struct PropertyLink {
   enum class Place : std::uint8_t {
     None,
@@ -37,6 +39,8 @@ struct PropertyLink {
   /// ones.
   std::uint32_t depth = 0;
   Place place = Place::None;
+  /// Tells whether the extras have a validator or a hook. It stands here to fill a gap.
+  bool hasOptions = false;
 };
 
 class DATABINDING_API PropertyChanges {
@@ -44,8 +48,14 @@ class DATABINDING_API PropertyChanges {
   PropertyChanges() noexcept = default;
   PropertyChanges(const PropertyChanges&) = delete;
   PropertyChanges& operator=(const PropertyChanges&) = delete;
-  ~PropertyChanges() = default;
+  /// Takes out the properties that outlive their source.
+  ~PropertyChanges();
 
+  /// Tells whether every property of the source has its links, so that a batch may be opened.
+  ///@{
+  [[nodiscard]] bool AreAllLinked() const noexcept { return areAllLinked; }
+  void SetAllLinked() noexcept { areAllLinked = true; }
+  ///@}
   void Open() noexcept { ++openBatches; }
   /// Closes one batch, and returns true if it was the last open one.
   [[nodiscard]] bool Close() noexcept { return --openBatches == 0; }
@@ -60,6 +70,7 @@ class DATABINDING_API PropertyChanges {
 
  private:
   unsigned openBatches = 0;
+  bool areAllLinked = false;
   std::uint64_t lastChange = 0;
   PropertyLink* first = nullptr;
   PropertyLink* last = nullptr;

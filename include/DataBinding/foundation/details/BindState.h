@@ -173,17 +173,71 @@ class RepeatingCallbackBase;
 
 }  // namespace details
 
+namespace details {
+
+/// Makes the state of a callback once somebody wants it. A memento can lend such a callback.
+class CallbackMaker {
+ public:
+  CallbackMaker(const CallbackMaker&) = delete;
+  CallbackMaker& operator=(const CallbackMaker&) = delete;
+
+  /// Returns the state, which is the same each time.
+  [[nodiscard]] virtual comlike_ptr<BindStateBase> MakeState() = 0;
+
+ protected:
+  CallbackMaker() noexcept = default;
+  ~CallbackMaker() = default;
+};
+
+}  // namespace details
+
 /// Holds a repeating callback whose signature is not known. It can be copied.
+///
+/// The library also passes mementos that only lend a callback: they refer to a CallbackMaker, which
+/// outlives them. To copy, move or assign such a memento makes the callback, so whoever keeps one
+/// has a callback of his own. That may throw std::bad_alloc; with other mementos nothing throws.
 class RepeatingCallbackMemento {
  public:
   RepeatingCallbackMemento() noexcept = default;
+  RepeatingCallbackMemento(const RepeatingCallbackMemento& other) : state(other.Shared()) {}
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): what is lent is made here
+  RepeatingCallbackMemento(RepeatingCallbackMemento&& other) : state(other.Taken()) {}
+  RepeatingCallbackMemento& operator=(const RepeatingCallbackMemento& other) {
+    return Hold(other.Shared());
+  }
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): as above
+  RepeatingCallbackMemento& operator=(RepeatingCallbackMemento&& other) {
+    return Hold(other.Taken());
+  }
+  ~RepeatingCallbackMemento() = default;
+
   /// Returns true when the memento holds no callback.
-  [[nodiscard]] bool IsEmpty() const noexcept { return !state; }
+  [[nodiscard]] bool IsEmpty() const noexcept { return !state && lender == nullptr; }
+  /// Makes this memento lend a callback.
+  void Lend(details::CallbackMaker& maker) noexcept {
+    state = {};
+    lender = &maker;
+  }
+  /// Returns the maker of a callback that is only lent, or null.
+  [[nodiscard]] details::CallbackMaker* Lender() const noexcept { return lender; }
 
  private:
   friend details::RepeatingCallbackBase;
 
+  [[nodiscard]] comlike_ptr<details::BindStateBase> Shared() const {
+    return lender == nullptr ? state : lender->MakeState();
+  }
+  [[nodiscard]] comlike_ptr<details::BindStateBase> Taken() {
+    return lender == nullptr ? std::move(state) : lender->MakeState();
+  }
+  RepeatingCallbackMemento& Hold(comlike_ptr<details::BindStateBase> held) noexcept {
+    lender = nullptr;
+    state = std::move(held);
+    return *this;
+  }
+
   comlike_ptr<details::BindStateBase> state;
+  details::CallbackMaker* lender = nullptr;
 };
 
 namespace details {
@@ -205,7 +259,7 @@ class RepeatingCallbackBase : public OneShotCallbackBase {
     return memento;
   }
   /// Shares the memento's state. An empty memento makes the callback null.
-  void SetMemento(const RepeatingCallbackMemento& memento) noexcept { state = memento.state; }
+  void SetMemento(const RepeatingCallbackMemento& memento) { state = memento.Shared(); }
 };
 
 }  // namespace details
@@ -216,6 +270,7 @@ using VtrUtils::RepeatingCallbackMemento;
 namespace details {
 using VtrUtils::details::BindStateBase;
 using VtrUtils::details::BindStateBaseRefCountTraits;
+using VtrUtils::details::CallbackMaker;
 using VtrUtils::details::OneShotCallbackBase;
 using VtrUtils::details::RepeatingCallbackBase;
 }  // namespace details

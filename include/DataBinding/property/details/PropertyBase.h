@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-/// PropertyBase holds what all properties share: their data source, their name, and the properties
-/// that are computed from them.
+/// PropertyBase is what all properties are: members of a data source with a name, which announce
+/// their changes.
 ///
-/// A property belongs to one data source and is a member of it. It files itself in the source's
-/// reflection table when it is made, and its accessor there answers only as long as the property
-/// lives. It is used on the thread that owns the provider tree.
+/// A property belongs to one data source and is a member of it. When it is made it files itself in
+/// the source's table, where it stands in a chain with the others; its accessor there answers only
+/// as long as the property lives. It is used on the thread that owns the provider tree.
+///
+/// An object has thousands of properties, so one holds five pointers beside its value: to its
+/// class, which tells its type and makes its accessor, to its source, its name, the next in the
+/// chain, and to extras that few properties have (PropertyExtras.h).
 #pragma once
 
+#include <atomic>
 #include <initializer_list>
-#include <vector>
+#include <memory>
+#include <utility>
 
 #include "DataBinding/Export.h"
 #include "DataBinding/datasource/DataSourceImpl.h"
@@ -17,38 +23,19 @@
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/foundation/WeakPtr.h"
 #include "DataBinding/property/PropertyName.h"
+#include "DataBinding/property/details/PropertyExtras.h"
 #include "DataBinding/reflection/PropertyResult.h"
 #include "DataBinding/reflection/RuntimeType.h"
+#include "DataBinding/reflection/details/ChainedMember.h"
 
 namespace DataBinding::details {
 
-/// IProperty is the interface of a property that was found by name. The property's accessor returns
-/// it, or null when the property is gone.
-template <class T>
-class IProperty {
- public:
-  [[nodiscard]] virtual T GetValue() const = 0;
-  /// Sets the value. Refuses it as read-only unless the property may be set from outside.
-  virtual SetResult SetValue(T value) = 0;
-
- protected:
-  IProperty() noexcept = default;
-  IProperty(const IProperty&) noexcept = default;
-  IProperty& operator=(const IProperty&) noexcept = default;
-  ~IProperty() = default;
-};
-
-template <class T>
-using PropertyAccessor = RepeatingCallback<IProperty<T>*()>;
-
 class PropertyAnnouncement;
 
-class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, private PropertyLink {
+class DATABINDING_API PropertyBase : public ChainedMember {
  public:
   PropertyBase(const PropertyBase&) = delete;
   PropertyBase& operator=(const PropertyBase&) = delete;
-
-  [[nodiscard]] const VtrString& Name() const noexcept { return filedName; }
 
   /// Tells the listeners of this property that the value has changed, and then the listeners of all
   /// properties that are computed from it, directly or not: each property once, and after all that
@@ -57,14 +44,37 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
   /// them, wait for its end. This property, its source or others may be gone when this returns.
   void NotifyChanged();
 
- protected:
-  PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName);
-  ~PropertyBase();
+  /// Gives all properties of a source the extras by which they can be noted as changed, and returns
+  /// the list in which that is done.
+  static PropertyChanges& PrepareBatch(DataSourceImpl& source);
 
-  void File(const RepeatingCallbackMemento& accessor, const runtime_type_base& type);
+ protected:
+  /// Takes the extras of a property that has options, or null.
+  PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName,
+               std::unique_ptr<PropertyExtras> options);
+  ~PropertyBase() {
+    if (ExistingExtras() != nullptr) EndExtras();
+  }
+
+  /// Files this property in its source's table. The class answers Type and MakeState by now.
+  void File();
+  /// Takes the property out of the table and ends its accessor, so that nobody finds it while it
+  /// goes. The destructor of a class calls it before anything of the property ends.
+  void EndAccess() noexcept;
   /// Makes this property follow others: it is notified whenever one of them changes.
   void DependOn(std::initializer_list<const PropertyBase*> others);
-  [[nodiscard]] DataSourceImpl& Source() const noexcept { return source; }
+  [[nodiscard]] DataSourceImpl& Source() const noexcept {
+    return static_cast<DataSourceImpl&>(Home());
+  }
+  [[nodiscard]] WeakPtr<PropertyBase> AsWeakPtr() { return {Extras().weak.GetRef(), this}; }
+  /// Returns the extras, or null if there are none.
+  [[nodiscard]] PropertyExtras* ExistingExtras() const noexcept {
+    return extras.load(std::memory_order_acquire);
+  }
+  /// Returns the state that the accessor's callbacks share, or null if there is none yet.
+  [[nodiscard]] comlike_ptr<BindStateBase> SharedAccessor() const noexcept;
+  /// Makes it the one that they share, unless another thread was faster. Returns the shared one.
+  comlike_ptr<BindStateBase> ShareAccessor(comlike_ptr<BindStateBase> made);
   [[nodiscard]] SetResult ReadOnlyResult(const runtime_type_base& wanted) const;
   [[nodiscard]] SetResult RefusedResult(const VtrString& reason) const;
 
@@ -72,27 +82,51 @@ class DATABINDING_API PropertyBase : public SupportsWeakPtr<PropertyBase>, priva
   friend DataSourceAccess;
   friend PropertyAnnouncement;
 
-  DataSourceImpl& source;
-  VtrString filedName;
-  /// Holds the properties that are computed from this one. It is mutable since following a property
-  /// does not change it.
-  mutable std::vector<PropertyBase*> dependents;
-  std::vector<const PropertyBase*> dependencies;
+  PropertyExtras& Extras() const;
+  void EndExtras() noexcept;
+
+  /// Is set once. It is mutable since following a property does not change it.
+  mutable std::atomic<PropertyExtras*> extras;
 };
+
+/// IProperty is a property whose type is known. The property's accessor returns it, or null when
+/// the property is gone.
+template <class T>
+class IProperty : public PropertyBase {
+ public:
+  [[nodiscard]] virtual T GetValue() const = 0;
+  /// Sets the value. Refuses it as read-only unless the property may be set from outside.
+  virtual SetResult SetValue(T value) = 0;
+
+ protected:
+  using PropertyBase::PropertyBase;
+  ~IProperty() = default;
+};
+
+template <class T>
+using PropertyAccessor = RepeatingCallback<IProperty<T>*()>;
 
 /// TypedProperty files a property under its name. Filed is `const T` for a property that only its
 /// source may set.
 template <class T, class Filed>
-class TypedProperty : public PropertyBase, protected IProperty<T> {
+class TypedProperty : public IProperty<T> {
+ public:
+  [[nodiscard]] const runtime_type_base& Type() const final { return runtime_type<Filed>::Get(); }
+
  protected:
-  TypedProperty(DataSourceImpl& itsSource, PropertyName propertyName)
-      : PropertyBase(itsSource, propertyName) {
-    const PropertyAccessor<T> accessor = BindWeak(AsWeakPtr(), &TypedProperty::Access);
-    File(accessor.GetMemento(), runtime_type<Filed>::Get());
+  TypedProperty(DataSourceImpl& itsSource, PropertyName propertyName,
+                std::unique_ptr<PropertyExtras> options = {})
+      : IProperty<T>(itsSource, propertyName, std::move(options)) {
+    this->File();
   }
-  ~TypedProperty() = default;
+  ~TypedProperty() { this->EndAccess(); }
 
  private:
+  comlike_ptr<BindStateBase> MakeState() final {
+    if (auto shared = this->SharedAccessor()) return shared;
+    const PropertyAccessor<T> made = BindWeak(this->AsWeakPtr(), &TypedProperty::Access);
+    return this->ShareAccessor(comlike_ptr<BindStateBase>::Share(made.GetBindState()));
+  }
   static IProperty<T>* Access(PropertyBase& property) {
     return &static_cast<TypedProperty&>(property);
   }
