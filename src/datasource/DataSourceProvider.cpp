@@ -273,10 +273,22 @@ void DataSourceProvider::LeaveTree() {
 
 void DataSourceProvider::VisitDataSources(const std::function<void(IDataSource&)>& visit) const {
   const auto alive = GetLiveness();
-  for (const Addition& next : std::set<Addition, ByNumber>(additions.begin(), additions.end())) {
-    if (additions.contains(next) && next.source != calls.leaving) visit(*next.source);
-    if (!alive.IsValid()) return;
+  const auto visitThose = [&, last = lastAddition](const auto& sources) {
+    for (auto next = sources.begin(); next != sources.end();) {
+      const Addition here = *next;
+      const bool isToVisit = here.number <= last && additions.contains(here);
+      if (isToVisit && here.source != calls.leaving) visit(*here.source);
+      if (!alive.IsValid()) return;
+      next = sources.upper_bound(here);
+    }
+  };
+  std::set<Addition, ByNumber> inOrder;
+  try {
+    inOrder.insert(additions.begin(), additions.end());
+  } catch (const std::bad_alloc&) {
+    return visitThose(additions);  // in no order, for want of memory
   }
+  visitThose(inOrder);
 }
 
 void DataSourceProvider::VisitChildren(

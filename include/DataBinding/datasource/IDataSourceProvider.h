@@ -163,10 +163,11 @@ class DATABINDING_API IDataSourceProvider {
   /// operation that made the change. When the provider ends before, the callback runs inside its
   /// destructor, once the sources have ended and the listeners have been told.
   virtual void WhenConnected(OneShotCallback<void()> callback);
-  /// Calls visit for the sources that were added here, in order of addition. It skips a source from
-  /// which the listeners are just being disconnected, and sources that are removed meanwhile. It
-  /// does not visit sources that are added meanwhile. Like the next two operations, it stops when a
-  /// visit ends the provider, and visits nothing in a provider that cannot tell.
+  /// Calls visit for the sources that were added here, in order of addition, or in no order when
+  /// there is no memory to bring them into it. It skips a source from which the listeners are just
+  /// being disconnected, and sources that are removed meanwhile. It does not visit sources that are
+  /// added meanwhile. Like the next two operations, it stops when a visit ends the provider, and
+  /// visits nothing in a provider that cannot tell.
   virtual void VisitDataSources(const std::function<void(IDataSource&)>& visit) const;
   /// Calls visit for the child scopes, in no meaningful order. It skips children that leave
   /// meanwhile.
