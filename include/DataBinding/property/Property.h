@@ -68,7 +68,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
 
  protected:
   /// Ends the accessor first, so that nobody reads the value while it goes.
-  virtual ~StoredProperty() { this->EndAccess(); }
+  ~StoredProperty() override { this->EndAccess(); }
 
   SetResult Store(T wanted) {
     const PropertyOptions<T>* const options = Options();
@@ -167,7 +167,7 @@ class ComputedProperty final : public details::TypedProperty<T, const T> {
       : details::TypedProperty<T, const T>(*itsSource, name), compute(std::move(function)) {
     this->DependOn({&others...});
   }
-  ~ComputedProperty() { this->EndAccess(); }
+  ~ComputedProperty() override { this->EndAccess(); }
 
   /// Computes the value now.
   ///@{

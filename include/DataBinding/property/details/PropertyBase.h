@@ -52,7 +52,7 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   /// Takes the extras of a property that has options, or null.
   PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName,
                std::unique_ptr<PropertyExtras> options);
-  ~PropertyBase() {
+  ~PropertyBase() override {
     if (ExistingExtras() != nullptr) EndExtras();
   }
 
@@ -100,7 +100,7 @@ class IProperty : public PropertyBase {
 
  protected:
   using PropertyBase::PropertyBase;
-  ~IProperty() = default;
+  ~IProperty() override = default;
 };
 
 template <class T>
@@ -119,7 +119,7 @@ class TypedProperty : public IProperty<T> {
       : IProperty<T>(itsSource, propertyName, std::move(options)) {
     this->File();
   }
-  ~TypedProperty() { this->EndAccess(); }
+  ~TypedProperty() override { this->EndAccess(); }
 
  private:
   comlike_ptr<BindStateBase> MakeState() final {

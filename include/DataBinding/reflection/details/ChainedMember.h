@@ -5,9 +5,8 @@
 ///
 /// It is also the maker of its callback, which the table lends to whoever looks the member up.
 ///
-/// 1. A member is made with its object, files itself by the virtual _AddDelegate, and may be
-/// chained
-///    in that object's table only. While it is in no chain, it is its own `older`.
+/// 1. A member is made with its object, files itself by the virtual _AddDelegate, and stands in the
+///    chain of that object only. While it is in no chain, it is its own `older`.
 /// 2. The chain begins with the newest member. So the last registration of a name is found first.
 /// 3. A member that ends leaves the chain while its class still answers Type.
 #pragma once
@@ -39,7 +38,7 @@ class DATABINDING_API ChainedMember : public CallbackMaker {
  protected:
   ChainedMember(IReflectable& itsHome, VtrString name) noexcept
       : home(itsHome), memberName(std::move(name)), older(this) {}
-  ~ChainedMember() = default;
+  virtual ~ChainedMember() = default;
 
  private:
   friend class Reflectable;
