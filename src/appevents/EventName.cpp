@@ -3,13 +3,16 @@
 
 #include <memory>
 #include <stdexcept>
-#include <unordered_map>
 #include <utility>
 
 #include "DataBinding/foundation/ThreadLock.h"
 #include "DataBinding/foundation/TypeName.h"
+#include "DataBinding/foundation/details/NameMap.h"
+#include "DataBinding/foundation/details/StringBuffer.h"
 
 namespace DataBinding::details {
+
+using VtrPlatform::details::StringBuffer;
 
 /// The table of all names. It is never destroyed, because events may be raised while the process
 /// ends.
@@ -35,7 +38,7 @@ class EventName::Table {
   void Check(VtrStringView name, const std::type_info& signature) {
     const std::string key = TypeKey(signature);
     const ReadLock guard(lock);
-    const auto known = names.find(VtrString(name));
+    const auto known = names.find(name);
     if (known != names.end()) ThrowUnlessFree(*known->second, key, signature);
   }
 
@@ -54,15 +57,19 @@ class EventName::Table {
                            ", but was first used with " + name.signatureText);
   }
   EventName& Obtain(VtrStringView name) DATABINDING_REQUIRES(lock) {
-    const VtrString text(name);
-    const auto known = names.find(text);
+    const auto known = names.find(name);
     if (known != names.end()) return *known->second;
-    std::unique_ptr<EventName> made(new EventName(name, names.size()));
-    return *names.emplace(text, std::move(made)).first->second;
+    StringBuffer* const buffer = StringBuffer::Make(name);
+    const auto text = VtrString::Adopt(buffer);
+    std::unique_ptr<EventName> made(new EventName(text, names.size()));
+    EventName& added = *names.emplace(text, std::move(made)).first->second;
+    // The text is not counted from now on, so that threads which raise the event do not meet there.
+    if (buffer != nullptr) buffer->references |= StringBuffer::kept;
+    return added;
   }
 
   ThreadLock lock;
-  std::unordered_map<VtrString, std::unique_ptr<EventName>> names DATABINDING_GUARDED_BY(lock);
+  NameMap<std::unique_ptr<EventName>> names DATABINDING_GUARDED_BY(lock);
 };
 
 const EventName& EventName::Find(VtrStringView name, const std::type_info& signature) {

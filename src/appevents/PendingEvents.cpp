@@ -92,9 +92,9 @@ void PendingEvents::IndexRest() {
   for (; indexed < entries.size(); ++indexed) {
     if ((names + 1) * 2 > newest.size()) GrowIndex();
     Entry& entry = entries[indexed];
-    const std::uint64_t hash = Hash(entry.Name(), *entry.event);
+    const std::uint64_t hash = Hash(entry.name, *entry.event);
     entry.hash = static_cast<std::uint32_t>(hash);
-    std::uint32_t& place = Slot(entry.Name(), hash);
+    std::uint32_t& place = Slot(entry.name, hash);
     if (place == none) ++names;
     place = static_cast<std::uint32_t>(indexed);
     Link(place);
@@ -107,7 +107,7 @@ std::uint32_t& PendingEvents::Slot(const VtrString& name, std::uint64_t hash) {
   for (std::size_t at = shortHash & mask;; at = (at + 1) & mask) {
     if (newest[at] == none) return newest[at];
     const Entry& entry = entries[newest[at]];
-    if (entry.hash == shortHash && entry.IsNamed(name)) return newest[at];
+    if (entry.hash == shortHash && entry.name == name) return newest[at];
   }
 }
 
@@ -115,7 +115,7 @@ void PendingEvents::GrowIndex() {
   std::vector<std::uint32_t> grown(std::max(smallestIndex, newest.size() * 2), none);
   newest.swap(grown);
   for (const std::uint32_t entry : grown) {
-    if (entry != none) Slot(entries[entry].Name(), entries[entry].hash) = entry;
+    if (entry != none) Slot(entries[entry].name, entries[entry].hash) = entry;
   }
 }
 

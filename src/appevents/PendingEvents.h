@@ -91,22 +91,8 @@ class PendingEvents {
 };
 
 struct PendingEvents::Entry {
-  Entry(const VtrString& name, EventPtr&& queued, std::uint32_t current) noexcept
-      : event(std::move(queued)), pass(current) {
-    if (const EventName* const known = event->KnownName()) {
-      permanentName = &known->Text();
-    } else {
-      ownName = name;
-    }
-  }
-
-  [[nodiscard]] const VtrString& Name() const noexcept {
-    return permanentName == nullptr ? ownName : *permanentName;
-  }
-  /// Compares addresses first, because the texts lie elsewhere in memory.
-  [[nodiscard]] bool IsNamed(const VtrString& name) const noexcept {
-    return permanentName == &name || Name() == name;
-  }
+  Entry(const VtrString& eventName, EventPtr&& queued, std::uint32_t current) noexcept
+      : event(std::move(queued)), name(eventName), pass(current) {}
 
   /// Compares by the difference, because the numbers may wrap around between two passes.
   [[nodiscard]] bool IsBefore(std::uint32_t ofPass) const noexcept {
@@ -114,12 +100,11 @@ struct PendingEvents::Entry {
   }
   template <class Matches>
   [[nodiscard]] bool Fits(const Matches& matches) const {
-    return event != nullptr && matches(Name(), *event);
+    return event != nullptr && matches(name, *event);
   }
 
   EventPtr event;  // null once it was taken out or dropped
-  VtrString ownName;
-  const VtrString* permanentName = nullptr;  // a name that is never destroyed, so it is not copied
+  VtrString name;
   std::uint32_t pass;  // the number of the pass that had begun last when the event was queued
   std::uint32_t hash = 0;
   std::uint32_t previous = none;

@@ -40,7 +40,7 @@ class DATABINDING_API EventName {
  private:
   class Table;
 
-  EventName(VtrStringView name, std::size_t count)
+  EventName(const VtrString& name, std::size_t count)
       : text(name), hash(std::hash<VtrString>()(text)), number(count) {}
 
   VtrString text;
