@@ -40,7 +40,7 @@ void CheckInput(std::string_view input) {
   static const std::regex natural("\\d+");
   static const std::regex whole("-?\\d+");
   static const std::regex real("-?(\\d+\\.?\\d*|\\.\\d+)([eE][-+]?\\d+)?");
-  const VtrString text = VtrString::FromUtf8(input.substr(0, 64));
+  const VtrString text = VtrString::FromUtf8(input.substr(0, 512));
   CheckNumber<std::int8_t>(text, whole);
   CheckNumber<std::int64_t>(text, whole);
   CheckNumber<std::uint64_t>(text, natural);

@@ -46,27 +46,7 @@ TEST_F(EventCleanups, MayOwnWhatTakesThemOff) {
   broadcaster.reset();
 }
 
-/// A hook that notes its mark and then acts.
-struct Hook {
-  void OnEvent(VtrString name, const std::vector<Any>& args) {
-    log += mark;
-    seen = name + L"!";
-    values = args;
-    if (act) act();
-  }
-  EventHook Delegate() { return EventHook::To<&Hook::OnEvent>(*this); }
-
-  std::string& log;
-  char mark;
-  std::function<void()> act = nullptr;
-  VtrString seen = {};
-  std::vector<Any> values = {};
-};
-
-class EventHooks : public Events {
- protected:
-  Hook first{log, '1'}, second{log, '2'};
-};
+using EventHooks = Events;
 
 TEST_F(EventHooks, LastAsLongAsTheirSubscriptionsWhichMayOutliveTheBroadcaster) {
   EXPECT_FALSE(events().AddEventHook(nullptr));
@@ -121,26 +101,28 @@ TEST_F(EventHooks, MayEndTogetherWithTheNextOne) {
 
 TEST_F(EventHooks, SeeAllArgumentsInOrderAfterTheListeners) {
   const AppEvent<double, int> drawn(L"Drawn");
-  const auto heard = drawn.Subscribe([&](const auto&, const auto&) { log += 'a'; });
-
+  const auto heard = drawn.Subscribe([&](const auto&, const auto&) { log += "heard "; });
   events().RegisterEventHook({});
-  for (Hook* hook : {&first, &second}) events().RegisterEventHook(hook->Delegate());
+  const auto hook = events().AddEventHook([this](const VtrString& name, const auto& args) {
+    log += name.ToUtf8();
+    EXPECT_EQ(std::any_cast<double>(args.at(0)), 0.5);
+    EXPECT_EQ(std::any_cast<int>(args.at(1)), 7);
+  });
 
   EXPECT_EQ(events().UnregisterEventHooks(nullptr), 0) << "they have no origin";
 
   drawn.Send(0.5, 7);
-  EXPECT_EQ(log, "a12");
-  EXPECT_EQ(second.seen, L"Drawn!");
-  EXPECT_EQ(std::any_cast<double>(second.values.at(0)), 0.5);
-  EXPECT_EQ(std::any_cast<int>(second.values.at(1)), 7);
+  EXPECT_EQ(log, "heard Drawn");
 }
 
 TEST_F(EventHooks, MayReleaseTheBroadcaster) {
-  first.act = [] {
+  const auto first = events().AddEventHook([this](const auto&, const auto&) {
     IAppEventBroadcaster::ReleaseInstance(false);
+    log += '1';
     throw std::runtime_error("after the end");
-  };
-  for (Hook* hook : {&first, &second}) events().RegisterEventHook(hook->Delegate());
+  });
+  const auto second = events().AddEventHook([this](const auto&, const auto&) { log += '2'; });
+
   closed.Send();
 
   EXPECT_EQ(Notes(), "1");

@@ -32,10 +32,6 @@ TEST_F(ModuleBoundary, SourceOfOneModuleIsUsedByNameInAnother) {
   EXPECT_EQ(*GetProperty<Reading>(gauge, L"Last"), (Reading{7, L"bar"}));
 }
 
-TEST_F(ModuleBoundary, ExceptionOfOneModuleIsCaughtInAnother) {
-  EXPECT_TRUE(ViewCatchesUnknownSource(root()));
-}
-
 TEST_F(ModuleBoundary, UnloadedPluginTakesNothingAlongButItsOwn) {
   int heard = 0;
   Subscription ofHost;

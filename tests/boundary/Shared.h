@@ -42,7 +42,6 @@ BOUNDARY_API void StopModel();
 /// Sets the gauge by name from the view's module and gives what it then reads there.
 BOUNDARY_API DataBinding::SetResult SetLevelInView(DataBinding::IDataSource* gauge, int level);
 BOUNDARY_API Reading ReadLastInView(DataBinding::IDataSource* gauge);
-BOUNDARY_API bool ViewCatchesUnknownSource(DataBinding::IDataSourceProvider& provider);
 
 /// Raised by the plug-in, heard on both sides.
 inline constinit const DataBinding::AppEvent<Reading> read{L"Read"};

@@ -14,15 +14,6 @@ Reading ReadLastInView(IDataSource* gauge) {
   return last ? *last : Reading{-1, last.text};
 }
 
-bool ViewCatchesUnknownSource(IDataSourceProvider& provider) {
-  try {
-    static_cast<void>(provider.GetDataSourceReference(L"Unknown"));
-  } catch (const VtrString& text) {
-    return text == L"No constructor found for data source Unknown.";
-  }
-  return false;
-}
-
 IAppEventBroadcaster& BroadcasterOfView() { return IAppEventBroadcaster::GetInstance(); }
 WAppEventRegistrar& RegistrarOfView() { return WAppEventRegistrar::GetInstance(); }
 

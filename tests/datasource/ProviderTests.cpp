@@ -38,6 +38,7 @@ TEST_F(Providers, GiveNeutralAnswersToNulls) {
   EXPECT_FALSE(child->DeleteLocalDataSourceInstance(nullptr) || child->MatchCategory(nullptr));
 
   IDataSourceProvider::Destroy(nullptr);
+  IDataSource::Destroy(nullptr);
   EXPECT_TRUE(MakeProvider()->GetCategories().empty());
 }
 

@@ -129,17 +129,6 @@ TEST_F(Sources, AreFoundByTheirOwnIdentifierOnly) {
   EXPECT_EQ(IVantorGenericDetail::FindInterfaceProxy(&generic).Find(GUID{}), nullptr);
 }
 
-TEST_F(Sources, MayRefuseToEnd) {
-  Make();
-  source->onPreDestroy = [] { throw 7; };
-
-  EXPECT_THROW(IDataSource::Destroy(source.get()), int);
-  EXPECT_EQ(log, "");
-
-  source->onPreDestroy = nullptr;
-  IDataSource::Destroy(nullptr);
-}
-
 TEST_F(Sources, StdExceptionOfARefusalLosesItsType) {
   Make();
   source->onPreDestroy = [] { throw std::runtime_error("derived"); };
@@ -149,6 +138,7 @@ TEST_F(Sources, StdExceptionOfARefusalLosesItsType) {
   } catch (const std::exception& exception) {
     EXPECT_EQ(typeid(exception), typeid(std::exception));
   }
+  EXPECT_EQ(log, "") << "it lives";
   source->onPreDestroy = nullptr;
 }
 

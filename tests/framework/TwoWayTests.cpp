@@ -269,18 +269,5 @@ TEST(TextConverters, QuoteWhatTheyRefuseUpToALength) {
             L"\"000000000000000000000000000000000000007!\" is not a value of type int.");
 }
 
-TEST(TextConverters, TakeZeroForWhatIsTooSmallButNothingForWhatIsTooBig) {
-  const VtrString big = VtrString().Format(L"9%0400d.5", 0);
-
-  for (const auto& text :
-       {VtrString(L"-1E-400"), VtrString(L"0.001e-330"), big + L"e-9999999999"}) {
-    EXPECT_EQ(TextConverter<double>().parse(text).value, 0.0);
-  }
-
-  for (const auto& text : {VtrString(L"-1e+9999999999"), VtrString(L"0.001e+330"), big + L"e-10"}) {
-    EXPECT_EQ(TextConverter<double>().parse(text).error, PropertyError::Refused);
-  }
-}
-
 }  // namespace
 }  // namespace DataBinding::Testing
