@@ -28,7 +28,7 @@ CriticalSection::CriticalSection() = default;
 
 bool CriticalSection::TryEnter() DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
   const auto self = std::this_thread::get_id();
-  if (owner.load(std::memory_order_relaxed) == self) {
+  if (holder.load(std::memory_order_relaxed) == self) {
     ++depth;
     return true;
   }
@@ -37,7 +37,7 @@ bool CriticalSection::TryEnter() DATABINDING_THREAD_ANNOTATION(no_thread_safety_
                                      std::memory_order_relaxed)) {
     return false;
   }
-  owner.store(self, std::memory_order_relaxed);
+  holder.store(self, std::memory_order_relaxed);
   return true;
 }
 
@@ -51,7 +51,7 @@ void CriticalSection::Enter() DATABINDING_THREAD_ANNOTATION(no_thread_safety_ana
   while (state.exchange(State::Awaited, std::memory_order_acquire) != State::Free) {
     state.wait(State::Awaited, std::memory_order_relaxed);
   }
-  owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+  holder.store(std::this_thread::get_id(), std::memory_order_relaxed);
 }
 
 void CriticalSection::Leave() DATABINDING_THREAD_ANNOTATION(no_thread_safety_analysis) {
@@ -59,7 +59,7 @@ void CriticalSection::Leave() DATABINDING_THREAD_ANNOTATION(no_thread_safety_ana
     --depth;
     return;
   }
-  owner.store(std::thread::id(), std::memory_order_relaxed);
+  holder.store(std::thread::id(), std::memory_order_relaxed);
   if (state.exchange(State::Free, std::memory_order_release) == State::Awaited) state.notify_one();
 }
 

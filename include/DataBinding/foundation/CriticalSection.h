@@ -49,8 +49,8 @@ class DATABINDING_API DATABINDING_THREAD_ANNOTATION(capability("mutex")) Critica
   enum class State : std::uint32_t { Free, Held, Awaited };
 
   std::atomic<State> state{State::Free};
-  std::atomic<std::thread::id> owner{};
-  std::uint32_t depth = 0;  // entries beyond the first, counted by the owner
+  std::atomic<std::thread::id> holder{};
+  std::uint32_t depth = 0;  // entries beyond the first, counted by the holder
 #endif
 };
 

@@ -147,7 +147,7 @@ class Singleton {
     entry.data.store(new SingletonData, std::memory_order_release);
   }
 
-  /// Makes this module the owner of the entry, since it creates the instance and its code is needed
+  /// Files the entry under this module, since it creates the instance and its code is needed
   /// to delete the instance.
   static void TakeOver() {
     SingletonLibrary& entry = *ModuleCache().entry.load(std::memory_order_acquire);
