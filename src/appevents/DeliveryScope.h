@@ -48,7 +48,7 @@ class DeliveryScope {
   void Dispatch(PendingEvents::Batch& whole) {
     const ScopedValue delivering(batch, &whole);
     while (const auto* next = whole.Next()) {
-      Dispatch(*next);
+      Dispatch(next->event);
       if (IsBroadcasterGone()) return;
     }
   }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // This file holds the engine of application events, in this order: its end; disabling, holding and
-// enabling names; cleanup callbacks; delivery of the queue, whole or within a budget of time, and of
-// one event; queueing; dropping events; failures of listeners; the listeners of each name; and the
-// helpers with which events of an application's own kinds deliver themselves.
+// enabling names; cleanup callbacks; delivery of the queue, whole or within a budget of time, and
+// of one event; queueing; dropping events; failures of listeners; the listeners of each name; and
+// the helpers with which events of an application's own kinds deliver themselves.
 #include "DataBinding/appevents/EventBroadcaster.h"
 
 #include <utility>

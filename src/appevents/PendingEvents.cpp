@@ -61,7 +61,7 @@ std::vector<PendingEvents::Entry> PendingEvents::Room() const {
 void PendingEvents::CloseHoles(std::vector<Entry> room) noexcept {
   Batch whole;
   Take(whole);
-  while (Entry* entry = whole.NextEntry()) room.push_back(std::move(*entry));
+  while (Entry* entry = whole.Next()) room.push_back(std::move(*entry));
   entries.swap(room);
   events = entries.size();
 }

@@ -121,12 +121,8 @@ class PendingEvents::Batch {
     rest = entries.data() + linked;
     end = entries.data() + entries.size();
   }
-  /// The next event in order, or null at the end.
-  [[nodiscard]] const EventPtr* Next() noexcept {
-    const Entry* const next = NextEntry();
-    return next == nullptr ? nullptr : &next->event;
-  }
-  [[nodiscard]] Entry* NextEntry() noexcept {
+  /// The next entry that has an event, or null at the end.
+  [[nodiscard]] Entry* Next() noexcept {
     while (first != none) {
       Entry& entry = entries[first];
       first = entry.next;
