@@ -60,9 +60,9 @@ class EventName::Table {
     const auto known = names.find(name);
     if (known != names.end()) return *known->second;
     StringBuffer* const buffer = StringBuffer::Make(name);
-    const auto text = VtrString::Adopt(buffer);
-    std::unique_ptr<EventName> made(new EventName(text, names.size()));
-    EventName& added = *names.emplace(text, std::move(made)).first->second;
+    const auto key = VtrString::Adopt(buffer);
+    std::unique_ptr<EventName> made(new EventName(key, names.size()));
+    EventName& added = *names.emplace(key, std::move(made)).first->second;
     // The text is not counted from now on, so that threads which raise the event do not meet there.
     if (buffer != nullptr) buffer->references |= StringBuffer::kept;
     return added;

@@ -60,7 +60,7 @@ class IEventBind::Run {
   /// elements depends on the C++ library.
   struct RetiredBinds : std::vector<std::unique_ptr<IDataBind<IDataContext*>>> {
     ~RetiredBinds() {
-      for (auto& bind : *this) bind.reset();
+      for (auto& ended : *this) ended.reset();
     }
   };
 
