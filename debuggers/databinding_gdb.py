@@ -299,18 +299,13 @@ class Entry(Printer):
     def text(self):
         source = name_text(self.value["dataSourceName"])
         name = name_text(self.value["propertyName"])
-        state = "connected" if int(bound(self.value["subscription"]["unsubscribe"])) else "waiting"
+        state = "connected" if int(self.value["subscription"]["state"]) else "waiting"
         return f"{source}, {name}: {state}"
-
-
-def bound(callback):
-    """The state of a callback, or null."""
-    return callback["state"]["object"]
 
 
 class Subscription(Printer):
     def text(self):
-        state = bound(self.value["unsubscribe"])
+        state = self.value["state"]
         if int(state) == 0:
             return "inert subscription"
         state.dereference()["invoke"].fetch_lazy()

@@ -21,9 +21,7 @@ Broadcaster& Broadcaster::operator=(const Broadcaster& other) noexcept {
   return *this;
 }
 
-Broadcaster::~Broadcaster() {
-  if (WListenersImpl* owned = Existing()) owned->DropOwner();
-}
+void Broadcaster::Leave(WListenersImpl& owned) noexcept { owned.DropOwner(); }
 
 WListenersImpl& Broadcaster::MakeListeners() const {
   WListenersImpl* existing = nullptr;
@@ -64,10 +62,8 @@ std::vector<VtrString> Broadcaster::GetRegisteredProperties() const {
 
 }  // namespace details
 
-IBroadcaster::IBroadcaster() noexcept = default;
 IBroadcaster::IBroadcaster(const IBroadcaster& other) noexcept = default;
 IBroadcaster& IBroadcaster::operator=(const IBroadcaster& other) noexcept = default;
-IBroadcaster::~IBroadcaster() = default;
 
 Subscription IBroadcaster::Register(const RepeatingCallback<void()>& callback,
                                     const VtrString& property) {

@@ -99,6 +99,12 @@ void ListenerArray::SetRemoval(std::uint32_t position, std::uint64_t removal) no
 
 std::uint32_t ListenerArray::Find(std::uint64_t id) const noexcept {
   const ListenerMark* const first = Marks();
+  if (count == 0 || id > first[count - 1].id) return count;
+  // Where the listener stands if all between it and the newest one registered here.
+  const std::uint64_t behind = first[count - 1].id - id;
+  if (behind < count && first[count - 1 - behind].id == id) {
+    return static_cast<std::uint32_t>(count - 1 - behind);
+  }
   const auto* found = std::lower_bound(
       first, first + count, id, [](const auto& mark, auto wanted) { return mark.id < wanted; });
   if (found == first + count || found->id != id) return count;
@@ -130,8 +136,7 @@ comlike_ptr<const BindStateBase> ListenerArray::Vacate(std::uint32_t position) n
   return state;
 }
 
-comlike_ptr<const BindStateBase> ListenerArray::TakeOut(std::uint64_t id) noexcept {
-  const auto position = Find(id);
+comlike_ptr<const BindStateBase> ListenerArray::TakeOut(std::uint32_t position) noexcept {
   auto state = Vacate(position);
   SetRemoval(position, ListenerMark::hole);
   --live;
@@ -140,8 +145,8 @@ comlike_ptr<const BindStateBase> ListenerArray::TakeOut(std::uint64_t id) noexce
   return state;
 }
 
-void ListenerArray::MarkRemoved(std::uint64_t id) noexcept {
-  SetRemoval(Find(id), ++lastRemoval);
+void ListenerArray::MarkRemoved(std::uint32_t position) noexcept {
+  SetRemoval(position, ++lastRemoval);
   --live;
   ++removed;
 }

@@ -86,9 +86,13 @@ class ListenerArray {
 
   /// Takes a listener out of an array that is not pinned. The caller gets the callback's state, and
   /// releases it when it no longer holds the lock.
-  [[nodiscard]] comlike_ptr<const BindStateBase> TakeOut(std::uint64_t id) noexcept;
+  [[nodiscard]] comlike_ptr<const BindStateBase> TakeOut(std::uint32_t position) noexcept;
   /// Marks a listener of a pinned array as removed.
-  void MarkRemoved(std::uint64_t id) noexcept;
+  void MarkRemoved(std::uint32_t position) noexcept;
+  /// Returns false for a hole, and for a listener that was removed under a pin.
+  [[nodiscard]] bool IsRegistered(std::uint32_t position) const noexcept {
+    return Removal(position) >= ListenerMark::never - ListenerMark::mostPauses;
+  }
   /// Returns the position of a listener, which may be one that was removed under a pin, or Count()
   /// if the array does not have the listener. Takes logarithmic time.
   [[nodiscard]] std::uint32_t Find(std::uint64_t id) const noexcept;
@@ -125,9 +129,6 @@ class ListenerArray {
     return reinterpret_cast<Listener*>(const_cast<ListenerArray*>(this) + 1) + position;
   }
   [[nodiscard]] std::uint64_t Removal(std::uint32_t position) const noexcept;
-  [[nodiscard]] bool IsRegistered(std::uint32_t position) const noexcept {
-    return Removal(position) >= ListenerMark::never - ListenerMark::mostPauses;
-  }
   void SetRemoval(std::uint32_t position, std::uint64_t removal) noexcept;
   [[nodiscard]] comlike_ptr<const BindStateBase> Vacate(std::uint32_t position) noexcept;
 

@@ -13,30 +13,33 @@
 
 namespace DataBinding::details {
 
-namespace {
+const BindStateBase::Traits WListenersImpl::traits{nullptr, nullptr, nullptr, &Handle};
 
-/// A PropertyRegistration is the state behind a property's Subscription.
-class PropertyRegistration final : public RegistrationState<PropertyRegistration> {
- public:
-  explicit PropertyRegistration(WListenersImpl& itsRegistry) noexcept : registry(itsRegistry) {
-    registry.AddKeeper();
+WListenersImpl::WListenersImpl() noexcept : BindStateBase(nullptr, &Destroy, traits) {}
+
+void WListenersImpl::Destroy(const BindStateBase* state) {
+  delete static_cast<const WListenersImpl*>(state);
+}
+
+/// Handles the requests of Subscriptions and of what shares their registrations.
+void WListenersImpl::Handle(const BindStateBase* state, RegistrationRequest request,
+                            const RegistrationKey& key) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): callbacks share their states as const
+  auto& self = const_cast<WListenersImpl&>(*static_cast<const WListenersImpl*>(state));
+  const Registered listener{static_cast<PropertyEntry*>(key.place), key.id};
+  switch (request) {
+    case RegistrationRequest::End:
+      return self.Remove(listener, false);
+    case RegistrationRequest::Leave:
+      return self.Remove(listener, true);
+    case RegistrationRequest::EndAndWait:
+      return self.RemoveAndWait(listener);
+    case RegistrationRequest::Pause:
+      return self.Pause(listener, &ListenerArray::Pause);
+    case RegistrationRequest::Resume:
+      return self.Pause(listener, &ListenerArray::Resume);
   }
-  ~PropertyRegistration() { registry.DropKeeper(); }
-
-  void Set(const Registered& registered) noexcept { listener = registered; }
-
-  void End() { registry.Remove(listener); }
-  void EndAndWait() { registry.RemoveAndWait(listener); }
-  void Pause() { registry.Pause(listener, &ListenerArray::Pause); }
-  void Resume() { registry.Pause(listener, &ListenerArray::Resume); }
-  [[nodiscard]] bool IsGone() const noexcept { return !registry.HasOwner(); }
-
- private:
-  WListenersImpl& registry;
-  Registered listener;
-};
-
-}  // namespace
+}
 
 Subscription WListenersImpl::Register(const RepeatingCallback<void()>& callback,
                                       const VtrString& property) {
@@ -50,17 +53,13 @@ Subscription WListenersImpl::RegisterAny(
 
 /// Registers a callback for a property, or for any property where that is null.
 Subscription WListenersImpl::Add(const RepeatingCallbackBase& callback, const VtrString* property) {
-  auto* registration = new PropertyRegistration(*this);
-  OneShotCallback<void()> unsubscribe{comlike_ptr<BindStateBase>(registration)};
   ListenerArrayPtr replaced;
-  {
-    const RegistryWriteLock guard(lock);
-    PropertyEntry& entry = EntryOf(property);
-    MakeRoom(entry, replaced);
-    entry.array->Append(++lastListenerId, callback);
-    registration->Set({&entry, lastListenerId});
-  }
-  return Subscription(std::move(unsubscribe));
+  const RegistryWriteLock guard(lock);
+  PropertyEntry& entry = EntryOf(property);
+  MakeRoom(entry, replaced);
+  entry.array->Append(++lastListenerId, callback);
+  if (subscriptions++ == 0) AddRef();
+  return Subscription(*this, {&entry, lastListenerId});
 }
 
 /// Returns the entry of a property, or of any property, and makes what it lacks.
@@ -93,20 +92,36 @@ void WListenersImpl::MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) 
   if (running) Retire(replaced);
 }
 
-void WListenersImpl::Remove(Registered& listener) {
+void WListenersImpl::Remove(const Registered& listener, bool bySubscription) {
   Removed removed;
-  const RegistryWriteLock guard(lock);
-  if (IsRegistered(listener)) removed = TakeOut(listener);
+  bool wasLast = false;
+  {
+    const RegistryWriteLock guard(lock);
+    if (const auto position = Find(listener)) removed = TakeOut(*listener.entry, *position);
+    wasLast = bySubscription && --subscriptions == 0;
+  }
+  if (wasLast) Release();
 }
 
-WListenersImpl::Removed WListenersImpl::TakeOut(Registered& listener) noexcept {
+/// Returns the position of the listener in its property's array, where it may be registered or be
+/// removed already.
+std::optional<std::uint32_t> WListenersImpl::Find(const Registered& listener) const noexcept {
+  if (isEmptied || listener.entry->array == nullptr) return std::nullopt;
+  const ListenerArray& array = *listener.entry->array;
+  const auto position = array.Find(listener.id);
+  return position != array.Count() ? std::optional(position) : std::nullopt;
+}
+
+/// Takes out a listener that is registered. Does nothing to one that is removed already.
+WListenersImpl::Removed WListenersImpl::TakeOut(PropertyEntry& entry,
+                                                std::uint32_t position) noexcept {
   Removed removed;
-  PropertyEntry& entry = *std::exchange(listener.entry, nullptr);
+  if (!entry.array->IsRegistered(position)) return removed;
   const bool running = ListenerPin::HandOver(*entry.array, *this) != 0;
   if (running) {
-    entry.array->MarkRemoved(listener.id);
+    entry.array->MarkRemoved(position);
   } else {
-    removed.state = entry.array->TakeOut(listener.id);
+    removed.state = entry.array->TakeOut(position);
   }
   if (entry.array->Live() != 0) return removed;
   removed.array = TakeArray(entry);
@@ -114,7 +129,7 @@ WListenersImpl::Removed WListenersImpl::TakeOut(Registered& listener) noexcept {
   return removed;
 }
 
-void WListenersImpl::RemoveAndWait(Registered& listener) {
+void WListenersImpl::RemoveAndWait(const Registered& listener) {
   Place place = Silence(listener);
   const bool fenced = ReaderRecord::FenceOthers();
   if (place.array == nullptr) place = KeepWhereCalled(listener.id, fenced);
@@ -124,15 +139,16 @@ void WListenersImpl::RemoveAndWait(Registered& listener) {
   }
 }
 
-/// Makes sure that no call of the listener begins any more. If the listener is still registered,
-/// ends the registration and keeps its property's array, in which a call may be under way.
-WListenersImpl::Place WListenersImpl::Silence(Registered& listener) {
+/// Makes sure that no call of the listener begins any more, and ends its registration. If the
+/// listener stands in its property's array, keeps this, since a call may be under way there.
+WListenersImpl::Place WListenersImpl::Silence(const Registered& listener) {
   Removed removed;
   const RegistryWriteLock guard(lock);
   ChangeInAll(listener, &ListenerArray::Silence);
-  if (!IsRegistered(listener)) return {};
-  const Place place = Keep(*listener.entry->array, listener.id);
-  removed = TakeOut(listener);
+  const auto position = Find(listener);
+  if (!position) return {};
+  const Place place = Keep(*listener.entry->array, *position);
+  removed = TakeOut(*listener.entry, *position);
   return place;
 }
 
@@ -142,14 +158,14 @@ WListenersImpl::Place WListenersImpl::KeepWhereCalled(std::uint64_t id, bool fen
   for (auto* array = retired; array != nullptr; array = array->nextRetired) {
     const auto position = array->Find(id);
     if (position == array->Count()) continue;
-    if (ListenerPin::IsCalledElsewhere(*array, position, fenced)) return Keep(*array, id);
+    if (ListenerPin::IsCalledElsewhere(*array, position, fenced)) return Keep(*array, position);
   }
   return {};
 }
 
-WListenersImpl::Place WListenersImpl::Keep(ListenerArray& array, std::uint64_t id) noexcept {
+WListenersImpl::Place WListenersImpl::Keep(ListenerArray& array, std::uint32_t position) noexcept {
   ExpectReport(array);
-  return {&array, array.Find(id)};
+  return {&array, position};
 }
 
 /// Leaves an array that is being run to the last broadcast that reports.
@@ -165,25 +181,24 @@ void WListenersImpl::Forget(const ListenerArray& ended) noexcept {
   *link = ended.nextRetired;
 }
 
-void WListenersImpl::Pause(Registered& listener, ListenerChange change) {
+void WListenersImpl::Pause(const Registered& listener, ListenerChange change) {
   const RegistryWriteLock guard(lock);
-  if (listener.entry != nullptr) ChangeInAll(listener, change);
+  ChangeInAll(listener, change);
 }
 
-/// Changes the listener in each array that shows it: the array of its property, if the listener is
-/// registered, and the retired arrays.
+/// Changes the listener in each array that shows it: the array of its property, and the retired
+/// arrays.
 void WListenersImpl::ChangeInAll(const Registered& listener, ListenerChange change) noexcept {
-  const auto changeIn = [&](ListenerArray& array) {
-    const auto position = array.Find(listener.id);
-    if (position != array.Count()) (array.*change)(position);
-  };
-  if (IsRegistered(listener)) changeIn(*listener.entry->array);
-  for (auto* array = retired; array != nullptr; array = array->nextRetired) changeIn(*array);
+  if (const auto position = Find(listener)) (*listener.entry->array.*change)(*position);
+  for (auto* array = retired; array != nullptr; array = array->nextRetired) {
+    const auto position = array->Find(listener.id);
+    if (position != array->Count()) (array->*change)(position);
+  }
 }
 
 void WListenersImpl::ExpectReport(ListenerArray& array) noexcept {
   array.reports.fetch_add(1, std::memory_order_relaxed);
-  AddKeeper();
+  AddRef();
 }
 
 void WListenersImpl::Report(ListenerArray& array) noexcept {
@@ -200,7 +215,7 @@ void WListenersImpl::Report(ListenerArray& array) noexcept {
     ended.reset(&array);
   }
   ended.reset();
-  DropKeeper();
+  Release();
 }
 
 void WListenersImpl::UpdateListeners(const VtrString& property) {
@@ -256,13 +271,13 @@ std::vector<VtrString> WListenersImpl::GetRegisteredProperties() {
 }
 
 void WListenersImpl::DropOwner() noexcept {
-  if (owners.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+  // The only owner need not count down, since none can come while it ends.
+  if (owners.load(std::memory_order_acquire) != 1 &&
+      owners.fetch_sub(1, std::memory_order_acq_rel) != 1) {
+    return;
+  }
   Clear();
-  DropKeeper();
-}
-
-void WListenersImpl::DropKeeper() noexcept {
-  if (keepers.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+  Release();
 }
 
 void WListenersImpl::Clear() noexcept {

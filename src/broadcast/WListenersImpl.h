@@ -7,12 +7,17 @@
 /// after that: they are its keepers, and it is freed with the last of them. Under the lock a
 /// subscription asks whether the registry has been emptied; if so, its registration has ended.
 ///
+/// To its subscriptions the registry is the state of all their registrations, and its keepers are
+/// the references to that state. The subscriptions are counted under the lock, which they take
+/// anyway, and share one reference.
+///
 /// Callbacks are run, and released, with no lock held. docs/how-it-works.md, "The broadcast
 /// protocol", tells how this works together with arrays, pins and reports.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "DataBinding/foundation/Callback.h"
@@ -23,8 +28,9 @@
 
 namespace DataBinding::details {
 
-/// Leads a subscription to its listener. The registry's lock guards the entry. The entry is null
-/// once the listener has ended, and must not be used once the registry has been emptied.
+/// Leads a subscription to its listener. The registry's lock guards the entry, which must not be
+/// used once the registry has been emptied. It may serve another name by then, but ids are not
+/// given twice.
 struct Registered {
   PropertyEntry* entry = nullptr;
   std::uint64_t id = 0;
@@ -32,9 +38,9 @@ struct Registered {
 
 using ListenerChange = void (ListenerArray::*)(std::uint32_t position) noexcept;
 
-class WListenersImpl {
+class WListenersImpl final : public BindStateBase {
  public:
-  WListenersImpl() = default;
+  WListenersImpl() noexcept;
   WListenersImpl(const WListenersImpl&) = delete;
   WListenersImpl& operator=(const WListenersImpl&) = delete;
 
@@ -46,13 +52,14 @@ class WListenersImpl {
   [[nodiscard]] std::vector<VtrString> GetRegisteredProperties();
 
   /// Ends a registration. Does nothing if it has ended already, or the registry has been emptied.
-  void Remove(Registered& listener);
+  /// The subscription to it says so, and is no keeper any more.
+  void Remove(const Registered& listener, bool bySubscription);
   /// Ends a registration, makes broadcasts that are under way pass the listener over, and waits
   /// until no other thread is calling it. It waits also when the registry has been emptied during
   /// such a call.
-  void RemoveAndWait(Registered& listener);
+  void RemoveAndWait(const Registered& listener);
   /// Begins or ends a pause of the listener; `change` is ListenerArray::Pause or Resume.
-  void Pause(Registered& listener, ListenerChange change);
+  void Pause(const Registered& listener, ListenerChange change);
   /// Counts a report that is due for an array, and the keeper that goes with it, so that neither
   /// the array nor the registry is freed before that Report(). The caller holds the registry's
   /// lock.
@@ -63,11 +70,6 @@ class WListenersImpl {
 
   void AddOwner() noexcept { owners.fetch_add(1, std::memory_order_relaxed); }
   void DropOwner() noexcept;
-  [[nodiscard]] bool HasOwner() const noexcept {
-    return owners.load(std::memory_order_acquire) != 0;
-  }
-  void AddKeeper() noexcept { keepers.fetch_add(1, std::memory_order_relaxed); }
-  void DropKeeper() noexcept;
 
  private:
   /// Holds what a removal leaves to be released after the lock.
@@ -82,23 +84,26 @@ class WListenersImpl {
     std::uint32_t position = 0;
   };
 
+  static const Traits traits;
+
   ~WListenersImpl() = default;
 
+  static void Destroy(const BindStateBase* state);
+  static void Handle(const BindStateBase* state, RegistrationRequest request,
+                     const RegistrationKey& key);
   Subscription Add(const RepeatingCallbackBase& callback, const VtrString* property);
   void UpdateWithAny(const VtrString& property);
   PropertyEntry& EntryOf(const VtrString* property) DATABINDING_REQUIRES(lock);
   ListenerArrayPtr TakeArray(PropertyEntry& entry) noexcept DATABINDING_REQUIRES(lock);
   void MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) DATABINDING_REQUIRES(lock);
-  Removed TakeOut(Registered& listener) noexcept DATABINDING_REQUIRES(lock);
+  [[nodiscard]] std::optional<std::uint32_t> Find(const Registered& listener) const noexcept
+      DATABINDING_REQUIRES(lock);
+  Removed TakeOut(PropertyEntry& entry, std::uint32_t position) noexcept DATABINDING_REQUIRES(lock);
   void Retire(ListenerArrayPtr& array) noexcept DATABINDING_REQUIRES(lock);
   void Forget(const ListenerArray& ended) noexcept DATABINDING_REQUIRES(lock);
-  Place Keep(ListenerArray& array, std::uint64_t id) noexcept DATABINDING_REQUIRES(lock);
-  Place Silence(Registered& listener);
+  Place Keep(ListenerArray& array, std::uint32_t position) noexcept DATABINDING_REQUIRES(lock);
+  Place Silence(const Registered& listener);
   Place KeepWhereCalled(std::uint64_t id, bool fenced) noexcept;
-  [[nodiscard]] bool IsRegistered(const Registered& listener) const noexcept
-      DATABINDING_REQUIRES(lock) {
-    return !isEmptied && listener.entry != nullptr;
-  }
   void ChangeInAll(const Registered& listener, ListenerChange change) noexcept
       DATABINDING_REQUIRES(lock);
   void Clear() noexcept;
@@ -114,9 +119,10 @@ class WListenersImpl {
   ListenerArray* retired DATABINDING_GUARDED_BY(lock) = nullptr;
   /// Set when the last owner has ended and the entries are gone.
   bool isEmptied DATABINDING_GUARDED_BY(lock) = false;
+  /// Counts the subscriptions that have not left, which share one keeper.
+  std::uint64_t subscriptions DATABINDING_GUARDED_BY(lock) = 0;
+  /// The owners share one keeper, too: that with which the registry begins.
   std::atomic<std::uint32_t> owners{1};
-  /// Starts at 1: the owners share one keeper, which is dropped with the last of them.
-  std::atomic<std::uint32_t> keepers{1};
 };
 
 }  // namespace DataBinding::details

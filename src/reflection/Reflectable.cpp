@@ -76,12 +76,12 @@ class GoneState final : public BindStateBase {
   }
 
  private:
-  GoneState() noexcept : BindStateBase([] {}, [](const BindStateBase*) {}, &Answer) {
-    SetSignature(typeid(GoneState));
-  }
+  GoneState() noexcept : BindStateBase([] {}, [](const BindStateBase*) {}, traits) {}
+  static const std::type_info& Signature() noexcept { return typeid(GoneState); }
   static bool Answer(const BindStateBase* /*state*/, CancellationQueryMode mode) {
     return mode == CancellationQueryMode::IsCancelled;
   }
+  static constexpr Traits traits{&Answer, &Signature, nullptr, nullptr};
 };
 
 /// Takes the delegate out of an item, unless it is only lent. It is released when the item is new

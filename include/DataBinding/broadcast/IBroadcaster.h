@@ -35,7 +35,9 @@ class DATABINDING_API Broadcaster {
   Broadcaster() noexcept = default;
   Broadcaster(const Broadcaster& other) noexcept;
   Broadcaster& operator=(const Broadcaster& other) noexcept;
-  ~Broadcaster();
+  ~Broadcaster() {
+    if (WListenersImpl* const owned = Existing()) Leave(*owned);
+  }
 
   Subscription Register(const RepeatingCallback<void()>& callback, const VtrString& property);
   Subscription RegisterAny(const RepeatingCallback<void(const VtrString& property)>& callback);
@@ -50,6 +52,7 @@ class DATABINDING_API Broadcaster {
     return existing != nullptr ? *existing : MakeListeners();
   }
   WListenersImpl& MakeListeners() const;
+  static void Leave(WListenersImpl& owned) noexcept;
   [[nodiscard]] WListenersImpl* Existing() const noexcept {
     return registry.load(std::memory_order_acquire);
   }
@@ -65,7 +68,7 @@ class DATABINDING_API Broadcaster {
 /// before the first use shares nothing. The listeners end with the last copy.
 class DATABINDING_API IBroadcaster {
  public:
-  IBroadcaster() noexcept;
+  IBroadcaster() noexcept = default;
   /// Shares the listeners of the other broadcaster, if that has been used.
   ///@{
   IBroadcaster(const IBroadcaster& other) noexcept;
@@ -92,7 +95,7 @@ class DATABINDING_API IBroadcaster {
   [[nodiscard]] virtual std::vector<VtrString> GetRegisteredProperties() const;
 
  protected:
-  virtual ~IBroadcaster();
+  virtual ~IBroadcaster() = default;
 
  public:
   /// Runs the callback with the name of each property that is announced, after the callbacks that

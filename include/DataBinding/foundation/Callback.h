@@ -63,15 +63,18 @@ template <class Functor>
 class BoundFunctor final : public BindStateBase {
  public:
   template <class Source>
-  BoundFunctor(InvokeFunction onInvoke, const std::type_info& type, CallLoop callLoop,
-               Source&& source)
-      : BindStateBase(onInvoke, &Destroy, Query()), functor(std::forward<Source>(source)) {
-    SetSignature(type);
-    SetLoop(callLoop);
-  }
+  BoundFunctor(InvokeFunction onInvoke, const Traits& itsTraits, Source&& source)
+      : BindStateBase(onInvoke, &Destroy, itsTraits), functor(std::forward<Source>(source)) {}
 
   static Functor& Of(const BindStateBase* state) noexcept {
     return static_cast<const BoundFunctor*>(state)->functor;
+  }
+  static constexpr CancellationQuery Query() noexcept {
+    if constexpr (Cancellable<Functor>) {
+      return &Ask;
+    } else {
+      return nullptr;
+    }
   }
 
  private:
@@ -81,13 +84,6 @@ class BoundFunctor final : public BindStateBase {
   static bool Ask(const BindStateBase* state, CancellationQueryMode mode) {
     return mode == CancellationQueryMode::IsCancelled ? Of(state).IsCancelled()
                                                       : Of(state).MaybeValid();
-  }
-  static constexpr CancellationQuery Query() noexcept {
-    if constexpr (Cancellable<Functor>) {
-      return &Ask;
-    } else {
-      return nullptr;
-    }
   }
 
   mutable Functor functor;
@@ -115,6 +111,20 @@ struct Invoker<Result(Args...)> {
     }
   }
 
+  static const std::type_info& Signature() noexcept { return typeid(Result(Args...)); }
+  static constexpr BindStateBase::CallLoop Loop() noexcept {
+    if constexpr (std::same_as<Result(Args...), void()>) {
+      return &MakeCalls;
+    } else {
+      return nullptr;
+    }
+  }
+  /// Each module has its own, or the loader would not unload a plug-in that is built with all
+  /// symbols visible.
+  template <class Functor>
+  DATABINDING_MODULE_LOCAL static constexpr BindStateBase::Traits traits{
+      BoundFunctor<Functor>::Query(), &Signature, Loop(), nullptr};
+
   template <class Target, class Source>
   static comlike_ptr<BindStateBase> Bind(Source&& source) {
     using Functor = std::remove_cvref_t<Target>;
@@ -122,10 +132,8 @@ struct Invoker<Result(Args...)> {
       if (source == nullptr) return {};
     }
     const auto invoke = reinterpret_cast<BindStateBase::InvokeFunction>(&Run<Target>);
-    BindStateBase::CallLoop loop = nullptr;
-    if constexpr (std::same_as<Result(Args...), void()>) loop = &MakeCalls;
-    return comlike_ptr<BindStateBase>(new BoundFunctor<Functor>(
-        invoke, typeid(Result(Args...)), loop, std::forward<Source>(source)));
+    return comlike_ptr<BindStateBase>(
+        new BoundFunctor<Functor>(invoke, traits<Functor>, std::forward<Source>(source)));
   }
 
   static Result Call(const comlike_ptr<BindStateBase>& state, CallbackArgument<Args>... args) {

@@ -24,7 +24,9 @@ class RefCounted {
   void AddRef() const noexcept { references.fetch_add(1, std::memory_order_relaxed); }
   /// Releases a reference. The last release destroys the object, on the calling thread.
   void Release() const {
-    if (references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    // Nobody else can add to the only reference, so it need not be counted down.
+    if (references.load(std::memory_order_acquire) == 1 ||
+        references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
       Traits::Destroy(static_cast<const T*>(this));
     }
   }

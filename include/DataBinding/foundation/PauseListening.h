@@ -25,17 +25,15 @@ class [[nodiscard]] PauseListening {
   /// pause has no effect if the subscription is inert, belongs to a hook, or was made with a
   /// callback of the user's own that ends something.
   explicit PauseListening(const Subscription& subscription)
-      : paused(comlike_ptr<details::BindStateBase>::Share(subscription.GetRegistration())) {
-    if (paused) paused->Request(details::RegistrationRequest::Pause);
+      : paused(subscription.GetRegistration()) {
+    paused.Request(details::RegistrationRequest::Pause);
   }
   PauseListening(const PauseListening&) = delete;
   PauseListening& operator=(const PauseListening&) = delete;
-  ~PauseListening() {
-    if (paused) paused->Request(details::RegistrationRequest::Resume);
-  }
+  ~PauseListening() { paused.Request(details::RegistrationRequest::Resume); }
 
  private:
-  comlike_ptr<details::BindStateBase> paused;
+  details::SharedRegistration paused;
 };
 
 }  // namespace VtrUtils

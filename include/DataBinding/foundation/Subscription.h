@@ -21,18 +21,46 @@
 
 namespace VtrUtils {
 
+namespace details {
+
+/// A SharedRegistration can make requests to a registration, as its Subscription can, and does not
+/// end it. It keeps the state of the registration.
+class SharedRegistration {
+ public:
+  SharedRegistration() noexcept = default;
+  SharedRegistration(comlike_ptr<BindStateBase> shared, const RegistrationKey& which) noexcept
+      : state(std::move(shared)), key(which) {}
+
+  void Request(RegistrationRequest request) const {
+    if (state) state->Request(request, key);
+  }
+
+ private:
+  comlike_ptr<BindStateBase> state;
+  RegistrationKey key;
+};
+
+}  // namespace details
+
 class [[nodiscard]] Subscription {
  public:
   Subscription() noexcept = default;
   /// Takes the callback that ends the registration.
-  explicit Subscription(OneShotCallback<void()> end) noexcept : unsubscribe(std::move(end)) {}
+  explicit Subscription(OneShotCallback<void()> end) noexcept
+      : state(end.TakeBindState().Detach()) {}
+  /// Stands for one of the many registrations of a state. The state counts such Subscriptions
+  /// itself: each makes the request Leave in the end.
+  Subscription(details::BindStateBase& ofMany, const details::RegistrationKey& which) noexcept
+      : state(&ofMany), key(which) {}
   /// Takes the registration over and leaves the other Subscription inert.
-  Subscription(Subscription&&) noexcept = default;
+  Subscription(Subscription&& other) noexcept
+      : state(std::exchange(other.state, nullptr)), key(other.key) {}
   /// Takes the other's registration over, then ends the registration that this object had.
   Subscription& operator=(Subscription&& other) noexcept {
     if (this != &other) {
-      auto previous = std::exchange(unsubscribe, std::move(other.unsubscribe));
-      if (previous) previous();
+      const Subscription previous(std::move(*this));
+      state = std::exchange(other.state, nullptr);
+      key = other.key;
     }
     return *this;
   }
@@ -42,7 +70,10 @@ class [[nodiscard]] Subscription {
 
   /// Ends the registration. Does nothing on an inert subscription.
   void Cancel() {
-    if (unsubscribe) unsubscribe();
+    auto* const ended = std::exchange(state, nullptr);
+    if (ended == nullptr) return;
+    if (key.place != nullptr) return ended->Request(details::RegistrationRequest::Leave, key);
+    OneShotCallback<void()>(comlike_ptr<details::BindStateBase>(ended))();
   }
   /// Ends the registration and returns when no other thread is inside the callback. After that the
   /// callback is not called any more, not even by an announcement that is under way. Only calls
@@ -53,25 +84,27 @@ class [[nodiscard]] Subscription {
   /// walk is waited for. This does the same as Cancel if the subscription is inert, belongs to a
   /// hook, or was made with a callback of the user's own.
   void CancelAndWait() {
-    if (!unsubscribe) return;
-    auto ending = std::move(unsubscribe);
-    ending.GetBindState()->Request(details::RegistrationRequest::EndAndWait);
-    ending();
+    if (state == nullptr) return;
+    const Subscription ending(std::move(*this));
+    ending.state->Request(details::RegistrationRequest::EndAndWait, ending.key);
   }
   /// Returns true until the subscription is cancelled, even if the object with which the callback
   /// was registered has ended.
-  explicit operator bool() const noexcept { return static_cast<bool>(unsubscribe); }
+  explicit operator bool() const noexcept { return state != nullptr; }
 
-  /// Returns the state that ends the registration and can also pause it. The result is null if the
-  /// subscription is inert, or was made with a callback of the user's own, whose callable would be
-  /// kept alive too long if its state were shared.
-  [[nodiscard]] details::BindStateBase* GetRegistration() const noexcept {
-    auto* const state = unsubscribe.GetBindState();
-    return state != nullptr && state->IsRegistration() ? state : nullptr;
+  /// Returns a share in the registration. It does nothing if the subscription is inert, or was made
+  /// with a callback of the user's own, whose callable would be kept alive too long if its state
+  /// were shared.
+  [[nodiscard]] details::SharedRegistration GetRegistration() const noexcept {
+    if (state == nullptr || !state->IsRegistration()) return {};
+    return {comlike_ptr<details::BindStateBase>::Share(state), key};
   }
 
  private:
-  OneShotCallback<void()> unsubscribe;
+  /// Is owned by one reference, unless there is a key.
+  details::BindStateBase* state = nullptr;
+  /// Says which registration of the state this is, if the state has many.
+  details::RegistrationKey key;
 };
 
 }  // namespace VtrUtils

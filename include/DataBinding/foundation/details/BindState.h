@@ -30,8 +30,17 @@ struct BindStateBaseRefCountTraits {
   static void Destroy(const BindStateBase* state);
 };
 
-/// The requests that can be made to the state of a registration.
-enum class RegistrationRequest { End, EndAndWait, Pause, Resume };
+/// The requests that can be made to the state of a registration. Leave is the last one that the
+/// Subscription to one of many registrations makes: it ends the registration and gives up the
+/// Subscription's part in the state.
+enum class RegistrationRequest { End, EndAndWait, Pause, Resume, Leave };
+
+/// Leads the state of many registrations to one of them. It is empty where a state belongs to one
+/// registration only.
+struct RegistrationKey {
+  void* place = nullptr;
+  std::uint64_t id = 0;
+};
 
 class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTraits> {
  public:
@@ -42,62 +51,80 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
   using DestroyFunction = void (*)(const BindStateBase*);
   using CallLoop = void (*)(const DirectCall* calls, std::atomic<std::uint32_t>* next,
                             std::uint32_t end);
-  using RequestHandler = void (*)(const BindStateBase*, RegistrationRequest);
+  using RequestHandler = void (*)(const BindStateBase*, RegistrationRequest,
+                                  const RegistrationKey&);
   using CancellationQuery = bool (*)(const BindStateBase*, CancellationQueryMode);
+  /// Says what all states of one kind have in common, so that not each of them has to keep it. Any
+  /// part may be null.
+  struct Traits {
+    CancellationQuery query = nullptr;
+    /// The signature, by which a typed callback tells whether the state fits.
+    const std::type_info& (*signature)() noexcept = nullptr;
+    /// The copy of MakeCalls in the module that the state comes from, where the signature is
+    /// void().
+    CallLoop loop = nullptr;
+    /// Handles requests to the state of a registration. Other states have none.
+    RequestHandler handler = nullptr;
+  };
 
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy) noexcept
-      : BindStateBase(onInvoke, onDestroy, nullptr) {}
-  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the union begins as a loop
+      : BindStateBase(onInvoke, onDestroy, withoutTraits) {}
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy,
                 CancellationQuery onQuery) noexcept
-      : invoke(onInvoke), destroy(onDestroy), query(onQuery) {}
+      : hasOwnQuery(true), invoke(onInvoke), destroy(onDestroy), query(onQuery) {}
+  /// The traits must outlive the state.
+  BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy,
+                const Traits& itsTraits) noexcept
+      : invoke(onInvoke), destroy(onDestroy), ofKind(&itsTraits) {}
   ~BindStateBase() = default;
 
   [[nodiscard]] InvokeFunction Invoke() const noexcept { return invoke; }
   [[nodiscard]] bool IsCancelled() const {
-    return query != nullptr && query(this, CancellationQueryMode::IsCancelled);
+    const auto ask = Query();
+    return ask != nullptr && ask(this, CancellationQueryMode::IsCancelled);
   }
   [[nodiscard]] bool MaybeValid() const {
-    return query == nullptr || query(this, CancellationQueryMode::MaybeValid);
+    const auto ask = Query();
+    return ask == nullptr || ask(this, CancellationQueryMode::MaybeValid);
   }
   /// Returns the copy of MakeCalls in the module that the state comes from, or null if the
   /// signature of the state is not void().
-  [[nodiscard]] CallLoop Loop() const noexcept { return isRegistration ? nullptr : loop; }
+  [[nodiscard]] CallLoop Loop() const noexcept { return GetTraits().loop; }
   /// Returns true for a state that ends a registration and handles requests: see RegistrationState.
-  [[nodiscard]] bool IsRegistration() const noexcept { return isRegistration; }
-  /// Makes a request to the state of a registration. Other states do nothing.
-  void Request(RegistrationRequest request) const {
-    if (isRegistration) handler(this, request);
+  [[nodiscard]] bool IsRegistration() const noexcept { return GetTraits().handler != nullptr; }
+  /// Makes a request to the state of a registration, or of many, of which the key says which one.
+  /// Other states do nothing.
+  void Request(RegistrationRequest request, const RegistrationKey& key) const {
+    if (const auto handler = GetTraits().handler) handler(this, request, key);
   }
   /// Returns false only when both signatures are known and differ.
   [[nodiscard]] bool FitsSignature(const std::type_info& wanted) const noexcept {
-    return signature == nullptr || IsOneType(*signature, wanted);
-  }
-
- protected:
-  /// Notes the signature, by which a typed callback tells whether the state fits.
-  void SetSignature(const std::type_info& type) noexcept { signature = &type; }
-  void SetLoop(CallLoop ofModule) noexcept { loop = ofModule; }
-  /// Turns this into the state of a registration.
-  void SetRequestHandler(RequestHandler onRequest) noexcept {
-    isRegistration = true;
-    handler = onRequest;
+    const auto signature = GetTraits().signature;
+    return signature == nullptr || IsOneType(signature(), wanted);
   }
 
  private:
   friend BindStateBaseRefCountTraits;
+  DATABINDING_MODULE_LOCAL static const Traits withoutTraits;
 
-  bool isRegistration = false;  // declared first because it fits into the gap behind the count
+  [[nodiscard]] const Traits& GetTraits() const noexcept {
+    return hasOwnQuery ? withoutTraits : *ofKind;
+  }
+  [[nodiscard]] CancellationQuery Query() const noexcept {
+    return hasOwnQuery ? query : ofKind->query;
+  }
+
+  bool hasOwnQuery = false;  // declared first because it fits into the gap behind the count
 
   InvokeFunction invoke;
   DestroyFunction destroy;
-  CancellationQuery query;
-  const std::type_info* signature = nullptr;
   union {
-    CallLoop loop = nullptr;
-    RequestHandler handler;
+    CancellationQuery query;
+    const Traits* ofKind;
   };
 };
+
+inline constexpr BindStateBase::Traits BindStateBase::withoutTraits{};
 
 inline void BindStateBaseRefCountTraits::Destroy(const BindStateBase* state) {
   state->destroy(state);
@@ -156,6 +183,8 @@ class OneShotCallbackBase {
     return state ? state->Invoke() : nullptr;
   }
   [[nodiscard]] BindStateBase* GetBindState() const noexcept { return state.Get(); }
+  /// Gives the state to the caller, and leaves a null callback.
+  [[nodiscard]] comlike_ptr<BindStateBase> TakeBindState() noexcept { return std::move(state); }
   /// Returns true once the target is gone, and for a null callback.
   [[nodiscard]] bool IsCancelled() const { return !state || state->IsCancelled(); }
   /// Returns false once the target is surely gone, and for a null callback.
@@ -272,6 +301,8 @@ using VtrUtils::details::BindStateBase;
 using VtrUtils::details::BindStateBaseRefCountTraits;
 using VtrUtils::details::CallbackMaker;
 using VtrUtils::details::OneShotCallbackBase;
+using VtrUtils::details::RegistrationKey;
+using VtrUtils::details::RegistrationRequest;
 using VtrUtils::details::RepeatingCallbackBase;
 }  // namespace details
 }  // namespace DataBinding

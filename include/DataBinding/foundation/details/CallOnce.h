@@ -30,7 +30,7 @@ class OnceState {
     callback(std::forward<Args>(args)...);
   }
   void Follow(const Subscription& subscription) {
-    registration = comlike_ptr<BindStateBase>::Share(subscription.GetRegistration());
+    registration = subscription.GetRegistration();
     HaveHappened(Registered);
   }
 
@@ -41,11 +41,11 @@ class OnceState {
   /// may happen first; the thread on which the second one happens ends it.
   void HaveHappened(unsigned event) {
     if ((events.fetch_or(event) | event) != (Called | Registered)) return;
-    if (registration) registration->Request(RegistrationRequest::End);
+    registration.Request(RegistrationRequest::End);
   }
 
   OneShotCallback<void(Args...)> callback;
-  comlike_ptr<BindStateBase> registration;
+  SharedRegistration registration;
   std::atomic<bool> isTaken{false};
   std::atomic<unsigned> events{0};
 };

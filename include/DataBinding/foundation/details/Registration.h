@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A RegistrationState is the state that the library's own subscriptions hold. It ends a
-/// registration, and can also pause the registration and wait for its callback.
+/// A RegistrationState is the state that most of the library's own subscriptions hold. It ends a
+/// registration, and can also pause the registration and wait for its callback. (Subscriptions to
+/// properties have no states of their own: their registry handles the requests of them all.)
 ///
 /// A request tells the state which of these to do. The state has a function for requests, so that a
 /// Subscription need not know with what the callback is registered. A callback of the user's own
@@ -36,9 +37,7 @@ template <class Derived>
 class RegistrationState : public BindStateBase {
  protected:
   RegistrationState() noexcept
-      : BindStateBase(reinterpret_cast<InvokeFunction>(&Run), &Destroy, &Ask) {
-    SetRequestHandler(&Handle);
-  }
+      : BindStateBase(reinterpret_cast<InvokeFunction>(&Run), &Destroy, traits) {}
   ~RegistrationState() = default;
 
  private:
@@ -51,10 +50,12 @@ class RegistrationState : public BindStateBase {
   static bool Ask(const BindStateBase* state, CancellationQueryMode mode) {
     return Of(state).IsGone() == (mode == CancellationQueryMode::IsCancelled);
   }
-  static void Handle(const BindStateBase* state, RegistrationRequest request) {
+  static void Handle(const BindStateBase* state, RegistrationRequest request,
+                     const RegistrationKey& /*key*/) {
     Derived& self = Of(state);
     switch (request) {
       case RegistrationRequest::End:
+      case RegistrationRequest::Leave:
         return self.End();
       case RegistrationRequest::EndAndWait:
         return self.EndAndWait();
@@ -64,6 +65,7 @@ class RegistrationState : public BindStateBase {
         return self.Resume();
     }
   }
+  DATABINDING_MODULE_LOCAL static constexpr Traits traits{&Ask, nullptr, nullptr, &Handle};
 };
 
 }  // namespace VtrUtils::details
