@@ -3,7 +3,9 @@
 
 #include "Signals.h"
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include <boost/version.hpp>
 
@@ -38,6 +40,42 @@ bool MeasureHardNames(const std::string& peer) {
     MeasureHardNames<Ours>("ours"),
     MeasureHardNames<BoostMap>("boostmap"),
 };
+
+/// One registration that hears each name, of an object that nobody else listens to.
+void BroadcastToAny(benchmark::State& state) {
+  Announcer announcer;
+  Counter counter = 0;
+  const Ours::Name announced(oneName);
+  const auto handle = announcer.RegisterAny([&counter](const Ours::Name&) { ++counter; });
+  for (auto _ : state) {
+    announcer.UpdateListeners(announced);
+    benchmark::ClobberMemory();
+  }
+  ExpectCalls(state, counter, 1);
+}
+
+/// The objects have announced before, as those that somebody listens to have.
+void MemoryOfAny(benchmark::State& state) {
+  Counter counter = 0;
+  for (auto _ : state) {
+    std::vector<Announcer> announcers(2 * memorySample);
+    for (auto& announcer : announcers) announcer.UpdateListeners(oneName);
+    auto next = announcers.begin();
+    state.counters["bytes"] = BytesOfEach(memorySample, [&](std::size_t count) {
+      std::vector<Ours::Handle> handles(count);
+      for (auto& handle : handles) {
+        handle = next++->RegisterAny([&counter](const Ours::Name&) { ++counter; });
+      }
+      return handles;
+    });
+  }
+}
+
+[[maybe_unused]] const bool anyMeasured = [] {
+  Enter("any", "ours", &BroadcastToAny);
+  if (heapIsCounted) Enter("memory/any", "ours", &MemoryOfAny).Iterations(1);
+  return true;
+}();
 
 }  // namespace
 
