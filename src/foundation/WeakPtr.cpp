@@ -17,6 +17,7 @@ WeakReference WeakReferenceOwner::GetRef() const {
 }
 
 void WeakReferenceOwner::Invalidate() noexcept {
+  if (flag.load(std::memory_order_acquire) == nullptr) return;  // most owners never had references
   const comlike_ptr<WeakFlag> ended(flag.exchange(nullptr, std::memory_order_acq_rel));
   if (ended) ended->End();
 }

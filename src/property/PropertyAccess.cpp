@@ -34,8 +34,8 @@ ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const 
   found.error = source == nullptr ? PropertyError::NoSource : PropertyError::None;
   if (source == nullptr) return found;
   const auto& type = source->GetDelegateType(name);
-  found.isReadOnly = readOnly.IsSameType(&type);
-  if (!found.isReadOnly && !plain.IsSameType(&type)) {
+  found.isReadOnly = !AreSameType(plain, type) && AreSameType(readOnly, type);
+  if (!found.isReadOnly && !AreSameType(plain, type)) {
     const bool isKnown = !runtime_type<void>::Get().IsSameType(&type);
     found.error = isKnown ? PropertyError::WrongType : PropertyError::Absent;
     return found;
@@ -51,7 +51,7 @@ void ReflectionAccess::FindAccessor(const IReflectable& table, const VtrString& 
   auto answer = const_cast<IReflectable&>(table)._GetDelegate({{name, wanted}});
   // Only properties lend their accessors. An override may answer with one of another name.
   auto* const property = static_cast<PropertyBase*>(answer.second.Lender());
-  if (property != nullptr && wanted.IsSameType(&property->Type())) {
+  if (property != nullptr && AreSameType(wanted, property->Type())) {
     found.property = property;
     return;
   }

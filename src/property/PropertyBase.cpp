@@ -13,10 +13,15 @@
 
 namespace DataBinding::details {
 
+PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
+    : ChainedMember(itsSource, propertyName.ToString()) {}
+
 PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName,
                            std::unique_ptr<PropertyExtras> options)
-    : ChainedMember(itsSource, propertyName.ToString()), extras(options.release()) {
-  if (PropertyExtras* const given = ExistingExtras()) given->property = this;
+    : PropertyBase(itsSource, propertyName) {
+  if (options == nullptr) return;
+  options->property = this;
+  extras.store(options.release(), std::memory_order_relaxed);
 }
 
 PropertyExtras& PropertyBase::Extras() const {

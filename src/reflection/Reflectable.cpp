@@ -59,6 +59,9 @@ struct MemberMap {
     return place->second;
   }
 
+  /// Leaves the name and the type of a member that ends.
+  void MarkGone(const ChainedMember& member) noexcept;
+
   Reflectable::Items items;
   std::vector<const VtrString*> inOrder;
 };
@@ -102,6 +105,12 @@ T& Publish(std::atomic<T*>& place, std::unique_ptr<T> made) noexcept {
 }
 
 }  // namespace
+
+void MemberMap::MarkGone(const ChainedMember& member) noexcept {
+  const auto found = items.find(member.Name());
+  const bool isFiled = found != items.end() && found->second.delegate.Lender() == &member;
+  if (isFiled) found->second.delegate = GoneState::Memento();
+}
 
 /// Holds what few objects have.
 struct ReflectableExtras {
@@ -171,7 +180,7 @@ void Reflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMem
   // Nothing else lends to a table.
   auto* const member = static_cast<ChainedMember*>(delegate.Lender());
   const bool isOwn = member != nullptr && &member->Home() == object && !member->IsChained() &&
-                     member->Name() == name && type.IsSameType(&member->Type());
+                     member->Name() == name && AreSameType(type, member->Type());
   if (isOwn) return Link(*member);
   RepeatingCallbackMemento own = delegate;
   ReflectedItem& item = Map().Item(name);
@@ -195,17 +204,17 @@ void Reflectable::Link(ChainedMember& member) {
 
 void Reflectable::Unlink(ChainedMember& member) noexcept {
   if (!member.IsChained()) return;
-  FirstFailure dropped;  // without memory the name is forgotten
-  if (!wholeEnds) dropped.Try([this] { ReserveNames(); });
-  if (MemberMap* const map = ExistingMap()) {
-    const auto found = map->items.find(member.Name());
-    const bool isFiled = found != map->items.end() && found->second.delegate.Lender() == &member;
-    if (isFiled) found->second.delegate = GoneState::Memento();
-  }
+  if (!wholeEnds) KeepNames();
+  if (MemberMap* const map = ExistingMap()) map->MarkGone(member);
   ChainedMember** place = &newest;
   while (*place != &member) place = &(*place)->older;
   *place = std::exchange(member.older, &member);
   --chained;
+}
+
+void Reflectable::KeepNames() const noexcept {
+  FirstFailure dropped;  // without memory the name is forgotten
+  dropped.Try([this] { ReserveNames(); });
 }
 
 void Reflectable::_AddType(const VtrString& name, const runtime_type_base& type) {
@@ -220,8 +229,12 @@ Reflectable::Known Reflectable::Look(const VtrString& name) const {
     auto* const member = static_cast<ChainedMember*>(item.delegate.Lender());
     return {&item.type.get(), member, &item.delegate};
   }
+  // Names of one class are often of one length, so their hashes, which are kept, are compared
+  // first.
+  const auto hash = name.GetSamplingHash();
   for (ChainedMember* member = newest; member != nullptr; member = member->older) {
-    if (member->Name() == name) return {&member->Type(), member, nullptr};
+    const bool isNamed = member->Name().GetSamplingHash() == hash && member->Name() == name;
+    if (isNamed) return {&member->Type(), member, nullptr};
   }
   return {};
 }
@@ -247,7 +260,7 @@ std::pair<std::size_t, RepeatingCallbackMemento> Reflectable::_GetDelegate(
   for (const auto& [name, type] : tags) {
     const Known known = Look(name);
     if (known.type != nullptr) {
-      if (!type.IsSameType(known.type)) return answer;
+      if (!AreSameType(type, *known.type)) return answer;
       if (known.member == nullptr) {
         answer.second = *known.delegate;
       } else {

@@ -57,8 +57,10 @@ struct OptionalExtras final : PropertyExtras {
 template <class T, class Filed>
 class StoredProperty : public TypedProperty<T, Filed> {
  public:
-  StoredProperty(DataSourceImpl* itsSource, PropertyName name, T initial = T(),
-                 PropertyOptions<T> options = {})
+  StoredProperty(DataSourceImpl* itsSource, PropertyName name, T initial = T())
+      : TypedProperty<T, Filed>(*itsSource, name), value(std::move(initial)) {}
+  StoredProperty(DataSourceImpl* itsSource, PropertyName name, T initial,
+                 PropertyOptions<T> options)
       : TypedProperty<T, Filed>(*itsSource, name, OptionalExtras<T>::Of(std::move(options))),
         value(std::move(initial)) {}
 

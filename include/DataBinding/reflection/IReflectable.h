@@ -124,6 +124,7 @@ class DATABINDING_API Reflectable {
   [[nodiscard]] MemberMap& Map() const;
   [[nodiscard]] Known Look(const VtrString& name) const;
   void Link(ChainedMember& member);
+  void KeepNames() const noexcept;
   [[nodiscard]] RepeatingCallbackMemento ResolveDelegate(const VtrString& name,
                                                          const runtime_type_base& type) const;
   [[nodiscard]] const runtime_type_base& ResolveType(const VtrString& name) const;

@@ -45,6 +45,16 @@ class DATABINDING_API runtime_type_base {
   runtime_type_base& operator=(const runtime_type_base&) noexcept = default;
 };
 
+namespace details {
+
+/// Tells whether two descriptors describe one type. Most are of one module, and one object then.
+[[nodiscard]] inline bool AreSameType(const runtime_type_base& one,
+                                      const runtime_type_base& other) {
+  return &one == &other || one.IsSameType(&other);
+}
+
+}  // namespace details
+
 /// This is the descriptor of T. The class is the same in all modules, the instance is not.
 template <class T>
 class runtime_type : public runtime_type_base {

@@ -49,6 +49,7 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   static PropertyChanges& PrepareBatch(DataSourceImpl& source);
 
  protected:
+  PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName);
   /// Takes the extras of a property that has options, or null.
   PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName,
                std::unique_ptr<PropertyExtras> options);
@@ -86,7 +87,7 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   void EndExtras() noexcept;
 
   /// Is set once. It is mutable since following a property does not change it.
-  mutable std::atomic<PropertyExtras*> extras;
+  mutable std::atomic<PropertyExtras*> extras{nullptr};
 };
 
 /// IProperty is a property whose type is known. The property's accessor returns it, or null when
@@ -114,12 +115,14 @@ class TypedProperty : public IProperty<T> {
   [[nodiscard]] const runtime_type_base& Type() const final { return runtime_type<Filed>::Get(); }
 
  protected:
-  TypedProperty(DataSourceImpl& itsSource, PropertyName propertyName,
-                std::unique_ptr<PropertyExtras> options = {})
-      : IProperty<T>(itsSource, propertyName, std::move(options)) {
+  template <class... Extras>
+  TypedProperty(DataSourceImpl& itsSource, PropertyName propertyName, Extras... options)
+      : IProperty<T>(itsSource, propertyName, std::move(options)...) {
     this->File();
   }
-  ~TypedProperty() override { this->EndAccess(); }
+  ~TypedProperty() override {
+    if (this->IsChained()) this->EndAccess();
+  }
 
  private:
   comlike_ptr<BindStateBase> MakeState() final {
