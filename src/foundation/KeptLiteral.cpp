@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace VtrPlatform::details {
@@ -25,6 +26,9 @@ struct Entry {
 constexpr std::size_t bucketCount = 1024;
 constinit std::array<std::atomic<Entry*>, bucketCount> buckets{};
 
+/// The number of texts that may still be kept. It bounds the length of the lists, too.
+constinit std::atomic<std::int32_t> room{16 * bucketCount};
+
 /// Looks for a literal in a list, from `first` up to `end`, which is not looked at.
 const Entry* Find(const Entry* first, const Entry* end, std::wstring_view literal,
                   std::uint32_t hash) noexcept {
@@ -40,6 +44,7 @@ VtrString KeptLiteral(std::wstring_view literal, std::uint32_t hash) {
   std::atomic<Entry*>& bucket = buckets[hash % bucketCount];
   Entry* head = bucket.load(std::memory_order_acquire);
   if (const Entry* known = Find(head, nullptr, literal, hash)) return known->text;
+  if (room.load(std::memory_order_relaxed) <= 0) return VtrString(VtrStringView(literal));
   auto made = std::make_unique<Entry>(literal, hash);
   made->next = head;
   while (!bucket.compare_exchange_weak(head, made.get(), std::memory_order_acq_rel,
@@ -48,6 +53,7 @@ VtrString KeptLiteral(std::wstring_view literal, std::uint32_t hash) {
     made->next = head;
   }
   const Entry* const kept = made.release();  // the list owns it
+  room.fetch_sub(1, std::memory_order_relaxed);
   if (kept->buffer != nullptr) {
     kept->buffer->references.fetch_or(StringBuffer::kept, std::memory_order_relaxed);
   }

@@ -46,7 +46,7 @@ ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const 
 
 void ReflectionAccess::FindAccessor(const IReflectable& table, const VtrString& name,
                                     const runtime_type_base& wanted, Found& found) {
-  const LendingScope lending;
+  const LendingScope lending(table.reflectable);
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a look-up changes nothing
   auto answer = const_cast<IReflectable&>(table)._GetDelegate({{name, wanted}});
   // Only properties lend their accessors. An override may answer with one of another name.

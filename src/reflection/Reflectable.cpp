@@ -5,9 +5,11 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <unordered_map>
 
 #include "DataBinding/foundation/Event.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
+#include "DataBinding/foundation/details/NameMap.h"
 #include "DataBinding/reflection/IReflectable.h"
 #include "DataBinding/reflection/details/ChainedMember.h"
 
@@ -21,7 +23,7 @@ constexpr std::size_t notFound = std::numeric_limits<std::size_t>::max();
 constexpr std::uint32_t longestChainWithoutMap = 16;
 
 constinit thread_local HandlerFailures* innermostFailures = nullptr;
-constinit thread_local bool isLending = false;
+constinit thread_local const Reflectable* lending = nullptr;
 
 /// Calls all handlers and notes the first exception, since a destructor cannot let one out.
 void RaiseQuietly(Event<void()>& event) noexcept {
@@ -46,11 +48,14 @@ void HandlerFailures::RethrowFirst() const {
   if (first != nullptr) std::rethrow_exception(first);
 }
 
-LendingScope::LendingScope() noexcept : before(std::exchange(isLending, true)) {}
-LendingScope::~LendingScope() { isLending = before; }
+LendingScope::LendingScope(const Reflectable& table) noexcept
+    : before(std::exchange(lending, &table)) {}
+LendingScope::~LendingScope() { lending = before; }
 
 /// The map with the order in which its names were added.
 struct MemberMap {
+  using Links = std::unordered_map<const ChainedMember*, ChainedMember*>;
+
   /// Returns the item of a name, which is made if there is none.
   Reflectable::ReflectedItem& Item(const VtrString& name) {
     if (inOrder.size() == inOrder.capacity()) inOrder.reserve(2 * inOrder.size() + 8);
@@ -61,9 +66,22 @@ struct MemberMap {
 
   /// Leaves the name and the type of a member that ends.
   void MarkGone(const ChainedMember& member) noexcept;
+  /// Takes a member out of `newer`, to which `older` is the next in the chain, or null.
+  void Unlink(const ChainedMember& member, const ChainedMember* older) noexcept {
+    const auto link = newer.extract(&member);
+    if (older == nullptr) return;
+    if (link.empty()) {
+      newer.erase(older);
+    } else {
+      newer.find(older)->second = link.mapped();
+    }
+  }
 
   Reflectable::Items items;
   std::vector<const VtrString*> inOrder;
+  /// Leads from each chained member to the one that was filed after it, so that a member leaves a
+  /// long chain without a walk.
+  Links newer;
 };
 
 namespace {
@@ -117,7 +135,7 @@ struct ReflectableExtras {
   ReflectableExtras() = default;
   ReflectableExtras(const ReflectableExtras&) = delete;
   ReflectableExtras& operator=(const ReflectableExtras&) = delete;
-  ~ReflectableExtras() { delete map.load(std::memory_order_relaxed); }
+  ~ReflectableExtras() { delete map.exchange(nullptr, std::memory_order_relaxed); }
 
   Event<void()> onDestroy;
   Event<void()> onDestroyed;
@@ -163,7 +181,10 @@ MemberMap* Reflectable::ExistingMap() const noexcept {
 MemberMap& Reflectable::Map() const {
   if (MemberMap* const existing = ExistingMap()) return *existing;
   auto made = std::make_unique<MemberMap>();
+  ChainedMember* newer = nullptr;
   for (ChainedMember* member = newest; member != nullptr; member = member->older) {
+    if (newer != nullptr) made->newer.emplace(member, newer);
+    newer = member;
     if (made->items.contains(member->Name())) continue;
     ReflectedItem& item = made->Item(member->Name());
     item.type = member->Type();
@@ -193,10 +214,14 @@ void Reflectable::Link(ChainedMember& member) {
   if (chained == longestChainWithoutMap) ReserveNames();
   RepeatingCallbackMemento former;
   if (MemberMap* const map = ExistingMap()) {
+    MemberMap::Links link;
+    if (newest != nullptr) link.emplace(newest, &member);
+    ReserveOneMore(map->newer);
     ReflectedItem& item = map->Item(member.Name());
     former = TakeOwned(item);
     item.type = member.Type();
     item.delegate.Lend(member);
+    map->newer.merge(link);
   }
   member.older = std::exchange(newest, &member);
   ++chained;
@@ -205,11 +230,24 @@ void Reflectable::Link(ChainedMember& member) {
 void Reflectable::Unlink(ChainedMember& member) noexcept {
   if (!member.IsChained()) return;
   if (!wholeEnds) KeepNames();
-  if (MemberMap* const map = ExistingMap()) map->MarkGone(member);
+  ChainedMember*& place = PlaceOf(member);
+  place = std::exchange(member.older, &member);
+  --chained;
+  if (MemberMap* const map = ExistingMap()) {
+    map->MarkGone(member);
+    map->Unlink(member, place);
+  }
+}
+
+/// Returns the link that leads to a chained member.
+ChainedMember*& Reflectable::PlaceOf(const ChainedMember& member) noexcept {
+  if (const MemberMap* const map = ExistingMap()) {
+    const auto found = map->newer.find(&member);
+    return found == map->newer.end() ? newest : found->second->older;
+  }
   ChainedMember** place = &newest;
   while (*place != &member) place = &(*place)->older;
-  *place = std::exchange(member.older, &member);
-  --chained;
+  return *place;
 }
 
 void Reflectable::KeepNames() const noexcept {
@@ -265,7 +303,7 @@ std::pair<std::size_t, RepeatingCallbackMemento> Reflectable::_GetDelegate(
         answer.second = *known.delegate;
       } else {
         answer.second.Lend(*known.member);
-        if (!isLending) answer.second = RepeatingCallbackMemento(answer.second);
+        if (lending != this) answer.second = RepeatingCallbackMemento(answer.second);
       }
       return answer;
     }

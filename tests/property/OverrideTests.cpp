@@ -89,5 +89,28 @@ TEST_F(Overrides, OfLookUpsMayKeepAndRedirectTheAnswer) {
   EXPECT_TRUE(IsLiving(L"Answer"));
 }
 
+/// Asks another source, which ends before the answer is used.
+class Forwarding : public NamedDataSource {
+ public:
+  Forwarding() : NamedDataSource(L"Forwarding") {}
+  Property<int> size{this, L"Size", 3};
+
+  std::pair<std::size_t, RepeatingCallbackMemento> _GetDelegate(
+      std::initializer_list<DelegateTag> tags) override {
+    if (isInner) return NamedDataSource::_GetDelegate(tags);
+    const auto inner = MakeDataSource<Forwarding>(nullptr);
+    inner->isInner = true;
+    return inner->_GetDelegate(tags);
+  }
+
+  bool isInner = false;
+};
+
+TEST(ForwardedLookUp, NoticesThatTheOtherSourceHasEnded) {
+  const auto source = MakeDataSource<Forwarding>(nullptr);
+
+  EXPECT_EQ(GetProperty<int>(source.get(), L"Size").error, PropertyError::Absent);
+}
+
 }  // namespace
 }  // namespace DataBinding

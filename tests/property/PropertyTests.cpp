@@ -214,6 +214,25 @@ TEST_F(PropertyTest, NamesAreGivenInTheOrderOfTheirDeclaration) {
   for (const auto& one : more) EXPECT_EQ(*GetProperty<int>(box.get(), one->Name()), **one);
 }
 
+TEST_F(PropertyTest, ManyEndInAnyOrder) {
+  std::vector<std::unique_ptr<Property<int>>> more(40);
+  for (int i = 0; i < 40; ++i) {
+    const VtrString name = VtrString().Format(L"N%d", i);
+    more[static_cast<std::size_t>(i)] =
+        std::make_unique<Property<int>>(box.get(), PropertyName(name), i);
+  }
+  int told = 0;
+  const auto heard = box->RegisterAny([&told](const VtrString&) { ++told; });
+
+  for (std::size_t i = 0; i < 30; ++i) more[i * 7 % 40].reset();
+
+  PropertyBatch batch(*box);
+  for (const auto& left : more) EXPECT_TRUE(left == nullptr || left->Set(-1).changed);
+  batch.Commit();
+  EXPECT_EQ(told, 10);
+  EXPECT_EQ(box->GetNamesInOrder().size(), 44U);
+}
+
 #if !defined(NDEBUG)
 TEST_F(PropertyTest, SecondOneOfANameAssertsWhileTheFirstLives) {
   std::optional<Property<int>> depth;

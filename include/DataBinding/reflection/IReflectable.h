@@ -13,6 +13,10 @@
 /// looked up. The ordered map that begin and end lead through is made when it is first needed: by
 /// them, by a member that is added by hand, by a destruction handler, by many properties, or by a
 /// property that is made or ends while the object goes on living. From then on the map answers.
+/// A property that ends makes the map in its destructor; when there is no memory for that, its name
+/// is forgotten. IDataSource::Destroy makes no map: in an object that has none, the destructors of
+/// its base classes do not find the names of members that have ended before. A base class that
+/// needs them calls begin() in its constructor.
 ///
 /// Two kinds of handlers are called when the object ends, first the on-destroy handlers and then
 /// the on-destroyed handlers. By then the derived classes are gone, but the table still stands.
@@ -108,12 +112,13 @@ class DATABINDING_API Reflectable {
   [[nodiscard]] ChainedMember* Newest() const noexcept { return newest; }
   /// Returns the living chained member that answers to the name, or null.
   [[nodiscard]] ChainedMember* FindChained(const VtrString& name) const;
-  /// Makes sure that the end of a member allocates nothing.
+  /// Makes the map, so that the end of a member allocates nothing from now on.
   void ReserveNames() const;
   /// Takes a member out of the chain. Its name and type stay, with a delegate that is gone.
   void Unlink(ChainedMember& member) noexcept;
-  /// Notes that the object ends, with all its members. Nobody can ask for their names any more
-  /// then, but destruction handlers, for which a map is kept.
+  /// Notes that the object ends, with all its members. Without a map, the names of members that end
+  /// from now on are forgotten. Destruction handlers find them, since there is a map when there are
+  /// handlers.
   void NoteEnd() noexcept { wholeEnds = true; }
 
  private:
@@ -124,6 +129,7 @@ class DATABINDING_API Reflectable {
   [[nodiscard]] MemberMap& Map() const;
   [[nodiscard]] Known Look(const VtrString& name) const;
   void Link(ChainedMember& member);
+  [[nodiscard]] ChainedMember*& PlaceOf(const ChainedMember& member) noexcept;
   void KeepNames() const noexcept;
   [[nodiscard]] RepeatingCallbackMemento ResolveDelegate(const VtrString& name,
                                                          const runtime_type_base& type) const;
@@ -137,17 +143,17 @@ class DATABINDING_API Reflectable {
   bool wholeEnds = false;
 };
 
-/// While a LendingScope exists, look-ups on its thread that find a chained member lend its callback
-/// instead of making one. The caller must not let the memento out of its hands.
+/// While a LendingScope exists, look-ups in its table and on its thread that find a chained member
+/// lend its callback instead of making one. The caller must not let the memento out of its hands.
 class DATABINDING_API LendingScope {
  public:
-  LendingScope() noexcept;
+  explicit LendingScope(const Reflectable& table) noexcept;
   LendingScope(const LendingScope&) = delete;
   LendingScope& operator=(const LendingScope&) = delete;
   ~LendingScope();
 
  private:
-  bool before;
+  const Reflectable* before;
 };
 
 /// Keeps the first exception that a destruction handler throws on this thread during its scope. The
@@ -246,6 +252,8 @@ class DATABINDING_API IReflectable {
   /// Returns the index of the first tag whose name is known, and the delegate. If that member has
   /// another type than the tag, the delegate is empty; deliberately, so that a member is never
   /// passed over for a later candidate. If no name is known, the index is the largest std::size_t.
+  /// What an override gets from its base may only be lent, see RepeatingCallbackMemento, so it
+  /// copies the delegate before it ends the property.
   virtual std::pair<std::size_t, RepeatingCallbackMemento> _GetDelegate(
       std::initializer_list<DelegateTag> tags);
   /// Returns the index of the first name that is known, and its type. If none is known, the largest

@@ -3,9 +3,11 @@
 ///
 /// Thousands of objects of one class bear the same names. They share one string for each, which is
 /// made when its text is first asked for, is never released, and is not counted by its owners. The
-/// characters are the library's own copy, so nothing refers to a plug-in that may be unloaded. What
-/// is kept cannot grow without bound, since only literals may be given: a program has so many of
-/// them. Texts that are made at run time belong into ordinary strings.
+/// characters are the library's own copy, so nothing refers to a plug-in that may be unloaded.
+///
+/// A constant array of characters that is no literal cannot be told from one. So that a program
+/// which makes names of such arrays does not fill the memory, the table keeps a limited number of
+/// texts, and gives an ordinary string for each later one.
 #pragma once
 
 #include <concepts>
@@ -18,7 +20,8 @@
 
 namespace VtrPlatform::details {
 
-/// A literal's type is an array of constant characters. A buffer's is not.
+/// A literal's type is an array of constant characters. The type of a buffer that can be written to
+/// is not.
 template <class Text>
 concept Literal = std::is_array_v<Text> && std::same_as < std::remove_extent_t<Text>,
 const wchar_t > ;
@@ -30,8 +33,8 @@ const wchar_t > ;
   return hash;
 }
 
-/// Returns the string that is kept of a literal with this LiteralHash. May be called on any thread;
-/// allocates only for a new text.
+/// Returns the string that is kept of a literal with this LiteralHash, or an ordinary one when the
+/// table is full. May be called on any thread; allocates only for a new text.
 [[nodiscard]] DATABINDING_API VtrString KeptLiteral(std::wstring_view literal, std::uint32_t hash);
 [[nodiscard]] inline VtrString KeptLiteral(std::wstring_view literal) {
   return KeptLiteral(literal, LiteralHash(literal));

@@ -46,9 +46,10 @@ template <class Value>
 using NameMap = std::unordered_map<VtrPlatform::VtrString, Value, NameHash, NameEqual>;
 
 /// Makes room for one node more, so that inserting it cannot fail. `promised` is the number of
-/// nodes for which room was made before and that are not inserted yet.
-template <class Value>
-void ReserveOneMore(NameMap<Value>& map, std::size_t promised = 0) {
+/// nodes for which room was made before and that are not inserted yet. Serves any hash map of the
+/// standard library.
+template <class HashMap>
+void ReserveOneMore(HashMap& map, std::size_t promised = 0) {
   const double room = static_cast<double>(map.bucket_count()) * map.max_load_factor();
   const bool isFresh = map.bucket_count() == 1;  // libstdc++ makes buckets at the first insertion
   const std::size_t size = map.size() + promised;
