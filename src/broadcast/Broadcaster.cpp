@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // This file holds the broadcaster that applications see. It makes the registry on first use, counts
-// its copies as owners of the registry, and passes everything else on to it.
+// its copies as owners of the registry, and passes everything else on to it. An announcement makes
+// the registry, too, since copies share their listeners from the first use on.
 #include <utility>
 
 #include "DataBinding/broadcast/IBroadcaster.h"
