@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "DataBinding/registrar/IDataSourceRegistrar.h"
@@ -35,10 +37,12 @@ TEST_F(ModuleBoundary, SourceOfOneModuleIsUsedByNameInAnother) {
 TEST_F(ModuleBoundary, UnloadedPluginTakesNothingAlongButItsOwn) {
   int heard = 0;
   Subscription ofHost;
+  std::vector<VtrString> names;
 
   {
     const Plugin plugin;
     plugin->start(gauge);
+    names = root().GetDataSource(L"FromPlugin")->GetNamesInOrder();
     ofHost = gauge->Register([&] { ++heard; }, L"Level");
     SetLevelInView(gauge, 1);
     EXPECT_EQ(plugin->timesHeard(), 1);
@@ -49,6 +53,7 @@ TEST_F(ModuleBoundary, UnloadedPluginTakesNothingAlongButItsOwn) {
 
   ASSERT_FALSE(Plugin::IsLoaded());
 
+  EXPECT_EQ(names, std::vector<VtrString>{L"Own"});
   SetLevelInView(gauge, 2);
   EXPECT_EQ(heard, 2);
 }

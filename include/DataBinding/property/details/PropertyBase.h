@@ -43,6 +43,8 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   /// a PropertyBatch is open on a source, the properties of the source, and what is computed from
   /// them, wait for its end. This property, its source or others may be gone when this returns.
   void NotifyChanged();
+  /// Returns a weak pointer to this property, which becomes invalid before its value ends.
+  [[nodiscard]] WeakPtr<PropertyBase> AsWeakPtr() { return {Extras().weak.GetRef(), this}; }
 
   /// Gives all properties of a source the extras by which they can be noted as changed, and returns
   /// the list in which that is done.
@@ -67,7 +69,6 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   [[nodiscard]] DataSourceImpl& Source() const noexcept {
     return static_cast<DataSourceImpl&>(Home());
   }
-  [[nodiscard]] WeakPtr<PropertyBase> AsWeakPtr() { return {Extras().weak.GetRef(), this}; }
   /// Returns the extras, or null if there are none.
   [[nodiscard]] PropertyExtras* ExistingExtras() const noexcept {
     return extras.load(std::memory_order_acquire);
