@@ -151,13 +151,14 @@ def growth_section(results, folder):
         depth_plot=growth_plot("chain", "Scopes within scopes", "scopes", DEPTHS, results, folder))
 
 
-def notes():
-    """Says what each peer does differently from the library, or leaves out."""
+def notes(results):
+    """Says what each peer that was measured does differently from the library, or leaves out."""
+    measured = {part for name in results.repetitions for part in name.split("/")}
     families = {"Announcing": peers.SIGNALS_OF, "Properties": peers.PROPERTIES,
                 "Records": peers.RECORDS, "Finding sources": peers.SOURCES, "Binds": peers.BINDS, "Events": peers.EVENTS}
-    lines = [[title if first else "", peer.label, peer.note]
+    lines = [[title if name == peers.OURS else "", peer.label, peer.note]
              for title, family in families.items()
-             for first, peer in zip([True] + [False] * len(family), family.values())]
+             for name, peer in family.items() if name in measured]
     return "## What the peers are\n\n" + tables.markdown(["", "peer", "what it does, or does not"],
                                                          lines, ["---"] * 3)
 
@@ -182,5 +183,5 @@ def write(page, goals, results, measured):
         parts += [f"## {title}", *[section(sweep, results, folder) for sweep in sweeps]]
     parts += [MEMORY_TEXT.strip(), *[section(sweep, results, folder) for sweep in MEMORY]]
     parts.append(growth_section(results, folder).strip())
-    parts.append(notes())
+    parts.append(notes(results))
     page.write_text("\n\n".join(parts) + "\n", encoding="utf-8")

@@ -19,8 +19,8 @@ class Peer(NamedTuple):
 
 
 OURS = "ours"
-BLUE, RED, PURPLE, GREEN, BROWN, GREY = ("#1f77d0", "#d1495b", "#9260c8", "#2a9d5c", "#b9770e",
-                                         "#808080")
+BLUE, RED, PURPLE, GREEN, BROWN, GREY, TEAL = ("#1f77d0", "#d1495b", "#9260c8", "#2a9d5c",
+                                               "#b9770e", "#808080", "#0f8b8d")
 
 SIGNALS_OF = {
     "ours": Peer("DataBinding", YES, BLUE,
@@ -40,6 +40,10 @@ SIGNALS_OF = {
                  "no names, locks or atomics; an exception of a listener ends the broadcast"),
     "sigcmap": Peer("libsigc++ signals in a map", NO, PURPLE,
                     "a signal for each name in a hash map"),
+    "sigslot": Peer("sigslot signal", YES, TEAL,
+                    "no names; an exception of a listener ends the broadcast"),
+    "sigslotmap": Peer("sigslot signals in a map", SIGNALS, TEAL,
+                       "a signal for each name in a hash map that no lock protects"),
     "qt": Peer("Qt signal", YES, GREEN,
                "direct connections; no names; a listener must not throw"),
     "qtmap": Peer("Qt signals in a map", SIGNALS, GREEN,
@@ -68,6 +72,8 @@ PROPERTIES = {
     "floor": Peer("floor", FLOOR, GREY, "compares and stores a number, then loops over an array"),
     "boost": Peer("number + Boost signal", YES, RED, "compares and stores; a signal at its side"),
     "sigc": Peer("number + libsigc++ signal", NO, PURPLE, "the same"),
+    "sigslot": Peer("number + sigslot signal", YES, TEAL, "the same; a signal that threads may "
+                    "share"),
     "qt": Peer("Qt property, setter", YES, GREEN, "a declared property with a signal; its class "
                "is known"),
     "qtnamed": Peer("Qt property, by name", YES, GREEN, "the same through setProperty"),

@@ -9,25 +9,25 @@ NAME_AND_GUARD = (
     "a tenth guards against faults (RunTrapping, sigsetjmp). A Qt signal is found by nothing and "
     "guards nothing; from ten listeners on its list costs more than both.")
 FIRST_OF_A_NAME = (
-    "Malloc and free are two fifths: the first listener of a name files the name and a list, the "
-    "last one takes both away again, beside the callback's state and that of its cancelling.")
+    "Malloc and free are much of it: the first listener of a name makes a list and the last one takes "
+    "it away again, beside the callback's state.")
 SEARCH_BY_NUMBER = (
-    "Half of the time is Removal::Run, which seeks the listener by its number in one array of all, "
+    "Much of the time is ListenerArray::Find, which seeks the listener by its number in one array, "
     "and so waits for memory; a connection of Qt is a node that knows its neighbours. The array is "
     "what makes the broadcast to as many several times as fast.")
-TWO_ALLOCATIONS = (
-    "Two allocations a listener, the callback's shared state and that of its cancelling, and a "
-    "lock; a std::function of this size allocates nothing, and its map one node.")
+STATE_AND_LOCK = (
+    "An allocation for the callback's shared state, and a lock; a std::function of this size allocates "
+    "nothing, and its map one node.")
 OUT_OF_LINE = (
-    "An empty std::unordered_map is made and asked inline. Ours is made, asked and ended by three "
-    "calls into the shared library.")
+    "An empty std::unordered_map is made and asked inline. Ours is made and ended inline, and asked by a "
+    "virtual call into the shared library.")
 ENTRIES_IN_MEMORY = (
     "Memory: beside 10,000 names three quarters of our time is in PropertyTable::Find, which meets "
     "an entry and its text that the caches do not hold.")
 LISTENER_BYTES = (
-    "The callback's state, shared by whoever holds it, takes 64 bytes, that of its cancelling, "
-    "which may outlive the object, 80, and the place in the array 32 and what it has grown ahead; "
-    "the first listener adds the name, the table and the lock, 300 bytes.")
+    "The callback's state, shared by whoever holds it, takes 48 bytes, the Subscription 24, and the place "
+    "in the array 32 and what it has grown ahead; the first listener adds the registry with its lock, and "
+    "the list of the name, 290 bytes.")
 
 REASONS = {
     ("broadcast", "qt"): NAME_AND_GUARD,
@@ -38,12 +38,12 @@ REASONS = {
     ("names", "naive"): ENTRIES_IN_MEMORY,
     ("newest", "qt"): FIRST_OF_A_NAME,
     ("newest", "qtmap"): FIRST_OF_A_NAME,
-    ("newest", "naive"): TWO_ALLOCATIONS,
+    ("newest", "naive"): STATE_AND_LOCK,
     ("random", "qt"): SEARCH_BY_NUMBER,
     ("random", "qtmap"): SEARCH_BY_NUMBER,
-    ("random", "naive"): TWO_ALLOCATIONS + " Beside 10,000 both wait for memory.",
+    ("random", "naive"): STATE_AND_LOCK + " Beside 10,000 both wait for memory.",
     ("newest-names", None): ENTRIES_IN_MEMORY,
-    ("random-names", "naive"): TWO_ALLOCATIONS,
+    ("random-names", "naive"): STATE_AND_LOCK,
     ("random-names", "qtmap"): FIRST_OF_A_NAME + " A signal stays in its map.",
     ("first", "qt"): FIRST_OF_A_NAME,
     ("idle", "boostmap"): OUT_OF_LINE,

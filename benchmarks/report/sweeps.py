@@ -42,8 +42,8 @@ def selected(family, *names):
     return {name: family[name] for name in names}
 
 
-BY_NAME = selected(peers.SIGNALS_OF, "ours", "naive", "boostmap", "sigcmap", "qtmap", "qtdynamic",
-                   "glibdetail")
+BY_NAME = selected(peers.SIGNALS_OF, "ours", "naive", "boostmap", "sigslotmap", "sigcmap",
+                   "qtmap", "qtdynamic", "glibdetail")
 OBJECTS = {name: peer for name, peer in peers.SIGNALS_OF.items()
            if name not in ("floor", "farfloor")}
 AUDIENCES = (1, 10, 100, 1000)
