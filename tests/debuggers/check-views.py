@@ -30,11 +30,11 @@ SHOWN = {
     "onTheWall.listenerEntries": r'std::vector of length 1.* = {L"Lamp", L"On": connected}',
     "switched": 'event L"Switched"',
     "events": "alive = {object = 0x[0-9a-f]+}",
-    "*events": "event broadcaster: 1 queued, 0 held",
+    "*events.operator->()": "event broadcaster: 1 queued, 0 held",
 }
 LAMP_MEMBER = "(*('(anonymous namespace)::Lamp' *) &lamp)"
 BROKEN = ("lamp", LAMP_MEMBER, LAMP_MEMBER + ".on", LAMP_MEMBER + ".maker", LAMP_MEMBER + ".watts",
-          "house", "set.text", "subscription", "switched", "events", "*events",
+          "house", "set.text", "subscription", "switched", "events", "*events.operator->()",
           "*(DataBinding::IAppEventBroadcaster *) 0", "*(DataBinding::DataListenerEntry *) 0",
           "onTheWall.providerLiveness.flag")
 # Shows machine code as if it were of an expression's type.
