@@ -11,7 +11,7 @@ namespace Benchmarks {
 
 namespace {
 
-struct Instance {
+struct RecordInstance {
   GObject parent;
   gint number;
   gint age;
@@ -21,33 +21,34 @@ struct Instance {
   gchar* remark;
 };
 
-void InitClass(gpointer made, gpointer /*data*/) {
+constexpr auto recordFlags =
+    static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS | G_PARAM_EXPLICIT_NOTIFY);
+
+void InitRecordClass(gpointer made, gpointer /*data*/) {
   auto* objectClass = static_cast<GObjectClass*>(made);
   objectClass->set_property = [](GObject*, guint, const GValue*, GParamSpec*) {};
   objectClass->get_property = [](GObject*, guint, GValue*, GParamSpec*) {};
-  const auto flags = static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS |
-                                              G_PARAM_EXPLICIT_NOTIFY);
-  const auto whole = [flags](const char* name) {
-    return g_param_spec_int(name, nullptr, nullptr, G_MININT, G_MAXINT, 0, flags);
+  const auto whole = [](const char* name) {
+    return g_param_spec_int(name, nullptr, nullptr, G_MININT, G_MAXINT, 0, recordFlags);
   };
-  const auto fraction = [flags](const char* name) {
-    return g_param_spec_double(name, nullptr, nullptr, -G_MAXDOUBLE, G_MAXDOUBLE, 0, flags);
+  const auto fraction = [](const char* name) {
+    return g_param_spec_double(name, nullptr, nullptr, -G_MAXDOUBLE, G_MAXDOUBLE, 0, recordFlags);
   };
   GParamSpec* const properties[] = {
       whole("number"),
       whole("age"),
       fraction("height"),
       fraction("weight"),
-      g_param_spec_boolean("active", nullptr, nullptr, FALSE, flags),
-      g_param_spec_string("remark", nullptr, nullptr, nullptr, flags)};
+      g_param_spec_boolean("active", nullptr, nullptr, FALSE, recordFlags),
+      g_param_spec_string("remark", nullptr, nullptr, nullptr, recordFlags)};
   guint id = 0;
   for (auto* property : properties) g_object_class_install_property(objectClass, ++id, property);
 }
 
 GType RecordType() {
-  static const GType type =
-      g_type_register_static_simple(G_TYPE_OBJECT, "BenchmarkRecord", sizeof(GObjectClass),
-                                    &InitClass, sizeof(Instance), nullptr, GTypeFlags());
+  static const GType type = g_type_register_static_simple(
+      G_TYPE_OBJECT, "BenchmarkRecord", sizeof(GObjectClass), &InitRecordClass,
+      sizeof(RecordInstance), nullptr, GTypeFlags());
   return type;
 }
 

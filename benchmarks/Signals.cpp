@@ -4,6 +4,7 @@
 #include "Signals.h"
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -54,19 +55,27 @@ void BroadcastToAny(benchmark::State& state) {
   ExpectCalls(state, counter, 1);
 }
 
+/// Registers a listener to any name at as many objects, from the first one on.
+std::vector<Ours::Handle> ListenToAny(std::span<Announcer> announcers, Counter& counter) {
+  std::vector<Ours::Handle> handles;
+  handles.reserve(announcers.size());
+  for (auto& announcer : announcers) {
+    handles.push_back(announcer.RegisterAny([&counter](const Ours::Name&) { ++counter; }));
+  }
+  return handles;
+}
+
 /// The objects have announced before, as those that somebody listens to have.
 void MemoryOfAny(benchmark::State& state) {
   Counter counter = 0;
   for (auto _ : state) {
     std::vector<Announcer> announcers(2 * memorySample);
     for (auto& announcer : announcers) announcer.UpdateListeners(oneName);
-    auto next = announcers.begin();
+    std::span<Announcer> left(announcers);
     state.counters["bytes"] = BytesOfEach(memorySample, [&](std::size_t count) {
-      std::vector<Ours::Handle> handles(count);
-      for (auto& handle : handles) {
-        handle = next++->RegisterAny([&counter](const Ours::Name&) { ++counter; });
-      }
-      return handles;
+      const auto taken = left.first(count);
+      left = left.subspan(count);
+      return ListenToAny(taken, counter);
     });
   }
 }

@@ -126,6 +126,7 @@ class ListenerArray {
 
   /// Returns the listener at a position. The listeners stand behind the object.
   [[nodiscard]] Listener* At(std::uint32_t position) const noexcept {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): they are not part of the object
     return reinterpret_cast<Listener*>(const_cast<ListenerArray*>(this) + 1) + position;
   }
   [[nodiscard]] std::uint64_t Removal(std::uint32_t position) const noexcept;

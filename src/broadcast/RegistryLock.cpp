@@ -11,10 +11,10 @@ void RegistryLock::Await(std::uint32_t bits) noexcept {
   auto seen = word.load(std::memory_order_relaxed);
   for (;;) {
     if (seen == 0) {
-      if (word.compare_exchange_weak(seen, bits | isAwaited, std::memory_order_seq_cst)) return;
-    } else if ((seen & isAwaited) != 0 ||
-               word.compare_exchange_weak(seen, seen | isAwaited, std::memory_order_relaxed)) {
-      word.wait(seen | isAwaited, std::memory_order_relaxed);
+      if (word.compare_exchange_weak(seen, bits | AwaitedBit, std::memory_order_seq_cst)) return;
+    } else if ((seen & AwaitedBit) != 0 ||
+               word.compare_exchange_weak(seen, seen | AwaitedBit, std::memory_order_relaxed)) {
+      word.wait(seen | AwaitedBit, std::memory_order_relaxed);
       seen = word.load(std::memory_order_relaxed);
     }
   }

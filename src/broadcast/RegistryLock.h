@@ -32,7 +32,7 @@ class DATABINDING_THREAD_ANNOTATION(capability("mutex")) RegistryLock {
   friend class RegistryWriteLock;
 
   /// The bits of the lock's one word.
-  enum : std::uint32_t { isTaken = 1, isWriting = 2, isAwaited = 4 };
+  enum : std::uint32_t { TakenBit = 1, WritingBit = 2, AwaitedBit = 4 };
 
   void Take(std::uint32_t bits) noexcept {
     std::uint32_t isFree = 0;
@@ -41,10 +41,10 @@ class DATABINDING_THREAD_ANNOTATION(capability("mutex")) RegistryLock {
   void Leave() noexcept {
     // Another thread may have freed the lock when this one wakes the next: that uses the address
     // alone.
-    if ((word.exchange(0, std::memory_order_release) & isAwaited) != 0) word.notify_one();
+    if ((word.exchange(0, std::memory_order_release) & AwaitedBit) != 0) word.notify_one();
   }
   [[nodiscard]] bool IsWriting() const noexcept {
-    return (word.load(std::memory_order_seq_cst) & isWriting) != 0;
+    return (word.load(std::memory_order_seq_cst) & WritingBit) != 0;
   }
   void Await(std::uint32_t bits) noexcept;
   void WaitForReaders() const noexcept;
@@ -63,7 +63,7 @@ class DATABINDING_THREAD_ANNOTATION(scoped_lockable) RegistryReadLock {
       record->reading.store(nullptr, std::memory_order_release);
       record = nullptr;
     }
-    lock.Take(RegistryLock::isTaken);
+    lock.Take(RegistryLock::TakenBit);
   }
   RegistryReadLock(const RegistryReadLock&) = delete;
   RegistryReadLock& operator=(const RegistryReadLock&) = delete;
@@ -85,7 +85,7 @@ class DATABINDING_THREAD_ANNOTATION(scoped_lockable) RegistryWriteLock {
   [[nodiscard]] explicit RegistryWriteLock(RegistryLock& taken)
       DATABINDING_THREAD_ANNOTATION(acquire_capability(taken))
       : lock(taken) {
-    lock.Take(RegistryLock::isTaken | RegistryLock::isWriting);
+    lock.Take(RegistryLock::TakenBit | RegistryLock::WritingBit);
     lock.WaitForReaders();
   }
   RegistryWriteLock(const RegistryWriteLock&) = delete;

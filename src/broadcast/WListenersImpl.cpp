@@ -235,7 +235,8 @@ void WListenersImpl::UpdateListeners(const VtrString& property) {
 /// show what was registered then. The first one has ended when the second one calls: a thread that
 /// waits for the property's last listener shall not wait for others.
 void WListenersImpl::UpdateWithAny(const VtrString& property) {
-  const VtrString name = property;  // a listener may end the text
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): a listener may end the text
+  const VtrString name = property;
   BroadcastToAny toAny(name);
   std::optional<Broadcast> broadcast(std::in_place);
   {

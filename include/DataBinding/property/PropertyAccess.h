@@ -151,8 +151,8 @@ class PropertyRef {
 
   VtrString name;
   details::PropertyAccessor<Value> accessor;
-  PropertyError error;
-  bool isReadOnly;
+  PropertyError error = PropertyError::None;
+  bool isReadOnly = false;
   VtrString text;
 };
 

@@ -69,10 +69,12 @@ class BindStateBase : public RefCounted<BindStateBase, BindStateBaseRefCountTrai
 
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy) noexcept
       : BindStateBase(onInvoke, onDestroy, withoutTraits) {}
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): of the union, one is enough
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy,
                 CancellationQuery onQuery) noexcept
       : hasOwnQuery(true), invoke(onInvoke), destroy(onDestroy), query(onQuery) {}
   /// The traits must outlive the state.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): of the union, one is enough
   BindStateBase(InvokeFunction onInvoke, DestroyFunction onDestroy,
                 const Traits& itsTraits) noexcept
       : invoke(onInvoke), destroy(onDestroy), ofKind(&itsTraits) {}
@@ -232,11 +234,13 @@ class RepeatingCallbackMemento {
   // NOLINTNEXTLINE(performance-noexcept-move-constructor): what is lent is made here
   RepeatingCallbackMemento(RepeatingCallbackMemento&& other) : state(other.Taken()) {}
   RepeatingCallbackMemento& operator=(const RepeatingCallbackMemento& other) {
-    return Hold(other.Shared());
+    if (this != &other) Hold(other.Shared());
+    return *this;
   }
   // NOLINTNEXTLINE(performance-noexcept-move-constructor): as above
   RepeatingCallbackMemento& operator=(RepeatingCallbackMemento&& other) {
-    return Hold(other.Taken());
+    if (this != &other) Hold(other.Taken());
+    return *this;
   }
   ~RepeatingCallbackMemento() = default;
 
@@ -259,10 +263,9 @@ class RepeatingCallbackMemento {
   [[nodiscard]] comlike_ptr<details::BindStateBase> Taken() {
     return lender == nullptr ? std::move(state) : lender->MakeState();
   }
-  RepeatingCallbackMemento& Hold(comlike_ptr<details::BindStateBase> held) noexcept {
+  void Hold(comlike_ptr<details::BindStateBase> held) noexcept {
     lender = nullptr;
     state = std::move(held);
-    return *this;
   }
 
   comlike_ptr<details::BindStateBase> state;
