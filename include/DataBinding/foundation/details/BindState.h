@@ -230,6 +230,8 @@ class CallbackMaker {
 class RepeatingCallbackMemento {
  public:
   RepeatingCallbackMemento() noexcept = default;
+  /// These hold the other's callback, which is made where it was only lent.
+  ///@{
   RepeatingCallbackMemento(const RepeatingCallbackMemento& other) : state(other.Shared()) {}
   // NOLINTNEXTLINE(performance-noexcept-move-constructor): what is lent is made here
   RepeatingCallbackMemento(RepeatingCallbackMemento&& other) : state(other.Taken()) {}
@@ -242,6 +244,7 @@ class RepeatingCallbackMemento {
     if (this != &other) Hold(other.Taken());
     return *this;
   }
+  ///@}
   ~RepeatingCallbackMemento() = default;
 
   /// Returns true when the memento holds no callback.
