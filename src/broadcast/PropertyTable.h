@@ -8,8 +8,8 @@
 /// they do not slow down the search for other names, and are themselves found in two steps.
 ///
 /// An entry never moves, and is not freed before the table is cleared: subscriptions lead to it,
-/// and it serves the next name when its own has gone. The first name needs no memory besides the
-/// table. The registry's lock guards the table.
+/// and it serves the next name when its own has gone. The first name needs neither slots nor an
+/// entry of its own. The registry's lock guards the table.
 #pragma once
 
 #include <cstddef>

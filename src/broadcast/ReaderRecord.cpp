@@ -17,7 +17,9 @@ constinit std::atomic<std::size_t> pooledRecords{0};
 
 constinit thread_local ReaderRecord* ReaderRecord::ofThread = nullptr;
 
-ReaderRecord* ReaderRecord::First() noexcept { return firstRecord.load(std::memory_order_acquire); }
+/// Takes part in the order by which a writer sees the record of every reader that has not seen the
+/// writer.
+ReaderRecord* ReaderRecord::First() noexcept { return firstRecord.load(std::memory_order_seq_cst); }
 
 ReaderRecord* ReaderRecord::Acquire() noexcept {
   for (ReaderRecord* record = First(); record != nullptr; record = record->next) {

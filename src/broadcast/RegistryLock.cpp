@@ -3,7 +3,22 @@
 
 #include <thread>
 
+#include "DataBinding/foundation/details/Registration.h"
+
 namespace DataBinding::details {
+
+#if defined(_WIN32)
+
+/// Takes the lock when it has become free. Where there is no futex, std::atomic::wait of libstdc++
+/// looks at the word before it takes its own mutex, and may sleep through the notification.
+void RegistryLock::Await(std::uint32_t bits) noexcept {
+  WaitWhile([&] {
+    std::uint32_t isFree = 0;
+    return !word.compare_exchange_weak(isFree, bits, std::memory_order_seq_cst);
+  });
+}
+
+#else
 
 /// Takes the lock when it has become free. A waiting thread cannot know whether others wait as
 /// well, so it takes the lock as one that is awaited.
@@ -19,6 +34,8 @@ void RegistryLock::Await(std::uint32_t bits) noexcept {
     }
   }
 }
+
+#endif
 
 void RegistryLock::WaitForReaders() const noexcept {
   for (auto* record = ReaderRecord::First(); record != nullptr; record = record->Next()) {

@@ -8,8 +8,10 @@
 /// meets a writer, or has no record, takes the lock as a writer does instead, but does not announce
 /// itself.
 ///
-/// A reader looks something up and calls no callback, so writers wait only briefly, by yielding.
-/// The lock is not recursive.
+/// A reader looks something up and calls no callback, so writers wait for readers only briefly, by
+/// yielding. Who waits for the lock itself sleeps until the one that holds it wakes the next; on
+/// Windows it asks again and again, since notifications of libstdc++ may be lost there. The lock is
+/// not recursive.
 #pragma once
 
 #include <atomic>

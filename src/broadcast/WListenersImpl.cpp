@@ -69,15 +69,12 @@ PropertyEntry& WListenersImpl::EntryOf(const VtrString* property) {
     return entry != nullptr ? *entry : properties.Insert(*property);
   }
   if (any.array == nullptr) any.array.reset(ListenerArray::Make({}, 1));
-  isAnyHeard.store(true, std::memory_order_relaxed);
   return any;
 }
 
 /// Takes the array of an entry without listeners, which leaves the table.
 ListenerArrayPtr WListenersImpl::TakeArray(PropertyEntry& entry) noexcept {
-  if (&entry != &any) return properties.Extract(entry);
-  isAnyHeard.store(false, std::memory_order_relaxed);
-  return std::move(any.array);
+  return &entry == &any ? std::move(any.array) : properties.Extract(entry);
 }
 
 void WListenersImpl::MakeRoom(PropertyEntry& entry, ListenerArrayPtr& replaced) {
@@ -219,15 +216,16 @@ void WListenersImpl::Report(ListenerArray& array) noexcept {
 }
 
 void WListenersImpl::UpdateListeners(const VtrString& property) {
-  if (isAnyHeard.load(std::memory_order_relaxed)) return UpdateWithAny(property);
   Broadcast broadcast;
+  bool isAnyHeard = false;
   {
     ReaderRecord* record = ReaderRecord::Current();
     const RegistryReadLock guard(lock, record);
-    PropertyEntry* entry = properties.Find(property);
-    if (entry == nullptr) return;
-    broadcast.Begin(*entry->array, *this, record);
+    isAnyHeard = any.array != nullptr;
+    PropertyEntry* const entry = isAnyHeard ? nullptr : properties.Find(property);
+    if (entry != nullptr) broadcast.Begin(*entry->array, *this, record);
   }
+  if (isAnyHeard) return UpdateWithAny(property);
   broadcast.Run();
 }
 
@@ -252,9 +250,8 @@ void WListenersImpl::UpdateWithAny(const VtrString& property) {
 }
 
 bool WListenersImpl::AreListenersAvailable(const VtrString& property) {
-  if (isAnyHeard.load(std::memory_order_relaxed)) return true;
   const RegistryReadLock guard(lock, ReaderRecord::Existing());
-  return properties.Find(property) != nullptr;
+  return any.array != nullptr || properties.Find(property) != nullptr;
 }
 
 std::uint64_t WListenersImpl::GetNumRegistered(const VtrString& property) {

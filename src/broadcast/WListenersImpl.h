@@ -52,7 +52,7 @@ class WListenersImpl final : public BindStateBase {
   [[nodiscard]] std::vector<VtrString> GetRegisteredProperties();
 
   /// Ends a registration. Does nothing if it has ended already, or the registry has been emptied.
-  /// The subscription to it says so, and is no keeper any more.
+  /// If the subscription to it does so, it is no keeper any more.
   void Remove(const Registered& listener, bool bySubscription);
   /// Ends a registration, makes broadcasts that are under way pass the listener over, and waits
   /// until no other thread is calling it. It waits also when the registry has been emptied during
@@ -112,8 +112,6 @@ class WListenersImpl final : public BindStateBase {
   PropertyTable properties DATABINDING_GUARDED_BY(lock);
   /// Holds the listeners to any property, which take its name. The array is null without any.
   PropertyEntry any DATABINDING_GUARDED_BY(lock);
-  /// This is true while `any` has an array. An announcement looks at it before it takes the lock.
-  std::atomic<bool> isAnyHeard{false};
   std::uint64_t lastListenerId DATABINDING_GUARDED_BY(lock) = 0;
   /// Heads the list of the arrays that no property has any more, but broadcasts still run.
   ListenerArray* retired DATABINDING_GUARDED_BY(lock) = nullptr;
