@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <condition_variable>
 #include <iostream>
-#include <semaphore>
+#include <mutex>
 #include <thread>
+#include <utility>
 
 #include <DataBinding/DataBinding.h>
 
@@ -22,13 +24,22 @@ class Meter : public NamedDataSource {
 /// Stands for the application's message loop.
 class Loop {
  public:
-  void Wake() { awake.release(); }  // any thread
-  void Wait() { awake.acquire(); }
+  void Wake() {  // any thread
+    const std::lock_guard guard(mutex);
+    isAwake = true;
+    awake.notify_one();
+  }
+  void Wait() {
+    std::unique_lock guard(mutex);
+    awake.wait(guard, [this] { return std::exchange(isAwake, false); });
+  }
   void Stop() noexcept { isRunning = false; }
   [[nodiscard]] bool IsRunning() const noexcept { return isRunning; }
 
  private:
-  std::counting_semaphore<> awake{0};
+  std::mutex mutex;
+  std::condition_variable awake;
+  bool isAwake = false;
   bool isRunning = true;
 };
 

@@ -28,7 +28,7 @@ namespace details {
 /// ReflectionAccess is the untyped part of a look-up.
 class DATABINDING_API ReflectionAccess {
  public:
-  struct Found {
+  struct DATABINDING_API Found {
     PropertyError error = PropertyError::None;
     bool isReadOnly = false;
     /// The property itself, which is of the wanted type. It is good until any other code runs.
