@@ -65,7 +65,7 @@ struct PlainRecord {
     MeasureRecord<PlainRecord>("floor"),
 };
 
-/// What a source takes before it has properties, and what each property adds.
+/// Measures the memory of a source without properties, and of each property that is added to it.
 void MemoryOfParts(benchmark::State& state) {
   for (auto _ : state) {
     state.counters["source"] = BytesOfEach(memorySample, &MakeRecords<OurRecord<BareSource>>);

@@ -64,7 +64,7 @@ class EventName::Table {
     std::unique_ptr<EventName> made(new EventName(key, names.size()));
     EventName& added = *names.emplace(key, std::move(made)).first->second;
     // The text is not counted from now on, so that threads which raise the event do not meet there.
-    if (buffer != nullptr) buffer->references |= StringBuffer::kept;
+    StringBuffer::Keep(buffer);
     return added;
   }
 

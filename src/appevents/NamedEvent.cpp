@@ -31,8 +31,8 @@ void NamedEvent::Dispatch(PolicyEventBroadcaster& broadcaster) {
   bool isHeld = false;
   scope.Guard(name, [&] {
     listeners = &broadcaster.Listeners(*KnownName());
-    isHeld = broadcaster.IsDisable(name);
-    if (isHeld) isHeld = HoldIfDisabled(broadcaster, name, scope.Event());
+    // Only an event that is held needs to be shared.
+    isHeld = broadcaster.IsDisable(name) && HoldIfDisabled(broadcaster, name, scope.Event());
   });
   if (listeners == nullptr || isHeld) return;
   CallbackWalk walk(listeners->Core());

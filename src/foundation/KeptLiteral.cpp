@@ -54,9 +54,7 @@ VtrString KeptLiteral(std::wstring_view literal, std::uint32_t hash) {
   }
   const Entry* const kept = made.release();  // the list owns it
   room.fetch_sub(1, std::memory_order_relaxed);
-  if (kept->buffer != nullptr) {
-    kept->buffer->references.fetch_or(StringBuffer::kept, std::memory_order_relaxed);
-  }
+  StringBuffer::Keep(kept->buffer);
   return kept->text;
 }
 

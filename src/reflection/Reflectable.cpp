@@ -144,7 +144,8 @@ struct ReflectableExtras {
   std::atomic<MemberMap*> map{nullptr};
 };
 
-/// What the table knows of a name: its type, and a living chained member or else a delegate.
+/// Known is the answer of a look-up: the type of the name, and its living chained member or else
+/// its delegate. All are null for a name that is not in the table.
 struct Reflectable::Known {
   const runtime_type_base* type = nullptr;
   ChainedMember* member = nullptr;

@@ -202,7 +202,8 @@ class Busy {
 
 enum class Kind { OfAName, OfAnyName, OfAList };
 
-/// What the registration is, and whether another came while its callback ran.
+/// The parameter says what kind of registration is ended, and whether another one is made while its
+/// callback runs.
 class CancelAndWaitOnThreads : public testing::TestWithParam<std::pair<Kind, bool>> {};
 
 TEST_P(CancelAndWaitOnThreads, ReturnsWhenTheOtherThreadHasLeftTheCallback) {

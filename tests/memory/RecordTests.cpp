@@ -45,7 +45,7 @@ Cost CostOf(Action action) {
   return {AllocatedBytes() - before.bytes, Allocations() - before.blocks};
 }
 
-/// What one source costs beside others of its class.
+/// Returns what one more source costs when its class has made another one before.
 template <class Source>
 Cost CostOfOne() {
   const auto first = MakeDataSource<Source>(nullptr);

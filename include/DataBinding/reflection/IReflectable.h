@@ -252,8 +252,8 @@ class DATABINDING_API IReflectable {
   /// Returns the index of the first tag whose name is known, and the delegate. If that member has
   /// another type than the tag, the delegate is empty; deliberately, so that a member is never
   /// passed over for a later candidate. If no name is known, the index is the largest std::size_t.
-  /// What an override gets from its base may only be lent, see RepeatingCallbackMemento, so it
-  /// copies the delegate before it ends the property.
+  /// The base may answer an override with a delegate that is only lent (RepeatingCallbackMemento),
+  /// so an override that ends the property copies the delegate before.
   virtual std::pair<std::size_t, RepeatingCallbackMemento> _GetDelegate(
       std::initializer_list<DelegateTag> tags);
   /// Returns the index of the first name that is known, and its type. If none is known, the largest

@@ -31,6 +31,10 @@ struct StringBuffer {
   /// The sampling hash, or 0 until it is known.
   std::atomic<std::uint64_t> hash{0};
 
+  /// Keeps the buffer until the process ends: it is not counted from now on.
+  static void Keep(StringBuffer* buffer) noexcept {
+    if (buffer != nullptr) buffer->references.fetch_or(kept, std::memory_order_relaxed);
+  }
   [[nodiscard]] wchar_t* Text() noexcept { return reinterpret_cast<wchar_t*>(this + 1); }
 
   /// Returns a buffer for `length` characters, or null for 0. The caller still has to write the
