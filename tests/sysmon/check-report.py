@@ -105,9 +105,12 @@ class Options(unittest.TestCase):
             self.assertIn(b"sysmon: ", ended.stderr)
 
     def test_what_ended_it_is_what_its_parent_sees(self):
-        monitor = subprocess.Popen(COMMAND + ["--interval", "3600000"], stdout=subprocess.PIPE)
+        monitor = subprocess.Popen(
+            COMMAND + ["--interval", "3600000"], stdout=subprocess.PIPE, start_new_session=True
+        )
         monitor.stdout.readline()
-        monitor.send_signal(signal.SIGINT if IS_WINDOWS else signal.SIGTERM)
+        # As a terminal would: to the whole group, which has the script that starts Wine in it too.
+        os.killpg(monitor.pid, signal.SIGINT if IS_WINDOWS else signal.SIGTERM)
         monitor.communicate(timeout=120)
         control_c_exit = 0xC000013A & 0xFF
         self.assertEqual(monitor.returncode, control_c_exit if IS_WINDOWS else -signal.SIGTERM)
