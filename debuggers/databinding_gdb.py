@@ -291,7 +291,7 @@ class Provider(Parent):
         yield from own_members(self.value, PROVIDER_BASES)
         for name, source in pairs(self.provider["sourcesByName"]):
             yield f"[{name.format_string()}]", pointed(source).dereference()
-        for number, child in enumerate(elements(self.provider["children"])):
+        for number, (child, _) in enumerate(pairs(self.provider["children"])):
             yield f"child {number}", pointed(child)
 
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// This file holds the scope itself: its place in the tree, how it finds or builds a source, and how
-// it ends. ProviderWiring.cpp holds how it wires listeners to its sources.
+// This file holds the scope itself: how it finds or builds a source, and how it ends.
+// ProviderWiring.cpp holds how it wires listeners to its sources, and ProviderChildren.cpp its
+// place in the tree.
 
 #include "DataBinding/datasource/DataSourceProvider.h"
 
@@ -68,16 +69,6 @@ IDataSourceProvider* DataSourceProvider::CreateDataSourceProvider(const wchar_t*
 IDataSourceProvider* DataSourceProvider::GetParent() const { return parent; }
 
 IDataContext* DataSourceProvider::GetDataContext() { return dataContext; }
-
-void DataSourceProvider::SetParent(IDataSourceProvider* newParent) {
-  if (parent != nullptr) RemoveChildFrom(*parent, this);
-  parent = newParent;
-  if (parent != nullptr) AddChildTo(*parent, this);
-}
-
-void DataSourceProvider::AddChild(IDataSourceProvider* child) { children.insert(child); }
-
-void DataSourceProvider::RemoveChild(IDataSourceProvider* child) { children.erase(child); }
 
 IDataSource* DataSourceProvider::GetDataSource(const wchar_t* name) {
   if (name == nullptr) return nullptr;
@@ -215,11 +206,14 @@ void DataSourceProvider::ShutDownFrom(std::uint64_t first) {
   Change([this, first] { EndAll(first); });
 }
 
-/// Ends the sources, tells the listeners and leaves the tree. Each step may end the provider, whose
+/// Has the parent tell that this scope goes, ends the sources, tells the listeners and leaves the
+/// tree. Each step may end the provider, whose
 /// destructor then does what is left.
 void DataSourceProvider::EndAll(std::uint64_t first) {
   const auto alive = GetLiveness();
   FirstFailure failure;
+  if (parent != nullptr) NoteGoingChildOf(*parent, this);
+  if (!alive.IsValid()) return;
   calls.ending.merge(additions);
   sourcesByName.clear();
   while (alive.IsValid() && !calls.ending.empty() && calls.ending.rbegin()->number >= first) {
@@ -233,6 +227,7 @@ void DataSourceProvider::EndAll(std::uint64_t first) {
     failure.Try([&] { IDataSourceRegistrar::GetInstance().DetachProvider(this); });
   }
   if (alive.IsValid()) failure.Try([&] { TellListenersOfTheEnd(); });
+  if (alive.IsValid()) failure.Try([&] { TellThatChildrenGo(); });
   if (alive.IsValid()) LeaveTree();
   failure.Rethrow();
 }
@@ -260,17 +255,6 @@ void DataSourceProvider::TellListenersOfTheEnd() {
   failure.Rethrow();
 }
 
-/// Leaves the tree. This calls no code that might end the provider.
-void DataSourceProvider::LeaveTree() {
-  listeners.clear();
-  waiting.clear();
-  if (parent != nullptr) RemoveChildFrom(*parent, this);
-  parent = nullptr;
-  for (IDataSourceProvider* child : std::exchange(children, {})) SetParentOf(*child, parent);
-  children.clear();
-  shutDown = true;
-}
-
 void DataSourceProvider::VisitDataSources(const std::function<void(IDataSource&)>& visit) const {
   const auto alive = GetLiveness();
   const auto visitThose = [&, last = lastAddition](const auto& sources) {
@@ -289,15 +273,6 @@ void DataSourceProvider::VisitDataSources(const std::function<void(IDataSource&)
     return visitThose(additions);  // in no order, for want of memory
   }
   visitThose(inOrder);
-}
-
-void DataSourceProvider::VisitChildren(
-    const std::function<void(IDataSourceProvider&)>& visit) const {
-  const auto alive = GetLiveness();
-  for (IDataSourceProvider* child : std::set(children)) {
-    if (children.contains(child)) visit(*child);
-    if (!alive.IsValid()) return;
-  }
 }
 
 void DataSourceProvider::VisitDataListeners(

@@ -20,6 +20,10 @@ void IDataSourceProvider::VisitChildren(
 void IDataSourceProvider::VisitDataListeners(
     const std::function<void(IDataListener&)>& /*visit*/) const {}
 
+Subscription IDataSourceProvider::ObserveChildren(const ChildCallback& /*callback*/) { return {}; }
+
+void IDataSourceProvider::NoteGoingChild(IDataSourceProvider* /*child*/) {}
+
 // The values that are attached to a provider are no part of its state, so a proxy may set them on a
 // const provider.
 CustomDataProxy IDataSourceProvider::GetCustomData() const noexcept {

@@ -29,7 +29,7 @@ namespace DataBinding {
 /// source asked for the source that it was building.
 struct ListenerFailure {
   /// The name that was announced, or the name of the data source that was asked for while it was
-  /// built.
+  /// built, or "child scopes" for a callback of ObserveChildren.
   VtrString property;
   /// This is the exception, or null for a hardware fault.
   std::exception_ptr exception;

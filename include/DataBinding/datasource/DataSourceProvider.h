@@ -13,6 +13,9 @@
 /// do. Code that visits the sources, children or listeners may change them meanwhile. It may also
 /// end the provider, and then the visit stops.
 ///
+/// The callbacks of ObserveChildren may do all of this, too. A provider whose children nobody
+/// observes pays a null pointer for it.
+///
 /// A listener may leave an entry behind in a provider, because it has moved to another one or
 /// because a scope between them was shut down. The entry knows whether its listener lives, and the
 /// provider drops it silently when it does not. All of this belongs to one thread.
@@ -28,6 +31,7 @@
 
 #include "DataBinding/datasource/IDataSourceProvider.h"
 #include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/CallbackList.h"
 #include "DataBinding/foundation/WeakPtr.h"
 #include "DataBinding/foundation/details/NameMap.h"
 
@@ -78,6 +82,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   void VisitDataSources(const std::function<void(IDataSource&)>& visit) const override;
   void VisitChildren(const std::function<void(IDataSourceProvider&)>& visit) const override;
   void VisitDataListeners(const std::function<void(IDataListener&)>& visit) const override;
+  Subscription ObserveChildren(const ChildCallback& callback) override;
 
   /// Returns true when the comma-separated list holds one of the categories, exactly, case
   /// included.
@@ -100,6 +105,18 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
       if (left.source == right.source) return left.number < right.number;
       return std::less<>()(left.source, right.source);
     }
+  };
+  /// A Child says when a child came: children are numbered in that order. It is going once all who
+  /// observe the children were told so.
+  struct Child {
+    std::uint64_t number;
+    bool isGoing = false;
+  };
+  /// What those are told who observe the children.
+  struct ChildNews {
+    IDataSourceProvider* child;
+    std::uint64_t number;
+    ChildChange change;
   };
   struct ByNumber {
     bool operator()(const Addition& left, const Addition& right) const noexcept {
@@ -134,6 +151,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     std::set<Addition, ByNumber> ending;
     std::map<IDataListener*, ListenerEntry> untold;
     std::vector<OneShotCallback<void()>> awaiting;
+    CallbackList<ChildNews> childObservers;
   };
   void Destroy() override;
   void SetParent(IDataSourceProvider* newParent) override;
@@ -141,6 +159,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   void RemoveChild(IDataSourceProvider* child) override;
   void GetCombinedCategoryList(std::vector<VtrString>& out) const override;
   void DisconnectDataListeners(IDataSource* source) override;
+  void NoteGoingChild(IDataSourceProvider* child) override;
 
   template <class T>
   class Marking;
@@ -169,12 +188,15 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   void ShutDownFrom(std::uint64_t first);
   void EndAll(std::uint64_t first);
   void TellListenersOfTheEnd();
+  void TellThatChildrenGo();
   void LeaveTree();
+  [[nodiscard]] bool IsChild(IDataSourceProvider* child, std::uint64_t number) const;
   [[nodiscard]] IDataListener* NextWaiting(VtrStringView name, IDataListener* after);
 
   IDataSourceProvider* parent;
   IDataContext* dataContext;
-  std::set<IDataSourceProvider*> children;
+  std::map<IDataSourceProvider*, Child> children;
+  std::uint64_t lastChild = 0;
   std::vector<VtrString> categories;
   NameMap<IDataSource*> sourcesByName;
   /// Holds the owned sources by address, so that one is taken off without looking at the others. A

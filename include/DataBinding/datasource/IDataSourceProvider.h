@@ -21,12 +21,18 @@
 #include "DataBinding/foundation/Guid.h"
 #include "DataBinding/foundation/IVantorGeneric.h"
 #include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {
 
+/// Says what becomes of a child scope.
+enum class ChildChange { Came, Goes };
+
 class DATABINDING_API IDataSourceProvider {
  public:
+  /// ObserveChildren takes a callback of this type.
+  using ChildCallback = RepeatingCallback<void(IDataSourceProvider& child, ChildChange change)>;
   /// GetCustomData returns this type.
   using CustomDataProxy = DataBinding::CustomDataProxy;
 
@@ -138,6 +144,11 @@ class DATABINDING_API IDataSourceProvider {
   static void AppendCategoriesOf(const IDataSourceProvider& provider, std::vector<VtrString>& out) {
     provider.GetCombinedCategoryList(out);
   }
+  /// Has the parent tell that the child is about to go. A provider does so when it shuts down and
+  /// its names can still be found.
+  static void NoteGoingChildOf(IDataSourceProvider& parent, IDataSourceProvider* child) {
+    parent.NoteGoingChild(child);
+  }
   /// Disconnects from the source the listeners that wait in the provider for its name.
   static void DisconnectListenersIn(IDataSourceProvider& provider, IDataSource* source) {
     provider.DisconnectDataListeners(source);
@@ -169,14 +180,31 @@ class DATABINDING_API IDataSourceProvider {
   /// added meanwhile. Like the next two operations, it stops when a visit ends the provider, and
   /// visits nothing in a provider that cannot tell.
   virtual void VisitDataSources(const std::function<void(IDataSource&)>& visit) const;
-  /// Calls visit for the child scopes, in no meaningful order. It skips children that leave
-  /// meanwhile.
+  /// Calls visit for the child scopes in the order in which they came, or in no order when there is
+  /// no memory to bring them into it. It skips children that have left or begun to go, and does not
+  /// visit children that come meanwhile.
   virtual void VisitChildren(const std::function<void(IDataSourceProvider&)>& visit) const;
   /// Calls visit for the living listeners that are registered here, in no meaningful order. It
   /// skips listeners that leave meanwhile, and may or may not visit listeners that come meanwhile.
   virtual void VisitDataListeners(const std::function<void(IDataListener&)>& visit) const;
+  /// Calls the callback whenever a child scope has come, or goes, until the subscription ends. A
+  /// provider that cannot tell gives an inert subscription. The children that are here already are
+  /// not told: visit them.
+  ///
+  /// A child goes when it shuts down or ends, while its names can still be found; when it gets
+  /// another parent; and when this scope ends, after its own sources have. A child that comes has
+  /// no sources yet. If its class derives from DataSourceProvider, only the base has been made.
+  ///
+  /// The callback may do anything, also end the child or this scope, and end the subscription. When
+  /// a callback removes a child that has just come, callbacks that did not hear of its coming may
+  /// hear of its going. What a callback throws goes to the failure handler (ListenerGuard.h) under
+  /// the name "child scopes".
+  virtual Subscription ObserveChildren(const ChildCallback& callback);
 
  private:
+  /// Tells that a child goes, once, although it is still in the tree.
+  virtual void NoteGoingChild(IDataSourceProvider* child);
+
   details::WeakReferenceOwner liveness;
 };
 
