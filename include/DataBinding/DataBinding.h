@@ -79,6 +79,8 @@
 #include "DataBinding/reflection/IReflectable.h"
 #include "DataBinding/reflection/PropertyResult.h"
 #include "DataBinding/reflection/RuntimeType.h"
+#include "DataBinding/reflection/Value.h"
+#include "DataBinding/reflection/ValueForm.h"
 #include "DataBinding/registrar/DataSourceRegistrar.h"
 #include "DataBinding/registrar/IDataSourceConstructor.h"
 #include "DataBinding/registrar/IDataSourceRegistrar.h"

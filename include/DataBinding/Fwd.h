@@ -22,6 +22,7 @@ class IDataSourceProvider;
 class IDataSourceRegistrar;
 class IReflectable;
 class ScopedListener;
+class Value;
 class WAppEventRegistrar;
 struct IDataSource;
 

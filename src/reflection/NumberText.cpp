@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DataBinding/framework/TextConverter.h"
+#include "DataBinding/reflection/details/NumberText.h"
 
 #include <algorithm>
 #include <cstdint>
