@@ -150,6 +150,12 @@ class CallbackWalk {
     }
     return nullptr;
   }
+  /// Goes on to the entries that were added since the walk began. Returns false if there is none.
+  bool TakeNewcomers() noexcept {
+    if (core == nullptr || end == core->entries.size()) return false;
+    end = core->entries.size();
+    return true;
+  }
   /// Returns true when the list was ended during the walk. None of its callbacks is called any
   /// more.
   [[nodiscard]] bool IsListGone() const noexcept { return core != nullptr && core->closed; }

@@ -25,7 +25,8 @@ enum class PropertyError {
   WrongType,   ///< the member has another type, or is of another kind
   NoAccessor,  ///< the member was declared with a type only, so there is nothing to read or call
   ReadOnly,    ///< only the source itself may set the property
-  Refused      ///< the property's validator refused the value
+  Refused,     ///< the property's validator refused the value
+  OutOfRange   ///< the list has no such place, or fewer rows from there on
 };
 
 /// A SetResult is the outcome of setting a property.
@@ -41,6 +42,9 @@ struct SetResult {
   /// Holds only the reason of the validator or converter that refused the value, to be shown beside
   /// the widget.
   VtrString reason = {};
+  /// This is true when the change waits until a list has told another change to everybody. The
+  /// value was accepted, and a later change of the list shows it.
+  bool waits = false;
 
   /// Returns true when the value was accepted, whether or not it made a difference.
   [[nodiscard]] bool IsAccepted() const noexcept { return error == PropertyError::None; }

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+/// An AnyList is a list, a view or a bind to a list for code that does not know its row type: it
+/// has rows, fields with names, and tells its changes.
+///
+/// A row has an id, by which it is known as long as it is in the list, wherever it stands and
+/// whatever changes in it. The views of a list have the ids of the list. A list belongs to the
+/// thread that owns the provider tree.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/lists/ListChange.h"
+#include "DataBinding/lists/details/ListCore.h"
+#include "DataBinding/reflection/PropertyResult.h"
+#include "DataBinding/reflection/Value.h"
+
+namespace DataBinding {
+
+class DATABINDING_API AnyList : public details::ListNode {
+ public:
+  [[nodiscard]] bool IsEmpty() const noexcept { return Size() == 0; }
+  /// The id of the row at an index; nothing beyond the end.
+  [[nodiscard]] std::optional<RowId> IdAt(std::size_t index) const noexcept;
+  /// The place of a row; nothing for a row that is not in the list.
+  [[nodiscard]] std::optional<std::size_t> IndexOf(RowId id) const noexcept;
+  [[nodiscard]] bool Contains(RowId id) const noexcept { return IndexOf(id).has_value(); }
+
+  /// The type of the rows; runtime_type<void> while that is not known.
+  [[nodiscard]] const runtime_type_base& RowType() const noexcept;
+  [[nodiscard]] std::size_t FieldCount() const noexcept;
+  /// The name of a field by its number; empty beyond the end.
+  [[nodiscard]] VtrString FieldName(std::size_t number) const;
+  /// The number of a field by its name; nothing for a name that no field has.
+  [[nodiscard]] std::optional<std::size_t> FieldNumber(const VtrString& name) const noexcept;
+
+  /// The value of a cell; nothing where there is no such cell or the field's type has no form.
+  [[nodiscard]] Value Cell(std::size_t index, std::size_t field) const;
+  /// Sets a cell as an Update of its row would. The field's validator is asked, and a field or list
+  /// that is read-only refuses the value. The result's text names the list, the field and what is
+  /// wrong.
+  ///@{
+  SetResult SetCell(std::size_t index, std::size_t field, const Value& value);
+  SetResult SetCell(std::size_t index, const VtrString& field, const Value& value);
+  ///@}
+
+  /// Calls the observer's functions before and after each change, until the subscription ends. An
+  /// observer that begins within the first call of a change is told that change; one that begins
+  /// within the second call hears the next change.
+  Subscription Observe(ListObserver<ListChange> observer);
+
+ protected:
+  AnyList() = default;
+  ~AnyList() override = default;
+};
+
+}  // namespace DataBinding

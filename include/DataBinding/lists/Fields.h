@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: Apache-2.0
+/// Fields() names the fields of a plain struct, so that lists of such rows can say which fields
+/// have changed, find rows by their key, and show cells to code that does not know the struct.
+///
+/// The names are given once, beside the struct, by a function that is found by argument-dependent
+/// look-up. One field may be the key, by which a row is known when a whole list is assigned. Its
+/// type has == and std::hash, which do not throw. A field may be read-only and may have a
+/// validator; both guard what is set by name, and the validator also what List::Update does.
+/// Fields without == count as changed each time.
+///
+///   struct Process { int id; VtrString name; double cpu; };
+///   constexpr auto FieldsOf(const Process*) {
+///     return Fields(Key(L"Id", &Process::id), Field(L"Name", &Process::name),
+///                   Field(L"Cpu", &Process::cpu, {.validate = NotNegative}));
+///   }
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/lists/details/RowTable.h"
+#include "DataBinding/property/PropertyName.h"
+#include "DataBinding/reflection/ValueForm.h"
+
+namespace DataBinding {
+
+/// FieldOptions holds what a field does beside keeping its value.
+template <class T>
+struct FieldOptions {
+  /// Answers why a value is refused, or an empty text to accept it.
+  VtrString (*validate)(const T& value) = nullptr;
+  /// Nobody sets a read-only field by name; the list's owner still does.
+  bool readOnly = false;
+};
+
+namespace details {
+
+template <class RowType, class T, bool isTheKey>
+struct FieldDescription {
+  using Row = RowType;
+  using Type = T;
+  static constexpr bool isKey = isTheKey;
+
+  std::wstring_view name;
+  T Row::*member;
+  FieldOptions<T> options;
+};
+
+template <class T>
+concept KeyType = std::equality_comparable<T> && requires(const T& key) {
+  { std::hash<T>()(key) } -> std::convertible_to<std::size_t>;
+};
+
+}  // namespace details
+
+/// Describes a field: its name, the member, and options.
+template <class Row, class T>
+[[nodiscard]] constexpr auto Field(PropertyName name, T Row::*member,
+                                   FieldOptions<std::type_identity_t<T>> options = {}) {
+  return details::FieldDescription<Row, T, false>{name.Get(), member, options};
+}
+
+/// Describes the field that is the key of its rows. A row type has at most one.
+template <class Row, details::KeyType T>
+[[nodiscard]] constexpr auto Key(PropertyName name, T Row::*member,
+                                 FieldOptions<std::type_identity_t<T>> options = {}) {
+  return details::FieldDescription<Row, T, true>{name.Get(), member, options};
+}
+
+/// Brings the fields of a row type together, in the order in which they are shown.
+template <class... Descriptions>
+[[nodiscard]] constexpr auto Fields(Descriptions... fields) {
+  static_assert((std::size_t{0} + ... + (Descriptions::isKey ? 1 : 0)) <= 1,
+                "a row type has at most one key");
+  return std::tuple<Descriptions...>(fields...);
+}
+
+/// Types that can be rows of a list: they have fields, are copied, and are moved without throwing.
+template <class Row>
+concept ListRow = std::copyable<Row> && std::is_nothrow_move_constructible_v<Row> &&
+    std::is_nothrow_destructible_v<Row> && requires(const Row* row) {
+  FieldsOf(row);
+};
+
+namespace details {
+
+template <class Row>
+inline constexpr auto fieldsOf = FieldsOf(static_cast<const Row*>(nullptr));
+
+/// Calls visit(field, number) for each field of a row type.
+template <class Row, class Visit>
+constexpr void VisitFields(Visit&& visit) {
+  std::apply(
+      [&](const auto&... field) {
+        std::size_t number = 0;
+        (visit(field, number++), ...);
+      },
+      fieldsOf<Row>);
+}
+
+template <class Row>
+constexpr std::size_t FindKey() {
+  std::size_t found = std::tuple_size_v<decltype(fieldsOf<Row>)>;
+  VisitFields<Row>([&](const auto& field, std::size_t number) {
+    if (std::remove_cvref_t<decltype(field)>::isKey) found = number;
+  });
+  return found;
+}
+
+/// The number of a row type's key; the number of its fields where it has no key.
+template <class Row>
+inline constexpr std::size_t keyOf = FindKey<Row>();
+
+template <class Row>
+inline constexpr bool hasKey = keyOf<Row> < std::tuple_size_v<decltype(fieldsOf<Row>)>;
+
+template <class Row>
+requires hasKey<Row>
+using KeyOf = typename std::remove_cvref_t<decltype(std::get<keyOf<Row>>(fieldsOf<Row>))>::Type;
+
+/// Returns the number of the field that a member is, or nothing if it is none.
+template <class Row, class T>
+[[nodiscard]] constexpr std::optional<std::size_t> NumberOf(T Row::*member) {
+  std::optional<std::size_t> found;
+  VisitFields<Row>([&](const auto& field, std::size_t number) {
+    if constexpr (std::same_as<decltype(field.member), T Row::*>) {
+      if (field.member == member) found = number;
+    }
+  });
+  return found;
+}
+
+template <class T>
+[[nodiscard]] bool Differ(const T& one, const T& other) {
+  if constexpr (std::equality_comparable<T>) {
+    return !(one == other);
+  } else {
+    return true;
+  }
+}
+
+/// The functions that a row type adds.
+template <class Row>
+struct RowFunctions {
+  static const Row& As(const void* row) noexcept { return *static_cast<const Row*>(row); }
+  static Row& As(void* row) noexcept { return *static_cast<Row*>(row); }
+
+  static void Copy(void* to, const void* from) { ::new (to) Row(As(from)); }
+  static void Move(void* to, void* from) noexcept { ::new (to) Row(std::move(As(from))); }
+  static void Destroy(void* row) noexcept { std::destroy_at(&As(row)); }
+  static void Exchange(void* one, void* other) noexcept {
+    Row kept(std::move(As(one)));
+    Destroy(one);
+    Move(one, other);
+    Destroy(other);
+    Move(other, &kept);
+  }
+  static std::uint64_t Differing(const void* one, const void* other) {
+    std::uint64_t bits = 0;
+    VisitFields<Row>([&](const auto& field, std::size_t number) {
+      if (Differ(As(one).*field.member, As(other).*field.member)) bits |= RowTable::BitOf(number);
+    });
+    if constexpr (std::equality_comparable<Row>) {
+      if (bits == 0 && !(As(one) == As(other))) bits = RowTable::BitOf(RowTable::lastBit);
+    }
+    return bits;
+  }
+  static const void* KeyIn(const void* row) noexcept {
+    return &(As(row).*std::get<keyOf<Row>>(fieldsOf<Row>).member);
+  }
+  static std::size_t HashOfKey(const void* key) noexcept {
+    return std::hash<KeyOf<Row>>()(*static_cast<const KeyOf<Row>*>(key));
+  }
+  static VtrString KeyText(const void* key) { return ToText(*static_cast<const KeyOf<Row>*>(key)); }
+  static bool AreKeysEqual(const void* one, const void* other) noexcept {
+    return *static_cast<const KeyOf<Row>*>(one) == *static_cast<const KeyOf<Row>*>(other);
+  }
+};
+
+/// The functions of one field. Description is its type in the tuple of Fields().
+template <class Description>
+struct FieldFunctions {
+  using Row = typename Description::Row;
+
+  static const Description& Of(const RowField& field) noexcept {
+    return *static_cast<const Description*>(field.description);
+  }
+  template <std::size_t number>
+  static const void* Member(const void* row) {
+    return &(RowFunctions<Row>::As(row).*std::get<number>(fieldsOf<Row>).member);
+  }
+  template <std::size_t number>
+  static Value Get(const void* row) {
+    return ToValue(RowFunctions<Row>::As(row).*std::get<number>(fieldsOf<Row>).member);
+  }
+  template <std::size_t number>
+  static SetResult Set(void* row, const Value& value) {
+    auto made = FromValue<typename Description::Type>(value);
+    if (!made) return {false, made.error, made.text, made.text};
+    RowFunctions<Row>::As(row).*std::get<number>(fieldsOf<Row>).member = std::move(*made.value);
+    return {};
+  }
+  static VtrString ReasonAgainst(const RowField& field, const void* row) {
+    const Description& own = Of(field);
+    if (own.options.validate == nullptr) return {};
+    return own.options.validate(RowFunctions<Row>::As(row).*own.member);
+  }
+};
+
+template <class Row, std::size_t number>
+[[nodiscard]] RowField MakeField() {
+  constexpr const auto& described = std::get<number>(fieldsOf<Row>);
+  using Description = std::remove_cvref_t<decltype(described)>;
+  using Functions = FieldFunctions<Description>;
+  RowField field;
+  field.name = VtrString(described.name);
+  field.type = &runtime_type<typename Description::Type>::Get();
+  field.isReadOnly = described.options.readOnly;
+  field.isKey = Description::isKey;
+  field.number = number;
+  field.member = &Functions::template Member<number>;
+  field.get = &Functions::template Get<number>;
+  field.set = &Functions::template Set<number>;
+  field.reasonAgainst = &Functions::ReasonAgainst;
+  field.description = &described;
+  return field;
+}
+
+template <class Row>
+[[nodiscard]] RowTable MakeTable() {
+  using Functions = RowFunctions<Row>;
+  RowTable table;
+  table.type = &runtime_type<Row>::Get();
+  table.size = sizeof(Row);
+  table.alignment = alignof(Row);
+  table.copy = &Functions::Copy;
+  table.move = &Functions::Move;
+  table.exchange = &Functions::Exchange;
+  table.destroy = &Functions::Destroy;
+  table.differing = &Functions::Differing;
+  if constexpr (hasKey<Row>) {
+    table.key = &Functions::KeyIn;
+    table.hashOfKey = &Functions::HashOfKey;
+    table.keyText = &Functions::KeyText;
+    table.areKeysEqual = &Functions::AreKeysEqual;
+  }
+  [&]<std::size_t... numbers>(std::index_sequence<numbers...>) {
+    (table.fields.push_back(MakeField<Row, numbers>()), ...);
+  }
+  (std::make_index_sequence<std::tuple_size_v<decltype(fieldsOf<Row>)>>());
+  return table;
+}
+
+/// Returns this module's table of a row type.
+template <ListRow Row>
+[[nodiscard]] const RowTable& TableOf() {
+  static const RowTable table = MakeTable<Row>();
+  return table;
+}
+
+}  // namespace details
+
+}  // namespace DataBinding

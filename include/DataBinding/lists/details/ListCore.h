@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: Apache-2.0
+/// This header holds what lists, views and binds to lists are for each other: a ListNode is one of
+/// them, a ListDependent follows a node, and a ListTurns is the queue that they share.
+///
+/// A list and all that follows it, directly or not, are a family. One change is told at a time in a
+/// family. An operation that is called meanwhile waits in its ListTurns until the change was told
+/// to all.
+///
+/// 1. An operation becomes a ListPlan of ListSteps. All dependents prepare for it, which may
+///    allocate and throw. From there on nothing throws.
+/// 2. For each step the node's observers hear the change before it happens, then dependents hear
+///    Before; the node changes; dependents hear After, then the observers hear the change after it
+///    has happened. So a view shrinks before its list and grows after it.
+/// 3. Whatever observers throw goes to the listener failure handler, under the list's name.
+/// 4. Any node, dependent, observer or subscription may end in any of these calls.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/CallbackList.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/foundation/WeakPtr.h"
+#include "DataBinding/lists/details/RowOrder.h"
+#include "DataBinding/lists/details/RowTable.h"
+#include "DataBinding/reflection/PropertyResult.h"
+
+namespace DataBinding {
+
+/// Says how a list changes.
+enum class ListChangeKind {
+  Inserted,   ///< rows come in one place
+  Removed,    ///< rows go that stood side by side
+  Moved,      ///< rows that stand side by side go to another place together
+  Changed,    ///< fields of rows have other values; the rows may stand anywhere
+  Reordered,  ///< the same rows stand in another order
+  Reset       ///< other rows stand in another order; rows that stay keep their ids
+};
+
+class AnyList;
+class ListChange;
+
+namespace details {
+
+/// One step of a change, as dependents hear it. What the spans refer to lives until the step has
+/// been told.
+struct ListStep {
+  ListChangeKind kind = ListChangeKind::Reset;
+  /// The place of the first row: before the step for Removed and Moved, after it for Inserted.
+  std::size_t at = 0;
+  std::size_t count = 0;
+  /// Moved: the place where the first row stands afterwards.
+  std::size_t to = 0;
+  /// The rows that are inserted, removed, moved or changed. Reordered and Reset: all rows in their
+  /// new order.
+  std::span<const RowId> rows = {};
+  /// Changed: the fields that differ in any of the rows, as RowTable::BitOf names them.
+  std::uint64_t fields = 0;
+  /// Changed: for each row the other content of it; what it will be, in Before, and what it was, in
+  /// After.
+  std::span<const void* const> others = {};
+  /// Reset: the rows that go and those that come.
+  ///@{
+  std::span<const RowId> gone = {};
+  std::span<const RowId> come = {};
+  ///@}
+};
+
+/// What a dependent has to make room for. The numbers hold for everything that the node still has
+/// to tell, also for what waits: a dependent that is prepared again keeps the greater numbers only.
+struct ListPlan {
+  /// The steps of the operation that is new.
+  std::span<const ListStep> steps;
+  /// How often rows will be inserted or moved.
+  std::size_t insertions = 0;
+  /// All ids are below this one.
+  RowId idsBelow = 0;
+  /// The most rows that the node will have, and the most that one step changes.
+  ///@{
+  std::size_t mostRows = 0;
+  std::size_t mostChanged = 0;
+  ///@}
+};
+
+class ListNode;
+
+/// A dependent of a node changes in step with it: a view, a bind, a selection.
+class ListDependent {
+ public:
+  /// Does everything that may allocate or throw for what the plan says. Nothing has changed yet,
+  /// and other operations may be told before this one.
+  virtual void Prepare(const ListPlan& plan) = 0;
+  /// The node reads as it was. A dependent shrinks here.
+  virtual void Before(const ListStep& step) noexcept = 0;
+  /// The node reads as it is now. A dependent grows here.
+  virtual void After(const ListStep& step) noexcept = 0;
+  /// The node ends. Its rows can be read until this returns, and nothing of it may be kept. The
+  /// node has forgotten the dependent. This may come within Before and After.
+  virtual void ListEnds() noexcept = 0;
+
+ protected:
+  ~ListDependent() = default;
+};
+
+/// A turn is an operation that waits for its time, or the one that is told.
+class DATABINDING_API ListTurn {
+ public:
+  virtual ~ListTurn();
+  /// Changes a node and tells all. An exception leaves the outermost operation.
+  virtual void Run() = 0;
+  /// The node or view whose turn it is; Drop finds turns by it.
+  [[nodiscard]] virtual const void* Owner() const noexcept = 0;
+};
+
+/// The queue of a family.
+class DATABINDING_API ListTurns : public std::enable_shared_from_this<ListTurns> {
+ public:
+  explicit ListTurns(ListNode* itsRoot) noexcept : root(itsRoot) {}
+  ListTurns(const ListTurns&) = delete;
+  ListTurns& operator=(const ListTurns&) = delete;
+  ~ListTurns();
+
+  /// Returns true while the family tells a change.
+  [[nodiscard]] bool IsTelling() const noexcept { return isTelling; }
+  /// Makes room for one turn, so that the next Take allocates nothing.
+  void Reserve();
+  /// Runs the turn, and after it the turns that have come to wait. Returns false when the family
+  /// tells a change: then the turn waits. The first exception of a turn leaves this call after all
+  /// have run.
+  bool Take(std::unique_ptr<ListTurn> turn);
+  /// Drops what an owner has waiting. An owner that ends calls this.
+  void Drop(const void* owner) noexcept;
+  /// The root of the family has ended.
+  void ForgetRoot() noexcept { root = nullptr; }
+
+ private:
+  void RunAll(std::unique_ptr<ListTurn> first);
+  std::unique_ptr<ListTurn> TakeNext() noexcept;
+  void ReportUnrest() const;
+
+  ListNode* root;
+  std::vector<std::unique_ptr<ListTurn>> waiting;
+  std::size_t next = 0;
+  bool isTelling = false;
+};
+
+/// Refers to a function that changes a copy of a row, or says why it does not.
+class RowEdit {
+ public:
+  template <class Function>
+  requires(!std::same_as<std::remove_cvref_t<Function>, RowEdit>) RowEdit(Function&& edit)
+  noexcept
+      : context(&edit), run([](const void* function, void* row) -> SetResult {
+          return (*static_cast<std::remove_reference_t<Function>*>(const_cast<void*>(function)))(
+              row);  // NOLINT: it was given as it is used here
+        }) {}
+  SetResult operator()(void* row) const { return run(context, row); }
+
+ private:
+  const void* context;
+  SetResult (*run)(const void* function, void* row);
+};
+
+/// A list, a view or a bind, without its row type.
+class DATABINDING_API ListNode {
+ public:
+  ListNode(const ListNode&) = delete;
+  ListNode& operator=(const ListNode&) = delete;
+
+  [[nodiscard]] virtual std::size_t Size() const noexcept = 0;
+  /// The id of the row at an index below Size(), and the index of an id, or RowOrder::nowhere.
+  ///@{
+  [[nodiscard]] virtual RowId At(std::size_t index) const noexcept = 0;
+  [[nodiscard]] virtual std::size_t IndexOfRow(RowId id) const noexcept = 0;
+  ///@}
+  /// The row of an id. It can be read as long as the row is in the list, and after that until the
+  /// outermost operation is over.
+  [[nodiscard]] virtual const void* RowOf(RowId id) const noexcept = 0;
+  /// What is known of the row type, or null while that is not known.
+  [[nodiscard]] virtual const RowTable* Table() const noexcept = 0;
+  /// Calls a function with a copy of a row, and then changes the row as the list's Update does.
+  virtual SetResult UpdateRow(RowId id, const RowEdit& edit) = 0;
+  /// The queue of the family, which may be another one after a bind has changed its source.
+  [[nodiscard]] virtual const std::shared_ptr<ListTurns>& Turns() const noexcept = 0;
+  /// The name under which failures are reported.
+  [[nodiscard]] virtual VtrString ListName() const = 0;
+  /// All ids are below this one.
+  [[nodiscard]] virtual RowId IdsBelow() const noexcept = 0;
+  /// The outermost operation of the family whose root this is has ended.
+  virtual void AtRest() {}
+
+  /// Makes a dependent hear of changes. One that is added while a change is told is prepared at
+  /// once for all that is to come; it hears of the present step if that is not done yet.
+  void AddDependent(ListDependent& dependent);
+  void RemoveDependent(ListDependent& dependent) noexcept;
+  /// Calls a function for each change, before and after it. Null gives an inert subscription.
+  Subscription ObserveChanges(RepeatingCallback<void(const ListChange&)> observer);
+
+ protected:
+  ListNode();
+  virtual ~ListNode();
+
+  /// What is still to be told, for a dependent that is added meanwhile.
+  [[nodiscard]] virtual ListPlan Pending() const noexcept { return {}; }
+  /// Returns true when a change of this node would be heard.
+  [[nodiscard]] bool HasDependents() const noexcept { return !dependents.empty(); }
+  void PrepareDependents(const ListPlan& plan);
+  /// These tell a step: TellBefore while this node still is as it was, TellAfter when it has
+  /// changed. They return false when the node has ended meanwhile.
+  ///@{
+  bool TellBefore(const ListStep& step) noexcept;
+  bool TellAfter(const ListStep& step) noexcept;
+  ///@}
+  /// Tells that the node ends: observers hear a Reset, dependents that it ends. The destructor of a
+  /// class calls it as the first thing; `empty` leaves the node without rows.
+  void TellEnd(void (*empty)(ListNode& self)) noexcept;
+
+ private:
+  enum class Phase { Rest, Before, BeforeInDependents, After };
+  class Observer;
+
+  void LeaveDependents() noexcept;
+  void CallObservers(const ListStep& step, bool isBefore) noexcept;
+
+  CallbackList<ListChange> observers;
+  std::vector<ListDependent*> dependents;  // null in the place of one that has left
+  std::size_t heardBefore = 0;             // the dependents that have heard Before of this step
+  std::uint64_t serial = 0;
+  Phase phase = Phase::Rest;
+  WeakReferenceOwner weak;
+};
+
+}  // namespace details
+
+}  // namespace DataBinding

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+// This file holds how a list, view or bind tells its changes to its observers and dependents.
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBinding/foundation/ScopedValue.h"
+#include "DataBinding/foundation/details/Cancellation.h"
+#include "DataBinding/lists/ListChange.h"
+#include "DataBinding/lists/details/ListCore.h"
+
+namespace DataBinding::details {
+
+/// An observer hears the changes from a certain one on. An observer that begins when the first call
+/// of a change is over does not hear the second.
+class ListNode::Observer {
+ public:
+  Observer(RepeatingCallback<void(const ListChange&)> callback, std::uint64_t first)
+      : call(std::move(callback)), from(first) {}
+  void operator()(const ListChange& change) const {
+    if (change.Serial() >= from) call(change);
+  }
+
+ private:
+  RepeatingCallback<void(const ListChange&)> call;
+  std::uint64_t from;
+};
+
+ListNode::ListNode() { static_cast<void>(weak.GetRef()); }
+
+ListNode::~ListNode() = default;
+
+Subscription ListNode::ObserveChanges(RepeatingCallback<void(const ListChange&)> observer) {
+  if (!observer) return {};
+  const bool hearsThis = phase == Phase::Before;
+  return observers.Add(Observer(std::move(observer), hearsThis ? serial : serial + 1));
+}
+
+void ListNode::AddDependent(ListDependent& dependent) {
+  if (Turns()->IsTelling()) dependent.Prepare(Pending());
+  dependents.push_back(&dependent);
+}
+
+void ListNode::RemoveDependent(ListDependent& dependent) noexcept {
+  const auto found = std::ranges::find(dependents, &dependent);
+  if (found == dependents.end()) return;
+  *found = nullptr;
+  if (phase == Phase::Rest) dependents.erase(found);
+}
+
+void ListNode::PrepareDependents(const ListPlan& plan) {
+  for (ListDependent* const dependent : dependents) {
+    if (dependent != nullptr) dependent->Prepare(plan);
+  }
+}
+
+bool ListNode::TellBefore(const ListStep& step) noexcept {
+  const auto alive = weak.GetRef();
+  std::erase(dependents, nullptr);
+  ++serial;
+  phase = Phase::Before;
+  CallObservers(step, true);
+  if (!alive.IsValid()) return false;
+  phase = Phase::BeforeInDependents;
+  for (heardBefore = 0; heardBefore < dependents.size();) {
+    ListDependent* const dependent = dependents[heardBefore++];
+    if (dependent != nullptr) dependent->Before(step);
+    if (!alive.IsValid()) return false;
+  }
+  return true;
+}
+
+bool ListNode::TellAfter(const ListStep& step) noexcept {
+  const auto alive = weak.GetRef();
+  phase = Phase::After;
+  for (std::size_t i = 0; i < heardBefore; ++i) {
+    if (dependents[i] != nullptr) dependents[i]->After(step);
+    if (!alive.IsValid()) return false;
+  }
+  CallObservers(step, false);
+  if (!alive.IsValid()) return false;
+  phase = Phase::Rest;
+  std::erase(dependents, nullptr);
+  return true;
+}
+
+/// Calls the observers. The ones that begin meanwhile are called, too, if they are told of this
+/// change at all.
+DATABINDING_CATCHES_CANCELLATION void ListNode::CallObservers(const ListStep& step,
+                                                              bool isBefore) noexcept {
+  const ListChange change(*this, step, isBefore, serial);
+  CallbackWalk walk(observers.Core());
+  VtrString name;
+  for (bool isOver = false; !isOver;) {
+    try {
+      CallbackList<ListChange>::CallRest(walk, change);
+      isOver = walk.IsListGone() || !isBefore || !walk.TakeNewcomers();
+    } catch (...) {
+      ReportFailure(walk.IsListGone() ? VtrString() : ListName(), std::current_exception());
+    }
+  }
+}
+
+void ListNode::TellEnd(void (*empty)(ListNode& self)) noexcept {
+  ListStep step;
+  step.kind = ListChangeKind::Reset;
+  Turns()->Drop(this);
+  weak.Invalidate();
+  ++serial;
+  phase = Phase::Before;
+  CallObservers(step, true);
+  phase = Phase::BeforeInDependents;
+  LeaveDependents();
+  empty(*this);
+  phase = Phase::After;
+  CallObservers(step, false);
+  LeaveDependents();  // an observer may have added one
+}
+
+void ListNode::LeaveDependents() noexcept {
+  for (std::size_t i = 0; i < dependents.size(); ++i) {
+    if (auto* const dependent = std::exchange(dependents[i], nullptr)) dependent->ListEnds();
+  }
+}
+
+}  // namespace DataBinding::details
