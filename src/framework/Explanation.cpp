@@ -101,14 +101,14 @@ BindStatus NoSuchProperty(const Wish& wish, IDataSource& source) {
                                wish.source, wish.property, similar)};
   }
   return {State::NoProperty,
-          ReflectionAccess::Explain(PropertyError::Absent, &source, wish.property, *wish.plain)};
+          ReflectionAccess::Explain(PropertyError::Absent, &source, wish.property, wish.plain)};
 }
 
 /// Tells whether this source has the property, without regard to other sources.
 BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
   const auto found = ReflectionAccess::Find(&source, wish.property, *wish.plain, *wish.readOnly);
   const auto explain = [&](PropertyError error) {
-    return ReflectionAccess::Explain(error, &source, wish.property, *wish.plain);
+    return ReflectionAccess::Explain(error, &source, wish.property, wish.plain);
   };
   if (found.error == PropertyError::Absent) return NoSuchProperty(wish, source);
   if (found.error != PropertyError::None) return {State::WrongType, explain(found.error)};
@@ -204,7 +204,7 @@ BindStatus ExplainFound(const Wish& wish, IDataSourceProvider& scope, IDataSourc
 
 BindStatus ExplainUnreachable(const Wish& wish, IDataSource& found) {
   return {State::WrongType,
-          ReflectionAccess::Explain(PropertyError::NoAccessor, &found, wish.property, *wish.plain)};
+          ReflectionAccess::Explain(PropertyError::NoAccessor, &found, wish.property, wish.plain)};
 }
 
 BindStatus ExplainHeard(const Wish& wish, IDataSourceProvider& scope) {

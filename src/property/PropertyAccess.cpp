@@ -6,7 +6,9 @@
 
 #include <utility>
 
-namespace DataBinding::details {
+namespace DataBinding {
+
+namespace details {
 
 namespace {
 
@@ -16,6 +18,17 @@ bool IsGone(const RepeatingCallbackMemento& accessor) {
   RepeatingCallbackBase untyped;
   untyped.SetMemento(accessor);
   return untyped && untyped.IsCancelled();
+}
+
+/// Tells whether an accessor that was filed by hand leads to a property of one of two types, or to
+/// none now.
+bool IsOfType(const RepeatingCallbackMemento& accessor, const runtime_type_base& plain,
+              const runtime_type_base& readOnly) {
+  PropertyAccessor typed;
+  typed.SetMemento(accessor);
+  const PropertyBase* const property = typed();
+  return property == nullptr || AreSameType(plain, property->Type()) ||
+         AreSameType(readOnly, property->Type());
 }
 
 }  // namespace
@@ -41,6 +54,25 @@ ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const 
     return found;
   }
   FindAccessor(*source, name, found.isReadOnly ? readOnly : plain, found);
+  const bool isByHand = found.property == nullptr;
+  if (isByHand && !IsOfType(found.accessor, plain, readOnly)) found.accessor = {};
+  return found;
+}
+
+ReflectionAccess::Found ReflectionAccess::FindAny(const IDataSource* source,
+                                                  const VtrString& name) {
+  Found found;
+  found.error = source == nullptr ? PropertyError::NoSource : PropertyError::None;
+  if (source == nullptr) return found;
+  const auto& type = source->GetDelegateType(name);
+  found.isReadOnly = type.IsReadOnly();
+  if (type.IsFunction()) {
+    found.error = PropertyError::WrongType;
+  } else if (runtime_type<void>::Get().IsSameType(&type)) {
+    found.error = PropertyError::Absent;
+  } else {
+    FindAccessor(*source, name, type, found);
+  }
   return found;
 }
 
@@ -77,23 +109,28 @@ bool ReflectionAccess::HasLiving(const IReflectable& table, const VtrString& nam
 }
 
 VtrString ReflectionAccess::Explain(PropertyError error, const IDataSource* source,
-                                    const VtrString& name, const runtime_type_base& wanted) {
-  const VtrString wantedType = VtrString::FromUtf8(wanted.GetTypeName());
+                                    const VtrString& name, const runtime_type_base* wanted) {
+  const auto nameOf = [](const runtime_type_base& type) {
+    return VtrString::FromUtf8(type.GetTypeName());
+  };
+  const VtrString wantedType = wanted == nullptr ? L"any" : nameOf(*wanted);
   VtrString text;
   if (source == nullptr) {
     return text.Format(L"There is no data source to have a property \"%s\" of type %s.", name,
                        wantedType);
   }
   const VtrString sourceName = NameOf(*source);
-  const VtrString actualType = VtrString::FromUtf8(source->GetDelegateType(name).GetTypeName());
+  const VtrString actualType = nameOf(source->GetDelegateType(name));
   switch (error) {
     case PropertyError::Absent:
       return text.Format(
           L"Data source \"%s\" has no property \"%s\" (wanted type %s, actual none).", sourceName,
           name, wantedType);
     case PropertyError::WrongType:
-      return text.Format(L"Property \"%s\" of data source \"%s\" has type %s, not %s.", name,
-                         sourceName, actualType, wantedType);
+      return text.Format(
+          wanted == nullptr ? L"Member \"%s\" of data source \"%s\" has type %s and is no property."
+                            : L"Property \"%s\" of data source \"%s\" has type %s, not %s.",
+          name, sourceName, actualType, wantedType);
     case PropertyError::ReadOnly:
       return text.Format(
           L"Property \"%s\" of data source \"%s\" can be read, but only its data source sets it.",
@@ -105,9 +142,58 @@ VtrString ReflectionAccess::Explain(PropertyError error, const IDataSource* sour
   }
 }
 
-VtrString ReflectionAccess::ExplainGone(const VtrString& name, const runtime_type_base& wanted) {
-  return VtrString().Format(L"Property \"%s\" (wanted type %s) is gone with its data source.", name,
-                            VtrString::FromUtf8(wanted.GetTypeName()));
+VtrString ReflectionAccess::ExplainGone(const VtrString& name, const runtime_type_base* wanted) {
+  return VtrString().Format(
+      L"Property \"%s\" (wanted type %s) is gone with its data source.", name,
+      wanted == nullptr ? L"any" : VtrString::FromUtf8(wanted->GetTypeName()));
 }
 
-}  // namespace DataBinding::details
+PropertyRefBase::PropertyRefBase(const IDataSource* source, const VtrString& propertyName,
+                                 const ReflectionAccess::Found& found,
+                                 const runtime_type_base* wanted)
+    : name(propertyName), error(found.error), isReadOnly(found.isReadOnly) {
+  accessor.SetMemento(found.Accessor());
+  if (error == PropertyError::None && !accessor) error = PropertyError::NoAccessor;
+  if (error == PropertyError::None) return;
+  accessor = {};
+  text = ReflectionAccess::Explain(error, source, name, wanted);
+}
+
+}  // namespace details
+
+PropertyValue<VtrString> AnyPropertyRef::ReadText() const {
+  const auto* const property = Access();
+  if (property == nullptr) return Failure<PropertyValue<VtrString>>(nullptr);
+  return {property->ReadText(), PropertyError::None, {}};
+}
+
+SetResult AnyPropertyRef::Write(const Value& value) const {
+  auto* const property = Access();
+  if (property == nullptr) return Failure<SetResult>(nullptr);
+  return property->TakeValue(value, details::Purpose::Set);
+}
+
+SetResult AnyPropertyRef::WriteText(const VtrString& written) const {
+  auto* const property = Access();
+  if (property == nullptr) return Failure<SetResult>(nullptr);
+  return property->TakeText(written, details::Purpose::Set);
+}
+
+SetResult AnyPropertyRef::Check(const Value& value) const {
+  auto* const property = Access();
+  if (property == nullptr) return Failure<SetResult>(nullptr);
+  return property->TakeValue(value, details::Purpose::Check);
+}
+
+SetResult AnyPropertyRef::CheckText(const VtrString& written) const {
+  auto* const property = Access();
+  if (property == nullptr) return Failure<SetResult>(nullptr);
+  return property->TakeText(written, details::Purpose::Check);
+}
+
+ValueKind AnyPropertyRef::Kind() const {
+  const auto* const property = Access();
+  return property == nullptr ? ValueKind::Nothing : property->Kind();
+}
+
+}  // namespace DataBinding

@@ -63,16 +63,15 @@ void PropertyBase::EndAccess() noexcept {
   if (PropertyExtras* const existing = ExistingExtras()) existing->weak.Invalidate();
 }
 
-comlike_ptr<BindStateBase> PropertyBase::SharedAccessor() const noexcept {
-  const PropertyExtras* const existing = ExistingExtras();
-  if (existing == nullptr) return {};
-  return comlike_ptr<BindStateBase>::Share(existing->accessor.load(std::memory_order_acquire));
-}
-
-comlike_ptr<BindStateBase> PropertyBase::ShareAccessor(comlike_ptr<BindStateBase> made) {
-  BindStateBase* existing = nullptr;
-  if (Extras().accessor.compare_exchange_strong(existing, made.Get(), std::memory_order_acq_rel)) {
-    return comlike_ptr<BindStateBase>::Share(made.Detach());
+comlike_ptr<BindStateBase> PropertyBase::MakeState() {
+  auto& shared = Extras().accessor;
+  BindStateBase* existing = shared.load(std::memory_order_acquire);
+  if (existing == nullptr) {
+    PropertyAccessor made = BindWeak(AsWeakPtr(), [](PropertyBase& property) { return &property; });
+    // Another thread may be faster.
+    if (shared.compare_exchange_strong(existing, made.GetBindState(), std::memory_order_acq_rel)) {
+      existing = made.TakeBindState().Detach();
+    }
   }
   return comlike_ptr<BindStateBase>::Share(existing);
 }
@@ -117,9 +116,9 @@ void PropertyBase::NotifyChanged() {
   announcement.Run();
 }
 
-SetResult PropertyBase::ReadOnlyResult(const runtime_type_base& wanted) const {
+SetResult PropertyBase::ReadOnlyResult() const {
   constexpr auto error = PropertyError::ReadOnly;
-  return {false, error, ReflectionAccess::Explain(error, &Source(), Name(), wanted)};
+  return {false, error, ReflectionAccess::Explain(error, &Source(), Name(), nullptr)};
 }
 
 SetResult PropertyBase::RefusedResult(const VtrString& reason) const {
@@ -127,6 +126,13 @@ SetResult PropertyBase::RefusedResult(const VtrString& reason) const {
   result.text.Format(L"Property \"%s\" of data source \"%s\" refuses the value: %s", Name(),
                      ReflectionAccess::NameOf(Source()), reason);
   return result;
+}
+
+SetResult PropertyBase::UnfitResult(PropertyError error, const VtrString& text) const {
+  if (error == PropertyError::Refused) return RefusedResult(text);
+  return {false, error,
+          VtrString().Format(L"Property \"%s\" of data source \"%s\" does not convert: %s", Name(),
+                             ReflectionAccess::NameOf(Source()), text)};
 }
 
 }  // namespace DataBinding::details

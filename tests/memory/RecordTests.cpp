@@ -64,9 +64,12 @@ TEST(RecordMemory, KeepsOnlyWhatDiffersFromRecordToRecord) {
 TEST(RecordMemory, IsNotNeededToReadAndSetPropertiesByName) {
   const auto record = MakeDataSource<Record>(nullptr);
   const VtrString height = L"Height";
+  const AnyPropertyRef kept(record.get(), L"Weight");
   record->UpdateListeners(L"Age");  // its first use of the listeners' registry
 
   const Cost cost = CostOf([&] {
+    EXPECT_TRUE(kept.Write(3).changed);
+    EXPECT_EQ(*kept.Read(), Value(3.0));
     EXPECT_EQ(*GetProperty<double>(record.get(), height), 1.5);
     EXPECT_TRUE(SetProperty(record.get(), height, 2.5).changed);
     EXPECT_EQ(*GetProperty<double>(record.get(), height), 2.5);

@@ -67,6 +67,14 @@ class StoredProperty : public TypedProperty<T, Filed> {
   [[nodiscard]] const T& Get() const noexcept { return value; }
   [[nodiscard]] const T& operator*() const noexcept { return value; }
   [[nodiscard]] const T* operator->() const noexcept { return &value; }
+  /// Says what setting the value would answer, and sets nothing: it asks the validator, if there is
+  /// one. Of a read-only property this is what its source gets.
+  [[nodiscard]] SetResult Check(const T& wanted) const {
+    const PropertyOptions<T>* const options = Options();
+    if (options == nullptr) return {};
+    const VtrString reason = ReasonAgainst(wanted, options->validate);
+    return reason.IsEmpty() ? SetResult() : this->RefusedResult(reason);
+  }
 
  protected:
   /// Ends the accessor first, so that nobody reads the value while it goes.
@@ -74,9 +82,9 @@ class StoredProperty : public TypedProperty<T, Filed> {
 
   SetResult Store(T wanted) {
     const PropertyOptions<T>* const options = Options();
-    if (options != nullptr && options->validate) {
-      const VtrString reason = ReasonAgainst(wanted, options->validate);
-      if (!reason.IsEmpty()) return this->RefusedResult(reason);
+    if (options != nullptr) {
+      SetResult checked = Check(wanted);
+      if (!checked.IsAccepted()) return checked;
     }
     if constexpr (std::equality_comparable<T>) {
       if (value == wanted) return {};
@@ -94,7 +102,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
   friend DataSourceAccess;
 
   SetResult StoreFor(const DataSourceImpl& setter, T wanted) {
-    if (&setter != &this->Source()) return this->ReadOnlyResult(runtime_type<T>::Get());
+    if (&setter != &this->Source()) return this->ReadOnlyResult();
     return Store(std::move(wanted));
   }
   /// Runs the change hook and notifies. It notifies also when the hook throws, but not when the
@@ -138,6 +146,7 @@ class Property final : public details::StoredProperty<T, T> {
 
  private:
   SetResult SetValue(T wanted) override { return this->Store(std::move(wanted)); }
+  [[nodiscard]] SetResult CheckValue(const T& wanted) const override { return this->Check(wanted); }
 };
 
 /// A ReadOnlyProperty may be set only by its source, with `Assign(property, value)`.
@@ -149,7 +158,10 @@ class ReadOnlyProperty final : public details::StoredProperty<T, const T> {
   using details::StoredProperty<T, const T>::StoredProperty;
 
  private:
-  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(runtime_type<T>::Get()); }
+  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(); }
+  [[nodiscard]] SetResult CheckValue(const T& /*wanted*/) const override {
+    return this->ReadOnlyResult();
+  }
 };
 
 /// The value of a ComputedProperty is a function of other properties.
@@ -179,7 +191,10 @@ class ComputedProperty final : public details::TypedProperty<T, const T> {
 
  private:
   [[nodiscard]] T GetValue() const override { return compute(); }
-  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(runtime_type<T>::Get()); }
+  SetResult SetValue(T /*wanted*/) override { return this->ReadOnlyResult(); }
+  [[nodiscard]] SetResult CheckValue(const T& /*wanted*/) const override {
+    return this->ReadOnlyResult();
+  }
 
   RepeatingCallback<T()> compute;
 };

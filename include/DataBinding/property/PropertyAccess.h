@@ -3,7 +3,8 @@
 /// checked, for code that does not know the source's class.
 ///
 /// When a look-up fails, its PropertyError tells the reason and its text explains it. Reading
-/// accepts read-only properties of the same value type; no type is converted to another.
+/// accepts read-only properties of the same value type; no type is converted to another. For code
+/// that does not know the type either, an AnyPropertyRef reads and sets by the form of the type.
 /// GetProperty and SetProperty allocate nothing where nothing fails, beyond what copying the value
 /// takes. The first PropertyRef to a property allocates what later ones share.
 ///
@@ -51,12 +52,14 @@ class DATABINDING_API ReflectionAccess {
   [[nodiscard]] static Found Find(const IDataSource* source, const VtrString& name,
                                   const runtime_type_base& plain,
                                   const runtime_type_base& readOnly);
-  /// Returns the text for an error of that look-up.
+  /// Finds the accessor of a property of any type.
+  [[nodiscard]] static Found FindAny(const IDataSource* source, const VtrString& name);
+  /// Returns the text for an error of these look-ups. Null stands for any type.
   [[nodiscard]] static VtrString Explain(PropertyError error, const IDataSource* source,
-                                         const VtrString& name, const runtime_type_base& wanted);
+                                         const VtrString& name, const runtime_type_base* wanted);
   /// Returns the text for a property whose source is gone, or going.
   [[nodiscard]] static VtrString ExplainGone(const VtrString& name,
-                                             const runtime_type_base& wanted);
+                                             const runtime_type_base* wanted);
   /// Returns true once the source's destruction handlers run. It has no name any more then.
   [[nodiscard]] static bool IsEnding(const IDataSource& source) noexcept {
     return source.reflectable.IsEnding();
@@ -83,13 +86,56 @@ class DATABINDING_API ReflectionAccess {
 
 }  // namespace details
 
+namespace details {
+
+/// PropertyRefBase is what a PropertyRef and an AnyPropertyRef have in common.
+class DATABINDING_API PropertyRefBase {
+ public:
+  /// Tells why the property was not found; None when it was found, also after it has gone.
+  [[nodiscard]] PropertyError Error() const noexcept { return error; }
+  /// Explains why the property was not found. The text is empty when it was found.
+  [[nodiscard]] const VtrString& Text() const noexcept { return text; }
+  /// Returns true for a property that only its source may set, and for computed ones.
+  [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
+  /// Returns true when the property was found.
+  explicit operator bool() const noexcept { return error == PropertyError::None; }
+
+  /// Returns true while the property can be read: it was found and is not gone since.
+  [[nodiscard]] bool IsThere() const { return Access() != nullptr; }
+
+ protected:
+  /// Takes what a look-up has found. `wanted` is the type that was looked for, or null for any.
+  PropertyRefBase(const IDataSource* source, const VtrString& propertyName,
+                  const ReflectionAccess::Found& found, const runtime_type_base* wanted);
+
+  /// Returns the property, or null if it was not found or is gone.
+  [[nodiscard]] PropertyBase* Access() const { return accessor(); }
+  /// Returns the result for a property that was not found, or that has gone since.
+  template <class Result>
+  [[nodiscard]] Result Failure(const runtime_type_base* wanted) const {
+    Result result;
+    result.error = error == PropertyError::None ? PropertyError::Absent : error;
+    result.text = error == PropertyError::None ? ReflectionAccess::ExplainGone(name, wanted) : text;
+    return result;
+  }
+
+ private:
+  VtrString name;
+  PropertyAccessor accessor;
+  PropertyError error;
+  bool isReadOnly;
+  VtrString text;
+};
+
+}  // namespace details
+
 /// A PropertyRef is a property that was found by name. It may be kept: it answers "absent" once the
 /// property is gone.
 ///
 /// A PropertyRef<const int> reads a property of type int and cannot set it. Therefore a const
 /// source gives one, too.
 template <class T>
-class PropertyRef {
+class PropertyRef : public details::PropertyRefBase {
  public:
   /// Value is the type of the property's value: T without its const.
   using Value = std::remove_const_t<T>;
@@ -105,55 +151,73 @@ class PropertyRef {
   /// Takes what such a look-up has just found.
   PropertyRef(Source* source, const VtrString& propertyName,
               const details::ReflectionAccess::Found& found)
-      : name(propertyName), error(found.error), isReadOnly(found.isReadOnly) {
-    const auto& wanted = runtime_type<Value>::Get();
-    accessor.SetMemento(found.Accessor());
-    if (error == PropertyError::None && !accessor) error = PropertyError::NoAccessor;
-    if (error != PropertyError::None) {
-      text = details::ReflectionAccess::Explain(error, source, name, wanted);
-    }
-  }
-
-  /// Tells why the property was not found; None when it was found, also after it has gone.
-  [[nodiscard]] PropertyError Error() const noexcept { return error; }
-  /// Explains why the property was not found. The text is empty when it was found.
-  [[nodiscard]] const VtrString& Text() const noexcept { return text; }
-  /// Returns true for a property that only its source may set, and for computed ones.
-  [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
-  /// Returns true when the property was found.
-  explicit operator bool() const noexcept { return error == PropertyError::None; }
-
-  /// Returns true while the property can be read: it was found and is not gone since.
-  [[nodiscard]] bool IsThere() const {
-    return error == PropertyError::None && accessor() != nullptr;
-  }
+      : PropertyRefBase(source, propertyName, found, &runtime_type<Value>::Get()) {}
 
   /// Returns a copy of the value, or the reason why there is none.
   [[nodiscard]] PropertyValue<Value> Get() const {
-    if (error != PropertyError::None) return {{}, error, text};
-    const auto* access = accessor();
-    if (access == nullptr) return {{}, PropertyError::Absent, GoneText()};
-    return {access->GetValue(), PropertyError::None, {}};
+    const auto* property = Property();
+    if (property == nullptr) return Failed<PropertyValue<Value>>();
+    return {property->GetValue(), PropertyError::None, {}};
   }
   /// Sets the value as the property's own Set does: listeners run before this returns.
   // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
   SetResult Set(T value) const requires(!std::is_const_v<T>) {
-    if (error != PropertyError::None) return {false, error, text};
-    auto* access = accessor();
-    if (access == nullptr) return {false, PropertyError::Absent, GoneText()};
-    return access->SetValue(std::move(value));
+    auto* property = Property();
+    return property == nullptr ? Failed<SetResult>() : property->SetValue(std::move(value));
+  }
+  /// Says what Set would answer, and sets nothing: it asks the property's validator.
+  [[nodiscard]] SetResult Check(const Value& value) const {
+    const auto* property = Property();
+    return property == nullptr ? Failed<SetResult>() : property->CheckValue(value);
   }
 
  private:
-  [[nodiscard]] VtrString GoneText() const {
-    return details::ReflectionAccess::ExplainGone(name, runtime_type<Value>::Get());
+  /// The look-up has made sure of the type.
+  [[nodiscard]] details::IProperty<Value>* Property() const {
+    return static_cast<details::IProperty<Value>*>(Access());
   }
+  template <class Result>
+  [[nodiscard]] Result Failed() const {
+    return Failure<Result>(&runtime_type<Value>::Get());
+  }
+};
 
-  VtrString name;
-  details::PropertyAccessor<Value> accessor;
-  PropertyError error = PropertyError::None;
-  bool isReadOnly = false;
-  VtrString text;
+/// An AnyPropertyRef is a property of any type that was found by name. It reads and sets it by the
+/// form of its type (ValueForm.h), and may be kept like a PropertyRef. Reading a number allocates
+/// nothing.
+class DATABINDING_API AnyPropertyRef : public details::PropertyRefBase {
+ public:
+  /// Looks the property up, once. The source may be null and may end later.
+  AnyPropertyRef(IDataSource* source, const VtrString& propertyName)
+      : PropertyRefBase(source, propertyName,
+                        details::ReflectionAccess::FindAny(source, propertyName), nullptr) {}
+
+  /// Returns the value. Where the property's type has no form, the error is WrongType and the text
+  /// names the type, so that whoever leaves the property out can say so.
+  [[nodiscard]] PropertyValue<Value> Read() const {
+    const auto* property = Access();
+    return property == nullptr ? Failure<PropertyValue<Value>>(nullptr) : property->ReadValue();
+  }
+  /// Returns the text of the value, which for a type without a form is its name: "<Color>".
+  [[nodiscard]] PropertyValue<VtrString> ReadText() const;
+  /// These set the value as the property's own Set does, with its results and texts. A value or a
+  /// text that does not convert changes nothing. The error is WrongType, with both types in the
+  /// text, or Refused where a text is not of the form.
+  ///@{
+  // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
+  SetResult Write(const Value& value) const;
+  // NOLINTNEXTLINE(modernize-use-nodiscard): as above
+  SetResult WriteText(const VtrString& written) const;
+  ///@}
+  /// These say what Write and WriteText would answer, and set nothing.
+  ///@{
+  [[nodiscard]] SetResult Check(const Value& value) const;
+  [[nodiscard]] SetResult CheckText(const VtrString& written) const;
+  ///@}
+  /// Returns the kind of values that the property's type has: Unsigned for unsigned numbers, though
+  /// most of them are read as Signed. Nothing stands for a type without a form, and for a property
+  /// that is not there.
+  [[nodiscard]] ValueKind Kind() const;
 };
 
 /// Finds a property that can then be read and set more than once without another look-up;

@@ -9,6 +9,11 @@
 /// An object has thousands of properties, so one holds five pointers beside its value: to its
 /// class, which tells its type and makes its accessor, to its source, its name, the next in the
 /// chain, and to extras that few properties have (PropertyExtras.h).
+///
+/// Code that does not know the type uses a property by the operations of PropertyBase, which are
+/// those of its type's form (ValueForm.h). They are functions of the module that has the property,
+/// so nothing of a type has to be registered, and nothing of it is left when the module is
+/// unloaded.
 #pragma once
 
 #include <atomic>
@@ -26,11 +31,16 @@
 #include "DataBinding/property/details/PropertyExtras.h"
 #include "DataBinding/reflection/PropertyResult.h"
 #include "DataBinding/reflection/RuntimeType.h"
+#include "DataBinding/reflection/Value.h"
+#include "DataBinding/reflection/ValueForm.h"
 #include "DataBinding/reflection/details/ChainedMember.h"
 
 namespace DataBinding::details {
 
 class PropertyAnnouncement;
+
+/// Says whether a property is to take a value or only to say whether it would.
+enum class Purpose { Set, Check };
 
 class DATABINDING_API PropertyBase : public ChainedMember {
  public:
@@ -45,6 +55,17 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   void NotifyChanged();
   /// Returns a weak pointer to this property, which becomes invalid before its value ends.
   [[nodiscard]] WeakPtr<PropertyBase> AsWeakPtr() { return {Extras().weak.GetRef(), this}; }
+
+  /// These read the value, and set or check it, by the form of its type. A type without a form
+  /// gives a text, but neither gives nor takes a Value.
+  ///@{
+  [[nodiscard]] virtual PropertyValue<Value> ReadValue() const = 0;
+  [[nodiscard]] virtual VtrString ReadText() const = 0;
+  virtual SetResult TakeValue(const Value& value, Purpose purpose) = 0;
+  virtual SetResult TakeText(const VtrString& text, Purpose purpose) = 0;
+  /// Returns the kind of values that the type has. Nothing stands for a type without a form.
+  [[nodiscard]] virtual ValueKind Kind() const noexcept = 0;
+  ///@}
 
   /// Gives all properties of a source the extras by which they can be noted as changed, and returns
   /// the list in which that is done.
@@ -73,17 +94,17 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   [[nodiscard]] PropertyExtras* ExistingExtras() const noexcept {
     return extras.load(std::memory_order_acquire);
   }
-  /// Returns the state that the accessor's callbacks share, or null if there is none yet.
-  [[nodiscard]] comlike_ptr<BindStateBase> SharedAccessor() const noexcept;
-  /// Makes it the one that they share, unless another thread was faster. Returns the shared one.
-  comlike_ptr<BindStateBase> ShareAccessor(comlike_ptr<BindStateBase> made);
-  [[nodiscard]] SetResult ReadOnlyResult(const runtime_type_base& wanted) const;
+  [[nodiscard]] SetResult ReadOnlyResult() const;
   [[nodiscard]] SetResult RefusedResult(const VtrString& reason) const;
+  /// Returns the result for what a form has not converted, and for a type without a form.
+  [[nodiscard]] SetResult UnfitResult(PropertyError error, const VtrString& text) const;
 
  private:
   friend DataSourceAccess;
   friend PropertyAnnouncement;
 
+  /// Returns the state that the accessor's callbacks share.
+  comlike_ptr<BindStateBase> MakeState() final;
   PropertyExtras& Extras() const;
   void EndExtras() noexcept;
 
@@ -91,22 +112,56 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   mutable std::atomic<PropertyExtras*> extras{nullptr};
 };
 
-/// IProperty is a property whose type is known. The property's accessor returns it, or null when
-/// the property is gone.
+/// The accessor of a property returns the property, or null when it is gone.
+using PropertyAccessor = RepeatingCallback<PropertyBase*()>;
+
+/// IProperty is a property whose type is known.
 template <class T>
 class IProperty : public PropertyBase {
  public:
   [[nodiscard]] virtual T GetValue() const = 0;
   /// Sets the value. Refuses it as read-only unless the property may be set from outside.
   virtual SetResult SetValue(T value) = 0;
+  /// Says what SetValue would answer, and sets nothing.
+  [[nodiscard]] virtual SetResult CheckValue(const T& value) const = 0;
+
+  [[nodiscard]] PropertyValue<Value> ReadValue() const final {
+    if constexpr (HasValueForm<T>) {
+      return {ToValue(GetValue()), PropertyError::None, {}};
+    } else {
+      const auto unfit = UnfitResult(PropertyError::WrongType, ExplainFormless(ValueType()));
+      return {{}, unfit.error, unfit.text};
+    }
+  }
+  [[nodiscard]] VtrString ReadText() const final {
+    if constexpr (HasValueForm<T>) return ToText(GetValue());
+    return ShowFormless(ValueType());
+  }
+  SetResult TakeValue(const Value& value, Purpose purpose) final {
+    return Take(purpose, [&] { return FromValue<T>(value); });
+  }
+  SetResult TakeText(const VtrString& text, Purpose purpose) final {
+    return Take(purpose, [&] { return FromText<T>(text); });
+  }
+  [[nodiscard]] ValueKind Kind() const noexcept final {
+    if constexpr (HasValueForm<T>) return ValueForm<T>::kind;
+    return ValueKind::Nothing;
+  }
 
  protected:
   using PropertyBase::PropertyBase;
   ~IProperty() override = default;
-};
 
-template <class T>
-using PropertyAccessor = RepeatingCallback<IProperty<T>*()>;
+ private:
+  [[nodiscard]] static const runtime_type_base& ValueType() { return runtime_type<T>::Get(); }
+  template <class Convert>
+  SetResult Take(Purpose purpose, Convert convert) {
+    if (this->Type().IsReadOnly()) return ReadOnlyResult();
+    PropertyValue<T> made = convert();
+    if (!made) return UnfitResult(made.error, made.text);
+    return purpose == Purpose::Set ? SetValue(std::move(*made.value)) : CheckValue(*made);
+  }
+};
 
 /// TypedProperty files a property under its name. Filed is `const T` for a property that only its
 /// source may set.
@@ -123,16 +178,6 @@ class TypedProperty : public IProperty<T> {
   }
   ~TypedProperty() override {
     if (this->IsChained()) this->EndAccess();
-  }
-
- private:
-  comlike_ptr<BindStateBase> MakeState() final {
-    if (auto shared = this->SharedAccessor()) return shared;
-    const PropertyAccessor<T> made = BindWeak(this->AsWeakPtr(), &TypedProperty::Access);
-    return this->ShareAccessor(comlike_ptr<BindStateBase>::Share(made.GetBindState()));
-  }
-  static IProperty<T>* Access(PropertyBase& property) {
-    return &static_cast<TypedProperty&>(property);
   }
 };
 
