@@ -68,6 +68,8 @@
 #include "DataBinding/framework/IBaseDataBind.h"
 #include "DataBinding/framework/IDataBind.h"
 #include "DataBinding/framework/IEventBind.h"
+#include "DataBinding/framework/LocaleConverter.h"
+#include "DataBinding/framework/NumberConverter.h"
 #include "DataBinding/framework/TextConverter.h"
 #include "DataBinding/framework/TwoWay.h"
 #include "DataBinding/lists/AnyList.h"

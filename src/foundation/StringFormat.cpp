@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // This file holds VtrString::Format: it takes a format apart, checks each conversion against its
-// argument, and leaves the writing of numbers to snprintf.
+// argument, and leaves the writing of numbers to snprintf, but not their decimal points: those
+// follow the C locale there.
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "DataBinding/foundation/String.h"
 
@@ -149,7 +152,7 @@ class Formatter {
       Print(conversion, spelled, Take<FormatArgument::Integer>().asUnsigned);
     } else if (std::wstring_view(L"eEfFgGaA").find(type) != std::wstring_view::npos) {
       const char spelled[] = {static_cast<char>(type), '\0'};
-      Print(conversion, spelled, Take<double>());
+      PrintFraction(conversion, spelled, Take<double>());
     } else if (type == L'p') {
       Print(conversion, "p", Take<const void*>());
     } else {
@@ -159,6 +162,34 @@ class Formatter {
 
   template <class T>
   void Print(const Conversion& conversion, const char* type, T value) {
+    const std::string written = Written(conversion, type, value);
+    text.append(written.begin(), written.end());
+  }
+
+  /// Prints with a decimal point whatever the C locale has in its place. The C library counts that
+  /// as one character of the field, even where it takes several.
+  void PrintFraction(const Conversion& conversion, const char* type, double value) {
+    std::string written = Written(conversion, type, value);
+    const std::string_view mark = LocalMark(written);
+    if (std::isfinite(value) && !mark.empty()) {
+      written.replace(static_cast<std::size_t>(mark.data() - written.data()), mark.size(), ".");
+    }
+    text.append(written.begin(), written.end());
+  }
+
+  /// Returns what stands in a number as its decimal point, or nothing.
+  static std::string_view LocalMark(std::string_view number) {
+    const auto isPlain = [](char character) {
+      return std::string_view("+- 0123456789abcdefABCDEFxXpPinIN").find(character) !=
+             std::string_view::npos;
+    };
+    const auto begin = std::find_if_not(number.begin(), number.end(), isPlain);
+    const auto end = std::find_if(begin, number.end(), isPlain);
+    return {begin, end};
+  }
+
+  template <class T>
+  static std::string Written(const Conversion& conversion, const char* type, T value) {
     const std::string format =
         "%" + conversion.flags + "*" + (conversion.precision < 0 ? "" : ".*") + type;
     const auto print = [&](char* out, std::size_t size) {
@@ -171,7 +202,8 @@ class Formatter {
     if (length < 0) Refuse("number cannot be written");
     std::string narrow(static_cast<std::size_t>(length) + 1, '\0');
     print(narrow.data(), narrow.size());
-    text.append(narrow.begin(), narrow.end() - 1);
+    narrow.pop_back();
+    return narrow;
   }
 
   std::wstring_view rest;

@@ -90,7 +90,8 @@ class DATABINDING_SHARED_TYPE VtrStringT {
   /// U+FFFD.
   [[nodiscard]] std::string ToUtf8() const { return details::ToUtf8(*this); }
 
-  /// Replaces this string by the formatted text and returns it.
+  /// Replaces this string by the formatted text and returns it. The text is the same in every
+  /// locale: the decimal point is a point.
   ///
   /// The format is that of printf: flags, width and precision (both also as `*`), and the
   /// conversions d i u o x X c s p e E f F g G a A %. Length modifiers are accepted and ignored,

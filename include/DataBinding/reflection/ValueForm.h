@@ -104,6 +104,12 @@ template <class T>
   return {{}, PropertyError::WrongType, ExplainMisfit(value, runtime_type<T>::Get())};
 }
 
+template <ValueNumber T>
+[[nodiscard]] bool IsWhole(T number) noexcept {
+  if constexpr (std::floating_point<T>) return std::trunc(number) == number;
+  return true;
+}
+
 /// Converts one number to another type and says whether it could. A -0.0 is the whole number 0.
 template <ValueNumber To, ValueNumber From>
 [[nodiscard]] bool ConvertNumber(From from, To& to) noexcept {
@@ -114,16 +120,29 @@ template <ValueNumber To, ValueNumber From>
     constexpr double end =
         2.0 * static_cast<double>(To{1} << (std::numeric_limits<To>::digits - 1));
     constexpr double begin = std::is_signed_v<To> ? -end : 0.0;
-    if (!(from >= begin && from < end) || std::trunc(from) != from) return false;
+    if (!(from >= begin && from < end) || !IsWhole(from)) return false;
   } else if constexpr (std::integral<From>) {
     constexpr auto end = std::int64_t{1} << std::numeric_limits<To>::digits;
     if (std::cmp_greater(from, end) || std::cmp_less(from, -end)) return false;
-  } else {
+  } else if constexpr (sizeof(To) < sizeof(From)) {
     constexpr auto most = static_cast<From>(std::numeric_limits<To>::max());
     if (std::isfinite(from) && std::abs(from) > most) return false;
   }
   to = static_cast<To>(from);
   return true;
+}
+
+/// Converts a number to the nearest one of another type, and a NaN to 0 where it has none.
+template <ValueNumber To, ValueNumber From>
+[[nodiscard]] To NearestNumber(const From& from) noexcept {
+  To to{};
+  if (ConvertNumber(from, to)) return to;
+  if constexpr (std::floating_point<From> && std::integral<To>) {
+    if (std::isnan(from) || ConvertNumber(std::round(from), to)) return to;
+  } else if constexpr (std::integral<From> && std::floating_point<To>) {
+    return static_cast<To>(from);
+  }
+  return from < From{} ? std::numeric_limits<To>::lowest() : std::numeric_limits<To>::max();
 }
 
 /// Converts a value's content to a number, if it is one.
