@@ -33,13 +33,6 @@ bool IsOfType(const RepeatingCallbackMemento& accessor, const runtime_type_base&
 
 }  // namespace
 
-RepeatingCallbackMemento ReflectionAccess::Found::Accessor() const {
-  if (property == nullptr) return accessor;
-  RepeatingCallbackMemento lent;
-  lent.Lend(*property);
-  return RepeatingCallbackMemento(lent);
-}
-
 ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const VtrString& name,
                                                const runtime_type_base& plain,
                                                const runtime_type_base& readOnly) {
@@ -152,8 +145,9 @@ PropertyRefBase::PropertyRefBase(const IDataSource* source, const VtrString& pro
                                  const ReflectionAccess::Found& found,
                                  const runtime_type_base* wanted)
     : name(propertyName), error(found.error), isReadOnly(found.isReadOnly) {
-  accessor.SetMemento(found.Accessor());
-  if (error == PropertyError::None && !accessor) error = PropertyError::NoAccessor;
+  if (found.property != nullptr) known = found.property->AsWeakPtr();
+  accessor.SetMemento(found.accessor);
+  if (error == PropertyError::None && !known && !accessor) error = PropertyError::NoAccessor;
   if (error == PropertyError::None) return;
   accessor = {};
   text = ReflectionAccess::Explain(error, source, name, wanted);

@@ -26,6 +26,9 @@ namespace DataBinding {
 
 namespace details {
 
+template <class T>
+class TypedBindConnection;
+
 /// ReflectionAccess is the untyped part of a look-up.
 class DATABINDING_API ReflectionAccess {
  public:
@@ -40,8 +43,6 @@ class DATABINDING_API ReflectionAccess {
     [[nodiscard]] bool HasAccessor() const noexcept {
       return property != nullptr || !accessor.IsEmpty();
     }
-    /// Makes the accessor of the property, where it is one.
-    [[nodiscard]] RepeatingCallbackMemento Accessor() const;
     /// Returns the property with its type, or null.
     template <class T>
     [[nodiscard]] IProperty<T>* As() const noexcept {
@@ -109,7 +110,10 @@ class DATABINDING_API PropertyRefBase {
                   const ReflectionAccess::Found& found, const runtime_type_base* wanted);
 
   /// Returns the property, or null if it was not found or is gone.
-  [[nodiscard]] PropertyBase* Access() const { return accessor(); }
+  [[nodiscard]] PropertyBase* Access() const {
+    PropertyBase* const living = known.Get();
+    return living != nullptr ? living : accessor();
+  }
   /// Returns the result for a property that was not found, or that has gone since.
   template <class Result>
   [[nodiscard]] Result Failure(const runtime_type_base* wanted) const {
@@ -121,6 +125,8 @@ class DATABINDING_API PropertyRefBase {
 
  private:
   VtrString name;
+  /// Leads to the property, or is null where an accessor was filed by hand.
+  WeakPtr<PropertyBase> known;
   PropertyAccessor accessor;
   PropertyError error;
   bool isReadOnly;
@@ -172,6 +178,8 @@ class PropertyRef : public details::PropertyRefBase {
   }
 
  private:
+  friend class details::TypedBindConnection<Value>;
+
   /// The look-up has made sure of the type.
   [[nodiscard]] details::IProperty<Value>* Property() const {
     return static_cast<details::IProperty<Value>*>(Access());
