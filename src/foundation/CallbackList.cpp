@@ -41,10 +41,11 @@ const void* ThisThread() noexcept {
 
 void CallbackListCoreTraits::Destroy(const CallbackListCore* core) noexcept { delete core; }
 
-std::uint64_t CallbackListCore::Add(comlike_ptr<BindStateBase> callback) {
+std::uint64_t CallbackListCore::Add(comlike_ptr<BindStateBase> callback,
+                                    BindStateBase::InvokeFunction caller) {
   const WriteLock guard(lock);
   if (walks == 0 && gaps > entries.size() / 2) CloseGaps();
-  entries.emplace_back(lastToken + 1, callback.Get());
+  entries.emplace_back(lastToken + 1, callback.Get(), caller);
   static_cast<void>(callback.Detach());
   return ++lastToken;
 }
@@ -140,12 +141,14 @@ void CallbackListCore::CloseGaps() noexcept {
 
 }  // namespace details
 
-Subscription CallbackListBase::Add(const RepeatingCallbackMemento& callback) {
+Subscription CallbackListBase::Add(const RepeatingCallbackMemento& callback,
+                                   details::BindStateBase::InvokeFunction caller) {
   details::RepeatingCallbackBase untyped;
   untyped.SetMemento(callback);
   if (!untyped) return {};
   if (core == nullptr) core = new details::CallbackListCore;
-  const auto token = core->Add(comlike_ptr<details::BindStateBase>::Share(untyped.GetBindState()));
+  const auto token =
+      core->Add(comlike_ptr<details::BindStateBase>::Share(untyped.GetBindState()), caller);
   try {
     using End = OneShotCallback<void()>;
     using State = comlike_ptr<details::BindStateBase>;

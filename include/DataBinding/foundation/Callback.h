@@ -138,8 +138,11 @@ struct Invoker<Result(Args...)> {
 
   static Result Call(const comlike_ptr<BindStateBase>& state, CallbackArgument<Args>... args) {
     if (!state) return SkippedResult<Result>();
-    const auto run = reinterpret_cast<Function>(state->Invoke());
-    return run(state.Get(), std::forward<Args>(args)...);
+    return CallOf(*state, std::forward<Args>(args)...);
+  }
+  /// Calls the state's function. The caller keeps the state alive.
+  static Result CallOf(const BindStateBase& state, CallbackArgument<Args>... args) {
+    return reinterpret_cast<Function>(state.Invoke())(&state, std::forward<Args>(args)...);
   }
 };
 

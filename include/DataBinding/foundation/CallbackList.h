@@ -58,8 +58,9 @@ struct CallbackListCoreTraits {
 class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTraits> {
  public:
   struct Entry {
-    Entry(std::uint64_t number, const BindStateBase* owned) noexcept
-        : run(owned->Invoke()), state(owned), token(number) {}
+    Entry(std::uint64_t number, const BindStateBase* owned,
+          BindStateBase::InvokeFunction caller) noexcept
+        : run(caller != nullptr ? caller : owned->Invoke()), state(owned), token(number) {}
     Entry(Entry&& other) noexcept
         : run(other.run),
           state(std::exchange(other.state, nullptr)),
@@ -85,7 +86,7 @@ class CallbackListCore : public RefCounted<CallbackListCore, CallbackListCoreTra
     std::atomic<std::uint32_t> silence{0};
   };
 
-  std::uint64_t Add(comlike_ptr<BindStateBase> callback);
+  std::uint64_t Add(comlike_ptr<BindStateBase> callback, BindStateBase::InvokeFunction caller);
   /// These may be called on any thread, and do nothing for a token that is no longer in the list.
   ///@{
   void Cancel(std::uint64_t token) noexcept;
@@ -184,8 +185,10 @@ class DATABINDING_API CallbackListBase {
   }
   ~CallbackListBase() { Drop(core); }
 
-  /// Adds a callback of the list's signature. An empty memento gives an inert subscription.
-  Subscription Add(const RepeatingCallbackMemento& callback);
+  /// Adds a callback of the list's signature, or any callback with a function that takes the list's
+  /// arguments and calls it. An empty memento gives an inert subscription.
+  Subscription Add(const RepeatingCallbackMemento& callback,
+                   details::BindStateBase::InvokeFunction caller = nullptr);
   /// Returns the part that a CallbackWalk is made with, or null if the list never had a callback.
   [[nodiscard]] details::CallbackListCore* Core() const noexcept { return core; }
 
@@ -201,11 +204,19 @@ class CallbackList : public CallbackListBase {
  public:
   /// This is the type of the callbacks in the list.
   using Callback = RepeatingCallback<void(const Args&...)>;
+  /// This is the type of the functions that call callbacks of other signatures. Such a function is
+  /// given the callback's state.
+  using Caller = typename details::Invoker<void(const Args&...)>::Function;
 
   /// Adds a callback at the end of the list, where it stays until the subscription ends. A null
   /// callback gives an inert subscription.
   Subscription Add(const Callback& callback) {
     return CallbackListBase::Add(callback.GetMemento());
+  }
+  /// Does the same for a callback of another signature, which the function calls.
+  Subscription AddFor(const RepeatingCallbackMemento& callback, Caller caller) {
+    return CallbackListBase::Add(callback,
+                                 reinterpret_cast<details::BindStateBase::InvokeFunction>(caller));
   }
   /// Adds a callback that is called once at most. Its subscription ends after the call.
   Subscription AddOnce(OneShotCallback<void(const Args&...)> callback) {
@@ -223,9 +234,8 @@ class CallbackList : public CallbackListBase {
   /// Calls the callbacks that a walk has not reached yet. After an exception it may be called
   /// again, to go on behind the callback that threw.
   static void CallRest(details::CallbackWalk& walk, const Args&... args) {
-    using Run = typename details::Invoker<void(const Args&...)>::Function;
     while (const auto* entry = walk.Next()) {
-      reinterpret_cast<Run>(entry->run)(entry->state, args...);
+      reinterpret_cast<Caller>(entry->run)(entry->state, args...);
     }
   }
 };
