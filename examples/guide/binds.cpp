@@ -33,9 +33,11 @@ void Follow(IDataSourceProvider& scope) {
   std::cout << "before: " << limit.Get() << '\n';
 
   Framework::DataBind<double> followed = limit;  // a copy has a connection of its own
-  const Subscription shown = followed.SubscribeToChanges([&] {
-    if (const auto value = followed.Get()) std::cout << "limit: " << *value << '\n';
+  const Subscription enabled = followed.SubscribeToChanges([](Framework::BindChange change) {
+    if (change == Framework::BindChange::Came) std::cout << "there is a limit\n";
   });
+  const Subscription shown =
+      followed.SubscribeToValue([](double now) { std::cout << "limit: " << now << '\n'; });
 
   Emplace<Cpu>(scope);  // both binds connect
   followed.Set(95.0);

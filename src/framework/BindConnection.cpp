@@ -4,6 +4,7 @@
 // tells the bind's subscribers.
 
 #include <algorithm>
+#include <utility>
 
 #include "DataBindListener.h"
 #include "DataBinding/datasource/IDataSourceProvider.h"
@@ -13,6 +14,25 @@
 #include "Explanation.h"
 
 namespace DataBinding::details {
+
+namespace {
+
+using Framework::BindChange;
+
+void TellPlain(const BindStateBase* subscriber, const BindConnection& /*connection*/,
+               const BindChange& /*change*/) {
+  VtrUtils::details::Invoker<void()>::CallOf(*subscriber);
+}
+
+/// Calls a subscriber with what has happened, unless a subscriber before it has undone that. Then
+/// all of them have been told that already.
+void TellChange(const BindStateBase* subscriber, const BindConnection& connection,
+                const BindChange& change) {
+  if (connection.HasToldOfValue() == (change == BindChange::Went)) return;
+  VtrUtils::details::Invoker<void(BindChange)>::CallOf(*subscriber, change);
+}
+
+}  // namespace
 
 BindConnection::BindConnection(const Framework::IBaseBind& bind, const runtime_type_base& plain,
                                const runtime_type_base& readOnly)
@@ -25,14 +45,17 @@ BindConnection::BindConnection(const Framework::IBaseBind& bind, const runtime_t
 BindConnection::~BindConnection() { InvalidateWeakPtrs(); }
 
 void BindConnection::Connect(const Framework::IBaseBind& bind, IDataSourceProvider* provider) {
-  const bool hadSource = source != nullptr;
+  const IDataSource* const formerSource = source;
+  const bool isOtherName = propertyName != bind.Path();
   listeners.clear();
   contextName = bind.DataContextName();
   sourceName = bind.DataSource();
   propertyName = bind.Path();
   Enter(provider);
   Follow(NearestSource());
-  if (hadSource || source != nullptr) Notify();
+  if (formerSource == nullptr && source == nullptr) return;
+  const bool isOther = isOtherName || source != formerSource;
+  Notify(isOther ? BindChange::Replaced : BindChange::Value);
 }
 
 IDataSourceProvider* BindConnection::Provider() const {
@@ -73,7 +96,7 @@ void BindConnection::Update() {
   IDataSource* const nearest = NearestSource();
   if (nearest == source) return;
   Follow(nearest);
-  Notify();
+  Notify(BindChange::Replaced);
 }
 
 /// Registers for the property at another source, or at none, and gives up the former source, which
@@ -83,17 +106,27 @@ void BindConnection::Follow(IDataSource* newSource) {
   source = newSource;
   Refer(source, propertyName);
   if (source == nullptr) return;
-  propertySubscription =
-      source->Register(BindWeak(AsWeakPtr(), &BindConnection::Notify), propertyName);
+  const auto announced = [](BindConnection& self) { self.OnAnnounced(); };
+  propertySubscription = source->Register(BindWeak(AsWeakPtr(), announced), propertyName);
+}
+
+Subscription BindConnection::Subscribe(const Framework::ChangeCallback& callback) {
+  const auto& told = callback.WithChange();
+  if (told) return subscribers.AddFor(told.GetMemento(), &TellChange);
+  return subscribers.AddFor(callback.WithoutChange().GetMemento(), &TellPlain);
 }
 
 /// Calls each subscriber, even if others throw. A subscriber may end the connection.
-void BindConnection::Notify() {
-  CallbackWalk walk(changed.Core());
+void BindConnection::Notify(BindChange ofProperty) {
   FirstFailure failure;
+  const bool hadValue = std::exchange(hasToldOfValue, false);
+  failure.Try([&] { hasToldOfValue = HasValue(); });
+  const BindChange present = hadValue ? ofProperty : BindChange::Came;
+  const BindChange change = hasToldOfValue ? present : BindChange::Went;
+  CallbackWalk walk(subscribers.Core());
   for (bool isDone = false; !isDone;) {
     failure.Try([&] {
-      CallbackList<>::CallRest(walk);
+      Subscribers::CallRest(walk, *this, change);
       isDone = true;
     });
   }

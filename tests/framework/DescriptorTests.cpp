@@ -2,6 +2,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -25,9 +26,9 @@ class ContextBind final : public IDataBind<IDataContext*> {
   BindStatus Status() const override { return {}; }
   bool IsReadOnly() const override { return false; }
   bool HasValue() const override { return false; }
-  PropertyValue<IDataContext*> Get() const override { return {}; }
+  PropertyValue<IDataContext*> Get() const override { return {shown, PropertyError::None, {}}; }
   SetResult Set(IDataContext* /*value*/) override { return {}; }
-  Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) override {
+  Subscription SubscribeToChanges(const ChangeCallback& callback) override {
     if (tag == '!') throw std::runtime_error("refused");
     auto inner = std::make_shared<Subscription>(changed.Subscribe(callback));
     return Subscription([inner, note = std::string{'-', tag, ' '}, notes = &log] {
@@ -35,12 +36,14 @@ class ContextBind final : public IDataBind<IDataContext*> {
       inner->Cancel();
     });
   }
-  void Notify() { changed.Raise(); }
+  void Notify() { changed.Raise(BindChange::Value); }
+
+  std::optional<IDataContext*> shown;
 
  private:
   char tag;
   std::string& log;
-  Event<void()> changed;
+  Event<void(BindChange)> changed;
 };
 
 class Button final : public IEventBind {
@@ -98,6 +101,22 @@ TEST(Binds, TrackingNameKeepsTheSeparatorsOfWhatItLeavesOut) {
                             L"VtrFrmWk::NullPath::vtrfrmwk::nulldata::VtrFrmWk::NullData"}}) {
     EXPECT_EQ(Button(each.context, each.source, each.path).GetTrackingName(), each.name);
   }
+}
+
+TEST(Binds, OfOnesOwnTellTheValueThatTheyAnswerWith) {
+  std::string log;
+  ContextBind bind('a', log);
+  const auto telling = bind.SubscribeToValue([&](IDataContext* const& now) {
+    EXPECT_EQ(now, nullptr);
+    log += "told";
+  });
+  const auto none = bind.SubscribeToValue({});
+
+  bind.Notify();
+  bind.shown = nullptr;
+  bind.Notify();
+
+  EXPECT_EQ(log, "told");
 }
 
 TEST_F(EventBinds, CallbackHearsEachNotificationUntilTheBindIsReplacedOrEnds) {

@@ -9,13 +9,11 @@ AlarmWatch::Alarm::Alarm(DataBinding::IDataSourceProvider& root, const wchar_t* 
     : name(limitName), limit(&root, L"Alarms", name) {
   // A bind waits for its source and never has it built.
   static_cast<void>(root.GetDataSource(L"Alarms"));
-  followed = limit.SubscribeToChanges([this] { TakeLimit(); });
-  TakeLimit();
+  followed = limit.SubscribeToValue([this](double now) { TakeLimit(now); });
+  if (const auto now = limit.Get()) TakeLimit(*now);
 }
 
-void AlarmWatch::Alarm::TakeLimit() {
-  if (const auto now = limit.Get()) Tell(threshold.SetLimit(*now));
-}
+void AlarmWatch::Alarm::TakeLimit(double value) { Tell(threshold.SetLimit(value)); }
 
 void AlarmWatch::Alarm::Tell(Crossing crossing) const {
   if (crossing == Crossing::None) return;

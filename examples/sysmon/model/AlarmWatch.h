@@ -30,7 +30,7 @@ class AlarmWatch final : public DataBinding::AppEventListener {
     void Measure(double value) { Tell(threshold.Measure(value)); }
 
    private:
-    void TakeLimit();
+    void TakeLimit(double value);
     void Tell(Crossing crossing) const;
 
     VtrString name;

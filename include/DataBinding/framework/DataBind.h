@@ -10,7 +10,7 @@
 /// thread, that of the provider tree.
 ///
 ///   Framework::DataBind<double> load(&provider, L"Cpu", L"Load");
-///   Subscription redraw = load.SubscribeToChanges([&] { label.Show(load.Get()); });
+///   Subscription redraw = load.SubscribeToValue([&](double now) { label.Show(now); });
 #pragma once
 
 #include <cstddef>
@@ -51,9 +51,9 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   [[nodiscard]] const VtrString& PropertyName() const noexcept { return propertyName; }
   /// Returns true while there is a property to read.
   [[nodiscard]] virtual bool HasValue() const = 0;
-  Subscription Subscribe(const RepeatingCallback<void()>& callback) {
-    return changed.Add(callback);
-  }
+  /// Returns true when there was a value at the last notification, which may be under way.
+  [[nodiscard]] bool HasToldOfValue() const noexcept { return hasToldOfValue; }
+  Subscription Subscribe(const Framework::ChangeCallback& callback);
 
   /// The bind's listeners call these, and then touch nothing of the connection, which may be gone.
   ///@{
@@ -66,7 +66,12 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   ///@}
 
  protected:
+  /// Subscribers have one of three signatures and stand in one list, so that they are called in the
+  /// order of subscription. Each has a function that calls it with what it takes.
+  using Subscribers = CallbackList<BindConnection, Framework::BindChange>;
+
   [[nodiscard]] IDataSource* Source() const noexcept { return source; }
+  Subscribers subscribers;
 
  private:
   /// Finds the property in its new source. A null source has none.
@@ -76,7 +81,12 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   /// this waits until it has called them.
   void Enter(IDataSourceProvider* provider);
   void Follow(IDataSource* newSource);
-  void Notify();
+  /// The property was announced. A source that shows one record after another by the same property
+  /// would be recognised here; for now every announcement tells of a value.
+  void OnAnnounced() { Notify(Framework::BindChange::Value); }
+  /// Tells the subscribers that the value of the followed property has changed, or that the bind
+  /// follows another one, unless the value has come or gone.
+  void Notify(Framework::BindChange ofProperty);
   [[nodiscard]] bool NamesAProperty() const;
   [[nodiscard]] std::size_t ContextIndex() const;
   [[nodiscard]] IDataSource* NearestSource() const noexcept;
@@ -91,8 +101,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   /// True while the first listener waits until the scopes have called their listeners.
   bool isWaiting = false;
   IDataSource* source = nullptr;
+  bool hasToldOfValue = false;
   Subscription propertySubscription;
-  CallbackList<> changed;
 };
 
 template <class T>
@@ -102,13 +112,16 @@ class TypedBindConnection final : public BindConnection {
       : BindConnection(bind, runtime_type<T>::Get(), runtime_type<const T>::Get()),
         property(nullptr, bind.Path()) {}
 
-  [[nodiscard]] bool HasValue() const override { return Property().IsThere(); }
+  [[nodiscard]] bool HasValue() const override { return Access() != nullptr; }
   [[nodiscard]] bool IsReadOnly() const { return HasValue() && property.IsReadOnly(); }
+  Subscription SubscribeToValue(const RepeatingCallback<void(const T&)>& callback) {
+    return this->subscribers.AddFor(callback.GetMemento(), &TellValue);
+  }
   [[nodiscard]] PropertyValue<T> Get() const {
     PropertyValue<T> value = property.Get();
     if (value) return value;
-    value = Property().Get();
-    if (!value) value.text = Status().text;
+    if (HasValue()) return property.Get();
+    value.text = Status().text;
     return value;
   }
   SetResult Set(T value) {
@@ -120,13 +133,23 @@ class TypedBindConnection final : public BindConnection {
   void Refer(IDataSource* newSource, const VtrString& name) override {
     property = PropertyRef<T>(newSource, name);
   }
-  /// Looks for a property again if it was not there, since it may come and go while its source
-  /// stays.
-  [[nodiscard]] const PropertyRef<T>& Property() const {
-    if (Source() != nullptr && !property.IsThere()) {
-      property = PropertyRef<T>(Source(), PropertyName());
-    }
-    return property;
+  /// Returns the property, or null. Looks for a property again if it was not there, since it may
+  /// come and go while its source stays.
+  [[nodiscard]] IProperty<T>* Access() const {
+    auto* const known = property.Property();
+    if (known != nullptr || Source() == nullptr) return known;
+    property = PropertyRef<T>(Source(), PropertyName());
+    return property.Property();
+  }
+  /// Calls a subscriber with the value, if there is one now.
+  static void TellValue(const BindStateBase* subscriber, const BindConnection& connection,
+                        const Framework::BindChange& /*change*/) {
+    using Callback = VtrUtils::details::Invoker<void(const T&)>;
+    const auto* const found = static_cast<const TypedBindConnection&>(connection).Access();
+    if (found == nullptr) return;
+    if (const T* const kept = found->KeptValue()) return Callback::CallOf(*subscriber, *kept);
+    const T computed = found->GetValue();
+    Callback::CallOf(*subscriber, computed);
   }
 
   mutable PropertyRef<T> property;
@@ -183,8 +206,11 @@ class DataBind final : public IDataBind<T> {
   [[nodiscard]] BindStatus Status() const override { return connection->Status(); }
   [[nodiscard]] bool IsReadOnly() const override { return connection->IsReadOnly(); }
   [[nodiscard]] bool HasValue() const override { return connection->HasValue(); }
-  Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) override {
+  Subscription SubscribeToChanges(const ChangeCallback& callback) override {
     return connection->Subscribe(callback);
+  }
+  Subscription SubscribeToValue(const RepeatingCallback<void(const T&)>& callback) override {
+    return connection->SubscribeToValue(callback);
   }
   [[nodiscard]] PropertyValue<T> Get() const override { return connection->Get(); }
   SetResult Set(T value) override { return connection->Set(std::move(value)); }

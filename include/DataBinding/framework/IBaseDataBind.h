@@ -9,8 +9,8 @@
 #pragma once
 
 #include "DataBinding/Export.h"
-#include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/framework/BindChange.h"
 #include "DataBinding/framework/IBaseBind.h"
 
 namespace DataBinding::Framework {
@@ -35,11 +35,15 @@ class DATABINDING_API IBaseDataBind : public IBaseBind {
   [[nodiscard]] virtual bool IsReadOnly() const = 0;
   /// Returns true while there is a value to read.
   [[nodiscard]] virtual bool HasValue() const = 0;
-  /// Runs the callback whenever the value changes, comes or goes, until the subscription ends.
-  /// Subscribing does not run the callback, and the callback may end the bind. A callback that is
-  /// cancelled before its turn in a notification is not run, unlike a callback of the property
-  /// itself.
-  virtual Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) = 0;
+  /// Runs the callback whenever the value changes, comes or goes, until the subscription ends. The
+  /// callback takes a BindChange or nothing. Subscribing does not run it, and it may end the bind.
+  /// A callback that is cancelled before its turn in a notification is not run, unlike a callback
+  /// of the property itself.
+  ///
+  /// If a callback makes the value come, go or change, all callbacks are told of that first. Those
+  /// that are still due then hear the former BindChange only where it still holds: Went if there is
+  /// no value, and any other if there is one.
+  virtual Subscription SubscribeToChanges(const ChangeCallback& callback) = 0;
 };
 
 }  // namespace DataBinding::Framework

@@ -29,6 +29,22 @@ class IDataBind : public IBaseDataBind {
   /// Sets the value and says whether it changed, or why it could not be set. Subscribers run before
   /// this returns; they may end the bind.
   virtual SetResult Set(T value) = 0;
+  /// Runs the callback with the value whenever it changes or comes, until the subscription ends. It
+  /// is not run when the value goes or while there is none; SubscribeToChanges tells of that.
+  /// Subscribing does not run it. Otherwise it is treated like a callback of SubscribeToChanges,
+  /// and called in turn with those.
+  ///
+  /// The callback gets the value that is present when it runs, even if that has changed since the
+  /// notification began. It may end the bind, the property, the source and itself. DataBind<T> does
+  /// not copy a value that a property keeps: then the reference is good until the callback ends the
+  /// property, and shows the new value if the callback sets one.
+  virtual Subscription SubscribeToValue(const RepeatingCallback<void(const T&)>& callback) {
+    if (!callback) return {};
+    return this->SubscribeToChanges([this, alive = GetLiveness(), callback] {
+      if (!alive.IsValid()) return;
+      if (const auto present = Get()) callback(*present);
+    });
+  }
 
   /// Returns a reference that tells whether the bind is still there, for code that keeps a pointer
   /// to it.

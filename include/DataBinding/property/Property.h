@@ -119,6 +119,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
     if (failure != nullptr) std::rethrow_exception(failure);
   }
   [[nodiscard]] T GetValue() const override { return value; }
+  [[nodiscard]] const T* KeptValue() const noexcept override { return &value; }
 
   [[nodiscard]] const PropertyOptions<T>* Options() const noexcept {
     const PropertyExtras* const existing = this->ExistingExtras();

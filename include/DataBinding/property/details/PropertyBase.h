@@ -120,6 +120,8 @@ template <class T>
 class IProperty : public PropertyBase {
  public:
   [[nodiscard]] virtual T GetValue() const = 0;
+  /// Returns the value where the property keeps it, or null where it is computed.
+  [[nodiscard]] virtual const T* KeptValue() const noexcept { return nullptr; }
   /// Sets the value. Refuses it as read-only unless the property may be set from outside.
   virtual SetResult SetValue(T value) = 0;
   /// Says what SetValue would answer, and sets nothing.
