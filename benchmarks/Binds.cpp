@@ -45,14 +45,26 @@ class CallbackOfSource : public HeatedScope {
 };
 
 class OurBind : public HeatedScope {
- private:
+ protected:
   DataBinding::Framework::DataBind<double> bind{&scope, L"", L"Heater", L"Target"};
+};
+
+/// A subscriber that is given the value.
+class ToldValue : public OurBind {
+ private:
+  DataBinding::Subscription watching = bind.SubscribeToValue([this](double now) { shown = now; });
+};
+
+/// A subscriber that asks the bind for the value.
+class ToldChange : public OurBind {
+ private:
   DataBinding::Subscription watching = bind.SubscribeToChanges([this] { shown = *bind.Get(); });
 };
 
 [[maybe_unused]] const bool bindsMeasured[] = {
     MeasureBind<CallbackOfSource>("callback"),
-    MeasureBind<OurBind>("ours"),
+    MeasureBind<ToldValue>("ours"),
+    MeasureBind<ToldChange>("asking"),
 };
 
 }  // namespace

@@ -101,7 +101,10 @@ EVENTS = {
 }
 
 BINDS = {
-    "ours": Peer("DataBind", YES, BLUE, "follows the source through scopes by its name"),
+    "ours": Peer("DataBind", YES, BLUE, "follows the source through scopes by its name, and hands "
+                 "the value on"),
+    "asking": Peer("DataBind that is asked", YES, BLUE, "the same, where the function asks the bind "
+                   "for the value"),
     "callback": Peer("callback at the source", YES, BLUE, "knows the source; the library without "
                      "a bind"),
     "qt": Peer("Qt signal", YES, GREEN, "knows the source"),
