@@ -10,6 +10,9 @@
 #include <variant>
 
 #include <DataBinding/foundation/String.h>
+#include <DataBinding/reflection/PropertyResult.h>
+#include <DataBinding/reflection/Value.h>
+#include <DataBinding/reflection/ValueForm.h>
 
 namespace Sysmon {
 
@@ -37,3 +40,29 @@ using Share = Quantity<struct ShareUnit, double>;
 using Value = std::variant<VtrString, Count, double, Bytes, BytesPerSecond, Share, Seconds, bool>;
 
 }  // namespace Sysmon
+
+/// Without its type a quantity is its number: bytes, bytes per second, or a part of 1.
+template <class Unit, class Number>
+struct DataBinding::ValueForm<Sysmon::Quantity<Unit, Number>> {
+  using Quantity = Sysmon::Quantity<Unit, Number>;
+
+  static constexpr auto kind = ValueForm<Number>::kind;
+  static Value ToValue(const Quantity& quantity) { return quantity.value; }
+  static PropertyValue<Quantity> FromValue(const Value& value) {
+    const auto number = DataBinding::FromValue<Number>(value);
+    if (!number) return {{}, number.error, number.text};
+    return {Quantity{*number}, PropertyError::None, {}};
+  }
+};
+
+/// Without its type a time is its number of seconds.
+template <>
+struct DataBinding::ValueForm<Sysmon::Seconds> {
+  static constexpr auto kind = ValueKind::Double;
+  static Value ToValue(const Sysmon::Seconds& time) { return time.count(); }
+  static PropertyValue<Sysmon::Seconds> FromValue(const Value& value) {
+    const auto number = DataBinding::FromValue<double>(value);
+    if (!number) return {{}, number.error, number.text};
+    return {Sysmon::Seconds(*number), PropertyError::None, {}};
+  }
+};

@@ -11,6 +11,9 @@
 #include <vector>
 
 #include <DataBinding/datasource/IDataSource.h>
+#include <DataBinding/property/PropertyAccess.h>
+#include <DataBinding/reflection/Value.h>
+#include <DataBinding/reflection/ValueForm.h>
 #include <nlohmann/json.hpp>
 
 namespace Sysmon {
@@ -20,21 +23,21 @@ namespace {
 using nlohmann::json;
 
 struct Writer {
+  json operator()(std::monostate /*nothing*/) const { return nullptr; }
   json operator()(const VtrString& text) const { return text.ToUtf8(); }
-  json operator()(Count count) const { return count; }
-  json operator()(bool isSo) const { return isSo; }
-  json operator()(double number) const { return number; }
-  json operator()(Bytes bytes) const { return bytes.value; }
-  json operator()(BytesPerSecond speed) const { return speed.value; }
-  json operator()(Share share) const { return share.value; }
-  json operator()(Seconds time) const { return time.count(); }
+  template <class T>
+  json operator()(T number) const {
+    return number;
+  }
 };
+
+json Write(const DataBinding::Value& value) { return value.Visit(Writer()); }
 
 json ReportSource(IDataSource& source) {
   json members = json::object();
   for (const auto& item : source) {
-    const auto value = ReadValue(&source, item.first);
-    if (value) members[item.first.ToUtf8()] = std::visit(Writer(), *value);
+    const auto value = DataBinding::AnyPropertyRef(&source, item.first).Read();
+    if (value) members[item.first.ToUtf8()] = Write(*value);
   }
   return members;
 }
@@ -79,12 +82,17 @@ json ReportScope(IDataSourceProvider& scope) {
   return members;
 }
 
+json ReportFigure(const EventFigure& figure) {
+  return std::visit([](const auto& value) { return Write(DataBinding::ToValue(value)); },
+                    figure.value);
+}
+
 json ReportArgument(const EventArgument& argument) {
   if (argument.size() == 1 && argument.front().name.IsEmpty()) {
-    return std::visit(Writer(), argument.front().value);
+    return ReportFigure(argument.front());
   }
   json members = json::object();
-  for (const auto& [name, value] : argument) members[name.ToUtf8()] = std::visit(Writer(), value);
+  for (const EventFigure& figure : argument) members[figure.name.ToUtf8()] = ReportFigure(figure);
   return members;
 }
 

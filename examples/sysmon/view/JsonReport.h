@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Writes the whole tree of scopes and the log of events as JSON. It walks the tree, and knows no
-/// name of a source, a property or an event.
+/// name of a source, a property or an event, and no type of a value.
 ///
 /// The root scope is an object with one object per source. Child scopes are in arrays named after
 /// their category, each as one object with the members of all its sources.
