@@ -77,6 +77,7 @@
 #include "DataBinding/lists/Fields.h"
 #include "DataBinding/lists/ListChange.h"
 #include "DataBinding/lists/ReadableList.h"
+#include "DataBinding/property/CopyProperties.h"
 #include "DataBinding/property/DataSourceConstructor.h"
 #include "DataBinding/property/DelegateAccess.h"
 #include "DataBinding/property/Property.h"

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cassert>
+#include <memory>
 #include <vector>
 
 #include "DataBinding/property/PropertyAccess.h"
@@ -74,6 +75,32 @@ comlike_ptr<BindStateBase> PropertyBase::MakeState() {
     }
   }
   return comlike_ptr<BindStateBase>::Share(existing);
+}
+
+CheckedExtras* PropertyBase::ExistingChecks() const noexcept {
+  PropertyExtras* const existing = ExistingExtras();
+  const bool isChecked = existing != nullptr && existing->hasOptions;
+  return isChecked ? static_cast<CheckedExtras*>(existing) : nullptr;
+}
+
+void PropertyBase::NoteReadByValidator(std::initializer_list<PropertyBase*> others) {
+  CheckedExtras* const checks = ExistingChecks();
+  if (checks == nullptr) return;
+  for (PropertyBase* other : others) checks->readByValidator.push_back(other->AsWeakPtr());
+}
+
+bool PropertyBase::ValidatorReadsOthers() const noexcept {
+  const CheckedExtras* const checks = ExistingChecks();
+  return checks != nullptr && !checks->readByValidator.empty();
+}
+
+Subscription PropertyBase::SubscribeToChecks(const RepeatingCallback<void()>& callback) const {
+  if (!ValidatorReadsOthers()) return {};
+  auto all = std::make_shared<std::vector<Subscription>>();
+  for (const auto& other : ExistingChecks()->readByValidator) {
+    if (other) all->push_back(other->Source().Register(callback, other->Name()));
+  }
+  return Subscription([all] { all->clear(); });
 }
 
 void PropertyBase::DependOn(std::initializer_list<const PropertyBase*> others) {

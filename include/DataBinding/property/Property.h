@@ -40,9 +40,8 @@ namespace details {
 
 /// The extras of a property with options.
 template <class T>
-struct OptionalExtras final : PropertyExtras {
+struct OptionalExtras final : CheckedExtras {
   explicit OptionalExtras(PropertyOptions<T>&& given) : options(std::move(given)) {
-    hasOptions = true;
     // The flag is made now, so that nothing is allocated between a change and its notification.
     if (options.changed) static_cast<void>(weak.GetRef());
   }
@@ -63,6 +62,12 @@ class StoredProperty : public TypedProperty<T, Filed> {
                  PropertyOptions<T> options)
       : TypedProperty<T, Filed>(*itsSource, name, OptionalExtras<T>::Of(std::move(options))),
         value(std::move(initial)) {}
+  template <std::derived_from<PropertyBase>... Others>
+  StoredProperty(DataSourceImpl* itsSource, PropertyName name, T initial,
+                 PropertyOptions<T> options, Others&... readByValidator)
+      : StoredProperty(itsSource, name, std::move(initial), std::move(options)) {
+    ValidatorReads(readByValidator...);
+  }
 
   [[nodiscard]] const T& Get() const noexcept { return value; }
   [[nodiscard]] const T& operator*() const noexcept { return value; }
@@ -74,6 +79,15 @@ class StoredProperty : public TypedProperty<T, Filed> {
     if (options == nullptr) return {};
     const VtrString reason = ReasonAgainst(wanted, options->validate);
     return reason.IsEmpty() ? SetResult() : this->RefusedResult(reason);
+  }
+
+  /// Names other properties that the validator reads, as they can be named behind the options, too.
+  /// An edit that was refused is then checked again when one of them changes (TwoWay.h). Two
+  /// properties that limit each other name each other: the second one behind its options, the first
+  /// one by this call in the source's constructor.
+  template <std::derived_from<PropertyBase>... Others>
+  void ValidatorReads(Others&... others) {
+    this->NoteReadByValidator({&others...});
   }
 
  protected:
@@ -135,6 +149,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
 /// A Property may be set by anybody.
 ///
 /// It is made from its source, its name, a first value and options: `{this, L"Size", 1, options}`.
+/// Behind the options stand the other properties that the validator reads, if any.
 /// `Get()`, `*size` and `size->` read the value, `Name()` tells the name, and `NotifyChanged()`
 /// tells the listeners of a change that Set has not made.
 template <std::copyable T>

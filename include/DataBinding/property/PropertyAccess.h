@@ -103,6 +103,12 @@ class DATABINDING_API PropertyRefBase {
 
   /// Returns true while the property can be read: it was found and is not gone since.
   [[nodiscard]] bool IsThere() const { return Access() != nullptr; }
+  /// Runs the callback whenever one of the other properties is announced that the property's
+  /// validator reads: what Check says may be different from then on.
+  Subscription SubscribeToChecks(const RepeatingCallback<void()>& callback) const {
+    const PropertyBase* const property = Access();
+    return property == nullptr ? Subscription() : property->SubscribeToChecks(callback);
+  }
 
  protected:
   /// Takes what a look-up has found. `wanted` is the type that was looked for, or null for any.

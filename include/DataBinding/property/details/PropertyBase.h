@@ -26,6 +26,7 @@
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/WeakPtr.h"
 #include "DataBinding/property/PropertyName.h"
 #include "DataBinding/property/details/PropertyExtras.h"
@@ -38,6 +39,20 @@
 namespace DataBinding::details {
 
 class PropertyAnnouncement;
+
+/// A PropertyCopy copies the value of one property to another one of the same type, and can put the
+/// former value back. It does nothing once the other property has gone.
+class PropertyCopy {
+ public:
+  PropertyCopy() noexcept = default;
+  PropertyCopy(const PropertyCopy&) = delete;
+  PropertyCopy& operator=(const PropertyCopy&) = delete;
+  virtual ~PropertyCopy() = default;
+
+  [[nodiscard]] virtual SetResult Check() const = 0;
+  virtual SetResult Set() = 0;
+  virtual void PutBack() = 0;
+};
 
 /// Says whether a property is to take a value or only to say whether it would.
 enum class Purpose { Set, Check };
@@ -66,6 +81,16 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   /// Returns the kind of values that the type has. Nothing stands for a type without a form.
   [[nodiscard]] virtual ValueKind Kind() const noexcept = 0;
   ///@}
+  /// Returns the type of the value, which is Type() without its const.
+  [[nodiscard]] virtual const runtime_type_base& ValueType() const = 0;
+  /// Takes the other's value and returns what sets it here, or null if it is of another type.
+  [[nodiscard]] virtual std::unique_ptr<PropertyCopy> CopyFrom(const PropertyBase& other) = 0;
+
+  /// Tells whether the validator reads other properties, as far as they were named.
+  [[nodiscard]] bool ValidatorReadsOthers() const noexcept;
+  /// Runs the callback whenever one of these others is announced, since a value that was refused
+  /// may be accepted from then on, or the reverse. This property itself is not announced for that.
+  Subscription SubscribeToChecks(const RepeatingCallback<void()>& callback) const;
 
   /// Gives all properties of a source the extras by which they can be noted as changed, and returns
   /// the list in which that is done.
@@ -85,6 +110,8 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   /// Takes the property out of the table and ends its accessor, so that nobody finds it while it
   /// goes. The destructor of a class calls it before anything of the property ends.
   void EndAccess() noexcept;
+  /// Names the others that the validator reads. Does nothing without options.
+  void NoteReadByValidator(std::initializer_list<PropertyBase*> others);
   /// Makes this property follow others: it is notified whenever one of them changes.
   void DependOn(std::initializer_list<const PropertyBase*> others);
   [[nodiscard]] DataSourceImpl& Source() const noexcept {
@@ -106,6 +133,7 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   /// Returns the state that the accessor's callbacks share.
   comlike_ptr<BindStateBase> MakeState() final;
   PropertyExtras& Extras() const;
+  [[nodiscard]] CheckedExtras* ExistingChecks() const noexcept;
   void EndExtras() noexcept;
 
   /// Is set once. It is mutable since following a property does not change it.
@@ -149,13 +177,40 @@ class IProperty : public PropertyBase {
     if constexpr (HasValueForm<T>) return ValueForm<T>::kind;
     return ValueKind::Nothing;
   }
+  [[nodiscard]] const runtime_type_base& ValueType() const final { return runtime_type<T>::Get(); }
+  [[nodiscard]] std::unique_ptr<PropertyCopy> CopyFrom(const PropertyBase& other) final {
+    if (!AreSameType(other.ValueType(), ValueType())) return nullptr;
+    return std::make_unique<Copy>(*this, static_cast<const IProperty&>(other).GetValue());
+  }
 
  protected:
   using PropertyBase::PropertyBase;
   ~IProperty() override = default;
 
  private:
-  [[nodiscard]] static const runtime_type_base& ValueType() { return runtime_type<T>::Get(); }
+  class Copy final : public PropertyCopy {
+   public:
+    Copy(IProperty& target, T value)
+        : property(target.AsWeakPtr()), former(target.GetValue()), wanted(std::move(value)) {}
+    [[nodiscard]] SetResult Check() const override {
+      return property ? Target().CheckValue(wanted) : Gone();
+    }
+    SetResult Set() override { return property ? Target().SetValue(wanted) : Gone(); }
+    void PutBack() override {
+      if (property) Target().SetValue(former);
+    }
+
+   private:
+    [[nodiscard]] IProperty& Target() const { return static_cast<IProperty&>(*property); }
+    [[nodiscard]] static SetResult Gone() {
+      return {false, PropertyError::Absent, L"The property is gone."};
+    }
+
+    WeakPtr<PropertyBase> property;
+    T former;
+    T wanted;
+  };
+
   template <class Convert>
   SetResult Take(Purpose purpose, Convert convert) {
     if (this->Type().IsReadOnly()) return ReadOnlyResult();

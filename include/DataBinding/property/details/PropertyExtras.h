@@ -44,4 +44,12 @@ struct DATABINDING_API PropertyExtras : PropertyLink {
   ///@}
 };
 
+/// The extras of a property with options.
+struct DATABINDING_API CheckedExtras : PropertyExtras {
+  CheckedExtras() noexcept { hasOptions = true; }
+
+  /// Holds the other properties that the validator reads.
+  std::vector<WeakPtr<PropertyBase>> readByValidator;
+};
+
 }  // namespace DataBinding::details
