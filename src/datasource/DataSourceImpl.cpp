@@ -18,11 +18,11 @@ namespace {
 constexpr wchar_t everyProperty[] = L"*";
 
 /// Returns true for a text that splitting would give back as it is. Most announcements are such
-/// texts, and need not be split. A list ends at a NUL.
+/// texts, and need not be split. A list ends at a NUL. The text is not empty.
 bool IsOneName(std::wstring_view names) noexcept {
-  const auto ends = [](wchar_t character) { return character == L',' || character == L'\0'; };
-  return names != everyProperty && std::ranges::none_of(names, ends) &&
-         !String::IsBlank(names.front()) && !String::IsBlank(names.back());
+  if (names.size() == 1 && names.front() == everyProperty[0]) return false;
+  if (String::IsBlank(names.front()) || String::IsBlank(names.back())) return false;
+  return std::ranges::none_of(names, [](wchar_t each) { return each == L',' || each == L'\0'; });
 }
 
 }  // namespace
@@ -49,7 +49,10 @@ void DataSourceImpl::UpdateListeners(const VtrString& names) {
   if (names.IsEmpty()) return;
   if (!postConstructed) return NoteSilence(typeid(*this), broadcaster, names);
   if (IsOneName(names)) return broadcaster.UpdateListeners(names);
+  UpdateList(names);
+}
 
+void DataSourceImpl::UpdateList(const VtrString& names) {
   const auto pieces = String::Split(names, L',', false, true);
   const auto self = GetLiveness();
   if (!pieces.empty() && pieces.front().Compare(everyProperty) != 0) {

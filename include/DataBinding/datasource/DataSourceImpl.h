@@ -66,6 +66,7 @@ class DATABINDING_API DataSourceImpl : public PostConstructible, public IDataSou
   friend class details::DataSourceAccess;
 
   void Destroy() override;
+  void UpdateList(const VtrString& names);
   void UpdateAllBut(const std::set<VtrString>& excluded, const details::WeakReference& self);
 
   WeakPtr<IDataSourceProvider> dataSourceProvider;
