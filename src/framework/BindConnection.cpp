@@ -104,10 +104,11 @@ void BindConnection::Update() {
 void BindConnection::Follow(IDataSource* newSource) {
   propertySubscription.Cancel();
   source = newSource;
-  Refer(source, propertyName);
+  found = &Refer(source, propertyName);
   if (source == nullptr) return;
   const auto announced = [](BindConnection& self) { self.OnAnnounced(); };
-  propertySubscription = source->Register(BindWeak(AsWeakPtr(), announced), propertyName);
+  // An announcement compares names faster where the property shares its name's text.
+  propertySubscription = source->Register(BindWeak(AsWeakPtr(), announced), found->Name());
 }
 
 Subscription BindConnection::Subscribe(const Framework::ChangeCallback& callback) {
@@ -120,15 +121,11 @@ Subscription BindConnection::Subscribe(const Framework::ChangeCallback& callback
 void BindConnection::Notify(BindChange ofProperty) {
   FirstFailure failure;
   const bool hadValue = std::exchange(hasToldOfValue, false);
-  failure.Try([&] { hasToldOfValue = HasValue(); });
+  failure.Try([&] { hasToldOfValue = found->IsThere() || HasValue(); });
   const BindChange present = hadValue ? ofProperty : BindChange::Came;
   const BindChange change = hasToldOfValue ? present : BindChange::Went;
   CallbackWalk walk(subscribers.Core());
-  for (bool isDone = false; !isDone;) {
-    failure.Try([&] {
-      Subscribers::CallRest(walk, *this, change);
-      isDone = true;
-    });
+  while (!failure.Try([&] { Subscribers::CallRest(walk, *this, change); })) {
   }
   failure.Rethrow();
 }

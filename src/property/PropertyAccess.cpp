@@ -146,12 +146,15 @@ PropertyRefBase::PropertyRefBase(const IDataSource* source, const VtrString& pro
                                  const runtime_type_base* wanted)
     : name(propertyName), error(found.error), isReadOnly(found.isReadOnly) {
   if (found.property != nullptr) known = found.property->AsWeakPtr();
+  if (known && known->Name() == name) name = known->Name();
   accessor.SetMemento(found.accessor);
   if (error == PropertyError::None && !known && !accessor) error = PropertyError::NoAccessor;
   if (error == PropertyError::None) return;
   accessor = {};
   text = ReflectionAccess::Explain(error, source, name, wanted);
 }
+
+PropertyBase* PropertyRefBase::AskAccessor() const { return accessor(); }
 
 }  // namespace details
 

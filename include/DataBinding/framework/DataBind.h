@@ -74,8 +74,9 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   Subscribers subscribers;
 
  private:
-  /// Finds the property in its new source. A null source has none.
-  virtual void Refer(IDataSource* newSource, const VtrString& name) = 0;
+  /// Finds the property in its new source, and returns the reference, which stays at its address. A
+  /// null source has no property.
+  virtual const PropertyRefBase& Refer(IDataSource* newSource, const VtrString& name) = 0;
 
   /// Begins to listen in a scope and its enclosing ones. If one of them is calling its listeners,
   /// this waits until it has called them.
@@ -101,6 +102,7 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   /// True while the first listener waits until the scopes have called their listeners.
   bool isWaiting = false;
   IDataSource* source = nullptr;
+  const PropertyRefBase* found = nullptr;
   bool hasToldOfValue = false;
   Subscription propertySubscription;
 };
@@ -130,14 +132,16 @@ class TypedBindConnection final : public BindConnection {
   }
 
  private:
-  void Refer(IDataSource* newSource, const VtrString& name) override {
-    property = PropertyRef<T>(newSource, name);
+  const PropertyRefBase& Refer(IDataSource* newSource, const VtrString& name) override {
+    return property = PropertyRef<T>(newSource, name);
   }
   /// Returns the property, or null. Looks for a property again if it was not there, since it may
   /// come and go while its source stays.
   [[nodiscard]] IProperty<T>* Access() const {
     auto* const known = property.Property();
-    if (known != nullptr || Source() == nullptr) return known;
+    return known != nullptr || Source() == nullptr ? known : LookAgain();
+  }
+  [[nodiscard]] IProperty<T>* LookAgain() const {
     property = PropertyRef<T>(Source(), PropertyName());
     return property.Property();
   }

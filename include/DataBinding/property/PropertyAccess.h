@@ -92,6 +92,8 @@ namespace details {
 /// PropertyRefBase is what a PropertyRef and an AnyPropertyRef have in common.
 class DATABINDING_API PropertyRefBase {
  public:
+  /// Returns the name that was looked up. The property shares its text, if it was found.
+  [[nodiscard]] const VtrString& Name() const noexcept { return name; }
   /// Tells why the property was not found; None when it was found, also after it has gone.
   [[nodiscard]] PropertyError Error() const noexcept { return error; }
   /// Explains why the property was not found. The text is empty when it was found.
@@ -118,7 +120,7 @@ class DATABINDING_API PropertyRefBase {
   /// Returns the property, or null if it was not found or is gone.
   [[nodiscard]] PropertyBase* Access() const {
     PropertyBase* const living = known.Get();
-    return living != nullptr ? living : accessor();
+    return living != nullptr ? living : AskAccessor();
   }
   /// Returns the result for a property that was not found, or that has gone since.
   template <class Result>
@@ -130,6 +132,8 @@ class DATABINDING_API PropertyRefBase {
   }
 
  private:
+  [[nodiscard]] PropertyBase* AskAccessor() const;
+
   VtrString name;
   /// Leads to the property, or is null where an accessor was filed by hand.
   WeakPtr<PropertyBase> known;

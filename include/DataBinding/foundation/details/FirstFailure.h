@@ -17,14 +17,17 @@ namespace VtrUtils {
 
 class FirstFailure {
  public:
-  /// Runs a step and catches what it throws, except for the cancellation of the thread.
+  /// Runs a step and catches what it throws, except for the cancellation of the thread. Returns
+  /// true if the step has not thrown.
   template <class Step>
-  DATABINDING_CATCHES_CANCELLATION void Try(Step step) {
+  DATABINDING_CATCHES_CANCELLATION bool Try(Step step) {
     try {
       step();
+      return true;
     }
     DATABINDING_PASS_CANCELLATION catch (...) {
       if (first == nullptr) first = std::current_exception();
+      return false;
     }
   }
   /// Throws the first exception again. Does nothing if no step has failed.
