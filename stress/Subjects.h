@@ -14,6 +14,7 @@ struct Subject {
 };
 extern const Subject dataSubject;
 extern const Subject eventSubject;
+extern const Subject listSubject;
 extern const Subject propertySubject;
 
 /// Raises events on several threads while this one delivers them. True if each event arrived once,

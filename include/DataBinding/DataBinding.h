@@ -75,6 +75,7 @@
 #include "DataBinding/framework/TwoWay.h"
 #include "DataBinding/lists/AnyList.h"
 #include "DataBinding/lists/Fields.h"
+#include "DataBinding/lists/List.h"
 #include "DataBinding/lists/ListChange.h"
 #include "DataBinding/lists/ReadableList.h"
 #include "DataBinding/property/CopyProperties.h"

@@ -6,25 +6,6 @@
 #include "ListTexts.h"
 namespace DataBinding {
 
-namespace details {
-
-SetResult NoSuchPlace(const ListNode& list, std::size_t at, std::size_t count) {
-  SetResult result{false, PropertyError::OutOfRange, {}};
-  result.text.Format(L"List \"%s\" has %d rows, and not %d from place %d on.", list.ListName(),
-                     list.Size(), count, at);
-  return result;
-}
-
-SetResult RefusedCell(const ListNode& list, const RowField& field, PropertyError error,
-                      const VtrString& reason) {
-  SetResult result{false, error, {}, reason};
-  result.text.Format(L"Field \"%s\" of list \"%s\" refuses the value: %s", field.name,
-                     list.ListName(), reason);
-  return result;
-}
-
-}  // namespace details
-
 std::size_t ListChange::PlaceOf(std::size_t i) const noexcept {
   switch (Kind()) {
     case ListChangeKind::Changed:
@@ -77,7 +58,8 @@ SetResult AnyList::SetCell(std::size_t index, const VtrString& field, const Valu
   const auto number = FieldNumber(field);
   if (number) return SetCell(index, *number, value);
   return {false, PropertyError::Absent,
-          VtrString().Format(L"The rows of list \"%s\" have no field \"%s\".", ListName(), field)};
+          VtrString().Format(L"The rows of list \"%s\" have no field \"%s\".",
+                             details::ShownName(*this), field)};
 }
 
 SetResult AnyList::SetCell(std::size_t index, std::size_t field, const Value& value) {
@@ -85,14 +67,14 @@ SetResult AnyList::SetCell(std::size_t index, std::size_t field, const Value& va
   if (field >= FieldCount()) {
     return {false, PropertyError::Absent,
             VtrString().Format(L"The rows of list \"%s\" have %d fields, and no number %d.",
-                               ListName(), FieldCount(), field)};
+                               details::ShownName(*this), FieldCount(), field)};
   }
   const details::RowField& described = Table()->fields[field];
   if (described.isReadOnly) {
     return {false, PropertyError::ReadOnly,
             VtrString().Format(L"Field \"%s\" of list \"%s\" can be read, but only the owner of "
                                L"the list sets it.",
-                               described.name, ListName())};
+                               described.name, details::ShownName(*this))};
   }
   return UpdateRow(At(index), [&](void* row) {
     SetResult result = described.set(row, value);

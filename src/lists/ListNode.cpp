@@ -32,6 +32,16 @@ ListNode::ListNode() { static_cast<void>(weak.GetRef()); }
 
 ListNode::~ListNode() = default;
 
+RowId ListNode::FindKey(const void* key) const noexcept {
+  const RowTable* const table = Table();
+  if (table == nullptr || table->key == nullptr) return noRow;
+  for (std::size_t i = 0; i < Size(); ++i) {
+    const RowId row = At(i);
+    if (table->areKeysEqual(table->key(RowOf(row)), key)) return row;
+  }
+  return noRow;
+}
+
 Subscription ListNode::ObserveChanges(RepeatingCallback<void(const ListChange&)> observer) {
   if (!observer) return {};
   const bool hearsThis = phase == Phase::Before;
@@ -104,6 +114,7 @@ DATABINDING_CATCHES_CANCELLATION void ListNode::CallObservers(const ListStep& st
 }
 
 void ListNode::TellEnd(void (*empty)(ListNode& self)) noexcept {
+  if (std::exchange(hasEnded, true)) return;
   ListStep step;
   step.kind = ListChangeKind::Reset;
   Turns()->Drop(this);

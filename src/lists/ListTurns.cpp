@@ -2,13 +2,13 @@
 // This file holds the queue of a family of lists.
 
 #include <exception>
-#include <stdexcept>
 #include <utility>
 
 #include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/foundation/ScopedValue.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/lists/details/ListCore.h"
+#include "ListTexts.h"
 
 namespace DataBinding::details {
 
@@ -27,7 +27,7 @@ void ListTurns::Reserve() {
   if (waiting.size() == waiting.capacity()) waiting.reserve(2 * waiting.size() + 4);
 }
 
-bool ListTurns::Take(std::unique_ptr<ListTurn> turn) {
+bool ListTurns::Take(ListTurnPtr turn) {
   if (isTelling) {
     waiting.push_back(std::move(turn));
     return false;
@@ -37,7 +37,7 @@ bool ListTurns::Take(std::unique_ptr<ListTurn> turn) {
   return true;
 }
 
-void ListTurns::RunAll(std::unique_ptr<ListTurn> first) {
+void ListTurns::RunAll(ListTurnPtr first) {
   FirstFailure failure;
   {
     const ScopedValue telling(isTelling, true);
@@ -54,7 +54,7 @@ void ListTurns::RunAll(std::unique_ptr<ListTurn> first) {
 }
 
 /// Returns the next turn that was not dropped, or null.
-std::unique_ptr<ListTurn> ListTurns::TakeNext() noexcept {
+ListTurnPtr ListTurns::TakeNext() noexcept {
   while (next < waiting.size()) {
     if (auto turn = std::move(waiting[next++])) return turn;
   }
@@ -73,7 +73,7 @@ void ListTurns::ReportUnrest() const {
   constexpr auto* text =
       "The callbacks of a list have changed it a thousand times within one operation.";
   ReportFailure(root == nullptr ? VtrString() : root->ListName(),
-                std::make_exception_ptr(std::runtime_error(text)));
+                std::make_exception_ptr(ListFault(text)));
 }
 
 }  // namespace DataBinding::details

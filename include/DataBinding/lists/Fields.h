@@ -84,10 +84,12 @@ template <class... Descriptions>
   return std::tuple<Descriptions...>(fields...);
 }
 
-/// Types that can be rows of a list: they have fields, are copied, and are moved without throwing.
+/// Types that can be rows of a list: they have fields, are copied, are moved without throwing, and
+/// need no greater alignment than `new` gives.
 template <class Row>
 concept ListRow = std::copyable<Row> && std::is_nothrow_move_constructible_v<Row> &&
-    std::is_nothrow_destructible_v<Row> && requires(const Row* row) {
+                  std::is_nothrow_destructible_v<Row> &&
+                  alignof(Row) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__&& requires(const Row* row) {
   FieldsOf(row);
 };
 
@@ -123,9 +125,20 @@ inline constexpr std::size_t keyOf = FindKey<Row>();
 template <class Row>
 inline constexpr bool hasKey = keyOf<Row> < std::tuple_size_v<decltype(fieldsOf<Row>)>;
 
+/// Stands for the key of rows that have none.
+class NoKey;
+
+template <class Row>
+struct KeyTypeOf {
+  using Type = NoKey;
+};
 template <class Row>
 requires hasKey<Row>
-using KeyOf = typename std::remove_cvref_t<decltype(std::get<keyOf<Row>>(fieldsOf<Row>))>::Type;
+struct KeyTypeOf<Row> {
+  using Type = typename std::remove_cvref_t<decltype(std::get<keyOf<Row>>(fieldsOf<Row>))>::Type;
+};
+template <class Row>
+using KeyOf = typename KeyTypeOf<Row>::Type;
 
 /// Returns the number of the field that a member is, or nothing if it is none.
 template <class Row, class T>

@@ -117,7 +117,19 @@ class DATABINDING_API ListTurn {
   virtual void Run() = 0;
   /// The node or view whose turn it is; Drop finds turns by it.
   [[nodiscard]] virtual const void* Owner() const noexcept = 0;
+  /// Is called when the turn is over or dropped, and deletes it. A turn that is used again
+  /// overrides this.
+  virtual void Release() noexcept { delete this; }
 };
+
+struct ReleaseTurn {
+  ReleaseTurn() noexcept = default;
+  /// Lets a std::unique_ptr to any turn become a ListTurnPtr.
+  template <std::derived_from<ListTurn> Turn>
+  ReleaseTurn(const std::default_delete<Turn>& /*deleter*/) noexcept {}
+  void operator()(ListTurn* turn) const noexcept { turn->Release(); }
+};
+using ListTurnPtr = std::unique_ptr<ListTurn, ReleaseTurn>;
 
 /// The queue of a family.
 class DATABINDING_API ListTurns : public std::enable_shared_from_this<ListTurns> {
@@ -134,19 +146,19 @@ class DATABINDING_API ListTurns : public std::enable_shared_from_this<ListTurns>
   /// Runs the turn, and after it the turns that have come to wait. Returns false when the family
   /// tells a change: then the turn waits. The first exception of a turn leaves this call after all
   /// have run.
-  bool Take(std::unique_ptr<ListTurn> turn);
+  bool Take(ListTurnPtr turn);
   /// Drops what an owner has waiting. An owner that ends calls this.
   void Drop(const void* owner) noexcept;
   /// The root of the family has ended.
   void ForgetRoot() noexcept { root = nullptr; }
 
  private:
-  void RunAll(std::unique_ptr<ListTurn> first);
-  std::unique_ptr<ListTurn> TakeNext() noexcept;
+  void RunAll(ListTurnPtr first);
+  ListTurnPtr TakeNext() noexcept;
   void ReportUnrest() const;
 
   ListNode* root;
-  std::vector<std::unique_ptr<ListTurn>> waiting;
+  std::vector<ListTurnPtr> waiting;
   std::size_t next = 0;
   bool isTelling = false;
 };
@@ -185,11 +197,15 @@ class DATABINDING_API ListNode {
   [[nodiscard]] virtual const void* RowOf(RowId id) const noexcept = 0;
   /// What is known of the row type, or null while that is not known.
   [[nodiscard]] virtual const RowTable* Table() const noexcept = 0;
+  /// The first row of a key, or `noRow`. It takes O(n) unless a class knows better.
+  [[nodiscard]] virtual RowId FindKey(const void* key) const noexcept;
+  static constexpr RowId noRow = ~RowId{0};
   /// Calls a function with a copy of a row, and then changes the row as the list's Update does.
   virtual SetResult UpdateRow(RowId id, const RowEdit& edit) = 0;
   /// The queue of the family, which may be another one after a bind has changed its source.
   [[nodiscard]] virtual const std::shared_ptr<ListTurns>& Turns() const noexcept = 0;
-  /// The name under which failures are reported.
+  /// The name under which failures are reported, which is empty for a list that is no member of a
+  /// source. This must not allocate.
   [[nodiscard]] virtual VtrString ListName() const = 0;
   /// All ids are below this one.
   [[nodiscard]] virtual RowId IdsBelow() const noexcept = 0;
@@ -202,6 +218,9 @@ class DATABINDING_API ListNode {
   void RemoveDependent(ListDependent& dependent) noexcept;
   /// Calls a function for each change, before and after it. Null gives an inert subscription.
   Subscription ObserveChanges(RepeatingCallback<void(const ListChange&)> observer);
+
+  /// Tells whether the node lives. It ends before its rows do.
+  [[nodiscard]] WeakReference Liveness() const { return weak.GetRef(); }
 
  protected:
   ListNode();
@@ -219,10 +238,12 @@ class DATABINDING_API ListNode {
   bool TellAfter(const ListStep& step) noexcept;
   ///@}
   /// Tells that the node ends: observers hear a Reset, dependents that it ends. The destructor of a
-  /// class calls it as the first thing; `empty` leaves the node without rows.
+  /// class calls it as the first thing; `empty` leaves the node without rows. Only the first call
+  /// does anything.
   void TellEnd(void (*empty)(ListNode& self)) noexcept;
 
  private:
+  friend class ListEngine;
   enum class Phase { Rest, Before, BeforeInDependents, After };
   class Observer;
 
@@ -234,6 +255,7 @@ class DATABINDING_API ListNode {
   std::size_t heardBefore = 0;             // the dependents that have heard Before of this step
   std::uint64_t serial = 0;
   Phase phase = Phase::Rest;
+  bool hasEnded = false;
   WeakReferenceOwner weak;
 };
 

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include "../lists/Processes.h"
+#include "Attempts.h"
+#include "DataBinding/broadcast/ListenerGuard.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+TEST(ListMemory, LosesNothingWhenAnyAllocationFails) {
+  SetListenerFailureHandler([](const ListenerFailure&) {});  // the twins are meant
+  Attempts::Of([](Attempts& attempt) {
+    ListData<Process> list;
+    std::string log;
+    log.reserve(1000);
+    const Subscription seen = WriteDown(list, log);
+    auto rows = Processes({1, 2, 3, 4, 5, 6, 7, 8});
+    attempt([&] { return list.Assign(rows).changed; });
+    rows.erase(rows.begin() + 2);
+    std::swap(rows.front(), rows.back());
+    rows.push_back({1, L"twin", 0});
+    attempt([&] { return list.Assign(rows).changed; });
+    attempt([&] { return list.Insert(0, Process{9, L"p", 0}).changed; });
+    attempt([&] { return list.Move(0, 2, 4).changed; });
+    const std::vector<int> keys{4, 5, 6};
+    attempt([&] { return list.Update(keys, [](Process& process) { process.id += 10; }).changed; });
+    attempt([&] { return list.Remove(1, 3).changed; });
+    EXPECT_EQ(log, "+0x8 -2 >6to0 >1to6 +7 +0 >0x2to4 =1x3 -1x3 ");
+    EXPECT_EQ(IdsOf(list), "2 9 8 7 1 1 ");
+  });
+  SetListenerFailureHandler({});
+}
+
+TEST(ListMemory, LosesNothingWhenAnAllocationOfAWaitingOperationFails) {
+  Attempts::Of([](Attempts& attempt) {
+    ListData<Process> list;
+    auto rows = Processes({1, 2, 3, 4});
+    attempt([&] { return list.Assign(rows).changed; });
+    bool isDone = false;
+    Subscription seen;
+    const auto react = [&](const RowChange<Process>&) {
+      if (std::exchange(isDone, true)) return;
+      attempt([&] { return list.Insert(1, Process{8, L"p", 0}).waits; });
+      attempt([&] { return list.Update(3, [](Process& row) { row.id = 7; }).waits; });
+      attempt([&] { return list.Move(0, 1, 2).waits; });
+      attempt([&] { return list.RemoveKey(2).waits; });
+    };
+    attempt([&] { seen = list.Observe({.before = react}); });
+    rows.pop_back();
+    attempt([&] { return list.Assign(rows).changed; });
+    EXPECT_EQ(IdsOf(list), "8 7 1 ");
+  });
+}
+
+TEST(ListMemory, ChangesARowWithoutAllocating) {
+  ListData<Process> list;
+  list.Assign(Processes({1, 2, 3}));
+  int heard = 0;
+  const Subscription seen = list.Observe({.after = [&](const auto&) { ++heard; }});
+  const auto change = [&] { list.Update(2, [](Process& process) { process.cpu += 1; }); };
+  change();
+
+  const auto before = Allocations();
+  for (int i = 0; i < 10; ++i) change();
+
+  EXPECT_EQ(Allocations(), before);
+  EXPECT_EQ(heard, 11);
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing
