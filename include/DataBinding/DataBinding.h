@@ -58,6 +58,7 @@
 #include "DataBinding/foundation/ThreadLock.h"
 #include "DataBinding/foundation/TypeName.h"
 #include "DataBinding/foundation/WeakPtr.h"
+#include "DataBinding/framework/AnyBind.h"
 #include "DataBinding/framework/BindChange.h"
 #include "DataBinding/framework/BindStatus.h"
 #include "DataBinding/framework/BindTypes.h"

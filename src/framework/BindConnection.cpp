@@ -34,8 +34,8 @@ void TellChange(const BindStateBase* subscriber, const BindConnection& connectio
 
 }  // namespace
 
-BindConnection::BindConnection(const Framework::IBaseBind& bind, const runtime_type_base& plain,
-                               const runtime_type_base& readOnly)
+BindConnection::BindConnection(const Framework::IBaseBind& bind, const runtime_type_base* plain,
+                               const runtime_type_base* readOnly)
     : plainType(plain),
       readOnlyType(readOnly),
       contextName(bind.DataContextName()),
@@ -152,7 +152,7 @@ IDataSource* BindConnection::NearestSource() const noexcept {
 }
 
 Framework::BindStatus BindConnection::Status() const {
-  const Wish wish{sourceName, propertyName, &plainType, &readOnlyType};
+  const Wish wish{sourceName, propertyName, plainType, readOnlyType};
   if (!NamesAProperty()) return ExplainUnbound(sourceName);
   if (Provider() == nullptr) return ExplainNoScope(wish);
   if (isWaiting) return ExplainWaiting(wish);

@@ -106,7 +106,9 @@ BindStatus NoSuchProperty(const Wish& wish, IDataSource& source) {
 
 /// Tells whether this source has the property, without regard to other sources.
 BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
-  const auto found = ReflectionAccess::Find(&source, wish.property, *wish.plain, *wish.readOnly);
+  const auto found = wish.plain == nullptr ? ReflectionAccess::FindAny(&source, wish.property)
+                                           : ReflectionAccess::Find(&source, wish.property,
+                                                                    *wish.plain, *wish.readOnly);
   const auto explain = [&](PropertyError error) {
     return ReflectionAccess::Explain(error, &source, wish.property, wish.plain);
   };

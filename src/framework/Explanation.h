@@ -17,7 +17,7 @@ namespace DataBinding::details {
 struct Wish {
   VtrString source;
   VtrString property;
-  /// Hold the types under which the property may be filed; null where no property is explained.
+  /// Hold the types under which the property may be filed; null stands for any type.
   const runtime_type_base* plain = nullptr;
   const runtime_type_base* readOnly = nullptr;
 };

@@ -38,7 +38,8 @@ class Copying {
     for (const VtrString& name : from.GetNamesInOrder()) {
       if (!from.GetDelegateType(name).IsFunction()) Add(from, to, name);
     }
-    std::ranges::stable_partition(pairs, [](const Pair& pair) { return !pair.readsOthers; });
+    std::stable_partition(pairs.begin(), pairs.end(),
+                          [](const Pair& pair) { return !pair.readsOthers; });
   }
 
   void Check() {

@@ -35,9 +35,10 @@ class DataBindListener;
 /// heap because each of its calls ends with telling the subscribers, who may end the bind.
 class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
  public:
-  /// Takes a bind's names, and the two types under which its property may be filed.
-  BindConnection(const Framework::IBaseBind& bind, const runtime_type_base& plain,
-                 const runtime_type_base& readOnly);
+  /// Takes a bind's names, and the two types under which its property may be filed, or null for any
+  /// type.
+  BindConnection(const Framework::IBaseBind& bind, const runtime_type_base* plain,
+                 const runtime_type_base* readOnly);
   BindConnection(const BindConnection&) = delete;
   BindConnection& operator=(const BindConnection&) = delete;
   virtual ~BindConnection();
@@ -92,8 +93,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   [[nodiscard]] std::size_t ContextIndex() const;
   [[nodiscard]] IDataSource* NearestSource() const noexcept;
 
-  const runtime_type_base& plainType;
-  const runtime_type_base& readOnlyType;
+  const runtime_type_base* plainType;
+  const runtime_type_base* readOnlyType;
   VtrString contextName;
   VtrString sourceName;
   VtrString propertyName;
@@ -107,44 +108,75 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   Subscription propertySubscription;
 };
 
+/// A ReferringConnection keeps what it has found by a Ref, which is a PropertyRef or an
+/// AnyPropertyRef.
+template <class Ref>
+class ReferringConnection : public BindConnection {
+ public:
+  using Value = typename Ref::Value;
+
+  /// Looks for a property again if it was not there, since it may come and go while its source
+  /// stays.
+  [[nodiscard]] bool HasValue() const override {
+    return property.IsThere() || (Source() != nullptr && LookAgain());
+  }
+  [[nodiscard]] bool IsReadOnly() const { return HasValue() && property.IsReadOnly(); }
+  [[nodiscard]] SetResult Check(const Value& value) const {
+    return HasValue() ? property.Check(value) : NoValue<SetResult>();
+  }
+  Subscription SubscribeToChecks(const RepeatingCallback<void()>& callback) const {
+    return HasValue() ? property.SubscribeToChecks(callback) : Subscription();
+  }
+
+ protected:
+  ReferringConnection(const Framework::IBaseBind& bind, const runtime_type_base* plain,
+                      const runtime_type_base* readOnly)
+      : BindConnection(bind, plain, readOnly), property(nullptr, bind.Path()) {}
+
+  /// Returns the result for a property that is not there.
+  template <class Result>
+  [[nodiscard]] Result NoValue() const {
+    Result result;
+    result.error = property ? PropertyError::Absent : property.Error();
+    result.text = Status().text;
+    return result;
+  }
+
+  [[nodiscard]] bool LookAgain() const {
+    property = Ref(Source(), PropertyName());
+    return property.IsThere();
+  }
+
+  mutable Ref property;
+
+ private:
+  const PropertyRefBase& Refer(IDataSource* newSource, const VtrString& name) override {
+    return property = Ref(newSource, name);
+  }
+};
+
 template <class T>
-class TypedBindConnection final : public BindConnection {
+class TypedBindConnection final : public ReferringConnection<PropertyRef<T>> {
  public:
   explicit TypedBindConnection(const Framework::IBaseBind& bind)
-      : BindConnection(bind, runtime_type<T>::Get(), runtime_type<const T>::Get()),
-        property(nullptr, bind.Path()) {}
+      : ReferringConnection<PropertyRef<T>>(bind, &runtime_type<T>::Get(),
+                                            &runtime_type<const T>::Get()) {}
 
-  [[nodiscard]] bool HasValue() const override { return Access() != nullptr; }
-  [[nodiscard]] bool IsReadOnly() const { return HasValue() && property.IsReadOnly(); }
   Subscription SubscribeToValue(const RepeatingCallback<void(const T&)>& callback) {
     return this->subscribers.AddFor(callback.GetMemento(), &TellValue);
   }
   [[nodiscard]] PropertyValue<T> Get() const {
-    PropertyValue<T> value = property.Get();
+    PropertyValue<T> value = this->property.Get();
     if (value) return value;
-    if (HasValue()) return property.Get();
-    value.text = Status().text;
-    return value;
+    if (this->HasValue()) return this->property.Get();
+    return this->template NoValue<PropertyValue<T>>();
   }
   SetResult Set(T value) {
-    if (HasValue()) return property.Set(std::move(value));
-    return {false, property.Error(), Status().text};
+    if (this->HasValue()) return this->property.Set(std::move(value));
+    return this->template NoValue<SetResult>();
   }
 
  private:
-  const PropertyRefBase& Refer(IDataSource* newSource, const VtrString& name) override {
-    return property = PropertyRef<T>(newSource, name);
-  }
-  /// Returns the property, or null. Looks for a property again if it was not there, since it may
-  /// come and go while its source stays.
-  [[nodiscard]] IProperty<T>* Access() const {
-    auto* const known = property.Property();
-    return known != nullptr || Source() == nullptr ? known : LookAgain();
-  }
-  [[nodiscard]] IProperty<T>* LookAgain() const {
-    property = PropertyRef<T>(Source(), PropertyName());
-    return property.Property();
-  }
   /// Calls a subscriber with the value, if there is one now.
   static void TellValue(const BindStateBase* subscriber, const BindConnection& connection,
                         const Framework::BindChange& /*change*/) {
@@ -155,14 +187,75 @@ class TypedBindConnection final : public BindConnection {
     const T computed = found->GetValue();
     Callback::CallOf(*subscriber, computed);
   }
+  /// Returns the property, or null.
+  [[nodiscard]] IProperty<T>* Access() const {
+    auto* const known = this->property.Property();
+    if (known != nullptr || this->Source() == nullptr) return known;
+    return this->LookAgain() ? this->property.Property() : nullptr;
+  }
+};
 
-  mutable PropertyRef<T> property;
+/// A ConnectedBind is a bind with a connection. It is what a DataBind and an AnyBind are.
+template <class T, class Connection>
+class ConnectedBind : public Framework::IDataBind<T> {
+ public:
+  ConnectedBind() : ConnectedBind(VtrString(), VtrString(), VtrString()) {}
+  /// Takes the names. The bind is connected to nothing until Connect.
+  ConnectedBind(const VtrString& context, const VtrString& source, const VtrString& property)
+      : Framework::IDataBind<T>(context, source, property),
+        connection(std::make_unique<Connection>(*this)) {}
+  /// Takes the names and connects at once.
+  ConnectedBind(IDataSourceProvider* provider, const VtrString& context, const VtrString& source,
+                const VtrString& property)
+      : ConnectedBind(context, source, property) {
+    connection->Connect(*this, provider);
+  }
+  /// Does the same, beginning at the given scope itself.
+  ConnectedBind(IDataSourceProvider* provider, const VtrString& source, const VtrString& property)
+      : ConnectedBind(provider, VtrString(), source, property) {}
+  /// Connects to the scope that the other bind is connected to.
+  ConnectedBind(const ConnectedBind& other)
+      : Framework::IDataBind<T>(other), connection(std::make_unique<Connection>(*this)) {
+    connection->Connect(*this, other.connection->Provider());
+  }
+  /// Takes the other's names and scope over, and tells the subscribers, which stay.
+  ConnectedBind& operator=(const ConnectedBind& other) {
+    if (this == &other) return *this;
+    Framework::IDataBind<T>::operator=(other);
+    connection->Connect(*this, other.connection->Provider());
+    return *this;
+  }
+  ~ConnectedBind() override { this->EndLiveness(); }
+
+  void Connect(IDataSourceProvider* provider) override { connection->Connect(*this, provider); }
+  /// Returns Data, as every value bind does.
+  [[nodiscard]] Framework::BindTypeEnum BindType() const override {
+    return Framework::BindTypeEnum::Data;
+  }
+  [[nodiscard]] Framework::BindStatus Status() const override { return connection->Status(); }
+  [[nodiscard]] bool IsReadOnly() const override { return connection->IsReadOnly(); }
+  [[nodiscard]] bool HasValue() const override { return connection->HasValue(); }
+  Subscription SubscribeToChanges(const Framework::ChangeCallback& callback) override {
+    return connection->Subscribe(callback);
+  }
+  [[nodiscard]] PropertyValue<T> Get() const override { return connection->Get(); }
+  SetResult Set(T value) override { return connection->Set(std::move(value)); }
+  [[nodiscard]] SetResult Check(const T& value) const override { return connection->Check(value); }
+  Subscription SubscribeToChecks(const RepeatingCallback<void()>& callback) const override {
+    return connection->SubscribeToChecks(callback);
+  }
+
+ protected:
+  std::unique_ptr<Connection> connection;
 };
 
 }  // namespace details
 
 namespace Framework {
 
+/// A DataBind is made from a scope and names: `{&scope, L"Context", L"Source", L"Property"}`. The
+/// context may be left out, and the scope may be given later, by Connect.
+///
 /// A copy has the same names and a connection of its own to the same scope; subscribers stay with
 /// the bind to which they subscribed. A move does the same, deliberately, so that a bind that was
 /// moved from still serves its subscribers. A bind that is assigned to takes over the other's names
@@ -175,54 +268,13 @@ namespace Framework {
 /// source comes or goes. It then begins to look when that scope has called them, and tells its
 /// subscribers after that.
 template <class T>
-class DataBind final : public IDataBind<T> {
+class DataBind final : public details::ConnectedBind<T, details::TypedBindConnection<T>> {
  public:
-  DataBind() : DataBind(VtrString(), VtrString(), VtrString()) {}
-  /// Takes the names. The bind is connected to nothing until Connect.
-  DataBind(const VtrString& context, const VtrString& source, const VtrString& property)
-      : IDataBind<T>(context, source, property), connection(std::make_unique<Connection>(*this)) {}
-  /// Takes the names and connects at once.
-  DataBind(IDataSourceProvider* provider, const VtrString& context, const VtrString& source,
-           const VtrString& property)
-      : DataBind(context, source, property) {
-    connection->Connect(*this, provider);
-  }
-  /// Does the same, beginning at the given scope itself.
-  DataBind(IDataSourceProvider* provider, const VtrString& source, const VtrString& property)
-      : DataBind(provider, VtrString(), source, property) {}
-  /// Connects to the scope that the other bind is connected to.
-  DataBind(const DataBind& other)
-      : IDataBind<T>(other), connection(std::make_unique<Connection>(*this)) {
-    connection->Connect(*this, other.connection->Provider());
-  }
-  /// Takes the other's names and scope over, and tells the subscribers, which stay.
-  DataBind& operator=(const DataBind& other) {
-    if (this == &other) return *this;
-    IDataBind<T>::operator=(other);
-    connection->Connect(*this, other.connection->Provider());
-    return *this;
-  }
-  ~DataBind() override { this->EndLiveness(); }
+  using details::ConnectedBind<T, details::TypedBindConnection<T>>::ConnectedBind;
 
-  void Connect(IDataSourceProvider* provider) override { connection->Connect(*this, provider); }
-  /// Returns Data, as every value bind does.
-  [[nodiscard]] BindTypeEnum BindType() const override { return BindTypeEnum::Data; }
-  [[nodiscard]] BindStatus Status() const override { return connection->Status(); }
-  [[nodiscard]] bool IsReadOnly() const override { return connection->IsReadOnly(); }
-  [[nodiscard]] bool HasValue() const override { return connection->HasValue(); }
-  Subscription SubscribeToChanges(const ChangeCallback& callback) override {
-    return connection->Subscribe(callback);
-  }
   Subscription SubscribeToValue(const RepeatingCallback<void(const T&)>& callback) override {
-    return connection->SubscribeToValue(callback);
+    return this->connection->SubscribeToValue(callback);
   }
-  [[nodiscard]] PropertyValue<T> Get() const override { return connection->Get(); }
-  SetResult Set(T value) override { return connection->Set(std::move(value)); }
-
- private:
-  using Connection = details::TypedBindConnection<T>;
-
-  std::unique_ptr<Connection> connection;
 };
 
 }  // namespace Framework

@@ -29,6 +29,16 @@ class IDataBind : public IBaseDataBind {
   /// Sets the value and says whether it changed, or why it could not be set. Subscribers run before
   /// this returns; they may end the bind.
   virtual SetResult Set(T value) = 0;
+  /// Says what Set would answer, and sets nothing: it asks the property's validator. A bind that
+  /// does not override this accepts every value.
+  [[nodiscard]] virtual SetResult Check(const T& /*value*/) const { return {}; }
+  /// Runs the callback whenever one of the other properties is announced that the property's
+  /// validator reads and that it names, until the subscription ends: what Check says may be
+  /// different from then on. It belongs to the property that the bind shows now, and a bind that
+  /// comes to show another one has to be subscribed to again.
+  virtual Subscription SubscribeToChecks(const RepeatingCallback<void()>& /*callback*/) const {
+    return {};
+  }
   /// Runs the callback with the value whenever it changes or comes, until the subscription ends. It
   /// is not run when the value goes or while there is none; SubscribeToChanges tells of that.
   /// Subscribing does not run it. Otherwise it is treated like a callback of SubscribeToChanges,

@@ -11,6 +11,11 @@
 ///   auto size = TwoWay(bind, [&] { return box.Text(); }, [&](const VtrString& t) { box.Show(t); },
 ///                      TextConverter<int>());
 ///   box.onReturn = [&] { hint.Show(size.Commit().text); };
+///
+/// Check says what Commit would answer, and sets nothing, so that a box can turn red while the user
+/// types. What a property refuses may depend on other properties, which it names (Property.h). When
+/// one of these changes, the join asks again about the edit that was refused, and tells the outcome
+/// to the function of WhenAskedAgain. It leaves the widget as it is, and sets nothing.
 #pragma once
 
 #include <concepts>
@@ -19,6 +24,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/ScopedValue.h"
 #include "DataBinding/foundation/Subscription.h"
@@ -53,7 +59,7 @@ class ShownForm {
 /// A join shares this state with its subscription. So the state outlasts a function that ends the
 /// join.
 template <class T, class W>
-class TwoWayState {
+class TwoWayState : public std::enable_shared_from_this<TwoWayState<T, W>> {
  public:
   TwoWayState(Framework::IDataBind<T>& joined, RepeatingCallback<W()> reader,
               RepeatingCallback<void(const W&)> writer, Converter<T, W> conversion,
@@ -75,6 +81,7 @@ class TwoWayState {
   void End() {
     bind = nullptr;
     subscription.Cancel();
+    checks.Cancel();
   }
   /// Shows the bind's value, or that there is none. A change that the join's own edit makes is
   /// looked at when the edit is over.
@@ -88,22 +95,11 @@ class TwoWayState {
     widget = Widget::Edited;
     TellAbsent();
   }
-  SetResult Commit() {
-    if (step != Step::None) return {};
-    const ScopedValue committing(step, Step::Committing);
-    if (widget == Widget::Written) widget = Widget::Edited;
-    if (!IsJoined()) return Gone();
-    if (read.IsCancelled()) return Refused(L"The widget is gone.");
-    const W typed = read();
-    if (!IsJoined()) return Gone();
-    if (shown.Is(typed) && bind->HasValue()) return {};
-    const PropertyValue<T> edited = Parse(typed);
-    if (!edited) return Refused(edited.text);
-    if (!IsJoined()) return Gone();
-    const VtrString reason = ReasonAgainst(*edited, validate);
-    if (!reason.IsEmpty()) return Refused(reason);
-    return Set(*edited, typed);
+  void WhenAskedAgain(RepeatingCallback<void(const SetResult&)> callback) {
+    askedAgain = std::move(callback);
   }
+  SetResult Commit() { return Judge(&TwoWayState::Set); }
+  SetResult Check() { return Judge(&TwoWayState::CheckOnly); }
 
  private:
   /// Tells what the join is doing.
@@ -130,6 +126,43 @@ class TwoWayState {
   }
   static SetResult Refused(const VtrString& reason) {
     return {false, PropertyError::Refused, reason, reason};
+  }
+  /// Takes what the widget holds, and asks again about it from now on if it is refused.
+  template <class Finish>
+  SetResult Judge(Finish finish) {
+    if (step != Step::None) return {};
+    SetResult result = Take(finish);
+    checks.Cancel();
+    if (result.error == PropertyError::Refused && IsJoined()) {
+      checks = bind->SubscribeToChecks(BindWeak(this->weak_from_this(), &TwoWayState::AskAgain));
+    }
+    return result;
+  }
+  /// Reads, converts and validates what the widget holds, and finishes with it.
+  template <class Finish>
+  SetResult Take(Finish finish) {
+    const ScopedValue committing(step, Step::Committing);
+    if (widget == Widget::Written) widget = Widget::Edited;
+    if (!IsJoined()) return Gone();
+    if (read.IsCancelled()) return Refused(L"The widget is gone.");
+    const W typed = read();
+    if (!IsJoined()) return Gone();
+    if (shown.Is(typed) && bind->HasValue()) return {};
+    const PropertyValue<T> edited = Parse(typed);
+    if (!edited) return Refused(edited.text);
+    if (!IsJoined()) return Gone();
+    const VtrString reason = ReasonAgainst(*edited, validate);
+    if (!reason.IsEmpty()) return Refused(reason);
+    return (this->*finish)(*edited, typed);
+  }
+  [[nodiscard]] SetResult CheckOnly(const T& edited, const W& /*typed*/) {
+    return IsJoined() ? bind->Check(edited) : Gone();
+  }
+  /// Checks the refused edit once more, since a property has changed that the validator reads.
+  void AskAgain() {
+    if (step != Step::None) return;
+    const SetResult result = Take(&TwoWayState::CheckOnly);
+    if (IsJoined()) askedAgain(result);
   }
   [[nodiscard]] PropertyValue<T> Parse(const W& typed) const {
     if (!converter.parse.IsCancelled()) return converter.parse(typed);
@@ -171,20 +204,25 @@ class TwoWayState {
     if (!IsJoined()) return;
     shown.Note(form);
     widget = Widget::Written;
+    checks.Cancel();
     write(form);
   }
   void TellAbsent() {
     const ScopedValue telling(step, Step::Telling);
     shown.Forget();
+    checks.Cancel();
     if (std::exchange(widget, Widget::ToldAbsent) != Widget::ToldAbsent) absent();
   }
 
   Framework::IDataBind<T>* bind;
   WeakReference bindLiveness;
   Subscription subscription;
+  /// Is active from a refused edit until the next edit or value.
+  Subscription checks;
   RepeatingCallback<W()> read;
   RepeatingCallback<void(const W&)> write;
   RepeatingCallback<void()> absent;
+  RepeatingCallback<void(const SetResult&)> askedAgain;
   Converter<T, W> converter;
   RepeatingCallback<VtrString(const T&)> validate;
   ShownForm<W> shown;
@@ -230,6 +268,21 @@ class [[nodiscard]] TwoWayJoin {
   SetResult Commit() {
     const auto keep = state;
     return keep == nullptr ? SetResult() : keep->Commit();
+  }
+  /// Says what Commit would answer, and sets nothing: the widget is read, and what it holds is
+  /// converted and validated, also by the property. Does nothing where Commit does nothing.
+  [[nodiscard]] SetResult Check() {
+    const auto keep = state;
+    return keep == nullptr ? SetResult() : keep->Check();
+  }
+  /// Calls the function with the outcome when the join has asked again about a refused edit. That
+  /// happens each time that a property changes which the validator of the bind's property reads,
+  /// from the Commit or Check that was refused until the next one, or until the widget is written
+  /// or told that there is no value. The function takes the place of the former one, and may
+  /// commit.
+  void WhenAskedAgain(RepeatingCallback<void(const SetResult&)> askedAgain) {
+    const auto keep = state;
+    if (keep != nullptr) keep->WhenAskedAgain(std::move(askedAgain));
   }
 
  private:

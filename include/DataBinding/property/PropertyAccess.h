@@ -205,6 +205,9 @@ class PropertyRef : public details::PropertyRefBase {
 /// nothing.
 class DATABINDING_API AnyPropertyRef : public details::PropertyRefBase {
  public:
+  /// What the property is read as.
+  using Value = DataBinding::Value;
+
   /// Looks the property up, once. The source may be null and may end later.
   AnyPropertyRef(IDataSource* source, const VtrString& propertyName)
       : PropertyRefBase(source, propertyName,
