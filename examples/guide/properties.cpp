@@ -50,10 +50,8 @@ void ReadByName(IDataSource* source) {
 }
 
 void WriteOut(IDataSource* source) {
-  const auto print = [](const auto& value) { std::cout << value; };
   for (const auto& [name, item] : *source) {
-    std::cout << ' ' << name << '=';
-    if (!VisitProperty<int, bool>(source, name, print)) std::cout << '?';
+    std::cout << ' ' << name << '=' << AnyPropertyRef(source, name).ReadText();
   }
   std::cout << '\n';
 }

@@ -119,6 +119,8 @@ TEST(ValueForm, OfOnesOwnServesTextsToo) {
   EXPECT_EQ(ToText(Heat{280.5}), L"280.5");
   EXPECT_EQ(FromText<Heat>(L"3")->kelvin, 3);
   EXPECT_EQ(FromText<Heat>(L"-3").text, L"colder than cold");
+  EXPECT_EQ(FromValue<Heat>(true).text,
+            L"The value \"true\" of type bool does not fit type Weather::Heat.");
   EXPECT_EQ(FromText<Heat>(L"warm").text, L"\"warm\" is not a value of type Weather::Heat.");
 }
 

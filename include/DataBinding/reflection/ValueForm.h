@@ -42,10 +42,10 @@ namespace DataBinding {
 ///
 /// A specialisation has three static members: `kind` is the ValueKind that values of the type have,
 /// `ToValue(const T&)` returns the Value, and `FromValue(const Value&)` returns a PropertyValue<T>,
-/// with PropertyError::WrongType where the Value does not fit, or PropertyError::Refused and a
-/// reason for people where it fits but is none of the type's values. It may have `ToText(const T&)`
-/// and `FromText(const VtrString&)`, too; otherwise the text is that of the Value. Write it in the
-/// header of the type, so that the whole program uses one form.
+/// with PropertyError::WrongType and any text where the Value does not fit, or
+/// PropertyError::Refused and a reason for people where it fits but is none of the type's values.
+/// It may have `ToText(const T&)` and `FromText(const VtrString&)`, too; otherwise the text is that
+/// of the Value. Write it in the header of the type, so that the whole program uses one form.
 ///
 ///   template <>
 ///   struct DataBinding::ValueForm<Celsius> {
@@ -227,7 +227,10 @@ template <class T>
 template <class T>
 [[nodiscard]] PropertyValue<T> FromValue([[maybe_unused]] const Value& value) {
   if constexpr (HasValueForm<T>) {
-    return ValueForm<T>::FromValue(value);
+    PropertyValue<T> made = ValueForm<T>::FromValue(value);
+    // A form that is made of another one names the type of that one.
+    if (made.error == PropertyError::WrongType) return details::Misfit<T>(value);
+    return made;
   } else {
     return {{}, PropertyError::WrongType, details::ExplainFormless(runtime_type<T>::Get())};
   }
