@@ -59,10 +59,21 @@ class OurFoundProperty : public OurProperty {
       DataBinding::FindProperty<double>(source.get(), L"Target");
 };
 
+/// A property of a data source, set and read by a reference that does not know its type.
+class OurAnyProperty : public OurProperty {
+ public:
+  void Set(double wanted) { benchmark::DoNotOptimize(found.Write(wanted)); }
+  [[nodiscard]] double Get() const { return *found.Read()->Get<double>(); }
+
+ private:
+  DataBinding::AnyPropertyRef found{source.get(), L"Target"};
+};
+
 [[maybe_unused]] const bool propertiesMeasured[] = {
     MeasureProperty<OurProperty>("ours"),
     MeasureProperty<OurNamedProperty>("oursnamed"),
     MeasureProperty<OurFoundProperty>("oursfound"),
+    MeasureProperty<OurAnyProperty>("oursany"),
     MeasureProperty<SignalProperty<Floor>>("floor"),
     MeasureProperty<SignalProperty<BoostSignal>>("boost"),
 };

@@ -118,6 +118,8 @@ GOALS = [
     Row("Property<double>::Set, 1 listener", "set/ours/1", {"announcement": "announce/ours"}),
     CountRow("Property<double>::Set: allocations", "set/ours/1", "allocations", 0),
     Row("GetProperty<double> by name", "get/oursnamed", {"found before": "get/oursfound"}),
+    LimitRow("AnyPropertyRef::Read of a number", "get/oursany", 15),
+    CountRow("AnyPropertyRef::Read of a number: allocations", "get/oursany", "allocations", 0),
     CountRow("GetProperty<double>: allocations", "get/oursnamed", "allocations", 0),
     CountRow("a record of six properties, in bytes", RECORD, "bytes", 450),
     CountRow("a record of six properties: allocations", RECORD, "allocations", 2),

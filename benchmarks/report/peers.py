@@ -69,6 +69,8 @@ PROPERTIES = {
     "oursnamed": Peer("SetProperty by name", YES, BLUE, "finds the property by its name and "
                       "checks its type each time"),
     "oursfound": Peer("PropertyRef", YES, BLUE, "the same, found once"),
+    "oursany": Peer("AnyPropertyRef", YES, BLUE, "found once, without knowing the type: the number "
+                    "is a Value"),
     "floor": Peer("floor", FLOOR, GREY, "compares and stores a number, then loops over an array"),
     "boost": Peer("number + Boost signal", YES, RED, "compares and stores; a signal at its side"),
     "sigc": Peer("number + libsigc++ signal", NO, PURPLE, "the same"),

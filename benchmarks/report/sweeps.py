@@ -84,7 +84,8 @@ DATA = [
     Sweep("idle", "Idle object: construct, ask whether anybody listens, destroy", "",
           OBJECTS, "idle/{peer}", plotted=False),
     Sweep("get", "Read a property by its name", "",
-          selected(peers.PROPERTIES, "oursnamed", "oursfound", "qtnamed", "qtdynamic", "glib"),
+          selected(peers.PROPERTIES, "oursnamed", "oursfound", "oursany", "qtnamed",
+                   "qtdynamic", "glib"),
           "get/{peer}", plotted=False),
     Sweep("records", "Make 10,000 records of six properties; time of one", "",
           peers.RECORDS, "records/make/{peer}", plotted=False),
@@ -119,7 +120,7 @@ MEMORY = [
           OBJECTS, "memory/idle/{peer}/iterations:1", counter="bytes", plotted=False),
     Sweep("memory-property", "An object with one property that nobody listens to", "",
           {name: peer for name, peer in peers.PROPERTIES.items()
-           if name not in ("oursnamed", "oursfound", "qtnamed")},
+           if name not in ("oursnamed", "oursfound", "oursany", "qtnamed")},
           "memory/property/{peer}/iterations:1", counter="bytes", plotted=False),
     Sweep("memory-record", "A record of six properties that nobody listens to",
           "One of 10,000, with the pointer that owns it.",
