@@ -123,12 +123,8 @@ CopyResult CopyProperties(const IDataSource* from, IDataSource* to) {
   std::optional<PropertyBatch> batch;
   if (auto* const source = dynamic_cast<DataSourceImpl*>(to)) batch.emplace(*source);
   FirstFailure failure;
-  bool isSet = false;
-  failure.Try([&] {
-    copying.Set();
-    isSet = !copying.IsRefused();
-  });
-  if (!isSet) failure.Try([&] { copying.PutBack(); });
+  const bool isDone = failure.Try([&] { copying.Set(); });
+  if (!isDone || copying.IsRefused()) failure.Try([&] { copying.PutBack(); });
   if (batch) failure.Try([&] { batch->Commit(); });
   failure.Rethrow();
   return std::move(copying).Result();
