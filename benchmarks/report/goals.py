@@ -148,7 +148,7 @@ GOALS = [
         {"floor": "deliver/floor/100", "functions": "deliver/functions/100",
          "Boost": "deliver/boost/100"}, ("floor", 1.3)),
     Row("typed bind: set at the source to the widget's function", "bind/ours",
-        {"callback": "bind/callback"}, ("callback", 2.0)),
+        {"callback": "bind/callback", "asked": "bind/asking", "Qt": "bind/qt"}, ("callback", 2.0)),
     CountRow("typed bind: allocations", "bind/ours", "allocations", 0),
     LimitRow("IdlePass::Run with nothing queued", "idlepass/ours", 50),
     CountRow("IdlePass::Run: allocations", "idlepass/ours", "allocations", 0),

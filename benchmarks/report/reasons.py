@@ -68,10 +68,10 @@ REASONS = {
     ("idle", "boostmap"): OUT_OF_LINE,
     ("idle", "qtmap"): OUT_OF_LINE,
     ("bind", "qt"):
-        "The connection knows its source. A bind follows whatever source has the name: it reads "
-        "through a weak accessor (a quarter, with the widget's function), is told through its "
-        "connection (BindConnection::Notify, a sixth), and the property is announced by its name "
-        "under the guard.",
+        "The connection knows its source. A bind follows whatever source has the name: nearly three "
+        "quarters of the instructions announce the property by its name under the guard, and the "
+        "others walk the bind's subscribers (BindConnection::Notify), each of which may be cancelled "
+        "on any thread or end the bind, and look whether the property is still there.",
     ("queue", "functions"):
         "Memory: beside 10,000 names two fifths wait for the event's channel "
         "(NamedEvent::Dispatch) and its callback, which are allocated one by one; the functions "
