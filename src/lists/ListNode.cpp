@@ -14,13 +14,14 @@
 namespace DataBinding::details {
 
 /// An observer hears the changes from a certain one on. An observer that begins when the first call
-/// of a change is over does not hear the second.
+/// of a change is over does not hear the second. None hears what another change has interrupted.
 class ListNode::Observer {
  public:
   Observer(RepeatingCallback<void(const ListChange&)> callback, std::uint64_t first)
       : call(std::move(callback)), from(first) {}
   void operator()(const ListChange& change) const {
-    if (change.Serial() >= from) call(change);
+    const bool isTold = change.Serial() == change.Node().serial;
+    if (isTold && change.Serial() >= from) call(change);
   }
 
  private:
@@ -69,28 +70,29 @@ void ListNode::PrepareDependents(const ListPlan& plan) {
 bool ListNode::TellBefore(const ListStep& step) noexcept {
   const auto alive = weak.GetRef();
   std::erase(dependents, nullptr);
-  ++serial;
+  const auto isTold = [this, alive, own = ++serial] { return alive.IsValid() && serial == own; };
   phase = Phase::Before;
   CallObservers(step, true);
-  if (!alive.IsValid()) return false;
+  if (!isTold()) return false;
   phase = Phase::BeforeInDependents;
   for (heardBefore = 0; heardBefore < dependents.size();) {
     ListDependent* const dependent = dependents[heardBefore++];
     if (dependent != nullptr) dependent->Before(step);
-    if (!alive.IsValid()) return false;
+    if (!isTold()) return false;
   }
   return true;
 }
 
 bool ListNode::TellAfter(const ListStep& step) noexcept {
   const auto alive = weak.GetRef();
+  const auto isTold = [this, alive, own = serial] { return alive.IsValid() && serial == own; };
   phase = Phase::After;
   for (std::size_t i = 0; i < heardBefore; ++i) {
     if (dependents[i] != nullptr) dependents[i]->After(step);
-    if (!alive.IsValid()) return false;
+    if (!isTold()) return false;
   }
   CallObservers(step, false);
-  if (!alive.IsValid()) return false;
+  if (!isTold()) return false;
   phase = Phase::Rest;
   std::erase(dependents, nullptr);
   return true;

@@ -209,6 +209,9 @@ class DATABINDING_API ListNode {
   [[nodiscard]] virtual VtrString ListName() const = 0;
   /// All ids are below this one.
   [[nodiscard]] virtual RowId IdsBelow() const noexcept = 0;
+  /// Returns true while rows go because the list of a bind goes. They may come again with it, so a
+  /// selection waits for them.
+  [[nodiscard]] virtual bool IsSourceGoing() const noexcept { return false; }
   /// The outermost operation of the family whose root this is has ended.
   virtual void AtRest() {}
 
@@ -219,6 +222,8 @@ class DATABINDING_API ListNode {
   /// Calls a function for each change, before and after it. Null gives an inert subscription.
   Subscription ObserveChanges(RepeatingCallback<void(const ListChange&)> observer);
 
+  /// Returns true while a change of this node is told, also between the two calls.
+  [[nodiscard]] bool IsTelling() const noexcept { return phase != Phase::Rest; }
   /// Tells whether the node lives. It ends before its rows do.
   [[nodiscard]] WeakReference Liveness() const { return weak.GetRef(); }
 
@@ -232,7 +237,8 @@ class DATABINDING_API ListNode {
   [[nodiscard]] bool HasDependents() const noexcept { return !dependents.empty(); }
   void PrepareDependents(const ListPlan& plan);
   /// These tell a step: TellBefore while this node still is as it was, TellAfter when it has
-  /// changed. They return false when the node has ended meanwhile.
+  /// changed. They return false when the node has ended meanwhile, or when a bind has let go of its
+  /// rows, which takes the place of what was being told.
   ///@{
   bool TellBefore(const ListStep& step) noexcept;
   bool TellAfter(const ListStep& step) noexcept;
@@ -244,6 +250,7 @@ class DATABINDING_API ListNode {
 
  private:
   friend class ListEngine;
+  friend class BoundRows;
   enum class Phase { Rest, Before, BeforeInDependents, After };
   class Observer;
 
