@@ -11,6 +11,7 @@
 #include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/framework/DataBind.h"
+#include "DataBinding/property/details/ShownRecord.h"
 #include "Explanation.h"
 
 namespace DataBinding::details {
@@ -105,10 +106,18 @@ void BindConnection::Follow(IDataSource* newSource) {
   propertySubscription.Cancel();
   source = newSource;
   found = &Refer(source, propertyName);
+  record = ShownRecord::Of(source);
+  recordSerial = record == nullptr ? 0 : record->Serial();
   if (source == nullptr) return;
   const auto announced = [](BindConnection& self) { self.OnAnnounced(); };
   // An announcement compares names faster where the property shares its name's text.
   propertySubscription = source->Register(BindWeak(AsWeakPtr(), announced), found->Name());
+}
+
+void BindConnection::OnAnnounced() {
+  const std::uint64_t serial = record == nullptr ? 0 : record->Serial();
+  const bool isSame = std::exchange(recordSerial, serial) == serial;
+  Notify(isSame ? BindChange::Value : BindChange::Replaced);
 }
 
 Subscription BindConnection::Subscribe(const Framework::ChangeCallback& callback) {

@@ -10,6 +10,7 @@
 #include "DataBinding/datasource/IDataSourceProvider.h"
 #include "DataBinding/framework/BindTypes.h"
 #include "DataBinding/property/PropertyAccess.h"
+#include "DataBinding/property/details/ShownRecord.h"
 #include "DataBinding/registrar/IDataSourceConstructor.h"
 #include "DataBinding/registrar/IDataSourceRegistrar.h"
 
@@ -205,6 +206,9 @@ BindStatus ExplainFound(const Wish& wish, IDataSourceProvider& scope, IDataSourc
 }
 
 BindStatus ExplainUnreachable(const Wish& wish, IDataSource& found) {
+  if (const ShownRecord* const record = ShownRecord::Of(&found)) {
+    return {State::NoProperty, ExplainAbsence(*record, wish.source, wish.property)};
+  }
   return {State::WrongType,
           ReflectionAccess::Explain(PropertyError::NoAccessor, &found, wish.property, wish.plain)};
 }

@@ -6,6 +6,8 @@
 
 #include <utility>
 
+#include "DataBinding/property/details/ShownRecord.h"
+
 namespace DataBinding {
 
 namespace details {
@@ -149,7 +151,13 @@ PropertyRefBase::PropertyRefBase(const IDataSource* source, const VtrString& pro
   if (known && known->Name() == name) name = known->Name();
   accessor.SetMemento(found.accessor);
   if (error == PropertyError::None && !known && !accessor) error = PropertyError::NoAccessor;
-  if (error == PropertyError::None) return;
+  if (error == PropertyError::None) {
+    const ShownRecord* const record = known ? nullptr : ShownRecord::Of(source);
+    if (record != nullptr) {
+      whyAbsent = ExplainAbsence(*record, ReflectionAccess::NameOf(*source), name);
+    }
+    return;
+  }
   accessor = {};
   text = ReflectionAccess::Explain(error, source, name, wanted);
 }

@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -30,6 +31,7 @@ namespace DataBinding {
 namespace details {
 
 class DataBindListener;
+class ShownRecord;
 
 /// BindConnection is the part of a data bind that does not depend on its type. It stands on the
 /// heap because each of its calls ends with telling the subscribers, who may end the bind.
@@ -83,9 +85,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   /// this waits until it has called them.
   void Enter(IDataSourceProvider* provider);
   void Follow(IDataSource* newSource);
-  /// The property was announced. A source that shows one record after another by the same property
-  /// would be recognised here; for now every announcement tells of a value.
-  void OnAnnounced() { Notify(Framework::BindChange::Value); }
+  /// The property was announced. A source may show another record by it (ShownRecord.h).
+  void OnAnnounced();
   /// Tells the subscribers that the value of the followed property has changed, or that the bind
   /// follows another one, unless the value has come or gone.
   void Notify(Framework::BindChange ofProperty);
@@ -104,6 +105,9 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   bool isWaiting = false;
   IDataSource* source = nullptr;
   const PropertyRefBase* found = nullptr;
+  /// Belongs to the source if it shows one record after another, and is null otherwise.
+  const ShownRecord* record = nullptr;
+  std::uint64_t recordSerial = 0;
   bool hasToldOfValue = false;
   Subscription propertySubscription;
 };

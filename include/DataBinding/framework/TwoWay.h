@@ -181,6 +181,8 @@ class TwoWayState : public std::enable_shared_from_this<TwoWayState<T, W>> {
       isAccepted = result.IsAccepted();
     });
     const bool isChanged = std::exchange(step, Step::Committing) == Step::SettingAndChanged;
+    // A change that waits is shown when it is told.
+    isAccepted = isAccepted && !result.waits;
     if (isAccepted || isChanged) failure.Try([&] { ShowUnlessSame(edited, typed); });
     failure.Rethrow();
     return result;

@@ -127,12 +127,15 @@ class DATABINDING_API PropertyRefBase {
   [[nodiscard]] Result Failure(const runtime_type_base* wanted) const {
     Result result;
     result.error = error == PropertyError::None ? PropertyError::Absent : error;
-    result.text = error == PropertyError::None ? ReflectionAccess::ExplainGone(name, wanted) : text;
+    result.text = error == PropertyError::None ? WhyGone(wanted) : text;
     return result;
   }
 
  private:
   [[nodiscard]] PropertyBase* AskAccessor() const;
+  [[nodiscard]] VtrString WhyGone(const runtime_type_base* wanted) const {
+    return whyAbsent.IsEmpty() ? ReflectionAccess::ExplainGone(name, wanted) : whyAbsent;
+  }
 
   VtrString name;
   /// Leads to the property, or is null where an accessor was filed by hand.
@@ -141,6 +144,8 @@ class DATABINDING_API PropertyRefBase {
   PropertyError error;
   bool isReadOnly;
   VtrString text;
+  /// Explains why a source that shows records has no value for a while.
+  VtrString whyAbsent;
 };
 
 }  // namespace details

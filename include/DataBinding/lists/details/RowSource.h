@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A RowSource is the data source of a CurrentRow: its properties are the fields of the row that a
+/// selection shows. RowFieldProperty is such a property.
+///
+/// A property answers as absent while nothing is chosen; the source and its names stay. When
+/// another row is chosen, the serial number grows and all properties are announced; when fields of
+/// the shown row change, those are. What is set goes through the list's update of the row, and so
+/// through the validators of its fields.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/lists/Selection.h"
+#include "DataBinding/property/details/PropertyBase.h"
+#include "DataBinding/property/details/ShownRecord.h"
+
+namespace DataBinding::details {
+
+class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
+ public:
+  RowSource(const VtrString& name, AnySelection& selection);
+  ~RowSource() override;
+
+  /// Begins to follow the selection, when all properties are there.
+  void PostConstruct() override;
+  /// The shown row, or null.
+  [[nodiscard]] const void* ShownRow() const noexcept;
+  /// Changes the shown row by the list's update.
+  [[nodiscard]] SetResult Update(const RowEdit& edit);
+
+  [[nodiscard]] std::uint64_t Serial() const noexcept override { return serial; }
+  [[nodiscard]] const wchar_t* WhyAbsent() const noexcept override { return L"no row is chosen"; }
+
+ protected:
+  bool FindInterfaceByIID(const GUID& id, void** out) override;
+  /// Files a property, in the order of the fields.
+  void File(std::shared_ptr<PropertyBase> property);
+
+ private:
+  void FollowSelection();
+  void FollowList(const ListChange& change);
+  void AnnounceFields(std::uint64_t fields);
+
+  WeakPtr<AnySelection> chosen;
+  std::optional<RowId> shown;
+  std::uint64_t serial = 0;
+  std::vector<std::shared_ptr<PropertyBase>> fields;
+  Subscription ofSelection;
+  Subscription ofList;
+};
+
+/// A field of the shown row. T is the type of the field.
+template <class T>
+class RowFieldProperty final : public IProperty<T> {
+ public:
+  using Validate = VtrString (*)(const T& value);
+
+  RowFieldProperty(RowSource& source, const RowField& described, Validate validator)
+      : IProperty<T>(source, PropertyName(described.name)),
+        owner(source),
+        field(described),
+        validate(validator) {}
+  ~RowFieldProperty() override { this->EndAccess(); }
+
+  [[nodiscard]] const runtime_type_base& Type() const override {
+    if (field.isReadOnly) return runtime_type<const T>::Get();
+    return runtime_type<T>::Get();
+  }
+  /// There is a row: the accessor of the property makes sure of it.
+  [[nodiscard]] T GetValue() const override { return *KeptValue(); }
+  [[nodiscard]] const T* KeptValue() const noexcept override {
+    return static_cast<const T*>(field.member(owner.ShownRow()));
+  }
+  SetResult SetValue(T value) override {
+    if (field.isReadOnly) return this->ReadOnlyResult();
+    return owner.Update(RowEdit([&](void* row) {
+      // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a field of a row that may be changed
+      *const_cast<T*>(static_cast<const T*>(field.member(row))) = value;
+      return SetResult();
+    }));
+  }
+  [[nodiscard]] SetResult CheckValue(const T& value) const override {
+    if (field.isReadOnly) return this->ReadOnlyResult();
+    const VtrString reason = validate == nullptr ? VtrString() : validate(value);
+    return reason.IsEmpty() ? SetResult() : this->RefusedResult(reason);
+  }
+
+ private:
+  RowSource& owner;
+  const RowField& field;
+  Validate validate;
+};
+
+template <class Row>
+class TypedRowSource final : public RowSource {
+ public:
+  TypedRowSource(const VtrString& name, Selection<Row>& selection) : RowSource(name, selection) {
+    VisitFields<Row>([this](const auto& field, std::size_t number) {
+      using T = typename std::remove_cvref_t<decltype(field)>::Type;
+      File(std::make_shared<RowFieldProperty<T>>(*this, TableOf<Row>().fields[number],
+                                                 field.options.validate));
+    });
+  }
+};
+
+}  // namespace DataBinding::details

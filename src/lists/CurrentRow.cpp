@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/lists/CurrentRow.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/property/PropertyBatch.h"
+
+namespace DataBinding::details {
+
+RowSource::RowSource(const VtrString& name, AnySelection& selection)
+    : NamedDataSource(name), chosen(selection.AsWeakPtr()) {}
+
+RowSource::~RowSource() = default;
+
+/// The accessor answers null while there is no row, and therefore is filed by hand.
+void RowSource::File(std::shared_ptr<PropertyBase> property) {
+  const auto present = [this](PropertyBase& field) {
+    return ShownRow() == nullptr ? nullptr : &field;
+  };
+  const PropertyAccessor accessor = BindWeak(property->AsWeakPtr(), present);
+  _AddDelegate(property->Name(), accessor.GetMemento(), property->Type());
+  fields.push_back(std::move(property));
+}
+
+void RowSource::PostConstruct() {
+  NamedDataSource::PostConstruct();
+  if (!chosen) return;
+  const WeakPtr<RowSource> self(GetLiveness(), this);
+  ofSelection = chosen->Observe({.changed = BindWeak(self, &RowSource::FollowSelection)});
+  if (AnyList* const list = chosen->List()) {
+    ofList = list->ObserveChanges(BindWeak(self, &RowSource::FollowList));
+  }
+  shown = chosen->CurrentId();
+}
+
+bool RowSource::FindInterfaceByIID(const GUID& id, void** out) {
+  if (out == nullptr || id != VtrUtils::InterfaceId<ShownRecord>::value) {
+    return NamedDataSource::FindInterfaceByIID(id, out);
+  }
+  *out = static_cast<ShownRecord*>(this);
+  return true;
+}
+
+const void* RowSource::ShownRow() const noexcept {
+  const AnySelection* const selection = chosen.Get();
+  const auto id = selection == nullptr ? std::nullopt : selection->CurrentId();
+  return id ? selection->List()->RowOf(*id) : nullptr;
+}
+
+SetResult RowSource::Update(const RowEdit& edit) {
+  const AnySelection* const selection = chosen.Get();
+  const auto id = selection == nullptr ? std::nullopt : selection->CurrentId();
+  if (id) return selection->List()->UpdateRow(*id, edit);
+  return {false, PropertyError::Absent, WhyAbsent()};
+}
+
+void RowSource::FollowSelection() {
+  const auto now = chosen ? chosen->CurrentId() : std::nullopt;
+  if (std::exchange(shown, now) == now) return;
+  ++serial;
+  AnnounceFields(~std::uint64_t{0});
+}
+
+void RowSource::FollowList(const ListChange& change) {
+  if (change.IsBefore() || change.Kind() != ListChangeKind::Changed || !shown) return;
+  if (std::ranges::count(change.Ids(), *shown) != 0) AnnounceFields(change.Step().fields);
+}
+
+/// Announces the fields of these bits in one batch.
+void RowSource::AnnounceFields(std::uint64_t bits) {
+  PropertyBatch batch(*this);
+  for (std::size_t number = 0; number < fields.size(); ++number) {
+    if ((bits & RowTable::BitOf(number)) != 0) fields[number]->NotifyChanged();
+  }
+  batch.Commit();
+}
+
+CurrentRowBase::CurrentRowBase(IDataSourceProvider* itsScope, DataSourcePtr<RowSource> made)
+    : scope(itsScope), source(made->GetLiveness(), made.get()) {
+  if (scope == nullptr) return;
+  isScopeThere = scope->GetLiveness();
+  scope->WhenConnected(
+      [to = scope, given = std::make_shared<DataSourcePtr<RowSource>>(std::move(made))] {
+        if (*given != nullptr) GiveDataSource(*to, std::move(*given));
+      });
+}
+
+CurrentRowBase::~CurrentRowBase() {
+  if (!isScopeThere.IsValid()) return;
+  scope->WhenConnected([from = scope, ended = source] {
+    if (ended) static_cast<void>(TakeDataSource(*from, ended.Get()));
+  });
+}
+
+}  // namespace DataBinding::details

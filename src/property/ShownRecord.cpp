@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/property/details/ShownRecord.h"
+
+#include "DataBinding/datasource/IDataSource.h"
+#include "DataBinding/property/PropertyAccess.h"
+
+namespace DataBinding::details {
+
+ShownRecord::~ShownRecord() = default;
+
+const ShownRecord* ShownRecord::Of(const IDataSource* source) {
+  if (source == nullptr || ReflectionAccess::IsEnding(*source)) return nullptr;
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): asking changes nothing in the source
+  auto* const asked = const_cast<IDataSource*>(source);
+  return IVantorGenericDetail::FindInterfaceProxy(asked).As<ShownRecord>();
+}
+
+VtrString ExplainAbsence(const ShownRecord& record, const VtrString& source,
+                         const VtrString& property) {
+  return VtrString().Format(L"Property \"%s\" of data source \"%s\" has no value: %s.", property,
+                            source, record.WhyAbsent());
+}
+
+}  // namespace DataBinding::details
