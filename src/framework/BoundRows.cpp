@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: Apache-2.0
+// This file holds how a bind to a list follows one list. Exchange.cpp holds how another list takes
+// its place.
+
+#include "DataBinding/framework/details/BoundRows.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "DataBinding/broadcast/ListenerGuard.h"
+
+namespace DataBinding::details {
+
+namespace {
+
+bool HasAllRows(const ListStep& step) noexcept {
+  return step.kind == ListChangeKind::Reset || step.kind == ListChangeKind::Reordered;
+}
+
+}  // namespace
+
+/// The turn in which the rows are let go of where no change is told.
+class BoundRows::EmptyTurn final : public ListTurn {
+ public:
+  explicit EmptyTurn(BoundRows& itsRows) : rows(itsRows.AsWeakPtr()), owner(&itsRows) {}
+  void Run() override {
+    if (rows) rows->RemoveAll();
+  }
+  [[nodiscard]] const void* Owner() const noexcept override { return owner; }
+
+ private:
+  WeakPtr<BoundRows> rows;
+  const void* owner;
+};
+
+BoundRows::BoundRows(ListNode& itsNode)
+    : node(itsNode), ownTurns(std::make_shared<ListTurns>(nullptr)) {
+  static_cast<void>(AsWeakPtr());
+}
+
+BoundRows::~BoundRows() {
+  InvalidateWeakPtrs();
+  for (Follower& follower : followers) follower.Leave();
+}
+
+void BoundRows::Follower::Leave() noexcept {
+  if (AnyList* const left = std::exchange(list, nullptr)) left->RemoveDependent(*this);
+}
+
+void BoundRows::Clear() noexcept {
+  for (Follower& follower : followers) follower.Leave();
+  order.Erase(0, order.Size());
+}
+
+const void* BoundRows::RowOf(RowId id) const noexcept {
+  const Place place = places[id];
+  const AnyList* const list = followers[place.isOfSecond ? 1 : 0].list;
+  return list == nullptr ? nullptr : list->RowOf(place.id);
+}
+
+const std::shared_ptr<ListTurns>& BoundRows::Turns() const noexcept {
+  return List() == nullptr ? ownTurns : List()->Turns();
+}
+
+SetResult BoundRows::UpdateRow(RowId id, const RowEdit& edit) {
+  if (id >= places.size() || !order.Contains(id)) {
+    return {false, PropertyError::Absent,
+            VtrString().Format(L"List \"%s\" has no such row.", node.ListName())};
+  }
+  const Place place = places[id];
+  return followers[place.isOfSecond ? 1 : 0].list->UpdateRow(place.id, edit);
+}
+
+void BoundRows::Prepare(const ListPlan& plan, Follower& follower) {
+  if (!Turns()->IsTelling()) ReuseReleased();
+  for (const ListStep& step : plan.steps) {
+    stepRows.reserve(step.rows.size());
+    stepGone.reserve(step.gone.size());
+    stepCome.reserve(step.come.size());
+  }
+  Reserve(plan, std::ranges::any_of(plan.steps, HasAllRows), follower);
+}
+
+/// Reserves what a plan needs, and has the dependents do so. Of its steps only the kinds and the
+/// numbers of rows count, which are the same for the bind.
+void BoundRows::Reserve(const ListPlan& plan, bool hasAllRows, Follower& follower) {
+  const std::size_t come = underWay + plan.insertions + (hasAllRows ? plan.mostRows : 0);
+  const std::size_t ids = places.size() + come;
+  places.reserve(ids);
+  free.reserve(ids);
+  released.reserve(ids);
+  stepGone.reserve(order.Size() + come);  // to let go of all
+  if (emptying == nullptr) emptying = std::make_unique<EmptyTurn>(*this);
+  stepRows.reserve(plan.mostChanged);
+  if (follower.ids.size() < plan.idsBelow) follower.ids.resize(plan.idsBelow, none);
+  order.Reserve(come, static_cast<RowId>(ids));
+  pending = plan;
+  pending.insertions = come;
+  pending.idsBelow = static_cast<RowId>(ids);
+  pending.mostRows = std::max(plan.mostRows, order.Size() + come);
+  const ListPlan own = pending;
+  pending.steps = {};
+  node.PrepareDependents(own);
+}
+
+/// Gives a row of a list an id. It was reserved.
+RowId BoundRows::NewId(RowId theirs, bool isOfSecond) noexcept {
+  RowId own = static_cast<RowId>(places.size());
+  if (free.empty()) {
+    places.push_back({theirs, isOfSecond});
+  } else {
+    own = free.back();
+    free.pop_back();
+    places[own] = {theirs, isOfSecond};
+  }
+  followers[isOfSecond ? 1 : 0].ids[theirs] = own;
+  return own;
+}
+
+void BoundRows::Release(std::span<const RowId> ids) noexcept {
+  released.insert(released.end(), ids.begin(), ids.end());
+}
+
+void BoundRows::ReuseReleased() noexcept {
+  free.insert(free.end(), released.begin(), released.end());
+  released.clear();
+}
+
+std::span<const RowId> BoundRows::Translate(const Follower& follower, std::span<const RowId> theirs,
+                                            std::vector<RowId>& own) noexcept {
+  own.clear();
+  for (const RowId id : theirs) own.push_back(follower.ids[id]);
+  return own;
+}
+
+/// Returns a step of the list with the bind's own ids. It stays good until the next one.
+ListStep BoundRows::Translated(const ListStep& step) noexcept {
+  ListStep own = step;
+  own.rows = Translate(Shown(), step.rows, stepRows);
+  own.gone = Translate(Shown(), step.gone, stepGone);
+  own.come = Translate(Shown(), step.come, stepCome);
+  return own;
+}
+
+/// Rows that go leave the bind here, and rows that come are told in After. The other changes are
+/// told when they happen in the list.
+void BoundRows::Before(const ListStep& step) noexcept {
+  if (step.kind == ListChangeKind::Inserted) return;
+  for (const RowId id : step.come) static_cast<void>(NewId(id, isSecond));
+  const ListStep own = Translated(step);
+  step.kind == ListChangeKind::Removed ? Tell(own) : node.TellBefore(own);
+}
+
+void BoundRows::After(const ListStep& step) noexcept {
+  if (step.kind == ListChangeKind::Removed) return;
+  if (step.kind != ListChangeKind::Inserted) {
+    const ListStep own = Translated(step);
+    Apply(own);
+    node.TellAfter(own);
+    return;
+  }
+  for (const RowId id : step.rows) static_cast<void>(NewId(id, isSecond));
+  Tell(Translated(step));
+}
+
+/// Tells a step and carries it out. Returns false when the bind has ended, or was emptied, while
+/// that was told.
+bool BoundRows::Tell(const ListStep& step) noexcept {
+  if (!node.TellBefore(step)) return false;
+  Apply(step);
+  return node.TellAfter(step);
+}
+
+void BoundRows::Apply(const ListStep& step) noexcept {
+  switch (step.kind) {
+    case ListChangeKind::Inserted:
+      return order.Insert(step.at, step.rows);
+    case ListChangeKind::Removed:
+      order.Erase(step.at, step.count);
+      return Release(step.rows);
+    case ListChangeKind::Moved:
+      return order.Move(step.at, step.count, step.to);
+    case ListChangeKind::Changed:
+      return;
+    default:
+      order.Assign(step.rows);
+      Release(step.gone);
+  }
+}
+
+/// The rows of both lists can still be read.
+void BoundRows::ListEnds(Follower& follower) noexcept {
+  if (wanted == follower.list) wanted = nullptr;
+  LetGo();
+}
+
+/// Lets go of all rows, at once, and then of the lists.
+void BoundRows::LetGo() noexcept {
+  const auto self = AsWeakPtr();
+  const auto turns = Turns();
+  if (turns->IsTelling() || emptying == nullptr) {
+    RemoveAll();
+  } else {
+    try {
+      turns->Take(std::move(emptying));
+    } catch (...) {  // of an operation that has waited
+      ReportFailure(self ? node.ListName() : VtrString(), std::current_exception());
+    }
+  }
+  if (!self) return;
+  for (Follower& follower : followers) follower.Leave();
+}
+
+/// A Reset takes the place of what is being told just now.
+void BoundRows::RemoveAll() noexcept {
+  if (order.Size() == 0) return;
+  stepGone.clear();
+  order.ForEach([this](std::span<const RowId> ids) {
+    stepGone.insert(stepGone.end(), ids.begin(), ids.end());
+  });
+  ListStep step;
+  if (node.IsTelling()) {
+    step.gone = stepGone;
+  } else {
+    step.kind = ListChangeKind::Removed;
+    step.count = stepGone.size();
+    step.rows = stepGone;
+  }
+  const auto self = AsWeakPtr();
+  isSourceGoing = true;
+  Tell(step);
+  if (self) isSourceGoing = false;
+}
+
+}  // namespace DataBinding::details

@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/framework/ListBind.h"
+
+#include <memory>
+#include <string>
+
+#include "../support/Scopes.h"
+#include "DataBinding/framework/AnyListBind.h"
+#include "DataBinding/lists/List.h"
+#include "DataBinding/lists/Selection.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+struct Song {
+  int id = 0;
+  VtrString name;
+  friend bool operator==(const Song&, const Song&) = default;
+};
+constexpr auto FieldsOf(const Song* /*row*/) {
+  return Fields(Key(L"Id", &Song::id), Field(L"Name", &Song::name));
+}
+struct Plain {
+  int number = 0;
+};
+constexpr auto FieldsOf(const Plain* /*row*/) { return Fields(Key(L"Number", &Plain::number)); }
+
+template <class Row>
+class Player : public NamedDataSource {
+ public:
+  Player() : NamedDataSource(L"Player") {}
+  explicit Player(std::vector<Row> rows) : Player() { songs.Assign(std::move(rows)); }
+  List<Row> songs{this, L"Songs"};
+  Property<int> volume{this, L"Volume"};
+};
+
+using Framework::AnyListBind;
+using Framework::BindStatus;
+using Framework::ListBind;
+
+/// Keeps a copy of the bind's rows, which it changes by what is told and compares in both calls,
+/// and notes the first letters of what is told.
+class ListBinds : public Scopes {
+ protected:
+  Player<Song>& Emplaced(const ProviderPtr& scope, std::vector<Song> songs) {
+    return Emplace<Player<Song>>(*scope, std::move(songs));
+  }
+  static std::string NamesOf(const std::vector<Song>& songs) {
+    std::string names;
+    for (const Song& song : songs) names += song.name.ToUtf8();
+    return names;
+  }
+  std::string Shown() const { return NamesOf({watched->begin(), watched->end()}); }
+  void Hear(const RowChange<Song>& change) {
+    if (change.IsBefore()) {
+      EXPECT_EQ(NamesOf(copy), Shown());
+      log += std::string("IRMCOX").substr(static_cast<std::size_t>(change.Kind()), 1);
+      if (const auto run = std::exchange(hook, nullptr)) run();
+      return;
+    }
+    copy.assign(watched->begin(), watched->end());
+    log += Shown() + " ";
+  }
+
+  std::vector<Song> copy;
+  std::function<void()> hook;
+  std::unique_ptr<ListBind<Song>> bind =
+      std::make_unique<ListBind<Song>>(child.get(), L"Player", L"Songs");
+  ListBind<Song>* const watched = bind.get();  // also while it ends
+  Subscription seen = bind->Observe({.before = [this](const auto& change) { Hear(change); },
+                                     .after = [this](const auto& change) { Hear(change); }});
+};
+
+TEST_F(ListBinds, FollowTheListThatTheyFind) {
+  EXPECT_EQ(bind->Status().state, BindStatus::State::NoSource);
+  auto& player = Emplaced(child, {{1, L"A"}, {2, L"B"}, {3, L"C"}});
+  const RowId second = *bind->IdAt(1);
+  player.songs.Insert(0, Song{4, L"D"});
+  player.songs.Move(0, 1, 2);
+  player.songs.Update(2, [](Song& song) { song.name = L"b"; });
+  player.songs.Remove(0, 1);
+  EXPECT_EQ(Notes(), "IABC IDABC MABDC CAbDC RbDC");
+  EXPECT_EQ(bind->IndexOf(second), 0U);
+  EXPECT_TRUE(bind->SetCell(0, L"Name", L"x").changed);
+  EXPECT_EQ(Notes(), "CxDC");
+  child->DeleteLocalDataSourceInstance(L"Player");
+  EXPECT_EQ(Notes(), "R");
+}
+
+TEST_F(ListBinds, TellHowAnotherListDiffers) {
+  Emplaced(parent, {{1, L"A"}, {2, L"B"}, {3, L"C"}, {4, L"D"}});
+  const RowId fourth = *bind->IdAt(3);
+  Notes();
+  Emplaced(child, {{4, L"d"}, {9, L"N"}, {2, L"B"}});
+  EXPECT_EQ(Notes(), "CABCd RABd RBd OdB IdNB");
+  EXPECT_EQ(bind->IdAt(0), fourth);
+  child->DeleteLocalDataSourceInstance(L"Player");
+  EXPECT_EQ(Shown(), "ABCD");
+  EXPECT_EQ(bind->IdAt(3), fourth);
+}
+
+TEST_F(ListBinds, TellAVeryDifferentListByOneReset) {
+  std::vector<Song> many;
+  for (int id = 0; id < 200; ++id) many.push_back({id, L"M"});
+  Emplaced(parent, many);
+  DataBinding::Selection<Song> chosen(*bind);
+  chosen.ChooseKey(100);
+  Notes();
+  for (auto& song : many) song.id *= song.id % 2 == 0 ? 1 : 1000;
+  Emplaced(child, many);
+  EXPECT_EQ(Notes().front(), 'X');
+  EXPECT_EQ(chosen.Current()->id, 100);
+}
+
+TEST_F(ListBinds, KeepWhatIsChosenUntilAListComesThatHasIt) {
+  DataBinding::Selection<Song> chosen(*bind);
+  std::string gone;
+  const Subscription told = chosen.Observe({.gone = [&](RowId /*id*/) { gone += "gone "; }});
+  Emplaced(child, {{1, L"A"}, {2, L"B"}});
+  chosen.ChooseKey(2);
+  child->DeleteLocalDataSourceInstance(L"Player");
+  EXPECT_EQ(chosen.Current(), nullptr);
+  Emplaced(child, {{1, L"A"}});
+  EXPECT_EQ(chosen.Current(), nullptr);
+  child->DeleteLocalDataSourceInstance(L"Player");
+  auto& player = Emplaced(child, {{2, L"b"}});
+  EXPECT_EQ(chosen.Current()->name, L"b");
+  EXPECT_EQ(gone, "");
+  player.songs.Remove(0, 1);
+  EXPECT_EQ(gone, "gone ");
+}
+
+TEST_F(ListBinds, LetGoOfAListThatEndsWhileItTells) {
+  for (const int id : {1, 2}) {
+    auto& player = Emplaced(child, {{1, L"A"}, {2, L"B"}});
+    Notes();
+    hook = [&] { child->DeleteLocalDataSourceInstance(L"Player"); };
+    id == 1 ? player.songs.Insert(0, Song{3, L"C"}) : player.songs.Remove(0, 1);
+    EXPECT_EQ(Notes(), id == 1 ? "IX" : "RX");
+    EXPECT_TRUE(bind->IsEmpty());
+  }
+}
+
+TEST_F(ListBinds, WaitWithAnotherListUntilAChangeWasTold) {
+  auto& player = Emplaced(parent, {{1, L"A"}});
+  Notes();
+  hook = [&] { Emplaced(child, {{2, L"B"}}); };
+  player.songs.Insert(1, Song{3, L"C"});
+  EXPECT_EQ(Notes(), "IAC R IB");
+
+  hook = [&] { bind.reset(); };
+  child->DeleteLocalDataSourceInstance(L"Player");
+  EXPECT_EQ(bind, nullptr);
+}
+
+TEST_F(ListBinds, SayWhatIsWrongWithTheList) {
+  Emplace<Player<Plain>>(*child);
+  EXPECT_EQ(bind->Status().state, BindStatus::State::WrongType);
+  EXPECT_NE(bind->Status().text.ToUtf8().find("has rows of type"), std::string::npos);
+  const ListBind<Song> volume(child.get(), L"Player", L"Volume");
+  EXPECT_EQ(volume.Status().state, BindStatus::State::WrongType);
+  EXPECT_NE(volume.Status().text.ToUtf8().find("has type int and is no list."), std::string::npos);
+  EXPECT_FALSE(volume.HasValue());
+}
+
+TEST_F(ListBinds, WithoutATypeShowAnyRowsAsValues) {
+  AnyListBind any(child.get(), L"Player", L"Songs");
+  EXPECT_EQ(any.FieldCount(), 0U);
+  Emplaced(parent, {{1, L"A"}});
+  EXPECT_EQ(any.Cell(0, *any.FieldNumber(L"Name")), Value(L"A"));
+  auto& plain = Emplace<Player<Plain>>(*child, std::vector<Plain>{{7}, {8}});
+  EXPECT_EQ(any.FieldName(0), L"Number");
+  EXPECT_EQ(any.Cell(1, 0), Value(8));
+  EXPECT_TRUE(any.SetCell(1, L"Number", 9).changed);
+  EXPECT_EQ(plain.songs[1].number, 9);
+  child->DeleteLocalDataSourceInstance(L"Player");
+  EXPECT_EQ(any.Cell(0, 1), Value(L"A"));
+  parent->DeleteLocalDataSourceInstance(L"Player");
+  EXPECT_TRUE(any.IsEmpty());
+  EXPECT_EQ(any.FieldCount(), 0U);
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing
