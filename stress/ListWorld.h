@@ -17,7 +17,11 @@
 #include <utility>
 #include <vector>
 
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/framework/DataBind.h"
+#include "DataBinding/lists/CurrentRow.h"
 #include "DataBinding/lists/List.h"
+#include "DataBinding/lists/Selection.h"
 #include "Script.h"
 
 namespace DataBinding::Stress {
@@ -42,6 +46,7 @@ class ListWorld : public Player<ListWorld> {
   static constexpr std::string_view points[] = {"before", "after"};
   static std::vector<Operation<ListWorld>> Operations();
 
+  ListWorld() { Begin(); }
   void Insert(int at, int count, int key);
   void Remove(int at, int count, int);
   void RemoveKey(int key, int, int);
@@ -56,6 +61,8 @@ class ListWorld : public Player<ListWorld> {
   void Watch(int which, int, int);
   void Unwatch(int which, int, int);
   void EndList(int, int, int);
+  void Choose(int at, int way, int);
+  void EditCurrent(int value, int, int);
 
   /// Says whether everything agreed until now. The list must be at rest.
   [[nodiscard]] bool Agrees();
@@ -91,8 +98,17 @@ class ListWorld : public Player<ListWorld> {
   void Become(std::vector<Item>& items);
   [[nodiscard]] std::vector<Item> Items() const;
   void MeetRows();
+  void Begin();
+  void LetGo(RowId id);
+  void CheckChosen();
 
-  std::unique_ptr<ListData<Item>> list = std::make_unique<ListData<Item>>();
+  DataSourceProvider scope{nullptr, nullptr, nullptr};
+  std::unique_ptr<ListData<Item>> list;
+  std::unique_ptr<Selection<Item>> chosen;
+  std::unique_ptr<CurrentRow<Item>> current;
+  Framework::DataBind<int> shown{&scope, L"Item", L"Value"};
+  std::vector<RowId> picked;
+  Subscription gone;
   std::array<Observer, 4> observers;
   std::vector<Row> coming;
   std::map<RowId, int> identities;

@@ -47,6 +47,8 @@ std::vector<Operation<ListWorld>> ListWorld::Operations() {
       {"Watch", "w4", &ListWorld::Watch, 12},
       {"Unwatch", "w4", &ListWorld::Unwatch, 4},
       {"EndList", "", &ListWorld::EndList, 1},
+      {"Choose", "a0w4", &ListWorld::Choose, 16},
+      {"EditCurrent", "v9", &ListWorld::EditCurrent, 8},
       {"Throw", "", &ListWorld::Throw, 2},
       {"When", "p2o4m3", &ListWorld::When, 40},
   };
@@ -73,6 +75,7 @@ bool ListWorld::Agrees() {
     Expect(list->IndexOfRow(list->At(i)) == i, "a row is not found by its id");
     Expect(list->Find(coming[i].item.key) == &(*list)[Find(coming[i].item.key)], "wrong by key");
   }
+  CheckChosen();
   return failure == nullptr;
 }
 
@@ -354,11 +357,10 @@ void ListWorld::Unwatch(int which, int, int) { observers[At(which)].seen = {}; }
 /// Ends the list, perhaps within its own callback, and goes on with another one.
 void ListWorld::EndList(int, int, int) {
   if (telling > 1) return;
-  auto ending = std::move(list);
-  list = std::make_unique<ListData<Item>>();
+  for (Observer& observer : observers) observer.seen = {};
   coming.clear();
   identities.clear();
-  for (Observer& observer : observers) observer.seen = {};
+  Begin();
 }
 
 }  // namespace DataBinding::Stress
