@@ -148,16 +148,16 @@ ListStep BoundRows::Translated(const ListStep& step) noexcept {
 void BoundRows::Before(const ListStep& step) noexcept {
   if (step.kind == ListChangeKind::Inserted) return;
   for (const RowId id : step.come) static_cast<void>(NewId(id, isSecond));
-  const ListStep own = Translated(step);
-  step.kind == ListChangeKind::Removed ? Tell(own) : node.TellBefore(own);
+  present = Translated(step);
+  step.kind == ListChangeKind::Removed ? Tell(present) : node.TellBefore(present);
 }
 
 void BoundRows::After(const ListStep& step) noexcept {
   if (step.kind == ListChangeKind::Removed) return;
   if (step.kind != ListChangeKind::Inserted) {
-    const ListStep own = Translated(step);
-    Apply(own);
-    node.TellAfter(own);
+    present = Translated(step);
+    Apply(present);
+    node.TellAfter(present);
     return;
   }
   for (const RowId id : step.rows) static_cast<void>(NewId(id, isSecond));

@@ -117,7 +117,8 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
   std::vector<Place> places;    // by the bind's ids
   std::vector<RowId> free;      // ids that no row has
   std::vector<RowId> released;  // ids of rows that have gone and can still be read
-  std::vector<RowId> stepRows;  // of the step that is being told
+  ListStep present;             // the list's step that is being told
+  std::vector<RowId> stepRows;  // its rows
   std::vector<RowId> stepGone;
   std::vector<RowId> stepCome;
   ListPlan pending;
