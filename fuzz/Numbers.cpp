@@ -4,8 +4,11 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <locale>
 #include <regex>
+#include <string>
 
+#include "DataBinding/framework/LocaleConverter.h"
 #include "DataBinding/framework/TextConverter.h"
 #include "Fuzz.h"
 
@@ -34,6 +37,24 @@ void CheckNumber(const VtrString& text, const std::regex& shape) {
   Expect(!read || static_cast<long double>(*read) == meant, "a number is the one that was written");
 }
 
+/// A locale that separates groups and digits by other marks.
+class Marks : public std::numpunct<wchar_t> {
+  [[nodiscard]] wchar_t do_decimal_point() const override { return L','; }
+  [[nodiscard]] wchar_t do_thousands_sep() const override { return L'.'; }
+  [[nodiscard]] std::string do_grouping() const override { return "\3"; }
+};
+
+void CheckLocale(const VtrString& text, double any) {
+  static const auto converter =
+      LocaleConverter<double>(std::locale(std::locale::classic(), new Marks));
+  const auto read = converter.parse(text);
+  Expect(bool(read) == read.text.IsEmpty() && read.text.GetLength() < 120, "a refusal says why");
+  for (const double value : {read.value.value_or(0), any}) {
+    const auto back = converter.parse(converter.show(value));
+    Expect(!std::isfinite(value) || (back && *back == value), "a shown value reads as itself");
+  }
+}
+
 }  // namespace
 
 void CheckInput(std::string_view input) {
@@ -50,6 +71,7 @@ void CheckInput(std::string_view input) {
   Expect(bool(TextConverter<bool>().parse(text)) == isTruth, "a truth value has two texts");
   double any = 0;
   std::memcpy(&any, input.data(), std::min(sizeof any, input.size()));
+  CheckLocale(text, any);
   if (std::isfinite(any)) CheckBack(any);
   if (std::isfinite(static_cast<float>(any))) CheckBack(static_cast<float>(any));
   CheckBack(static_cast<std::int64_t>(std::bit_cast<std::uint64_t>(any)));

@@ -51,7 +51,7 @@ void ReadByName(IDataSource* source) {
 
 void WriteOut(IDataSource* source) {
   for (const auto& [name, item] : *source) {
-    std::cout << ' ' << name << '=' << AnyPropertyRef(source, name).ReadText();
+    std::cout << ' ' << name << '=' << ReadPropertyText(source, name);
   }
   std::cout << '\n';
 }

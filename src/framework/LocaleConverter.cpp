@@ -35,9 +35,8 @@ struct Marks {
 struct Parts {
   Parts(std::wstring_view number, wchar_t point) {
     const std::size_t begin = number.starts_with(L'-') ? 1 : 0;
-    const wchar_t ends[] = {point, L'e', L'E'};
-    const auto end = std::find_first_of(number.begin(), number.end(), ends, std::end(ends));
-    const auto length = static_cast<std::size_t>(end - number.begin());
+    const wchar_t ends[] = {point, L'e', L'E', L'\0'};
+    const std::size_t length = std::min(number.find_first_of(ends), number.size());
     sign = number.substr(0, begin);
     whole = number.substr(begin, length - std::min(begin, length));
     rest = number.substr(length);
@@ -53,10 +52,10 @@ std::wstring Group(std::wstring_view digits, const std::string& grouping, wchar_
   std::wstring grouped(digits);
   std::size_t left = digits.size();
   for (std::size_t i = 0; !grouping.empty(); ++i) {
-    const char size = grouping[std::min(i, grouping.size() - 1)];
-    const auto length = static_cast<std::size_t>(size);
-    if (size <= 0 || size == CHAR_MAX || left <= length) break;
-    left -= length;
+    const std::size_t size = static_cast<unsigned char>(grouping[std::min(i, grouping.size() - 1)]);
+    // The largest char, and any that is not positive, ends the groups.
+    if (size == 0 || size >= SCHAR_MAX || left <= size) break;
+    left -= size;
     grouped.insert(left, 1, separator);
   }
   return grouped;

@@ -166,6 +166,18 @@ PropertyBase* PropertyRefBase::AskAccessor() const { return accessor(); }
 
 }  // namespace details
 
+PropertyValue<Value> ReadProperty(const IDataSource* source, const VtrString& name) {
+  const auto found = details::ReflectionAccess::FindAny(source, name);
+  if (found.property != nullptr) return found.property->ReadValue();
+  return AnyPropertyRef(source, name, found).Read();
+}
+
+PropertyValue<VtrString> ReadPropertyText(const IDataSource* source, const VtrString& name) {
+  const auto found = details::ReflectionAccess::FindAny(source, name);
+  if (found.property != nullptr) return {found.property->ReadText(), PropertyError::None, {}};
+  return AnyPropertyRef(source, name, found).ReadText();
+}
+
 PropertyValue<VtrString> AnyPropertyRef::ReadText() const {
   const auto* const property = Access();
   if (property == nullptr) return Failure<PropertyValue<VtrString>>(nullptr);

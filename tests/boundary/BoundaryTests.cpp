@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <optional>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -53,9 +54,24 @@ TEST_F(ModuleBoundary, UnloadedPluginTakesNothingAlongButItsOwn) {
 
   ASSERT_FALSE(Plugin::IsLoaded());
 
-  EXPECT_EQ(names, std::vector<VtrString>{L"Own"});
+  EXPECT_EQ(names, (std::vector<VtrString>{L"Own", L"Top"}));
   SetLevelInView(gauge, 2);
   EXPECT_EQ(heard, 2);
+}
+
+TEST_F(ModuleBoundary, FormOfATypeThatOnlyThePluginKnowsIsThePluginsOwn) {
+  std::optional<AnyPropertyRef> top;
+  {
+    const Plugin plugin;
+    plugin->start(gauge);
+    top.emplace(root().GetDataSource(L"FromPlugin"), L"Top");
+    EXPECT_TRUE(top->Write(4.0).changed);
+    EXPECT_EQ(*top->Read(), Value(4));
+    plugin->stop();
+  }
+
+  EXPECT_FALSE(Plugin::IsLoaded());
+  EXPECT_EQ(top->Read().error, PropertyError::Absent);
 }
 
 TEST_F(ModuleBoundary, HostMayHoldTheSubscriptionOfAPluginsThrowingListener) {

@@ -10,6 +10,27 @@
 
 namespace Boundary {
 
+/// A type that only the plug-in knows.
+struct Height {
+  int meters = 0;
+  bool operator==(const Height&) const = default;
+};
+
+}  // namespace Boundary
+
+template <>
+struct DataBinding::ValueForm<Boundary::Height> {
+  static constexpr auto kind = ValueKind::Signed;
+  static Value ToValue(const Boundary::Height& height) { return height.meters; }
+  static PropertyValue<Boundary::Height> FromValue(const Value& value) {
+    const auto meters = DataBinding::FromValue<int>(value);
+    if (!meters) return {{}, meters.error, meters.text};
+    return {Boundary::Height{*meters}, PropertyError::None, {}};
+  }
+};
+
+namespace Boundary {
+
 using namespace DataBinding;
 
 namespace {
@@ -18,6 +39,7 @@ class FromPlugin : public NamedDataSource {
  public:
   FromPlugin() : NamedDataSource(L"FromPlugin") {}
   Property<Reading> Own{this, L"Own", Reading{1, L"plug"}};
+  Property<Height> Top{this, L"Top", Height{3}};
 };
 
 struct State {

@@ -70,6 +70,7 @@ TEST(RecordMemory, IsNotNeededToReadAndSetPropertiesByName) {
   const Cost cost = CostOf([&] {
     EXPECT_TRUE(kept.Write(3).changed);
     EXPECT_EQ(*kept.Read(), Value(3.0));
+    EXPECT_EQ(*ReadProperty(record.get(), height), Value(1.5));
     EXPECT_EQ(*GetProperty<double>(record.get(), height), 1.5);
     EXPECT_TRUE(SetProperty(record.get(), height, 2.5).changed);
     EXPECT_EQ(*GetProperty<double>(record.get(), height), 2.5);

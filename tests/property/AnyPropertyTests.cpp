@@ -45,6 +45,8 @@ TEST_F(AnyProperty, IsReadByTheFormOfItsType) {
   EXPECT_EQ(size.Kind(), ValueKind::Signed);
   EXPECT_EQ(Find(L"Half").Kind(), ValueKind::Unsigned);
   EXPECT_TRUE(Find(L"Half").IsReadOnly());
+  EXPECT_EQ(*ReadProperty(disk.get(), L"Half"), Value(2));
+  EXPECT_EQ(*ReadPropertyText(disk.get(), L"Tint"), L"<Paint::Color>");
 }
 
 TEST_F(AnyProperty, IsSetWithThePropertysOwnResults) {

@@ -36,7 +36,7 @@ json Write(const DataBinding::Value& value) { return value.Visit(Writer()); }
 json ReportSource(IDataSource& source) {
   json members = json::object();
   for (const auto& item : source) {
-    const auto value = DataBinding::AnyPropertyRef(&source, item.first).Read();
+    const auto value = DataBinding::ReadProperty(&source, item.first);
     if (value) members[item.first.ToUtf8()] = Write(*value);
   }
   return members;

@@ -28,6 +28,7 @@ namespace DataBinding {
 struct CopyResult {
   /// Tells of one property why it was not copied.
   struct Entry {
+    /// The name that the property has in the source that was read.
     VtrString name;
     /// Is the result of checking or setting the property. For one that was left out it says that
     /// the other source has no such property (Absent), has it with another type (WrongType), or

@@ -30,7 +30,8 @@ namespace DataBinding {
 template <class T>
 struct PropertyOptions {
   /// Answers why a value is refused, or an empty text to accept it. A validator that was made by
-  /// BindWeak refuses every value once its object is gone.
+  /// BindWeak refuses every value once its object is gone. The other properties that it reads are
+  /// named behind the options.
   RepeatingCallback<VtrString(const T& value)> validate = {};
   /// Runs after the value has changed and before the listeners do.
   RepeatingCallback<void(const T& before, const T& now)> changed = {};

@@ -215,8 +215,12 @@ class DATABINDING_API AnyPropertyRef : public details::PropertyRefBase {
 
   /// Looks the property up, once. The source may be null and may end later.
   AnyPropertyRef(IDataSource* source, const VtrString& propertyName)
-      : PropertyRefBase(source, propertyName,
-                        details::ReflectionAccess::FindAny(source, propertyName), nullptr) {}
+      : AnyPropertyRef(source, propertyName,
+                       details::ReflectionAccess::FindAny(source, propertyName)) {}
+  /// Takes what such a look-up has just found.
+  AnyPropertyRef(const IDataSource* source, const VtrString& propertyName,
+                 const details::ReflectionAccess::Found& found)
+      : PropertyRefBase(source, propertyName, found, nullptr) {}
 
   /// Returns the value. Where the property's type has no form, the error is WrongType and the text
   /// names the type, so that whoever leaves the property out can say so.
@@ -279,8 +283,18 @@ inline SetResult SetProperty(IDataSource* source, const VtrString& name, const w
   return SetProperty<VtrString>(source, name, text);
 }
 
+/// Finds and reads a property of any type by its form, as an AnyPropertyRef does. These keep
+/// nothing of the property, so they suit code that writes out whatever it finds, once.
+///@{
+[[nodiscard]] DATABINDING_API PropertyValue<Value> ReadProperty(const IDataSource* source,
+                                                                const VtrString& name);
+[[nodiscard]] DATABINDING_API PropertyValue<VtrString> ReadPropertyText(const IDataSource* source,
+                                                                        const VtrString& name);
+///@}
+
 /// Calls visit(value) with the property's value if its type is one of the listed ones, and tells
-/// whether it was. This serves code that writes out whatever it finds.
+/// whether it was. This serves code that shows some types in a way of its own; ReadProperty takes
+/// any type.
 template <class... Types, class Visitor>
 bool VisitProperty(const IDataSource* source, const VtrString& name, Visitor&& visit) {
   const auto attempt = [&]<class T>(std::type_identity<T>) {

@@ -71,6 +71,7 @@ concept HasValueForm = requires(const T& object, const Value& value) {
 /// A row in the table of an enumeration's names.
 template <class T>
 struct EnumName {
+  /// One of the enumeration's values.
   T value;
   /// A text that lives as long as the program.
   const wchar_t* name;
@@ -172,32 +173,24 @@ struct PlainForm {
   }
 };
 
-}  // namespace details
-
-template <>
-struct ValueForm<bool> : details::PlainForm<bool, ValueKind::Bool> {};
-
-template <>
-struct ValueForm<VtrString> : details::PlainForm<VtrString, ValueKind::Text> {};
-
-template <details::ValueNumber T>
-struct ValueForm<T> {
+template <ValueNumber T>
+struct NumberForm {
   static constexpr ValueKind kind = std::floating_point<T> ? ValueKind::Double
                                     : std::is_signed_v<T>  ? ValueKind::Signed
                                                            : ValueKind::Unsigned;
   static Value ToValue(const T& number) noexcept { return number; }
   static PropertyValue<T> FromValue(const Value& value) {
     T number{};
-    if (!value.Visit(details::NumberReader<T>{number})) return details::Misfit<T>(value);
+    if (!value.Visit(NumberReader<T>{number})) return Misfit<T>(value);
     return {number, PropertyError::None, {}};
   }
-  static VtrString ToText(const T& number) { return details::ShowNumber(number); }
-  static PropertyValue<T> FromText(const VtrString& text) { return details::ParseNumber<T>(text); }
+  static VtrString ToText(const T& number) { return ShowNumber(number); }
+  static PropertyValue<T> FromText(const VtrString& text) { return ParseNumber<T>(text); }
 };
 
 /// A value of the enumeration that has no name becomes its number, which no form reads.
-template <details::NamedEnum T>
-struct ValueForm<T> {
+template <NamedEnum T>
+struct EnumForm {
   static constexpr ValueKind kind = ValueKind::Text;
   static Value ToValue(const T& value) {
     for (const auto& row : NamesOf(static_cast<const T*>(nullptr))) {
@@ -211,9 +204,23 @@ struct ValueForm<T> {
         if (*name == row.name) return {row.value, PropertyError::None, {}};
       }
     }
-    return details::Misfit<T>(value);
+    return Misfit<T>(value);
   }
 };
+
+}  // namespace details
+
+template <>
+struct ValueForm<bool> : details::PlainForm<bool, ValueKind::Bool> {};
+
+template <>
+struct ValueForm<VtrString> : details::PlainForm<VtrString, ValueKind::Text> {};
+
+template <details::ValueNumber T>
+struct ValueForm<T> : details::NumberForm<T> {};
+
+template <details::NamedEnum T>
+struct ValueForm<T> : details::EnumForm<T> {};
 
 /// Returns the Value of an object, or nothing if its type has no form. Numbers allocate nothing.
 template <class T>
