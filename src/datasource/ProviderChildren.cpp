@@ -15,6 +15,22 @@
 
 namespace DataBinding {
 
+namespace {
+
+/// Calls a callback, and reports what it throws.
+DATABINDING_CATCHES_CANCELLATION void CallGuarded(
+    const IDataSourceProvider::ChildCallback& callback, IDataSourceProvider& child,
+    ChildChange change) {
+  try {
+    callback(child, change);
+  }
+  DATABINDING_PASS_CANCELLATION catch (...) {
+    details::ReportFailure(L"child scopes", std::current_exception());
+  }
+}
+
+}  // namespace
+
 void DataSourceProvider::SetParent(IDataSourceProvider* newParent) {
   const auto alive = GetLiveness();
   const auto isParentThere =
@@ -60,17 +76,11 @@ bool DataSourceProvider::IsChild(IDataSourceProvider* child, std::uint64_t numbe
 /// which it is just being told.
 Subscription DataSourceProvider::ObserveChildren(const ChildCallback& callback) {
   if (!callback) return {};
-  const auto tell = [this, callback, telling = ChildNews{}](
-                        const ChildNews& news) mutable DATABINDING_CATCHES_CANCELLATION {
+  const auto tell = [this, callback, telling = ChildNews{}](const ChildNews& news) mutable {
     const bool isKnown = news.number == telling.number && news.change == telling.change;
     if (isKnown || !IsChild(news.child, news.number)) return;
     const ScopedValue now(telling, news);
-    try {
-      callback(*news.child, news.change);
-    }
-    DATABINDING_PASS_CANCELLATION catch (...) {
-      details::ReportFailure(L"child scopes", std::current_exception());
-    }
+    CallGuarded(callback, *news.child, news.change);
   };
   return calls.childObservers.Add(tell);
 }

@@ -40,8 +40,8 @@ ListConnection::ListRef::ListRef(IDataSource* source, const VtrString& list, con
 }
 
 AnyList* ListConnection::ListRef::List() const {
-  PropertyBase* const property = Error() == PropertyError::None ? Access() : nullptr;
-  return property == nullptr ? nullptr : &ListOf(*property);
+  PropertyBase* const held = Error() == PropertyError::None ? Access() : nullptr;
+  return held == nullptr ? nullptr : &ListOf(*held);
 }
 
 ListConnection::ListConnection(const Framework::IBaseBind& bind, const RowTable* wantedRows,

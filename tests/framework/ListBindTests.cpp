@@ -8,6 +8,7 @@
 #include "DataBinding/framework/AnyListBind.h"
 #include "DataBinding/lists/List.h"
 #include "DataBinding/lists/Selection.h"
+#include "DataBinding/property/Property.h"
 
 namespace DataBinding::Testing {
 namespace {
