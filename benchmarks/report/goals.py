@@ -150,6 +150,18 @@ GOALS = [
     Row("typed bind: set at the source to the widget's function", "bind/ours",
         {"callback": "bind/callback", "asked": "bind/asking", "Qt": "bind/qt"}, ("callback", 2.0)),
     CountRow("typed bind: allocations", "bind/ours", "allocations", 0),
+    LimitRow("Assign 10,000 rows, none differ", "lists/assign/ours/10000/0", 300_000),
+    LimitRow("Assign 10,000 rows, 1 % differ", "lists/assign/ours/10000/10", 400_000),
+    # 1.5 times what n log n makes of a hundred times as many rows
+    Row("Assign 1,000,000 rows, 1 % differ", "lists/assign/ours/1000000/10",
+        {"10,000": "lists/assign/ours/10000/10"}, ("10,000", 225.0)),
+    LimitRow("insert 10,000 rows at once into a list", "lists/insert/ours", 1_000_000),
+    CountRow("update a row of 100,000: allocations", "lists/update/ours", "allocations", 0),
+    LimitRow("a cell by a kept field", "lists/cell/ours", 10),
+    CountRow("a row of a list beside its struct, in bytes", "memory/list/ours/iterations:1",
+             "fresh", 18),
+    CountRow("the same after many moves and replacements", "memory/list/ours/iterations:1",
+             "churned", 22),
     LimitRow("IdlePass::Run with nothing queued", "idlepass/ours", 50),
     CountRow("IdlePass::Run: allocations", "idlepass/ours", "allocations", 0),
 ]

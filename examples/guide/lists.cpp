@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <iostream>
+#include <vector>
+
+#include <DataBinding/DataBinding.h>
+
+using namespace DataBinding;
+
+struct Process {
+  int id;
+  VtrString name;
+  double cpu;
+};
+
+VtrString NotNegative(const double& value) { return value < 0 ? L"It is negative." : L""; }
+
+constexpr auto FieldsOf(const Process*) {
+  return Fields(Key(L"Id", &Process::id), Field(L"Name", &Process::name, {.readOnly = true}),
+                Field(L"Cpu", &Process::cpu, {.validate = NotNegative}));
+}
+
+class Machine : public NamedDataSource {
+ public:
+  Machine() : NamedDataSource(L"Machine") {}
+
+  List<Process> processes{this, L"Processes"};
+  ComputedProperty<int> count{this, L"Count",
+                              [this] { return static_cast<int>(processes.Size()); }, processes};
+};
+
+void Tell(const RowChange<Process>& change) {
+  switch (change.Kind()) {
+    case ListChangeKind::Inserted:
+      std::cout << change.Count() << " came at " << change.At() << '\n';
+      break;
+    case ListChangeKind::Moved:
+      std::cout << change[0].name << " moved from " << change.At() << " to " << change.To() << '\n';
+      break;
+    case ListChangeKind::Changed:
+      for (std::size_t i = 0; i < change.Count(); ++i) {
+        std::cout << change[i].name << ": " << change.Was(i).cpu << " is now " << change[i].cpu
+                  << '\n';
+      }
+      break;
+    default:
+      std::cout << "the list has " << change.Node().Size() << " rows\n";
+  }
+}
+
+void TellGoing(const RowChange<Process>& change) {
+  if (change.Kind() != ListChangeKind::Removed) return;
+  for (const Process& process : change.Rows()) std::cout << process.name << " goes\n";
+}
+
+void ChangeTheList(List<Process>& processes) {
+  processes.Assign({{1, L"init", 0}, {7, L"shell", 0.1}, {9, L"editor", 0.5}});
+  processes.Assign({{9, L"editor", 0.5}, {1, L"init", 0}, {7, L"shell", 0.3}});
+  processes.Insert(1, Process{12, L"compiler", 0.9});
+  processes.Update(12, [](Process& process) { process.cpu = 1; });
+  processes.Edit([](std::vector<Process>& rows) {
+    std::erase_if(rows, [](const Process& process) { return process.cpu == 0; });
+  });
+}
+
+void SetCells(AnyList& list) {
+  std::cout << list.Cell(0, 1) << " has " << list.Cell(0, 2) << '\n';
+  std::cout << list.SetCell(0, L"Cpu", -1) << '\n';
+  std::cout << list.SetCell(0, L"Name", L"vi") << '\n';
+  std::cout << list.SetCell(9, L"Cpu", 1) << '\n';
+}
+
+void ChangeInACallback(List<Process>& processes) {
+  const Subscription fair = processes.Observe({.after = [&](const RowChange<Process>& change) {
+    if (change.Kind() != ListChangeKind::Inserted) return;
+    const SetResult result = processes.Update(20, [](Process& process) { process.cpu = 0.2; });
+    std::cout << (result.waits ? "The update waits.\n" : "The update is done.\n");
+  }});
+  processes.Insert(0, Process{20, L"daemon", 0});
+}
+
+int main() {
+  const auto machine = MakeDataSource<Machine>(nullptr);
+  List<Process>& processes = machine->processes;
+  const Subscription announced = machine->Register(
+      [&] { std::cout << "-- " << *machine->count << " processes\n"; }, L"Count");
+  const Subscription seen = processes.Observe({.before = &TellGoing, .after = &Tell});
+
+  ChangeTheList(processes);
+  SetCells(processes);
+  ChangeInACallback(processes);
+}
