@@ -50,8 +50,10 @@ std::optional<std::size_t> AnyList::FieldNumber(const VtrString& name) const noe
 }
 
 Value AnyList::Cell(std::size_t index, std::size_t field) const {
-  if (index >= Size() || field >= FieldCount()) return {};
-  return Table()->fields[field].get(RowOf(At(index)));
+  const void* const row = RowAtPlace(index);
+  const details::RowTable* const table = Table();
+  if (row == nullptr || table == nullptr || field >= table->fields.size()) return {};
+  return table->fields[field].get(row);
 }
 
 SetResult AnyList::SetCell(std::size_t index, const VtrString& field, const Value& value) {

@@ -28,6 +28,11 @@ std::uint8_t TagOf(std::uint64_t hash) noexcept {
 
 }  // namespace
 
+const void* RowReader::ComingRow(RowId id) const noexcept {
+  const void* const row = id < coming->size() ? (*coming)[id] : nullptr;
+  return row == nullptr ? slots->Row(id) : row;
+}
+
 /// Goes over the slots where a hash may stand.
 struct KeyTable::Probe {
   Probe(const KeyTable& probed, std::uint64_t hash) noexcept
@@ -75,7 +80,7 @@ void KeyTable::Place(RowId id, std::uint64_t hash) noexcept {
   ids[probe.at] = id;
 }
 
-void KeyTable::Insert(RowId id, const RowReader& rows) noexcept {
+bool KeyTable::Insert(RowId id, const RowReader& rows) noexcept {
   const RowTable& table = rows.slots->Table();
   const void* const key = table.key(rows.Row(id));
   const std::uint64_t hash = HashOf(table, key);
@@ -85,7 +90,8 @@ void KeyTable::Insert(RowId id, const RowReader& rows) noexcept {
     if (probe.Tag() == wasLeft && place == tags.size()) place = probe.at;
     if (probe.Tag() != TagOf(hash)) continue;
     if (table.areKeysEqual(table.key(rows.Row(ids[probe.at])), key)) {
-      return LinkBehind(ids[probe.at], id);
+      if (!links.empty()) LinkBehind(ids[probe.at], id);
+      return false;
     }
   }
   if (place == tags.size()) {
@@ -95,6 +101,7 @@ void KeyTable::Insert(RowId id, const RowReader& rows) noexcept {
   tags[place] = TagOf(hash);
   ids[place] = id;
   ++keys;
+  return true;
 }
 
 void KeyTable::LinkBehind(RowId first, RowId id) noexcept {

@@ -13,6 +13,13 @@
 
 namespace DataBinding::details {
 
+namespace {
+
+/// The memory of greater operations is not kept for the next one.
+constexpr std::size_t mostKept = 256;
+
+}  // namespace
+
 ListEngine::ListEngine(ListNode& itsNode, const RowTable& table)
     : node(itsNode), turns(std::make_shared<ListTurns>(&itsNode)), slots(table), others(table) {
   for (const RowField& field : table.fields) {
@@ -215,8 +222,9 @@ void ListEngine::ApplyOrder(State& state, const ListStep& step, const RowReader&
 bool ListEngine::Rest() {
   coming = nullptr;
   for (const RowId row : gone) slots.Remove(row);
+  if (gone.size() > mostKept) gone = {};
   gone.clear();
-  others.Clear(1);
+  others.Clear(others.IdsBelow() > mostKept ? 0 : 1);
   pending = {};
   mostChanged = 0;
   const bool wasChanged = std::exchange(hasChanged, false);

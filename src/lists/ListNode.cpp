@@ -104,7 +104,6 @@ DATABINDING_CATCHES_CANCELLATION void ListNode::CallObservers(const ListStep& st
                                                               bool isBefore) noexcept {
   const ListChange change(*this, step, isBefore, serial);
   CallbackWalk walk(observers.Core());
-  VtrString name;
   for (bool isOver = false; !isOver;) {
     try {
       CallbackList<ListChange>::CallRest(walk, change);

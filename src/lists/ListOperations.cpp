@@ -87,11 +87,7 @@ bool ListEngine::HasDouble(const State& state, const ListOperation& operation) c
   if (operation.Added().size() < 2) return false;
   KeyTable among;
   among.Reserve(operation.Added().size(), slots.IdsBelow(), rows);
-  for (const RowId id : operation.Added()) {
-    if (among.Find(slots.Table().key(rows.Row(id)), rows) != KeyTable::none) return true;
-    among.Insert(id, rows);
-  }
-  return false;
+  return !std::ranges::all_of(operation.Added(), [&](RowId id) { return among.Insert(id, rows); });
 }
 
 SetResult ListEngine::Assign(const RowArray& rows) {

@@ -27,10 +27,12 @@ void ListPlanner::Assign(const RowArray& rows) {
   } else {
     MatchByPlace(rows);
   }
+  const bool isOrderSame = inPlace == rows.count && rows.count == before.size();
+  if (isOrderSame && changed.empty()) return;
   TakeRows(rows);
   operation.makesDoubles = engine.HasDouble(state, operation);
   operation.AddChanges();
-  PlanOrder();
+  if (!isOrderSame) PlanOrder();
 }
 
 void ListPlanner::MatchByKey(const RowArray& rows) {
@@ -94,6 +96,7 @@ void ListPlanner::MatchByPlace(const RowArray& rows) {
 void ListPlanner::Match(std::size_t j, std::size_t place, const void* row) {
   places[j] = place;
   isKept[place] = true;
+  if (j == place) ++inPlace;
   const std::uint64_t differing = engine.slots.Table().differing(reader.Row(before[place]), row);
   if (differing == 0) return;
   changed.push_back(j);
@@ -133,7 +136,7 @@ void ListPlanner::MoveBefore(std::span<const RowId> rows, std::size_t place) {
 }
 
 void ListPlanner::PlanOrder() {
-  FindStaying();
+  if (!IsInOrder()) FindStaying();
   const std::size_t rows = std::max(before.size(), after.size());
   if (CountSteps() <= std::max(leastLimit, rows / 4)) {
     AddRemovals();
@@ -144,20 +147,26 @@ void ListPlanner::PlanOrder() {
   for (std::size_t at = 0; at < before.size(); ++at) {
     if (!isKept[at]) operation.removed.push_back(before[at]);
   }
-  const bool areSame = operation.removed.empty() && kept.size() == after.size();
+  const bool areSame = operation.removed.empty() && before.size() == after.size();
   operation.AddStep(areSame ? ListChangeKind::Reordered : ListChangeKind::Reset, 0, after);
+}
+
+bool ListPlanner::IsInOrder() const noexcept {
+  std::size_t least = 0;
+  for (const std::size_t place : places) {
+    if (place == isNew) continue;
+    if (place < least) return false;
+    least = place;
+  }
+  return true;
 }
 
 /// Finds which kept rows stay where they are: the longest run that stands in the right order.
 void ListPlanner::FindStaying() {
-  bool isInOrder = true;
   for (std::size_t j = 0; j < places.size(); ++j) {
-    if (places[j] == isNew) continue;
-    isInOrder = isInOrder && (kept.empty() || places[kept.back()] < places[j]);
-    kept.push_back(j);
+    if (places[j] != isNew) kept.push_back(j);
   }
-  stays.assign(kept.size(), isInOrder);
-  if (isInOrder) return;
+  stays.assign(kept.size(), false);
   ranks.resize(before.size());
   for (std::size_t at = 0, rank = 0; at < before.size(); ++at) {
     ranks[at] = rank;
@@ -222,7 +231,7 @@ void ListPlanner::AddRemovals() {
 /// Puts each run that moves behind the row that it follows. That one stands right already. The
 /// places are found in an order of the kept rows on which the moves are tried.
 void ListPlanner::AddMoves() {
-  if (std::ranges::find(stays, false) == stays.end()) return;
+  if (kept.empty()) return;
   std::vector<RowId> rows;
   rows.reserve(kept.size());
   for (std::size_t at = 0; at < before.size(); ++at) {

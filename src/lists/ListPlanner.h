@@ -47,6 +47,7 @@ class ListPlanner {
   void TakeRows(const RowArray& rows);
 
   void PlanOrder();
+  [[nodiscard]] bool IsInOrder() const noexcept;
   void FindStaying();
   [[nodiscard]] std::size_t CountSteps() const;
   void AddRemovals();
@@ -66,10 +67,12 @@ class ListPlanner {
   std::vector<RowId> after;          // the order as it will be
   std::vector<std::size_t> places;   // for each row of `after`, its place in `before`
   std::vector<std::size_t> changed;  // the indexes in `after` of the matched rows that differ
-  std::vector<bool> isKept;          // for each row of `before`
-  std::vector<std::size_t> kept;     // the indexes in `after` of the rows that are not new
-  std::vector<std::size_t> ranks;    // for each row of `before`, how many kept ones stand before it
-  std::vector<bool> stays;           // for each of `kept`, whether it need not move
+  std::vector<char> isKept;          // for each row of `before`
+  // These three are found only where rows move.
+  std::vector<std::size_t> kept;   // the indexes in `after` of the rows that are not new
+  std::vector<std::size_t> ranks;  // for each row of `before`, how many kept ones stand before it
+  std::vector<char> stays;         // for each of `kept`, whether it need not move
+  std::size_t inPlace = 0;         // the rows whose place stays the same
   std::uint64_t fields = 0;
   /// The doubles of a key that have no match yet, the last one first.
   std::unordered_map<RowId, std::vector<RowId>> doubles;

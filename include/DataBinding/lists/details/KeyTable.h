@@ -23,9 +23,9 @@ namespace DataBinding::details {
 /// Reads rows as they are, or as they will be when everything that waits is done.
 struct RowReader {
   [[nodiscard]] const void* Row(RowId id) const noexcept {
-    if (coming != nullptr && id < coming->size() && (*coming)[id] != nullptr) return (*coming)[id];
-    return slots->Row(id);
+    return coming == nullptr ? slots->Row(id) : ComingRow(id);
   }
+  [[nodiscard]] DATABINDING_API const void* ComingRow(RowId id) const noexcept;
 
   const RowSlots* slots;
   /// For each id what the row will be; null for rows that do not change.
@@ -40,7 +40,9 @@ class DATABINDING_API KeyTable {
   void Reserve(std::size_t insertions, RowId idsBelow, const RowReader& rows);
   /// Makes room for doubles.
   void AllowDoubles(RowId idsBelow);
-  void Insert(RowId id, const RowReader& rows) noexcept;
+  /// Returns false when there is a row of the same key. The new one then is a double, if there is
+  /// room for doubles, and else is left out.
+  bool Insert(RowId id, const RowReader& rows) noexcept;
   void Erase(RowId id, const RowReader& rows) noexcept;
   /// Returns a row of a key, which is the first in the chain, or `none`.
   [[nodiscard]] RowId Find(const void* key, const RowReader& rows) const noexcept;

@@ -195,6 +195,10 @@ class DATABINDING_API ListNode {
   /// The row of an id. It can be read as long as the row is in the list, and after that until the
   /// outermost operation is over.
   [[nodiscard]] virtual const void* RowOf(RowId id) const noexcept = 0;
+  /// The row at an index, or null beyond the end.
+  [[nodiscard]] virtual const void* RowAtPlace(std::size_t index) const noexcept {
+    return index < Size() ? RowOf(At(index)) : nullptr;
+  }
   /// What is known of the row type, or null while that is not known.
   [[nodiscard]] virtual const RowTable* Table() const noexcept = 0;
   /// The first row of a key, or `noRow`. It takes O(n) unless a class knows better.

@@ -39,6 +39,9 @@ class ListStorage : public ReadableList<Row> {
     return engine.Order().IndexOf(id);
   }
   [[nodiscard]] const void* RowOf(RowId id) const noexcept final { return engine.Slots().Row(id); }
+  [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept final {
+    return index < engine.Order().Size() ? engine.Slots().Row(engine.Order().At(index)) : nullptr;
+  }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return engine.Slots().IdsBelow(); }
   [[nodiscard]] RowId FindKey(const void* key) const noexcept final { return engine.Find(key); }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept final {
