@@ -108,8 +108,15 @@ void RowOrder::Assign(std::span<const RowId> ids) {
 }
 
 std::size_t RowOrder::PlaceOf(std::size_t index) const noexcept {
+  const auto ends = [&](std::size_t place) {
+    return place + 1 == starts.size() ? size : starts[place + 1];
+  };
+  if (lastPlace < starts.size() && index >= starts[lastPlace] && index < ends(lastPlace)) {
+    return lastPlace;
+  }
   const auto behind = std::upper_bound(starts.begin(), starts.end(), index);
-  return static_cast<std::size_t>(behind - starts.begin()) - 1;
+  lastPlace = static_cast<std::size_t>(behind - starts.begin()) - 1;
+  return lastPlace;
 }
 
 /// How many blocks so many insertions may need at most.

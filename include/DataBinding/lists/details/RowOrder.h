@@ -113,7 +113,8 @@ class DATABINDING_API RowOrder {
   std::vector<BlockNumber> placeOf;   // by number
   std::vector<BlockNumber> blockOf;   // by id; noBlock for an id that is not in
   std::size_t size = 0;
-  std::size_t promised = 0;  // insertions that were reserved and not yet made
+  mutable std::size_t lastPlace = 0;  // where PlaceOf looks first: rows are read one by one
+  std::size_t promised = 0;           // insertions that were reserved and not yet made
 };
 
 }  // namespace details
