@@ -179,13 +179,9 @@ class Formatter {
 
   /// Returns what stands in a number as its decimal point, or nothing.
   static std::string_view LocalMark(std::string_view number) {
-    const auto isPlain = [](char character) {
-      return std::string_view("+- 0123456789abcdefABCDEFxXpPinIN").find(character) !=
-             std::string_view::npos;
-    };
-    const auto begin = std::find_if_not(number.begin(), number.end(), isPlain);
-    const auto end = std::find_if(begin, number.end(), isPlain);
-    return {begin, end};
+    constexpr std::string_view plain = "+- 0123456789abcdefABCDEFxXpPinIN";
+    const std::size_t begin = std::min(number.find_first_not_of(plain), number.size());
+    return number.substr(begin, number.find_first_of(plain, begin) - begin);
   }
 
   template <class T>
