@@ -18,7 +18,8 @@ namespace {
 constexpr std::size_t scriptLength = 400;
 constexpr std::size_t looksEvery = 16;
 
-constexpr const Subject* subjects[] = {&dataSubject, &propertySubject, &eventSubject, &listSubject};
+constexpr const Subject* subjects[] = {&dataSubject, &propertySubject, &eventSubject, &listSubject,
+                                       &viewSubject};
 
 struct Options {
   std::optional<std::uint32_t> seed;
@@ -132,8 +133,9 @@ std::optional<Options> Parse(std::span<char*> arguments) {
 }
 
 constexpr char usage[] =
-    "stress data|properties|events|lists [--operations N | --minutes N]  random scripts\n"
-    "stress data|properties|events|lists --seed N                        one of them once more\n"
+    "stress data|properties|events|lists|views [--operations N | --minutes N]  random scripts\n"
+    "stress data|properties|events|lists|views --seed N                        one of them once "
+    "more\n"
     "stress threads [--seed N] [--minutes N]            producers beside the delivering thread\n"
     "stress churn [--rounds N]                          so many sources and events in flat "
     "memory\n";

@@ -16,6 +16,7 @@ extern const Subject dataSubject;
 extern const Subject eventSubject;
 extern const Subject listSubject;
 extern const Subject propertySubject;
+extern const Subject viewSubject;
 
 /// Raises events on several threads while this one delivers them. True if each event arrived once,
 /// in the order of its thread, and each name of replaced events with its last value.

@@ -152,6 +152,7 @@ ListPlan BoundRows::Exchange::Plan() const noexcept {
   plan.idsBelow = next.IdsBelow();
   plan.mostRows = before.size() + after.size();
   plan.mostChanged = plan.mostRows;
+  plan.changes = changed.size();
   return plan;
 }
 

@@ -51,11 +51,15 @@ RowId ListEngine::FirstOf(const State& state, const void* key,
 }
 
 ListPlan ListEngine::Pending() const noexcept {
-  return {{},
-          pending.insertions,
-          slots.IdsBelow(),
-          present.order.Size() + pending.insertions,
-          mostChanged};
+  return {
+      {},          pending.insertions, slots.IdsBelow(), present.order.Size() + pending.insertions,
+      mostChanged, pending.changes};
+}
+
+void ListEngine::CopyIds(std::span<RowId> to) const noexcept {
+  auto next = to.begin();
+  present.order.ForEach(
+      [&](std::span<const RowId> ids) { next = std::ranges::copy(ids, next).out; });
 }
 
 ListEngine::State& ListEngine::Planning() {
@@ -88,13 +92,13 @@ ListEngine::OperationPtr ListEngine::NewOperation() {
 ListEngine::Needs ListEngine::NeedsOf(const ListStep& step) const noexcept {
   switch (step.kind) {
     case ListChangeKind::Inserted:
-      return {step.count, step.count, 0};
+      return {step.count, step.count, 0, 0};
     case ListChangeKind::Removed:
-      return {0, 0, step.count};
+      return {0, 0, step.count, 0};
     case ListChangeKind::Changed:
-      return {0, (step.fields & keyBit) == 0 ? 0 : step.count, 0};
+      return {0, (step.fields & keyBit) == 0 ? 0 : step.count, 0, step.count};
     default:
-      return {step.count, step.come.size(), step.gone.size()};
+      return {step.count, step.come.size(), step.gone.size(), 0};
   }
 }
 
@@ -107,6 +111,7 @@ SetResult ListEngine::Submit(OperationPtr operation) {
     all.insertions += needs.insertions;
     all.keyInsertions += needs.keyInsertions;
     all.removals += needs.removals;
+    all.changes += needs.changes;
   }
   Reserve(*operation, all);
 
@@ -136,7 +141,7 @@ void ListEngine::Reserve(const ListOperation& operation, const Needs& all) {
   if (gone.capacity() < removals) gone.reserve(std::max(removals, 2 * gone.capacity()));
   mostChanged = std::max(mostChanged, operation.Changed().size());
   node.PrepareDependents({operation.Steps(), all.insertions, slots.IdsBelow(),
-                          present.order.Size() + all.insertions, mostChanged});
+                          present.order.Size() + all.insertions, mostChanged, all.changes});
 }
 
 void ListEngine::ReserveState(State& state, const Needs& needs, bool withDoubles,
@@ -150,7 +155,13 @@ void ListEngine::ReserveState(State& state, const Needs& needs, bool withDoubles
 bool ListEngine::Tell(const ListStep& step) noexcept {
   if (!node.TellBefore(step)) return false;
   Apply(step);
-  return node.TellAfter(step);
+  if (!node.TellAfter(step)) return false;
+  const Needs needs = NeedsOf(step);  // until now views had to make the step
+  pending.insertions -= needs.insertions;
+  pending.keyInsertions -= needs.keyInsertions;
+  pending.removals -= needs.removals;
+  pending.changes -= needs.changes;
+  return true;
 }
 
 void ListEngine::Apply(const ListStep& step) noexcept {
@@ -167,10 +178,6 @@ void ListEngine::Apply(const ListStep& step) noexcept {
   }
   const auto removed = step.kind == ListChangeKind::Removed ? step.rows : step.gone;
   gone.insert(gone.end(), removed.begin(), removed.end());
-  const Needs needs = NeedsOf(step);
-  pending.insertions -= needs.insertions;
-  pending.keyInsertions -= needs.keyInsertions;
-  pending.removals -= needs.removals;
   running->StepIsDone();
 }
 

@@ -20,8 +20,8 @@ class ListNode::Observer {
   Observer(RepeatingCallback<void(const ListChange&)> callback, std::uint64_t first)
       : call(std::move(callback)), from(first) {}
   void operator()(const ListChange& change) const {
-    const bool isTold = change.Serial() == change.Node().serial;
-    if (isTold && change.Serial() >= from) call(change);
+    const bool isPresent = change.Serial() == change.Node().serial;  // an end may have overtaken it
+    if (isPresent && change.Serial() >= from) call(change);
   }
 
  private:
@@ -43,15 +43,37 @@ RowId ListNode::FindKey(const void* key) const noexcept {
   return noRow;
 }
 
+/// An observer that begins when the others have been told already is told at once, as long as the
+/// node is as it was. A view passes a change of fields on before the list changes, and again after
+/// that; in between its rows may be read as they are now, and then there is nothing left to tell.
 Subscription ListNode::ObserveChanges(RepeatingCallback<void(const ListChange&)> observer) {
   if (!observer) return {};
-  const bool hearsThis = phase == Phase::Before;
-  return observers.Add(Observer(std::move(observer), hearsThis ? serial : serial + 1));
+  Awaken();
+  const bool isOver =
+      phase == Phase::Between && told->kind == ListChangeKind::Changed && HasNewRows();
+  const bool isLate = !isOver && (phase == Phase::BeforeInDependents || phase == Phase::Between);
+  const bool hearsThis = isLate || phase == Phase::Before;
+  auto added = observers.Add(Observer(observer, hearsThis ? serial : serial + 1));
+  if (isLate) CallLate(observer);
+  return added;
+}
+
+DATABINDING_CATCHES_CANCELLATION void ListNode::CallLate(
+    const RepeatingCallback<void(const ListChange&)>& observer) {
+  try {
+    observer(ListChange(*this, *told, true, serial));
+  } catch (...) {
+    ReportFailure(ListName(), std::current_exception());
+  }
 }
 
 void ListNode::AddDependent(ListDependent& dependent) {
+  if (hasEnded) return dependent.ListEnds();
   if (Turns()->IsTelling()) dependent.Prepare(Pending());
   dependents.push_back(&dependent);
+  if (phase != Phase::Between) return;
+  heardBefore = dependents.size();
+  dependent.Before(*told);
 }
 
 void ListNode::RemoveDependent(ListDependent& dependent) noexcept {
@@ -67,10 +89,21 @@ void ListNode::PrepareDependents(const ListPlan& plan) {
   }
 }
 
+void ListNode::RestDependents() noexcept {
+  for (ListDependent* const dependent : dependents) {
+    if (dependent != nullptr) dependent->AtRest();
+  }
+}
+
+void ListNode::CopyIds(std::span<RowId> to) const noexcept {
+  for (std::size_t i = 0; i < to.size(); ++i) to[i] = At(i);
+}
+
 bool ListNode::TellBefore(const ListStep& step) noexcept {
   const auto alive = weak.GetRef();
   std::erase(dependents, nullptr);
   const auto isTold = [this, alive, own = ++serial] { return alive.IsValid() && serial == own; };
+  told = &step;
   phase = Phase::Before;
   CallObservers(step, true);
   if (!isTold()) return false;
@@ -80,6 +113,7 @@ bool ListNode::TellBefore(const ListStep& step) noexcept {
     if (dependent != nullptr) dependent->Before(step);
     if (!isTold()) return false;
   }
+  phase = Phase::Between;
   return true;
 }
 
@@ -116,23 +150,35 @@ DATABINDING_CATCHES_CANCELLATION void ListNode::CallObservers(const ListStep& st
 
 void ListNode::TellEnd(void (*empty)(ListNode& self)) noexcept {
   if (std::exchange(hasEnded, true)) return;
+  const auto turns = Turns();
+  const bool isOutermost = turns->BeginEnd();
+  turns->Drop(this);
+  TellEndNow(empty);
+  turns->Drop(this);
+  if (isOutermost) turns->FinishEnd();
+}
+
+void ListNode::TellEndNow(void (*empty)(ListNode& self)) noexcept {
   ListStep step;
   step.kind = ListChangeKind::Reset;
-  Turns()->Drop(this);
   weak.Invalidate();
+  const auto alive = weak.GetRef();
   ++serial;
+  told = &step;
   phase = Phase::Before;
   CallObservers(step, true);
-  phase = Phase::BeforeInDependents;
-  LeaveDependents();
-  empty(*this);
+  if (!alive.IsValid()) return;
   phase = Phase::After;
+  LeaveDependents();
+  if (!alive.IsValid()) return;
+  empty(*this);
   CallObservers(step, false);
-  LeaveDependents();  // an observer may have added one
+  if (alive.IsValid()) LeaveDependents();  // an observer may have added one
 }
 
 void ListNode::LeaveDependents() noexcept {
-  for (std::size_t i = 0; i < dependents.size(); ++i) {
+  const auto alive = weak.GetRef();
+  for (std::size_t i = 0; alive.IsValid() && i < dependents.size(); ++i) {
     if (auto* const dependent = std::exchange(dependents[i], nullptr)) dependent->ListEnds();
   }
 }

@@ -37,6 +37,16 @@ bool ListTurns::Take(ListTurnPtr turn) {
   return true;
 }
 
+void ListTurns::FinishEnd() noexcept {
+  isTelling = false;
+  try {
+    const auto keep = shared_from_this();
+    if (auto turn = TakeNext()) RunAll(std::move(turn));
+  } catch (...) {
+    ReportFailure(root == nullptr ? VtrString() : root->ListName(), std::current_exception());
+  }
+}
+
 void ListTurns::RunAll(ListTurnPtr first) {
   FirstFailure failure;
   {
@@ -48,7 +58,9 @@ void ListTurns::RunAll(ListTurnPtr first) {
     }
   }
   failure.Try([this] {
-    if (root != nullptr) root->AtRest();
+    if (root == nullptr) return;
+    root->RestDependents();
+    root->AtRest();
   });
   failure.Rethrow();
 }

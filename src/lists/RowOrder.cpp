@@ -97,7 +97,7 @@ void RowOrder::Move(std::size_t from, std::size_t count, std::size_t to) noexcep
 }
 
 void RowOrder::Assign(std::span<const RowId> ids) {
-  const std::size_t wanted = DividedUp(ids.size(), mostInBlock);
+  const std::size_t wanted = DividedUp(ids.size(), wellFilled);
   const RowId last = ids.empty() ? 0 : *std::max_element(ids.begin(), ids.end());
   ReserveBlocks(wanted > sequence.size() ? wanted - sequence.size() : 0, last + 1);
   Clear();
@@ -244,7 +244,7 @@ void RowOrder::Append(std::span<const RowId> ids) noexcept {
     ids = ids.subspan(here);
   }
   if (ids.empty()) return;
-  const std::size_t count = DividedUp(ids.size(), mostInBlock);
+  const std::size_t count = DividedUp(ids.size(), wellFilled);
   OpenPlaces(place, count);
   Fill(place, count, {&ids, 1});
 }

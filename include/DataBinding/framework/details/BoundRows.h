@@ -71,6 +71,7 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
     void Before(const ListStep& step) noexcept override { rows.Before(step); }
     void After(const ListStep& step) noexcept override { rows.After(step); }
     void ListEnds() noexcept override { rows.ListEnds(*this); }
+    void AtRest() noexcept override { rows.node.RestDependents(); }
     void Leave() noexcept;
 
     BoundRows& rows;

@@ -21,6 +21,7 @@
 #include <memory>
 #include <span>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "DataBinding/Export.h"
@@ -87,6 +88,8 @@ struct ListPlan {
   std::size_t mostRows = 0;
   std::size_t mostChanged = 0;
   ///@}
+  /// How often the fields of a row will change.
+  std::size_t changes = 0;
 };
 
 class ListNode;
@@ -104,6 +107,8 @@ class ListDependent {
   /// The node ends. Its rows can be read until this returns, and nothing of it may be kept. The
   /// node has forgotten the dependent. This may come within Before and After.
   virtual void ListEnds() noexcept = 0;
+  /// The outermost operation is over. What Prepare has reserved may be given back.
+  virtual void AtRest() noexcept {}
 
  protected:
   ~ListDependent() = default;
@@ -149,6 +154,12 @@ class DATABINDING_API ListTurns : public std::enable_shared_from_this<ListTurns>
   bool Take(ListTurnPtr turn);
   /// Drops what an owner has waiting. An owner that ends calls this.
   void Drop(const void* owner) noexcept;
+  /// Lets what is called wait while a node tells that it ends. Returns false when it waits anyway;
+  /// otherwise FinishEnd follows, which runs what has waited and reports what that throws.
+  ///@{
+  [[nodiscard]] bool BeginEnd() noexcept { return !std::exchange(isTelling, true); }
+  void FinishEnd() noexcept;
+  ///@}
   /// The root of the family has ended.
   void ForgetRoot() noexcept { root = nullptr; }
 
@@ -218,11 +229,19 @@ class DATABINDING_API ListNode {
   [[nodiscard]] virtual bool IsSourceGoing() const noexcept { return false; }
   /// The outermost operation of the family whose root this is has ended.
   virtual void AtRest() {}
+  /// Copies the ids of all rows, in order; `to` has room for Size() ids.
+  virtual void CopyIds(std::span<RowId> to) const noexcept;
+  /// Tells, while a step is told, whether the fields of rows can be read as they are after it.
+  [[nodiscard]] virtual bool HasNewRows() const noexcept { return phase == Phase::After; }
+  /// Has a view ask its rows before somebody observes it.
+  virtual void Awaken() {}
 
   /// Makes a dependent hear of changes. One that is added while a change is told is prepared at
   /// once for all that is to come; it hears of the present step if that is not done yet.
   void AddDependent(ListDependent& dependent);
   void RemoveDependent(ListDependent& dependent) noexcept;
+  /// Tells the dependents that the outermost operation is over.
+  void RestDependents() noexcept;
   /// Calls a function for each change, before and after it. Null gives an inert subscription.
   Subscription ObserveChanges(RepeatingCallback<void(const ListChange&)> observer);
 
@@ -255,16 +274,20 @@ class DATABINDING_API ListNode {
  private:
   friend class ListEngine;
   friend class BoundRows;
-  enum class Phase { Rest, Before, BeforeInDependents, After };
+  friend class ListView;
+  enum class Phase { Rest, Before, BeforeInDependents, Between, After };
   class Observer;
 
+  void TellEndNow(void (*empty)(ListNode& self)) noexcept;
   void LeaveDependents() noexcept;
+  void CallLate(const RepeatingCallback<void(const ListChange&)>& observer);
   void CallObservers(const ListStep& step, bool isBefore) noexcept;
 
   CallbackList<ListChange> observers;
   std::vector<ListDependent*> dependents;  // null in the place of one that has left
   std::size_t heardBefore = 0;             // the dependents that have heard Before of this step
   std::uint64_t serial = 0;
+  const ListStep* told = nullptr;  // the present step
   Phase phase = Phase::Rest;
   bool hasEnded = false;
   WeakReferenceOwner weak;

@@ -54,6 +54,7 @@ class DATABINDING_API ListEngine {
   /// Returns the first row of a key, or KeyTable::none.
   [[nodiscard]] RowId Find(const void* key) const noexcept;
   [[nodiscard]] ListPlan Pending() const noexcept;
+  void CopyIds(std::span<RowId> to) const noexcept;
 
   /// These are the operations of ListData. They take indexes of the list as it reads now.
   ///@{
@@ -105,6 +106,7 @@ class DATABINDING_API ListEngine {
     std::size_t insertions = 0;     // into the order
     std::size_t keyInsertions = 0;  // into the key table
     std::size_t removals = 0;
+    std::size_t changes = 0;
   };
   [[nodiscard]] Needs NeedsOf(const ListStep& step) const noexcept;
   void Reserve(const ListOperation& operation, const Needs& all);

@@ -43,6 +43,7 @@ class ListStorage : public ReadableList<Row> {
     return index < engine.Order().Size() ? engine.Slots().Row(engine.Order().At(index)) : nullptr;
   }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return engine.Slots().IdsBelow(); }
+  void CopyIds(std::span<RowId> to) const noexcept final { engine.CopyIds(to); }
   [[nodiscard]] RowId FindKey(const void* key) const noexcept final { return engine.Find(key); }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept final {
     return engine.Turns();

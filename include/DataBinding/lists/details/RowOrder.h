@@ -8,7 +8,7 @@
 ///
 /// What a change may need is reserved before it, so that the change itself allocates nothing.
 /// Erase joins small neighbours, and a block that is full is shared out evenly among two or more:
-/// therefore a row takes 6 bytes after Assign, and about 8 after many changes. An order holds some
+/// therefore a row takes 7 bytes after Assign, and about 8 after many changes. An order holds some
 /// eight million rows; Reserve and Assign throw std::length_error beyond that.
 ///
 /// Invariants:
@@ -78,6 +78,8 @@ class DATABINDING_API RowOrder {
  private:
   using BlockNumber = std::uint16_t;
   static constexpr std::size_t mostInBlock = 256;
+  /// New blocks are not filled up, so that the first rows which move do not share all of them out.
+  static constexpr std::size_t wellFilled = mostInBlock * 7 / 8;
   static constexpr std::size_t mostJoined = mostInBlock * 3 / 4;
   static constexpr BlockNumber noBlock = 0xffff;
   struct Block {

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A SortedView is a SortedList without its row type: it sorts the rows of a list by a function.
+///
+/// Rows that the function finds equal stand in the order of the list. A row is found where it
+/// stands, by its id; only rows that come or have changed are compared, with the others that stand
+/// sorted. The function may throw, contradict itself, or go by something that has changed: then
+/// rows stand in the wrong places, and nothing worse happens.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "DataBinding/Export.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/lists/details/ListView.h"
+
+namespace DataBinding::details {
+
+/// Says whether the first row stands before the second.
+using RowCompare = RepeatingCallback<bool(const void* one, const void* other)>;
+
+class RowLess;
+
+class DATABINDING_API SortedView final : public ListView {
+ public:
+  SortedView(ListNode& itsNode, ListNode& itsSource, void (*emptyNode)(ListNode& self),
+             RowCompare function);
+  ~SortedView() = default;
+
+  /// Sorts by another function. Waits while the family tells a change.
+  void SortBy(RowCompare function);
+
+ private:
+  void Shrink(const ListStep& step) noexcept override;
+  void Grow(const ListStep& step) noexcept override;
+  void Evaluate() noexcept override;
+
+  void SortAnew(RowCompare function);
+  [[nodiscard]] std::size_t Sort(std::span<const RowId> ids) noexcept;
+  void Remove(std::span<const RowId> ids) noexcept;
+  void Insert(std::span<const RowId> ids) noexcept;
+  template <class Lookup>
+  [[nodiscard]] std::size_t PlaceSorted(std::size_t live, std::size_t sorted, std::size_t end,
+                                        Lookup at) noexcept;
+  void Replace(std::span<const RowId> ids, bool isContentNew) noexcept;
+  bool ReplaceOne(RowId id, std::span<const RowId> loose) noexcept;
+  [[nodiscard]] std::size_t FindPlace(RowId id, std::size_t from,
+                                      std::span<const RowId> loose) noexcept;
+  void ReplaceMany(std::span<const RowId> ids, bool isContentNew) noexcept;
+  void MergeLoose(std::size_t live) noexcept;
+  [[nodiscard]] std::size_t CountMoves() noexcept;
+  bool TellMoves() noexcept;
+  [[nodiscard]] std::size_t Sorted() const noexcept { return order.Size() - aside; }
+
+  RowCompare compare;
+};
+
+}  // namespace DataBinding::details

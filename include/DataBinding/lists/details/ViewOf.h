@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A ViewOf makes a view of rows of one type: it answers for its node by a ListView, which does not
+/// know the type.
+///
+/// The view's destructor is the first that runs, so its observers hear the end while the list that
+/// it follows, and all rows, can still be read.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "DataBinding/lists/ReadableList.h"
+#include "DataBinding/lists/details/ListView.h"
+
+namespace DataBinding::details {
+
+template <class Row, class View>
+class ViewOf : public ReadableList<Row> {
+ public:
+  [[nodiscard]] std::size_t Size() const noexcept final { return view.Size(); }
+  [[nodiscard]] RowId At(std::size_t index) const noexcept final { return view.At(index); }
+  [[nodiscard]] std::size_t IndexOfRow(RowId id) const noexcept final { return view.IndexOf(id); }
+  [[nodiscard]] const void* RowOf(RowId id) const noexcept final { return view.RowOf(id); }
+  [[nodiscard]] RowId IdsBelow() const noexcept final { return view.IdsBelow(); }
+  SetResult UpdateRow(RowId id, const RowEdit& edit) final { return view.UpdateRow(id, edit); }
+  [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept final {
+    return view.Turns();
+  }
+  [[nodiscard]] bool HasNewRows() const noexcept final { return view.HasNewRows(); }
+  [[nodiscard]] VtrString ListName() const final { return view.ListName(); }
+  void CopyIds(std::span<RowId> to) const noexcept final { view.CopyIds(to); }
+
+ protected:
+  template <class... Settings>
+  explicit ViewOf(ReadableList<Row>& list, Settings&&... settings)
+      : view(*this, list, &EmptyView, std::forward<Settings>(settings)...) {}
+  ~ViewOf() override = default;
+
+  View view;
+
+ private:
+  static void EmptyView(ListNode& self) { static_cast<ViewOf&>(self).view.Empty(); }
+  [[nodiscard]] ListPlan Pending() const noexcept final { return view.Pending(); }
+  void Awaken() final { view.Awaken(); }
+};
+
+}  // namespace DataBinding::details

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+// This file holds how a view tells what it has found out: in ranges, or at once.
+#include <algorithm>
+
+#include "DataBinding/lists/details/ListView.h"
+
+namespace DataBinding::details {
+
+bool ListView::Tell(const ListStep& step) noexcept {
+  if (!node.TellBefore(step)) return false;
+  switch (step.kind) {
+    case ListChangeKind::Inserted:
+      order.Insert(step.at, step.rows);
+      break;
+    case ListChangeKind::Removed:
+      order.Erase(step.at, step.count);
+      break;
+    default:
+      order.Move(step.at, step.count, step.to);
+  }
+  return node.TellAfter(step);
+}
+
+std::size_t ListView::CountRanges() const noexcept {
+  std::size_t count = placed.empty() ? 0 : 1;
+  for (std::size_t i = 1; i < placed.size(); ++i) count += placed[i].at != placed[i - 1].at + 1;
+  return count;
+}
+
+std::size_t ListView::CountGaps() const noexcept {
+  std::size_t count = placed.empty() ? 0 : 1;
+  for (std::size_t i = 1; i < placed.size(); ++i) count += placed[i].at != placed[i - 1].at;
+  return count;
+}
+
+/// Tells the last range first, so that the places of the others stay right.
+bool ListView::TellRanges(ListChangeKind kind) noexcept {
+  const std::size_t step = kind == ListChangeKind::Removed ? 1 : 0;
+  rows.clear();
+  for (const PlacedRow& row : placed) rows.push_back(row.id);
+  for (std::size_t end = placed.size(), first = end; end > 0; end = first) {
+    first = end - 1;
+    while (first > 0 && placed[first - 1].at + step == placed[first].at) --first;
+    const std::size_t count = end - first;
+    if (!Tell({kind, placed[first].at, count, 0, std::span(rows).subspan(first, count)})) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool ListView::TellRemovals() noexcept {
+  if (CountRanges() <= MostRanges()) return TellRanges(ListChangeKind::Removed);
+  target.clear();
+  std::size_t index = 0;
+  auto next = placed.begin();
+  order.ForEach([&](std::span<const RowId> ids) {
+    for (const RowId id : ids) {
+      const bool goes = next != placed.end() && next->at == index++;
+      goes ? static_cast<void>(++next) : target.push_back(id);
+    }
+  });
+  asideInTarget = aside;
+  return TellTarget();
+}
+
+bool ListView::TellInsertions() noexcept {
+  if (CountGaps() <= MostRanges()) return TellRanges(ListChangeKind::Inserted);
+  rows.resize(order.Size());
+  CopyIds(rows);
+  MergeInto(rows);
+  asideInTarget = aside;
+  return TellTarget();
+}
+
+void ListView::MergeInto(std::span<const RowId> base) noexcept {
+  target.clear();
+  std::size_t done = 0;
+  for (const PlacedRow& row : placed) {
+    const auto before = base.subspan(done, row.at - done);
+    target.insert(target.end(), before.begin(), before.end());
+    target.push_back(row.id);
+    done = row.at;
+  }
+  const auto rest = base.subspan(done);
+  target.insert(target.end(), rest.begin(), rest.end());
+}
+
+bool ListView::TellTarget() noexcept { return BeginTarget() && EndTarget(); }
+
+bool ListView::BeginTarget() noexcept {
+  isTargetOpen = !IsTarget();
+  if (!isTargetOpen) return true;
+  CompareWithTarget();
+  const bool isSame = come.empty() && gone.empty();
+  whole = {};
+  whole.kind = isSame ? ListChangeKind::Reordered : ListChangeKind::Reset;
+  whole.count = target.size();
+  whole.rows = target;
+  whole.gone = gone;
+  whole.come = come;
+  return node.TellBefore(whole);
+}
+
+bool ListView::EndTarget() noexcept {
+  aside = asideInTarget;
+  if (!isTargetOpen) return true;
+  isTargetOpen = false;
+  order.Assign(target);
+  return node.TellAfter(whole);
+}
+
+bool ListView::IsTarget() const noexcept {
+  if (order.Size() != target.size()) return false;
+  bool isSame = true;
+  auto next = target.begin();
+  order.ForEach([&](std::span<const RowId> ids) {
+    isSame = isSame && std::equal(ids.begin(), ids.end(), next);
+    next += static_cast<std::ptrdiff_t>(ids.size());
+  });
+  return isSame;
+}
+
+/// Finds the rows that go and those that come when the target takes the place of the order.
+void ListView::CompareWithTarget() noexcept {
+  Mark(target);
+  come.clear();
+  gone.clear();
+  order.ForEach([this](std::span<const RowId> ids) {
+    std::ranges::copy_if(ids, std::back_inserter(gone), [&](RowId id) { return !IsMarked(id); });
+  });
+  std::ranges::copy_if(target, std::back_inserter(come),
+                       [&](RowId id) { return !order.Contains(id); });
+}
+
+}  // namespace DataBinding::details

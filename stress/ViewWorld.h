@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A list, views of it that stand on each other, and observers of all of them, each with a copy
+/// that it keeps by what it is told.
+///
+/// An observer compares its copy with what it observes before and after every change. At rest each
+/// view must equal one that is made anew. Operations are also played inside callbacks, where views
+/// may end, begin and get other settings. Comparisons and predicates throw for certain rows always,
+/// and sometimes for any.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "DataBinding/lists/FilteredList.h"
+#include "DataBinding/lists/List.h"
+#include "DataBinding/lists/SortedList.h"
+#include "Script.h"
+
+namespace DataBinding::Stress {
+
+struct Piece {
+  int key;
+  int value;
+  bool operator==(const Piece&) const = default;
+};
+
+constexpr auto FieldsOf(const Piece*) {
+  return Fields(Key(L"Key", &Piece::key), Field(L"Value", &Piece::value));
+}
+
+/// An observer's copy of a list or view.
+class PieceCopy {
+ public:
+  using Numbered = std::vector<std::pair<RowId, Piece>>;
+
+  [[nodiscard]] static Numbered Read(const ReadableList<Piece>& list);
+  /// Brings the copy to where the change says that the list is, and answers whether all fits.
+  [[nodiscard]] bool Follow(const ReadableList<Piece>& list, const RowChange<Piece>& change);
+
+  Numbered copy;
+  Subscription seen;
+
+ private:
+  [[nodiscard]] bool Replay(const ReadableList<Piece>& list, const RowChange<Piece>& change);
+};
+
+class ViewWorld : public Player<ViewWorld> {
+ public:
+  static constexpr std::string_view points[] = {"before", "after"};
+  static std::vector<Operation<ViewWorld>> Operations();
+
+  ViewWorld();
+  ~ViewWorld();
+  ViewWorld(const ViewWorld&) = delete;
+  ViewWorld& operator=(const ViewWorld&) = delete;
+
+  void Insert(int at, int count, int key);
+  void Remove(int at, int count, int);
+  void Move(int from, int count, int to);
+  void Update(int at, int value, int);
+  void UpdateMany(int seed, int of, int);
+  void Assign(int seed, int way, int);
+  void Setting(int which, int setting, int);
+  void Refilter(int which, int, int);
+  void Renew(int which, int, int);
+  void Watch(int which, int, int);
+  void EndList(int, int, int);
+  void ThrowSoon(int which, int count, int);
+
+  /// Says whether everything agreed until now. The list must be at rest.
+  [[nodiscard]] bool Agrees();
+  [[nodiscard]] const char* WhatDiffers() const noexcept { return failure; }
+
+ private:
+  static constexpr std::size_t viewCount = 6;
+  using Sorted = SortedList<Piece>;
+  using Filtered = FilteredList<Piece>;
+  /// A view is one or the other.
+  struct View {
+    std::unique_ptr<Sorted> sorted;
+    std::unique_ptr<Filtered> filtered;
+    int setting = 0;
+    int untilThrow = 0;
+    bool isSpoilt = false;  // by a function that threw where it usually does not
+  };
+
+  void Expect(bool holds, const char* what) {
+    if (!holds && failure == nullptr) failure = what;
+  }
+  [[nodiscard]] ReadableList<Piece>* Of(std::size_t which) const;
+  [[nodiscard]] ReadableList<Piece>& Base(std::size_t which) const;
+  void Make(std::size_t which);
+  void End(std::size_t which);
+  [[nodiscard]] auto Less(std::size_t which, bool mayThrow);
+  [[nodiscard]] auto Shows(std::size_t which, bool mayThrow);
+  void MayThrow(std::size_t which);
+  void Hear(std::size_t which, const RowChange<Piece>& change);
+  void CompareWithNew(std::size_t which);
+
+  std::unique_ptr<ListData<Piece>> list = std::make_unique<ListData<Piece>>();
+  std::array<View, viewCount> views;
+  std::array<PieceCopy, viewCount + 1> copies;  // the last one is of the list
+  bool isEnding = false;
+  int endings = 0;
+  const char* failure = nullptr;
+};
+
+}  // namespace DataBinding::Stress
