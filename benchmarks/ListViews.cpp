@@ -17,40 +17,46 @@ namespace Benchmarks {
 
 namespace {
 
-using namespace DataBinding;
+using DataBinding::By;
+using DataBinding::FilteredList;
+using DataBinding::ListData;
+using DataBinding::RowChange;
+using DataBinding::SortedList;
+using DataBinding::Subscription;
 
-struct Entry {
+struct LoadedRow {
   int id;
   double load;
-  bool operator==(const Entry&) const = default;
+  bool operator==(const LoadedRow&) const = default;
 };
-constexpr auto FieldsOf(const Entry*) {
-  return Fields(Key(L"Id", &Entry::id), Field(L"Load", &Entry::load));
+constexpr auto FieldsOf(const LoadedRow*) {
+  return DataBinding::Fields(DataBinding::Key(L"Id", &LoadedRow::id),
+                             DataBinding::Field(L"Load", &LoadedRow::load));
 }
 
-std::vector<Entry> Entries(int count) {
+std::vector<LoadedRow> LoadsOf(int count) {
   std::mt19937 random(1);
-  std::vector<Entry> made;
+  std::vector<LoadedRow> made;
   for (int id = 0; id < count; ++id) made.push_back({id, double(random() % 1'000'000)});
   return made;
 }
 
 /// A list that is observed through a sorted view.
-struct SortedEntries {
-  explicit SortedEntries(int count) { list.Assign(Entries(count)); }
+struct SortedLoads {
+  explicit SortedLoads(int count) { list.Assign(LoadsOf(count)); }
 
-  ListData<Entry> list;
-  SortedList<Entry> sorted{list, By(&Entry::load)};
+  ListData<LoadedRow> list;
+  SortedList<LoadedRow> sorted{list, By(&LoadedRow::load)};
   std::size_t told = 0;
-  Subscription seen = sorted.Observe({.after = [this](const RowChange<Entry>&) { ++told; }});
+  Subscription seen = sorted.Observe({.after = [this](const RowChange<LoadedRow>&) { ++told; }});
 };
 
 void OneKey(benchmark::State& state) {
-  SortedEntries entries(100'000);
+  SortedLoads entries(100'000);
   std::mt19937 random(2);
   const auto change = [&] {
     entries.list.Update(static_cast<int>(random() % 100'000),
-                        [&](Entry& entry) { entry.load = double(random() % 1'000'000); });
+                        [&](LoadedRow& entry) { entry.load = double(random() % 1'000'000); });
   };
   for (int i = 0; i < 10'000; ++i) change();
   const AllocationWatch watch(state);
@@ -59,8 +65,8 @@ void OneKey(benchmark::State& state) {
 
 /// Changes one row of a hundred, or none.
 void AssignAnew(benchmark::State& state) {
-  auto rows = Entries(10'000);
-  SortedEntries entries(10'000);
+  auto rows = LoadsOf(10'000);
+  SortedLoads entries(10'000);
   const auto changed = static_cast<std::size_t>(state.range(0));
   std::mt19937 random(3);
   for (auto _ : state) {
@@ -72,23 +78,23 @@ void AssignAnew(benchmark::State& state) {
 }
 
 void EveryValue(benchmark::State& state) {
-  auto rows = Entries(100'000);
-  SortedEntries entries(100'000);
+  auto rows = LoadsOf(100'000);
+  SortedLoads entries(100'000);
   std::mt19937 random(4);
   for (auto _ : state) {
     state.PauseTiming();
-    for (Entry& row : rows) row.load = double(random() % 1'000'000);
+    for (LoadedRow& row : rows) row.load = double(random() % 1'000'000);
     state.ResumeTiming();
     entries.list.Assign(rows);
   }
 }
 
 void InsertMany(benchmark::State& state) {
-  const auto rows = Entries(10'000);
+  const auto rows = LoadsOf(10'000);
   for (auto _ : state) {
     state.PauseTiming();
     {
-      SortedEntries entries(0);
+      SortedLoads entries(0);
       state.ResumeTiming();
       entries.list.Insert(0, rows);
       state.PauseTiming();
@@ -98,12 +104,12 @@ void InsertMany(benchmark::State& state) {
 }
 
 void FilterAnew(benchmark::State& state) {
-  ListData<Entry> list;
-  list.Assign(Entries(100'000));
+  ListData<LoadedRow> list;
+  list.Assign(LoadsOf(100'000));
   double least = 0;
-  FilteredList<Entry> shown(list, [&](const Entry& entry) { return entry.load >= least; });
+  FilteredList<LoadedRow> shown(list, [&](const LoadedRow& entry) { return entry.load >= least; });
   std::size_t told = 0;
-  const Subscription seen = shown.Observe({.after = [&](const RowChange<Entry>&) { ++told; }});
+  const Subscription seen = shown.Observe({.after = [&](const RowChange<LoadedRow>&) { ++told; }});
   for (auto _ : state) {
     least = least == 0 ? 10'000 : 0;  // one row of a hundred goes or comes
     shown.Refilter();
@@ -112,7 +118,7 @@ void FilterAnew(benchmark::State& state) {
 
 /// The floors: the indexes of the rows are sorted, or copied where the row fits.
 void SortIndexes(benchmark::State& state) {
-  auto rows = Entries(static_cast<int>(state.range(0)));
+  auto rows = LoadsOf(static_cast<int>(state.range(0)));
   std::vector<std::uint32_t> indexes(rows.size());
   for (auto _ : state) {
     std::iota(indexes.begin(), indexes.end(), 0U);
@@ -122,7 +128,7 @@ void SortIndexes(benchmark::State& state) {
 }
 
 void CopyIndexes(benchmark::State& state) {
-  const auto rows = Entries(100'000);
+  const auto rows = LoadsOf(100'000);
   std::vector<std::uint32_t> all(rows.size());
   std::vector<std::uint32_t> shown(rows.size());
   std::iota(all.begin(), all.end(), 0U);
@@ -135,10 +141,10 @@ void CopyIndexes(benchmark::State& state) {
 
 void BytesOfView(benchmark::State& state) {
   for (auto _ : state) {
-    ListData<Entry> list;
-    list.Assign(Entries(static_cast<int>(memorySample)));
+    ListData<LoadedRow> list;
+    list.Assign(LoadsOf(static_cast<int>(memorySample)));
     const auto bytes = [&](std::size_t count) {
-      auto view = std::make_unique<SortedList<Entry>>(list, By(&Entry::load));
+      auto view = std::make_unique<SortedList<LoadedRow>>(list, By(&LoadedRow::load));
       benchmark::DoNotOptimize(view->Size() + count);
       return view;
     };
