@@ -8,6 +8,7 @@
 #include "DataBinding/framework/AnyListBind.h"
 #include "DataBinding/lists/List.h"
 #include "DataBinding/lists/Selection.h"
+#include "DataBinding/lists/SortedList.h"
 #include "DataBinding/property/Property.h"
 
 namespace DataBinding::Testing {
@@ -129,6 +130,24 @@ TEST_F(ListBinds, KeepWhatIsChosenUntilAListComesThatHasIt) {
   EXPECT_EQ(gone, "");
   player.songs.Remove(0, 1);
   EXPECT_EQ(gone, "gone ");
+}
+
+TEST_F(ListBinds, AreSortedAndChosenFromLikeAnyList) {
+  SortedList<Song> sorted(*bind, By(&Song::name));
+  DataBinding::Selection<Song> chosen(sorted);
+  const auto names = [&] { return NamesOf({sorted.begin(), sorted.end()}); };
+  auto& player = Emplaced(parent, {{1, L"C"}, {2, L"A"}, {3, L"B"}});
+  chosen.ChooseKey(3);
+  player.songs.Update(2, [](Song& song) { song.name = L"D"; });
+  player.songs.Insert(0, Song{4, L"E"});
+  EXPECT_EQ(names(), "BCDE");
+  Emplaced(child, {{4, L"A"}, {9, L"F"}, {1, L"C"}});
+  EXPECT_EQ(names(), "ACF");
+  EXPECT_EQ(chosen.Current(), nullptr);
+  hook = [&] { child->DeleteLocalDataSourceInstance(L"Player"); };
+  static_cast<Player<Song>*>(child->GetLocalDataSourceInstance(L"Player"))->songs.Remove(0, 1);
+  EXPECT_EQ(names(), "BCDE");
+  EXPECT_EQ(chosen.Current()->id, 3);
 }
 
 TEST_F(ListBinds, LetGoOfAListThatEndsWhileItTells) {

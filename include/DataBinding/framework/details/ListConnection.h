@@ -77,6 +77,9 @@ class BoundList : public Base, public Framework::IBaseDataBind {
   [[nodiscard]] const void* RowOf(RowId id) const noexcept final { return rows.RowOf(id); }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return rows.IdsBelow(); }
   [[nodiscard]] bool IsSourceGoing() const noexcept final { return rows.IsSourceGoing(); }
+  [[nodiscard]] bool HasNewRows() const noexcept final {
+    return Base::HasNewRows() || (rows.List() != nullptr && rows.List()->HasNewRows());
+  }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept final {
     return rows.Turns();
   }

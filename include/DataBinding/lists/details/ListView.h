@@ -76,6 +76,9 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   [[nodiscard]] const void* RowOf(RowId id) const noexcept;
   SetResult UpdateRow(RowId id, const RowEdit& edit);
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept;
+  [[nodiscard]] bool IsSourceGoing() const noexcept {
+    return source != nullptr && source->IsSourceGoing();
+  }
   [[nodiscard]] bool HasNewRows() const noexcept {
     return source != nullptr && source->HasNewRows();
   }

@@ -29,6 +29,7 @@ class ViewOf : public ReadableList<Row> {
     return view.Turns();
   }
   [[nodiscard]] bool HasNewRows() const noexcept final { return view.HasNewRows(); }
+  [[nodiscard]] bool IsSourceGoing() const noexcept final { return view.IsSourceGoing(); }
   [[nodiscard]] VtrString ListName() const final { return view.ListName(); }
   void CopyIds(std::span<RowId> to) const noexcept final { view.CopyIds(to); }
 
