@@ -24,8 +24,8 @@ class Machine : public NamedDataSource {
   Machine() : NamedDataSource(L"Machine") {}
 
   List<Process> processes{this, L"Processes"};
-  ComputedProperty<int> count{this, L"Count",
-                              [this] { return static_cast<int>(processes.Size()); }, processes};
+  ComputedProperty<int> count{this, L"Count", [this] { return static_cast<int>(processes.Size()); },
+                              processes};
 };
 
 void Tell(const RowChange<Process>& change) {
@@ -81,8 +81,8 @@ void ChangeInACallback(List<Process>& processes) {
 int main() {
   const auto machine = MakeDataSource<Machine>(nullptr);
   List<Process>& processes = machine->processes;
-  const Subscription announced = machine->Register(
-      [&] { std::cout << "-- " << *machine->count << " processes\n"; }, L"Count");
+  const Subscription announced =
+      machine->Register([&] { std::cout << "-- " << *machine->count << " processes\n"; }, L"Count");
   const Subscription seen = processes.Observe({.before = &TellGoing, .after = &Tell});
 
   ChangeTheList(processes);

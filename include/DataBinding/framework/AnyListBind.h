@@ -33,6 +33,7 @@ class AnyListBind final : public details::BoundList<AnyList> {
   AnyListBind(IDataSourceProvider* provider, const VtrString& source, const VtrString& list)
       : AnyListBind(provider, VtrString(), source, list) {}
 
+  /// Returns what is known of the rows of the list that is shown, or null while there is none.
   [[nodiscard]] const details::RowTable* Table() const noexcept override {
     return rows.List() == nullptr ? nullptr : rows.List()->Table();
   }

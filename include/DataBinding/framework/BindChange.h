@@ -19,6 +19,7 @@
 
 namespace DataBinding::Framework {
 
+/// Says what has happened to the value that a bind shows.
 enum class BindChange {
   Value,    ///< the same property has changed its value, or announced that it might have
   Came,     ///< there is a value now, and there was none

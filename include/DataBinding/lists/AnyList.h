@@ -20,15 +20,18 @@ namespace DataBinding {
 
 class DATABINDING_API AnyList : public details::ListNode {
  public:
+  /// Returns true while there is no row.
   [[nodiscard]] bool IsEmpty() const noexcept { return Size() == 0; }
   /// The id of the row at an index; nothing beyond the end.
   [[nodiscard]] std::optional<RowId> IdAt(std::size_t index) const noexcept;
   /// The place of a row; nothing for a row that is not in the list.
   [[nodiscard]] std::optional<std::size_t> IndexOf(RowId id) const noexcept;
+  /// Returns true for the id of a row that is in the list.
   [[nodiscard]] bool Contains(RowId id) const noexcept { return IndexOf(id).has_value(); }
 
   /// The type of the rows; runtime_type<void> while that is not known.
   [[nodiscard]] const runtime_type_base& RowType() const noexcept;
+  /// Returns the number of fields; 0 while the row type is not known.
   [[nodiscard]] std::size_t FieldCount() const noexcept;
   /// The name of a field by its number; empty beyond the end.
   [[nodiscard]] VtrString FieldName(std::size_t number) const;

@@ -39,6 +39,7 @@
 
 namespace DataBinding {
 
+/// A ListData is a list without a name and without a data source.
 template <ListRow Row>
 class ListData : public details::ListStorage<Row> {
  public:
@@ -63,6 +64,7 @@ class ListData : public details::ListStorage<Row> {
     return this->engine.Insert(at, this->ArrayOf(rows));
   }
   ///@}
+  /// Removes rows that stand side by side.
   SetResult Remove(std::size_t at, std::size_t count = 1) { return this->engine.Remove(at, count); }
   /// Moves rows that stand side by side. The first one stands at `to` afterwards.
   SetResult Move(std::size_t from, std::size_t count, std::size_t to) {
@@ -108,9 +110,11 @@ class ListData : public details::ListStorage<Row> {
     return Assign(std::move(rows));
   }
 
+  /// Does what UpdateAt does, for the row of an id.
   SetResult UpdateRow(RowId id, const details::RowEdit& edit) final {
     return this->engine.Update({&id, 1}, edit);
   }
+  /// Returns the name under which failures are reported: none.
   [[nodiscard]] VtrString ListName() const override { return {}; }
 
  private:
@@ -133,13 +137,16 @@ class ListData : public details::ListStorage<Row> {
 template <ListRow Row>
 class List final : public ListData<Row>, public details::ListProperty {
  public:
+  /// Makes the list a member of its source. It has no rows.
   List(DataSourceImpl* itsSource, PropertyName name) : ListProperty(*itsSource, name, false) {}
   ~List() override {
     this->EndAccess();
     this->TellEnd();
   }
 
+  /// Returns this list to code that has found it by its name.
   [[nodiscard]] AnyList& Rows() noexcept override { return *this; }
+  /// Returns the name under which failures are reported: that of the list.
   [[nodiscard]] VtrString ListName() const override { return this->Name(); }
 
  private:
@@ -151,6 +158,7 @@ class List final : public ListData<Row>, public details::ListProperty {
 template <ListRow Row>
 class ReadOnlyList final : public details::ListStorage<Row>, public details::ListProperty {
  public:
+  /// Makes the list a member of its source. It has no rows.
   ReadOnlyList(DataSourceImpl* itsSource, PropertyName name)
       : ListProperty(*itsSource, name, true) {}
   ~ReadOnlyList() override {
@@ -158,8 +166,11 @@ class ReadOnlyList final : public details::ListStorage<Row>, public details::Lis
     this->TellEnd();
   }
 
+  /// Returns this list to code that has found it by its name.
   [[nodiscard]] AnyList& Rows() noexcept override { return *this; }
+  /// Returns the name under which failures are reported: that of the list.
   [[nodiscard]] VtrString ListName() const override { return this->Name(); }
+  /// Refuses the change, since only the source makes one.
   SetResult UpdateRow(RowId /*id*/, const details::RowEdit& /*edit*/) override {
     return this->ReadOnlyResult();
   }

@@ -59,12 +59,15 @@ class IndexIterator {
 
 }  // namespace details
 
+/// A ListChange is one change, without the row type.
 class DATABINDING_API ListChange {
  public:
+  /// The list makes it of a step that it tells.
   ListChange(const details::ListNode& itsNode, const details::ListStep& itsStep, bool isStillToCome,
              std::uint64_t itsSerial) noexcept
       : node(&itsNode), step(&itsStep), serial(itsSerial), isBefore(isStillToCome) {}
 
+  /// Says what happens.
   [[nodiscard]] ListChangeKind Kind() const noexcept { return step->kind; }
   /// Returns true in the first of the two calls.
   [[nodiscard]] bool IsBefore() const noexcept { return isBefore; }
@@ -85,6 +88,7 @@ class DATABINDING_API ListChange {
   }
   /// The step as dependents of the list hear it.
   [[nodiscard]] const details::ListStep& Step() const noexcept { return *step; }
+  /// The list, view or bind that tells the change.
   [[nodiscard]] const details::ListNode& Node() const noexcept { return *node; }
   /// Counts the changes of the list.
   [[nodiscard]] std::uint64_t Serial() const noexcept { return serial; }
@@ -96,9 +100,11 @@ class DATABINDING_API ListChange {
   bool isBefore;
 };
 
+/// A RowChange is one change of a list whose row type is known.
 template <class Row>
 class RowChange : public ListChange {
  public:
+  /// Takes a change of a list of such rows.
   explicit RowChange(const ListChange& untyped) noexcept : ListChange(untyped) {}
 
   /// The i-th row that is inserted, removed, moved or changed, as it reads in this call.

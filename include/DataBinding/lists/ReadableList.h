@@ -22,12 +22,15 @@ class ReadableList : public AnyList {
  public:
   /// The row at an index, which must be below Size().
   [[nodiscard]] const Row& operator[](std::size_t index) const noexcept { return RowAt(At(index)); }
+  /// These go over the rows in their order. An iterator is good until the list changes.
+  ///@{
   [[nodiscard]] auto begin() const noexcept {
     return details::IndexIterator<ReadableList>(*this, 0);
   }
   [[nodiscard]] auto end() const noexcept {
     return details::IndexIterator<ReadableList>(*this, Size());
   }
+  ///@}
   /// The row of an id, which must be one of this list.
   [[nodiscard]] const Row& RowAt(RowId id) const noexcept {
     return *static_cast<const Row*>(RowOf(id));
@@ -40,6 +43,7 @@ class ReadableList : public AnyList {
     });
   }
 
+  /// Returns what the library knows of the row type.
   [[nodiscard]] const details::RowTable* Table() const noexcept override {
     return &details::TableOf<Row>();
   }

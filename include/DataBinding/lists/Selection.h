@@ -46,6 +46,8 @@ struct SelectionObserver {
   RepeatingCallback<void()> changed = {};
 };
 
+/// An AnySelection holds chosen rows of any list. Selection<Row> is the one to use where the row
+/// type is known.
 class DATABINDING_API AnySelection : public SupportsWeakPtr<AnySelection>,
                                      private details::ListDependent {
  public:
@@ -57,6 +59,7 @@ class DATABINDING_API AnySelection : public SupportsWeakPtr<AnySelection>,
 
   /// Returns the list, or null once it has ended.
   [[nodiscard]] AnyList* List() const noexcept { return list; }
+  /// Returns true for the id of a row that is chosen.
   [[nodiscard]] bool Contains(RowId id) const noexcept {
     return id < isChosen.size() && isChosen[id];
   }
@@ -118,6 +121,7 @@ class DATABINDING_API AnySelection : public SupportsWeakPtr<AnySelection>,
 template <class Row>
 class Selection final : public AnySelection {
  public:
+  /// Nothing is chosen at first.
   explicit Selection(ReadableList<Row>& chosenFrom) : AnySelection(chosenFrom) {}
 
   /// Returns the list, or null once it has ended.
