@@ -31,6 +31,8 @@ namespace DataBinding {
 template <class Row>
 class FilteredList final : public details::ViewOf<Row, details::FilteredView> {
  public:
+  /// Shows the rows for which the function answers true, and asks it again when one of the other
+  /// properties changes.
   template <std::predicate<const Row&> Predicate,
             std::derived_from<details::PropertyBase>... Others>
   FilteredList(ReadableList<Row>& list, Predicate predicate, Others&... others)

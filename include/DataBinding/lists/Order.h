@@ -74,6 +74,7 @@ class OrderByBoth {
 template <class Fields>
 class RowOrdering {
  public:
+  /// Takes what compares two rows.
   explicit RowOrdering(Fields itsFields) : fields(std::move(itsFields)) {}
 
   /// Orders rows that are equal so far by a further field.
@@ -83,6 +84,7 @@ class RowOrdering {
     using Both = details::OrderByBoth<Fields, Last>;
     return RowOrdering<Both>(Both(fields, Last(std::move(field), order)));
   }
+  /// Says whether the first row stands before the second.
   template <class Row>
   [[nodiscard]] bool operator()(const Row& one, const Row& other) const {
     return fields.Compare(one, other) < 0;

@@ -31,6 +31,7 @@ namespace DataBinding {
 template <class Row>
 class SortedList final : public details::ViewOf<Row, details::SortedView> {
  public:
+  /// Shows the rows in the order of the function, which says whether one row stands before another.
   template <std::predicate<const Row&, const Row&> Less>
   SortedList(ReadableList<Row>& list, Less less)
       : details::ViewOf<Row, details::SortedView>(list, Compare(std::move(less))) {}
