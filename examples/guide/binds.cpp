@@ -19,9 +19,9 @@ class Cpu : public NamedDataSource {
   Property<double> limit{this, L"Limit", 90.0};
 };
 
-class Selection : public NamedDataSource {
+class SelectionSource : public NamedDataSource {
  public:
-  Selection() : NamedDataSource(L"Selection") {}
+  SelectionSource() : NamedDataSource(L"Selection") {}
 
   Property<IDataContext*> current{this, L"Current"};
 };
@@ -72,7 +72,7 @@ void Edit(IDataSourceProvider& scope) {
 
 void Press(IDataSourceProvider& scope) {
   IDataContext letter{"letter"};
-  auto& selection = Emplace<Selection>(scope);
+  auto& selection = Emplace<SelectionSource>(scope);
 
   Framework::EventBind remove(L"", L"", L"RemoveItem");
   remove.SetDataContextBind(

@@ -78,6 +78,36 @@ void ChangeInACallback(List<Process>& processes) {
   processes.Insert(0, Process{20, L"daemon", 0});
 }
 
+/// The share of a processor from which on a process is shown as hot.
+class Limit : public NamedDataSource {
+ public:
+  Limit() : NamedDataSource(L"Limit") {}
+
+  Property<double> cpu{this, L"Cpu", 0.5};
+};
+
+void Print(const char* what, const ReadableList<Process>& list) {
+  std::cout << what;
+  for (const Process& process : list) std::cout << ' ' << process.name;
+  std::cout << '\n';
+}
+
+void SortAndFilter() {
+  ListData<Process> processes;
+  processes.Assign({{1, L"init", 0}, {7, L"shell", 0.3}, {12, L"compiler", 1}});
+  const auto limit = MakeDataSource<Limit>(nullptr);
+  SortedList busiest(processes, By(&Process::cpu, Order::Descending).Then(&Process::name));
+  FilteredList hot(
+      busiest, [&](const Process& process) { return process.cpu > *limit->cpu; }, limit->cpu);
+  Print("busiest:", busiest);
+  Print("hot:", hot);
+
+  limit->cpu.Set(0.2);
+  processes.Update(1, [](Process& process) { process.cpu = 2; });
+  Print("busiest:", busiest);
+  Print("hot:", hot);
+}
+
 int main() {
   const auto machine = MakeDataSource<Machine>(nullptr);
   List<Process>& processes = machine->processes;
@@ -88,4 +118,5 @@ int main() {
   ChangeTheList(processes);
   SetCells(processes);
   ChangeInACallback(processes);
+  SortAndFilter();
 }

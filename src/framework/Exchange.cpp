@@ -16,6 +16,12 @@ std::size_t EndOfRun(std::size_t first, std::size_t size, Belongs belongs) {
   return first;
 }
 
+bool AreRowsAlike(const AnyList& one, const AnyList& other) {
+  const RowTable* const first = one.Table();
+  const RowTable* const second = other.Table();
+  return first != nullptr && second != nullptr && AreSameType(*first->type, *second->type);
+}
+
 }  // namespace
 
 /// The turn in which another list is shown. It is taken in the family of the list that is shown,
@@ -54,6 +60,7 @@ void BoundRows::TakeTurn(bool hasFirst) {
   if (hasFirst && turns == Turns()) return ShowWanted();
   const auto self = AsWeakPtr();
   auto turn = std::make_unique<ShowTurn>(*this, hasFirst);
+  turns->Reserve();
   isTurnWaiting = turns->IsTelling();
   turns->Take(std::move(turn));
 }
@@ -61,6 +68,10 @@ void BoundRows::TakeTurn(bool hasFirst) {
 void BoundRows::ShowWanted() {
   const auto self = AsWeakPtr();
   while (self && wanted != nullptr && wanted != List()) {
+    if (order.Size() != 0 && !AreRowsAlike(*List(), *wanted)) {
+      RemoveAll();  // as long as the bind knows their type
+      continue;
+    }
     wanted->AddDependent(Other());
     Other().list = wanted;
     try {
@@ -96,10 +107,7 @@ BoundRows::Exchange::Exchange(BoundRows& itsRows) : rows(itsRows), next(*itsRows
 /// one meets the first one.
 void BoundRows::Exchange::MatchRows() {
   const RowTable* const table = next.Table();
-  const RowTable* const former = rows.List() == nullptr ? nullptr : rows.List()->Table();
-  const bool isComparable = table != nullptr && former != nullptr && table->key != nullptr &&
-                            AreSameType(*table->type, *former->type);
-  if (!isComparable) return;
+  if (before.empty() || table->key == nullptr) return;
   std::unordered_multimap<std::size_t, RowId> byKey;
   for (auto id = before.rbegin(); id != before.rend(); ++id) {
     byKey.emplace(table->hashOfKey(table->key(rows.RowOf(*id))), *id);

@@ -6,6 +6,7 @@
 
 #include "DataBinding/datasource/IDataSourceProvider.h"
 #include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/property/PropertyBatch.h"
 
 namespace DataBinding::details {
@@ -90,9 +91,12 @@ CurrentRowBase::CurrentRowBase(IDataSourceProvider* itsScope, DataSourcePtr<RowS
 
 CurrentRowBase::~CurrentRowBase() {
   if (!isScopeThere.IsValid()) return;
-  scope->WhenConnected([from = scope, ended = source] {
-    if (ended) static_cast<void>(TakeDataSource(*from, ended.Get()));
-  });
+  FirstFailure dropped;  // of whoever is told that the source goes
+  static_cast<void>(dropped.Try([this] {
+    scope->WhenConnected([from = scope, ended = source] {
+      if (ended) static_cast<void>(TakeDataSource(*from, ended.Get()));
+    });
+  }));
 }
 
 }  // namespace DataBinding::details

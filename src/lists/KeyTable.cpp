@@ -30,7 +30,7 @@ std::uint8_t TagOf(std::uint64_t hash) noexcept {
 
 const void* RowReader::ComingRow(RowId id) const noexcept {
   const void* const row = id < coming->size() ? (*coming)[id] : nullptr;
-  return row == nullptr ? slots->Row(id) : row;
+  return row == nullptr ? storage->Row(id) : row;
 }
 
 /// Goes over the slots where a hash may stand.
@@ -58,7 +58,7 @@ void KeyTable::Rebuild(std::size_t rows, const RowReader& reader) {
   KeyTable made;
   made.tags.resize(size);
   made.ids.resize(size);
-  const RowTable& table = reader.slots->Table();
+  const RowTable& table = reader.storage->Table();
   for (std::size_t slot = 0; slot < tags.size(); ++slot) {
     if (tags[slot] <= wasLeft) continue;
     made.Place(ids[slot], HashOf(table, table.key(reader.Row(ids[slot]))));
@@ -81,7 +81,7 @@ void KeyTable::Place(RowId id, std::uint64_t hash) noexcept {
 }
 
 bool KeyTable::Insert(RowId id, const RowReader& rows) noexcept {
-  const RowTable& table = rows.slots->Table();
+  const RowTable& table = rows.storage->Table();
   const void* const key = table.key(rows.Row(id));
   const std::uint64_t hash = HashOf(table, key);
   std::size_t place = tags.size();
@@ -118,7 +118,7 @@ void KeyTable::Erase(RowId id, const RowReader& rows) noexcept {
   if (link.previous != none) links[link.previous].next = link.next;
   if (link.next != none || link.previous != none) --doubles;
   if (link.previous != none) return;
-  const RowTable& table = rows.slots->Table();
+  const RowTable& table = rows.storage->Table();
   Probe probe(*this, HashOf(table, table.key(rows.Row(id))));
   while (probe.Tag() <= wasLeft || ids[probe.at] != id) probe.Next();
   if (link.next != none) {
@@ -142,7 +142,7 @@ void KeyTable::Vacate(std::size_t slot) noexcept {
 
 RowId KeyTable::Find(const void* key, const RowReader& rows) const noexcept {
   if (keys == 0) return none;
-  const RowTable& table = rows.slots->Table();
+  const RowTable& table = rows.storage->Table();
   const std::uint64_t hash = HashOf(table, key);
   for (Probe probe(*this, hash); probe.Tag() != isFree; probe.Next()) {
     if (probe.Tag() != TagOf(hash)) continue;

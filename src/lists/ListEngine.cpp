@@ -21,7 +21,7 @@ constexpr std::size_t mostKept = 256;
 }  // namespace
 
 ListEngine::ListEngine(ListNode& itsNode, const RowTable& table)
-    : node(itsNode), turns(std::make_shared<ListTurns>(&itsNode)), slots(table), others(table) {
+    : node(itsNode), turns(std::make_shared<ListTurns>(&itsNode)), storage(table), others(table) {
   for (const RowField& field : table.fields) {
     if (field.isKey) keyBit = RowTable::BitOf(field.number);
   }
@@ -51,9 +51,12 @@ RowId ListEngine::FirstOf(const State& state, const void* key,
 }
 
 ListPlan ListEngine::Pending() const noexcept {
-  return {
-      {},          pending.insertions, slots.IdsBelow(), present.order.Size() + pending.insertions,
-      mostChanged, pending.changes};
+  return {{},
+          pending.insertions,
+          storage.IdsBelow(),
+          present.order.Size() + pending.insertions,
+          mostChanged,
+          pending.changes};
 }
 
 void ListEngine::CopyIds(std::span<RowId> to) const noexcept {
@@ -68,7 +71,7 @@ ListEngine::State& ListEngine::Planning() {
 }
 
 RowReader ListEngine::PlanningReader() const noexcept {
-  return {&slots, coming == nullptr ? nullptr : &coming->rows};
+  return {&storage, coming == nullptr ? nullptr : &coming->rows};
 }
 
 /// Makes the state to come, where an operation has to wait and there is none yet.
@@ -77,7 +80,7 @@ void ListEngine::Foresee() {
   auto made = std::make_unique<Coming>();
   made->state.order.Assign(IdsFrom(0, present.order.Size()));
   made->state.keys = present.keys;
-  made->rows.resize(slots.IdsBelow());
+  made->rows.resize(storage.IdsBelow());
   ReserveState(made->state, pending, false, Reader());
   coming = std::move(made);
   if (running == nullptr) return;
@@ -134,22 +137,22 @@ void ListEngine::Reserve(const ListOperation& operation, const Needs& all) {
   turns->Reserve();
   ReserveState(present, all, operation.makesDoubles, Reader());
   if (coming != nullptr) {
-    coming->rows.resize(slots.IdsBelow());
+    coming->rows.resize(storage.IdsBelow());
     ReserveState(coming->state, all, operation.makesDoubles, PlanningReader());
   }
   const std::size_t removals = gone.size() + all.removals;
   if (gone.capacity() < removals) gone.reserve(std::max(removals, 2 * gone.capacity()));
   mostChanged = std::max(mostChanged, operation.Changed().size());
-  node.PrepareDependents({operation.Steps(), all.insertions, slots.IdsBelow(),
+  node.PrepareDependents({operation.Steps(), all.insertions, storage.IdsBelow(),
                           present.order.Size() + all.insertions, mostChanged, all.changes});
 }
 
 void ListEngine::ReserveState(State& state, const Needs& needs, bool withDoubles,
                               const RowReader& rows) {
-  if (needs.insertions != 0) state.order.Reserve(needs.insertions, slots.IdsBelow());
+  if (needs.insertions != 0) state.order.Reserve(needs.insertions, storage.IdsBelow());
   if (keyBit == 0) return;
-  if (needs.keyInsertions != 0) state.keys.Reserve(needs.keyInsertions, slots.IdsBelow(), rows);
-  if (withDoubles) state.keys.AllowDoubles(slots.IdsBelow());
+  if (needs.keyInsertions != 0) state.keys.Reserve(needs.keyInsertions, storage.IdsBelow(), rows);
+  if (withDoubles) state.keys.AllowDoubles(storage.IdsBelow());
 }
 
 bool ListEngine::Tell(const ListStep& step) noexcept {
@@ -168,7 +171,7 @@ void ListEngine::Apply(const ListStep& step) noexcept {
   if (step.kind == ListChangeKind::Changed) {
     ApplyChanges(present, step, Reader(), [&](std::size_t i) {
       // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): the other row is the engine's own
-      slots.Table().exchange(slots.Row(step.rows[i]), const_cast<void*>(step.others[i]));
+      storage.Table().exchange(storage.Row(step.rows[i]), const_cast<void*>(step.others[i]));
       if (coming == nullptr) return;
       auto& foreseen = coming->rows[step.rows[i]];
       if (foreseen == step.others[i]) foreseen = nullptr;
@@ -228,7 +231,7 @@ void ListEngine::ApplyOrder(State& state, const ListStep& step, const RowReader&
 
 bool ListEngine::Rest() {
   coming = nullptr;
-  for (const RowId row : gone) slots.Remove(row);
+  for (const RowId row : gone) storage.Remove(row);
   if (gone.size() > mostKept) gone = {};
   gone.clear();
   others.Clear(others.IdsBelow() > mostKept ? 0 : 1);

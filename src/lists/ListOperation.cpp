@@ -4,12 +4,12 @@
 namespace DataBinding::details {
 
 RowId ListOperation::AddRow(void* row) noexcept {
-  added.push_back(engine->slots.Take(row));
+  added.push_back(engine->storage.Take(row));
   return added.back();
 }
 
 void ListOperation::ReserveRows(std::size_t newRows, std::size_t changes) {
-  engine->slots.Reserve(newRows);
+  engine->storage.Reserve(newRows);
   added.reserve(newRows);
   engine->others.Reserve(changes);
   changed.reserve(changes);
@@ -84,7 +84,7 @@ void ListOperation::Release() noexcept {
 
 void ListOperation::Clear() noexcept {
   if (!isSubmitted) {
-    for (const RowId row : added) engine->slots.Remove(row);
+    for (const RowId row : added) engine->storage.Remove(row);
     for (const RowId row : others) engine->others.Remove(row);
   }
   isSubmitted = makesDoubles = false;

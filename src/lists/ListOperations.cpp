@@ -81,12 +81,12 @@ bool ListEngine::HasDouble(const State& state, const ListOperation& operation) c
   if (keyBit == 0) return false;
   const RowReader rows = PlanningReader();
   const auto isTaken = [&](RowId id) {
-    return state.keys.Find(slots.Table().key(rows.Row(id)), rows) != KeyTable::none;
+    return state.keys.Find(storage.Table().key(rows.Row(id)), rows) != KeyTable::none;
   };
   if (std::ranges::any_of(operation.Added(), isTaken)) return true;
   if (operation.Added().size() < 2) return false;
   KeyTable among;
-  among.Reserve(operation.Added().size(), slots.IdsBelow(), rows);
+  among.Reserve(operation.Added().size(), storage.IdsBelow(), rows);
   return !std::ranges::all_of(operation.Added(), [&](RowId id) { return among.Insert(id, rows); });
 }
 
@@ -130,7 +130,7 @@ SetResult ListEngine::RemoveKey(const void* key) {
   if (isPlanning) return IsBeingUpdated(node);
   const State& state = Planning();
   const RowId found = FirstOf(state, key, PlanningReader());
-  if (found == KeyTable::none) return NoSuchKey(node, slots.Table(), key);
+  if (found == KeyTable::none) return NoSuchKey(node, storage.Table(), key);
   auto operation = NewOperation();
   operation->AddStep(ListChangeKind::Removed, state.order.IndexOf(found), {&found, 1});
   return Submit(std::move(operation));
@@ -166,14 +166,14 @@ SetResult ListEngine::UpdateKeys(std::span<const void* const> keys, const RowEdi
   const auto find = [&](const void* key) { return FirstOf(state, key, PlanningReader()); };
   if (keys.size() == 1) {
     const RowId row = find(keys.front());
-    if (row == KeyTable::none) return NoSuchKey(node, slots.Table(), keys.front());
+    if (row == KeyTable::none) return NoSuchKey(node, storage.Table(), keys.front());
     return Update({&row, 1}, edit);
   }
   std::vector<RowId> rows;
   rows.reserve(keys.size());
   for (const void* const key : keys) {
     rows.push_back(find(key));
-    if (rows.back() == KeyTable::none) return NoSuchKey(node, slots.Table(), key);
+    if (rows.back() == KeyTable::none) return NoSuchKey(node, storage.Table(), key);
   }
   return Update(rows, edit);
 }
@@ -206,7 +206,7 @@ SetResult ListEngine::PlanChange(ListOperation& operation, RowId row, const RowE
     SetResult result = edit(others.Row(other));
     if (!result.IsAccepted()) return result;
   }
-  const std::uint64_t differing = slots.Table().differing(before, others.Row(other));
+  const std::uint64_t differing = storage.Table().differing(before, others.Row(other));
   if (differing == 0) operation.DropLastChange();
   operation.AddFields(differing);
   return differing == 0 ? SetResult() : ReasonAgainst(others.Row(other), differing);
@@ -214,7 +214,7 @@ SetResult ListEngine::PlanChange(ListOperation& operation, RowId row, const RowE
 
 /// Asks the validators of the fields that differ.
 SetResult ListEngine::ReasonAgainst(const void* row, std::uint64_t fields) const {
-  for (const RowField& field : slots.Table().fields) {
+  for (const RowField& field : storage.Table().fields) {
     if ((fields & RowTable::BitOf(field.number)) == 0) continue;
     const VtrString reason = field.reasonAgainst(field, row);
     if (!reason.IsEmpty()) return RefusedCell(node, field, PropertyError::Refused, reason);
@@ -224,7 +224,7 @@ SetResult ListEngine::ReasonAgainst(const void* row, std::uint64_t fields) const
 
 /// Refuses a new key that another row has or gets. Rows of one operation may exchange their keys.
 SetResult ListEngine::ReasonAgainstKeys(const State& state, const ListOperation& operation) const {
-  const RowTable& table = slots.Table();
+  const RowTable& table = storage.Table();
   if ((operation.Fields() & keyBit) == 0) return {};
   const RowReader now = PlanningReader();
   const RowReader then{&others};

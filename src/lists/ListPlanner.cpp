@@ -46,7 +46,7 @@ void ListPlanner::MatchByKey(const RowArray& rows) {
 }
 
 bool ListPlanner::AreKeysEqual(RowId id, const void* row) const noexcept {
-  const RowTable& table = engine.slots.Table();
+  const RowTable& table = engine.storage.Table();
   return table.areKeysEqual(table.key(reader.Row(id)), table.key(row));
 }
 
@@ -55,7 +55,7 @@ std::size_t ListPlanner::FindMatch(const void* row, std::size_t guess) {
   if (!hasDoubles && guess < before.size() && !isKept[guess] && AreKeysEqual(before[guess], row)) {
     return guess;
   }
-  RowId found = state.keys.Find(engine.slots.Table().key(row), reader);
+  RowId found = state.keys.Find(engine.storage.Table().key(row), reader);
   if (found == KeyTable::none) return isNew;
   if (hasDoubles && state.keys.Next(found) != KeyTable::none) found = NextDouble(found);
   if (found == KeyTable::none) return isNew;
@@ -77,7 +77,7 @@ RowId ListPlanner::NextDouble(RowId first) {
 }
 
 void ListPlanner::MatchByPlace(const RowArray& rows) {
-  const auto& differing = engine.slots.Table().differing;
+  const auto& differing = engine.storage.Table().differing;
   const std::size_t most = std::min(rows.count, before.size());
   std::size_t head = 0;
   while (head < most && differing(reader.Row(before[head]), rows[head]) == 0) ++head;
@@ -97,7 +97,7 @@ void ListPlanner::Match(std::size_t j, std::size_t place, const void* row) {
   places[j] = place;
   isKept[place] = true;
   if (j == place) ++inPlace;
-  const std::uint64_t differing = engine.slots.Table().differing(reader.Row(before[place]), row);
+  const std::uint64_t differing = engine.storage.Table().differing(reader.Row(before[place]), row);
   if (differing == 0) return;
   changed.push_back(j);
   fields |= differing;
@@ -239,7 +239,7 @@ void ListPlanner::AddMoves() {
   }
   RowOrder tried;
   tried.Assign(rows);
-  tried.Reserve(kept.size(), engine.slots.IdsBelow());
+  tried.Reserve(kept.size(), engine.storage.IdsBelow());
   for (std::size_t i = 0; i < kept.size();) {
     const std::size_t end =
         EndOfRun(i, kept.size(), [&](std::size_t next) { return MovesWithLast(next); });

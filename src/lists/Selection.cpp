@@ -55,7 +55,7 @@ std::optional<RowId> AnySelection::CurrentId() const noexcept {
 void AnySelection::MakeRoom(std::span<const RowId> ids) {
   const std::size_t most = chosen.size() + wishes.size() + ids.size();
   chosen.reserve(most);
-  leaving.reserve(most);
+  leaving.reserve(leaving.size() + most);
   const RowId idsBelow = ids.empty() ? 0 : *std::ranges::max_element(ids) + 1;
   if (idsBelow > isChosen.size()) isChosen.resize(idsBelow);
 }
@@ -106,7 +106,8 @@ Subscription AnySelection::Observe(SelectionObserver observer) {
 }
 
 void AnySelection::Prepare(const details::ListPlan& plan) {
-  if (!wishes.empty() && plan.idsBelow > isChosen.size()) isChosen.resize(plan.idsBelow);
+  if (!(wishes.empty() && chosen.empty()) && plan.idsBelow > isChosen.size())
+    isChosen.resize(plan.idsBelow);
 }
 
 void AnySelection::Before(const ListStep& step) noexcept {
@@ -138,13 +139,16 @@ void AnySelection::LetGo(std::span<const RowId> going, bool comesAgain) noexcept
   const auto kept = std::stable_partition(chosen.begin(), chosen.end(),
                                           [this](RowId id) { return isChosen[id]; });
   if (kept == chosen.end()) return;
-  leaving.assign(kept, chosen.end());
+  const std::size_t first = leaving.size();
+  leaving.insert(leaving.end(), kept, chosen.end());
   chosen.erase(kept, chosen.end());
+  const std::size_t end = leaving.size();
   const auto self = AsWeakPtr();
-  for (std::size_t i = 0; i < leaving.size(); ++i) {
+  for (std::size_t i = first; i < end; ++i) {
     if (comesAgain) Attempt([&] { wishes.insert(KeyOf(leaving[i])); });
     if (!comesAgain && !Tell({true, leaving[i]})) return;
   }
+  leaving.resize(first);
   wishes.erase(Value());  // the key of rows that have none
   Tell({});
 }

@@ -2,10 +2,15 @@
 #include "DataBinding/reflection/details/NumberText.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
 
 namespace DataBinding::details {
 
+namespace {
+
+/// Tells a number that is too small for its type from one that is too big.
 bool IsNearZero(std::string_view number) {
   const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
   const std::string_view mantissa = number.substr(0, mark);
@@ -22,6 +27,39 @@ bool IsNearZero(std::string_view number) {
              static_cast<std::int64_t>(first) <
          0;
 }
+
+template <class T>
+VtrString Write(T number) {
+  char digits[128];
+  const auto written = std::to_chars(digits, digits + sizeof digits, number);
+  return VtrString::FromUtf8({digits, static_cast<std::size_t>(written.ptr - digits)});
+}
+
+template <class T>
+std::errc Read(std::string_view text, T& number) {
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (stop != end) return std::errc::invalid_argument;
+  if constexpr (std::floating_point<T>) {
+    if (error == std::errc() && !std::isfinite(number)) return std::errc::invalid_argument;
+    if (error == std::errc::result_out_of_range && IsNearZero(text)) return std::errc();
+  }
+  return error;
+}
+
+}  // namespace
+
+VtrString WriteDigits(std::int64_t number) { return Write(number); }
+VtrString WriteDigits(std::uint64_t number) { return Write(number); }
+VtrString WriteDigits(float number) { return Write(number); }
+VtrString WriteDigits(double number) { return Write(number); }
+VtrString WriteDigits(long double number) { return Write(number); }
+
+std::errc ReadDigits(std::string_view text, std::int64_t& number) { return Read(text, number); }
+std::errc ReadDigits(std::string_view text, std::uint64_t& number) { return Read(text, number); }
+std::errc ReadDigits(std::string_view text, float& number) { return Read(text, number); }
+std::errc ReadDigits(std::string_view text, double& number) { return Read(text, number); }
+std::errc ReadDigits(std::string_view text, long double& number) { return Read(text, number); }
 
 VtrString ExplainUnfit(const VtrString& text, std::errc reason, const runtime_type_base& wanted) {
   constexpr int most = 40;

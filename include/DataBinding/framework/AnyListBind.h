@@ -32,6 +32,7 @@ class AnyListBind final : public details::BoundList<AnyList> {
   /// Does the same, beginning at the given scope itself.
   AnyListBind(IDataSourceProvider* provider, const VtrString& source, const VtrString& list)
       : AnyListBind(provider, VtrString(), source, list) {}
+  ~AnyListBind() override { TellEnd(&Empty); }
 
   /// Returns what is known of the rows of the list that is shown, or null while there is none.
   [[nodiscard]] const details::RowTable* Table() const noexcept override {

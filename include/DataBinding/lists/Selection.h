@@ -55,7 +55,7 @@ class DATABINDING_API AnySelection : public SupportsWeakPtr<AnySelection>,
   explicit AnySelection(AnyList& chosenFrom);
   AnySelection(const AnySelection&) = delete;
   AnySelection& operator=(const AnySelection&) = delete;
-  ~AnySelection();
+  virtual ~AnySelection();
 
   /// Returns the list, or null once it has ended.
   [[nodiscard]] AnyList* List() const noexcept { return list; }
@@ -111,7 +111,8 @@ class DATABINDING_API AnySelection : public SupportsWeakPtr<AnySelection>,
   std::vector<RowId> chosen;
   /// By id.
   std::vector<bool> isChosen;
-  /// Holds the rows of which the observers are just told that they are gone.
+  /// Holds the rows of which the observers are just told that they are gone, and behind them those
+  /// that an observer has made go meanwhile.
   std::vector<RowId> leaving;
   /// Holds the keys that are waited for.
   std::unordered_set<Value, KeyHash> wishes;

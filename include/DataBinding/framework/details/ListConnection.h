@@ -91,10 +91,11 @@ class BoundList : public Base, public Framework::IBaseDataBind {
             const RowTable* wanted)
       : IBaseDataBind(context, source, list), rows(*this), connection(*this, wanted, rows) {}
 
+  static void Empty(ListNode& self) noexcept { static_cast<BoundList&>(self).rows.Clear(); }
+
   BoundRows rows;
 
  private:
-  static void Empty(ListNode& self) noexcept { static_cast<BoundList&>(self).rows.Clear(); }
   [[nodiscard]] ListPlan Pending() const noexcept final { return rows.Pending(); }
 
   ListConnection connection;

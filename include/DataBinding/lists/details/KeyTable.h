@@ -23,11 +23,11 @@ namespace DataBinding::details {
 /// Reads rows as they are, or as they will be when everything that waits is done.
 struct RowReader {
   [[nodiscard]] const void* Row(RowId id) const noexcept {
-    return coming == nullptr ? slots->Row(id) : ComingRow(id);
+    return coming == nullptr ? storage->Row(id) : ComingRow(id);
   }
   [[nodiscard]] DATABINDING_API const void* ComingRow(RowId id) const noexcept;
 
-  const RowSlots* slots;
+  const RowSlots* storage;
   /// For each id what the row will be; null for rows that do not change.
   const std::vector<const void*>* coming = nullptr;
 };

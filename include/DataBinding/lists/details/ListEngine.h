@@ -49,7 +49,7 @@ class DATABINDING_API ListEngine {
   ~ListEngine();
 
   [[nodiscard]] const RowOrder& Order() const noexcept { return present.order; }
-  [[nodiscard]] const RowSlots& Slots() const noexcept { return slots; }
+  [[nodiscard]] const RowSlots& Slots() const noexcept { return storage; }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept { return turns; }
   /// Returns the first row of a key, or KeyTable::none.
   [[nodiscard]] RowId Find(const void* key) const noexcept;
@@ -91,8 +91,8 @@ class DATABINDING_API ListEngine {
   };
   using OperationPtr = std::unique_ptr<ListOperation, ReleaseTurn>;
 
-  [[nodiscard]] bool HasKey() const noexcept { return slots.Table().key != nullptr; }
-  [[nodiscard]] RowReader Reader() const noexcept { return {&slots}; }
+  [[nodiscard]] bool HasKey() const noexcept { return storage.Table().key != nullptr; }
+  [[nodiscard]] RowReader Reader() const noexcept { return {&storage}; }
   /// The state against which an operation is planned, and how its rows are read.
   ///@{
   [[nodiscard]] State& Planning();
@@ -134,7 +134,7 @@ class DATABINDING_API ListEngine {
 
   ListNode& node;
   std::shared_ptr<ListTurns> turns;
-  RowSlots slots;
+  RowSlots storage;
   RowSlots others;  // what changed rows will be, and then what they were
   State present;
   std::unique_ptr<Coming> coming;

@@ -76,9 +76,8 @@ class RowFieldProperty final : public IProperty<T> {
     return runtime_type<T>::Get();
   }
   /// There is a row: the accessor of the property makes sure of it.
-  [[nodiscard]] T GetValue() const override { return *KeptValue(); }
-  [[nodiscard]] const T* KeptValue() const noexcept override {
-    return static_cast<const T*>(field.member(owner.ShownRow()));
+  [[nodiscard]] T GetValue() const override {
+    return *static_cast<const T*>(field.member(owner.ShownRow()));
   }
   SetResult SetValue(T value) override {
     if (field.isReadOnly) return this->ReadOnlyResult();

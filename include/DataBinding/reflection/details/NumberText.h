@@ -7,13 +7,13 @@
 /// and a Value have one text for one number.
 #pragma once
 
-#include <charconv>
-#include <cmath>
 #include <concepts>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <type_traits>
+#include <utility>
 
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/String.h"
@@ -28,12 +28,30 @@ concept Number = std::is_arithmetic_v<T> && !std::same_as<T, bool> && !std::same
                  !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> &&
                  !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
 
-/// Tells a number that is too small for its type from one that is too big.
-[[nodiscard]] DATABINDING_API bool IsNearZero(std::string_view number);
-
 /// Explains why a text is refused. A long text is quoted in part.
 [[nodiscard]] DATABINDING_API VtrString ExplainUnfit(const VtrString& text, std::errc reason,
                                                      const runtime_type_base& wanted);
+
+/// These write a number, and read one that is all of a text. They are compiled in the library only:
+/// g++ keeps a plug-in loaded for good that has instances of std::to_chars or std::from_chars.
+///@{
+[[nodiscard]] DATABINDING_API VtrString WriteDigits(std::int64_t number);
+[[nodiscard]] DATABINDING_API VtrString WriteDigits(std::uint64_t number);
+[[nodiscard]] DATABINDING_API VtrString WriteDigits(float number);
+[[nodiscard]] DATABINDING_API VtrString WriteDigits(double number);
+[[nodiscard]] DATABINDING_API VtrString WriteDigits(long double number);
+DATABINDING_API std::errc ReadDigits(std::string_view text, std::int64_t& number);
+DATABINDING_API std::errc ReadDigits(std::string_view text, std::uint64_t& number);
+DATABINDING_API std::errc ReadDigits(std::string_view text, float& number);
+DATABINDING_API std::errc ReadDigits(std::string_view text, double& number);
+DATABINDING_API std::errc ReadDigits(std::string_view text, long double& number);
+///@}
+
+/// The type in which a number of type T is written and read.
+template <Number T>
+using Written =
+    std::conditional_t<std::floating_point<T>, T,
+                       std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>;
 
 /// Reads a truth value or a number. Either all of the text is the value, or nothing is read.
 template <class T>
@@ -42,14 +60,14 @@ std::errc ParseAll(std::string_view text, T& value) {
     value = text == "true";
     return value || text == "false" ? std::errc() : std::errc::invalid_argument;
   } else {
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (stop != end) return std::errc::invalid_argument;
-    if constexpr (std::floating_point<T>) {
-      if (error == std::errc() && !std::isfinite(value)) return std::errc::invalid_argument;
-      if (error == std::errc::result_out_of_range && IsNearZero(text)) return std::errc();
+    Written<T> read{};
+    const std::errc error = ReadDigits(text, read);
+    if (error != std::errc()) return error;
+    if constexpr (std::integral<T>) {
+      if (!std::in_range<T>(read)) return std::errc::result_out_of_range;
     }
-    return error;
+    value = static_cast<T>(read);
+    return {};
   }
 }
 
@@ -58,9 +76,7 @@ VtrString ShowNumber(const T& value) {
   if constexpr (std::same_as<T, bool>) {
     return value ? L"true" : L"false";
   } else {
-    char digits[128];
-    const auto written = std::to_chars(digits, digits + sizeof digits, value);
-    return VtrString::FromUtf8({digits, static_cast<std::size_t>(written.ptr - digits)});
+    return WriteDigits(static_cast<Written<T>>(value));
   }
 }
 
