@@ -229,8 +229,12 @@ void ListEngine::ApplyOrder(State& state, const ListStep& step, const RowReader&
   for (const RowId row : inserted) state.keys.Insert(row, rows);
 }
 
+/// A function that plans an Update may read a view that sleeps, which is an operation of the
+/// family. The operation that is being planned still needs its rows then, and nothing has changed
+/// yet.
 bool ListEngine::Rest() {
   coming = nullptr;
+  if (isPlanning) return false;
   for (const RowId row : gone) storage.Remove(row);
   if (gone.size() > mostKept) gone = {};
   gone.clear();

@@ -186,26 +186,29 @@ SetResult ListEngine::Update(std::span<const RowId> rows, const RowEdit& edit) {
   std::vector<RowId> sorted;
   if (rows.size() > 1) rows = sorted = InOrder(state.order, rows);
   auto operation = NewOperation();
-  operation->ReserveRows(0, rows.size());
-  for (const RowId row : rows) {
-    SetResult result = PlanChange(*operation, row, edit);
-    if (!result.IsAccepted()) return result;
-  }
-  SetResult refused = ReasonAgainstKeys(state, *operation);
+  SetResult refused = PlanChanges(*operation, state, rows, edit);
   if (!refused.IsAccepted()) return refused;
   operation->AddChanges();
   return Submit(std::move(operation));
+}
+
+SetResult ListEngine::PlanChanges(ListOperation& operation, const State& state,
+                                  std::span<const RowId> rows, const RowEdit& edit) {
+  const ScopedValue planning(isPlanning, true);
+  operation.ReserveRows(0, rows.size());
+  for (const RowId row : rows) {
+    SetResult result = PlanChange(operation, row, edit);
+    if (!result.IsAccepted()) return result;
+  }
+  return ReasonAgainstKeys(state, operation);
 }
 
 SetResult ListEngine::PlanChange(ListOperation& operation, RowId row, const RowEdit& edit) {
   const void* const before = PlanningReader().Row(row);
   const RowId other = others.Copy(before);
   operation.AddChange(row, other);
-  {
-    const ScopedValue planning(isPlanning, true);
-    SetResult result = edit(others.Row(other));
-    if (!result.IsAccepted()) return result;
-  }
+  SetResult result = edit(others.Row(other));
+  if (!result.IsAccepted()) return result;
   const std::uint64_t differing = storage.Table().differing(before, others.Row(other));
   if (differing == 0) operation.DropLastChange();
   operation.AddFields(differing);

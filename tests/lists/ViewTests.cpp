@@ -163,6 +163,15 @@ TEST_F(ViewTest, AViewThatNobodyReadsAsksNothing) {
   EXPECT_EQ(asked, 2);
 }
 
+TEST_F(ViewTest, AFunctionOfAnUpdateMayReadAViewThatSleeps) {
+  tasks.Assign({{1, 1}, {2, 2}});
+  FilteredList shown(tasks, [](const Task&) { return true; });
+
+  tasks.Update(1, [&](Task& task) { task.load += double(shown.Size()); });
+
+  EXPECT_EQ(tasks[0], (Task{1, 3}));
+}
+
 TEST(View, OutlivesItsListAndIsEmptyThen) {
   auto tasks = std::make_unique<ListData<Task>>();
   tasks->Insert(0, {1, 1});

@@ -126,6 +126,8 @@ class DATABINDING_API ListEngine {
                               const RowReader& rows) const noexcept;
   [[nodiscard]] std::size_t PlaceBefore(const State& state, std::size_t at) const noexcept;
   [[nodiscard]] bool HasDouble(const State& state, const ListOperation& operation) const;
+  SetResult PlanChanges(ListOperation& operation, const State& state, std::span<const RowId> rows,
+                        const RowEdit& edit);
   SetResult PlanChange(ListOperation& operation, RowId row, const RowEdit& edit);
   [[nodiscard]] SetResult ReasonAgainst(const void* row, std::uint64_t fields) const;
   [[nodiscard]] SetResult ReasonAgainstKeys(const State& state,
@@ -144,7 +146,7 @@ class DATABINDING_API ListEngine {
   Needs pending;  // what is still to be told
   std::size_t mostChanged = 0;
   std::uint64_t keyBit = 0;
-  bool isPlanning = false;
+  bool isPlanning = false;  // the application's functions plan an Update
   bool hasChanged = false;
   bool hasDoubles = false;  // the first were found by an operation that is not over yet
   bool areDoublesReported = false;
