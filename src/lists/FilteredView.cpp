@@ -64,28 +64,36 @@ void FilteredView::SetFilter(RowPredicate function, Properties properties) {
     return;
   }
   TakeTurn([this, function = std::move(function), following = std::move(following)]() mutable {
-    FilterAnew(function);
-    followed.swap(following);
+    FilterBy(function, following);
   });
 }
 
 void FilteredView::Refilter() {
-  if (IsAwake()) TakeTurn([this] { FilterAnew(predicate); });
+  if (IsAwake()) TakeTurn([this] { AskAnew(); });
 }
 
-/// The predicate is exchanged before the rows are asked, and put back where the dependents cannot
-/// prepare for the answers.
-void FilteredView::FilterAnew(RowPredicate function) {
-  if (source == nullptr) return;
-  ReserveAll();
-  std::swap(predicate, function);
-  AskMany([](RowId) { return true; });
-  try {
-    PrepareOwn(coming.size());
-  } catch (...) {
+/// Both settings are exchanged before the rows are asked, since the observers who hear the answers
+/// may end the view, and put back where the view or its dependents cannot prepare for the answers.
+void FilteredView::FilterBy(RowPredicate& function, std::vector<Subscription>& following) {
+  const auto exchange = [&] {
     std::swap(predicate, function);
+    followed.swap(following);
+  };
+  exchange();
+  try {
+    AskAnew();
+  } catch (...) {
+    exchange();
     throw;
   }
+}
+
+/// Where this throws, nothing was told. The view may be gone after it.
+void FilteredView::AskAnew() {
+  if (!IsAwake()) return;
+  ReserveAll();
+  AskMany([](RowId) { return true; });
+  PrepareOwn(coming.size());
   TellAnswers();
 }
 

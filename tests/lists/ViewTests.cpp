@@ -172,6 +172,19 @@ TEST_F(ViewTest, AFunctionOfAnUpdateMayReadAViewThatSleeps) {
   EXPECT_EQ(tasks[0], (Task{1, 3}));
 }
 
+TEST_F(ViewTest, AnObserverMayEndAViewThatIsFilteredAnew) {
+  tasks.Assign({{1, 1}, {2, 2}});
+  const auto settings = MakeDataSource<Settings>(nullptr);
+  const auto isHot = [](const Task& task) { return task.id > 1; };
+  auto shown = std::make_unique<FilteredList<Task>>(tasks, isHot, settings->threshold);
+  const Subscription ending = shown->Observe({.after = [&](const auto&) { shown.reset(); }});
+
+  shown->SetFilter([](const Task&) { return true; }, settings->threshold);
+  settings->threshold.Set(2);
+
+  EXPECT_EQ(shown, nullptr);
+}
+
 TEST(View, OutlivesItsListAndIsEmptyThen) {
   auto tasks = std::make_unique<ListData<Task>>();
   tasks->Insert(0, {1, 1});

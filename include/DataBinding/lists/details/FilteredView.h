@@ -42,7 +42,8 @@ class DATABINDING_API FilteredView final : public ListView {
   void Evaluate() noexcept override;
 
   [[nodiscard]] std::vector<Subscription> Follow(Properties properties);
-  void FilterAnew(RowPredicate function);
+  void FilterBy(RowPredicate& function, std::vector<Subscription>& following);
+  void AskAnew();
   void Remove(const ListStep& step) noexcept;
   void PassOn(const ListStep& step) noexcept;
   void TakeTarget(const ListStep& step) noexcept;
