@@ -10,16 +10,28 @@
 
 namespace DataBinding::details {
 
-/// An operation of a view, which waits in the queue of the family.
+/// An operation of a view, which waits in the queue of the family. A bind that has changed its
+/// source takes its views along into another family. An operation that still waits in the former
+/// one follows its view there; where the view has ended meanwhile, it does nothing.
 class ListView::Turn final : public ListTurn {
  public:
-  Turn(const ListNode& itsNode, RepeatingCallback<void()> itsRun)
-      : node(&itsNode), run(std::move(itsRun)) {}
-  void Run() override { run(); }
-  [[nodiscard]] const void* Owner() const noexcept override { return node; }
+  Turn(ListView& itsView, RepeatingCallback<void()> itsRun)
+      : view(itsView),
+        alive(itsView.node.Liveness()),
+        queue(itsView.Turns()),
+        owner(&itsView.node),
+        run(std::move(itsRun)) {}
+  void Run() override {
+    if (!alive.IsValid()) return;
+    queue == view.Turns() ? run() : view.TakeTurn(std::move(run));
+  }
+  [[nodiscard]] const void* Owner() const noexcept override { return owner; }
 
  private:
-  const ListNode* node;
+  ListView& view;
+  WeakReference alive;
+  std::shared_ptr<ListTurns> queue;
+  const void* owner;
   RepeatingCallback<void()> run;
 };
 
@@ -92,9 +104,8 @@ void ListView::CopyIds(std::span<RowId> to) const noexcept {
 void ListView::Awaken() {
   if (isAwake || isAwaking || hasEnded || source == nullptr) return;
   const ScopedValue awaking(isAwaking, true);
-  const auto turns = Turns();
-  if (turns->IsTelling()) return AwakenNow();
-  turns->Take(std::make_unique<Turn>(node, [this] { AwakenNow(); }));
+  if (Turns()->IsTelling()) return AwakenNow();
+  TakeTurn([this] { AwakenNow(); });
 }
 
 /// Follows the list anew when the rows were asked, so that it hears of the present step exactly if
@@ -210,8 +221,9 @@ void ListView::AtRest() noexcept {
   node.RestDependents();
 }
 
-bool ListView::TakeTurn(RepeatingCallback<void()> run) {
-  return Turns()->Take(std::make_unique<Turn>(node, std::move(run)));
+void ListView::TakeTurn(RepeatingCallback<void()> run) {
+  const auto turns = Turns();
+  turns->Take(std::make_unique<Turn>(*this, std::move(run)));
 }
 
 void ListView::TakeRowsOfSource() noexcept {

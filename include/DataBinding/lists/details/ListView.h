@@ -116,7 +116,7 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   virtual void Grow(const ListStep& step) noexcept = 0;
   ///@}
   /// Runs an operation of the view when the family has told what it tells now.
-  bool TakeTurn(RepeatingCallback<void()> run);
+  void TakeTurn(RepeatingCallback<void()> run);
   /// Reserves room for whatever the view may do, in a turn of its own.
   void ReserveAll();
   /// Prepares the dependents for an operation of the view that lets so many rows come.
