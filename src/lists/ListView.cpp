@@ -101,16 +101,18 @@ void ListView::CopyIds(std::span<RowId> to) const noexcept {
   order.ForEach([&](std::span<const RowId> ids) { next = std::ranges::copy(ids, next).out; });
 }
 
-void ListView::Awaken() {
-  if (isAwake || isAwaking || hasEnded || source == nullptr) return;
+bool ListView::Awaken() {
+  if (isAwake || isAwaking || hasEnded || source == nullptr) return isAwake;
   const ScopedValue awaking(isAwaking, true);
-  if (Turns()->IsTelling()) return AwakenNow();
-  TakeTurn([this] { AwakenNow(); });
+  Turns()->IsTelling() ? AwakenNow() : TakeTurn([this] { AwakenNow(); });
+  return isAwake;
 }
 
 /// Follows the list anew when the rows were asked, so that it hears of the present step exactly if
-/// that has not changed the list yet.
+/// that has not changed the list yet. Where the list is a view that sleeps, it awakes first, and
+/// this fails if that fails: rows that it shows only later would not be told to this view.
 void ListView::AwakenNow() {
+  if (!source->Awaken() || source == nullptr) return;
   ReserveAll();
   TakeRowsOfSource();
   Evaluate();

@@ -242,5 +242,21 @@ TEST_F(ViewTest, FailingAllocationsLeaveListAndViewsAsTheyWere) {
   EXPECT_EQ(shown.Size(), 466);
 }
 
+TEST_F(ViewTest, AViewOfASleepingOneAwakesAfterItHasRunOutOfMemory) {
+  tasks.Assign({{1, 1}, {2, 2}});
+  SetListenerFailureHandler([](const ListenerFailure&) {});
+  std::size_t shownAtOnce = 0;
+  for (std::int64_t number = 1; shownAtOnce == 0; ++number) {
+    FilteredList shown(tasks, [](const Task&) { return true; });
+    SortedList sorted(shown, By(&Task::load));
+    {
+      const Testing::FailingAllocation failing(number);
+      shownAtOnce = sorted.Size();
+    }
+    ASSERT_EQ(sorted.Size(), 2) << number;
+  }
+  SetListenerFailureHandler(nullptr);
+}
+
 }  // namespace
 }  // namespace DataBinding

@@ -233,8 +233,9 @@ class DATABINDING_API ListNode {
   virtual void CopyIds(std::span<RowId> to) const noexcept;
   /// Tells, while a step is told, whether the fields of rows can be read as they are after it.
   [[nodiscard]] virtual bool HasNewRows() const noexcept { return phase == Phase::After; }
-  /// Has a view ask its rows before somebody observes it.
-  virtual void Awaken() {}
+  /// Has a view ask its rows before somebody observes or follows it. Returns false where it shows
+  /// none after that, because it is just asking them.
+  virtual bool Awaken() { return true; }
 
   /// Makes a dependent hear of changes. One that is added while a change is told is prepared at
   /// once for all that is to come; it hears of the present step if that is not done yet.

@@ -87,8 +87,9 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   [[nodiscard]] ListPlan Pending() const noexcept;
   void CopyIds(std::span<RowId> to) const noexcept;
   ///@}
-  /// Asks the rows if the view still sleeps. Strong guarantee.
-  void Awaken();
+  /// Asks the rows if the view still sleeps. Returns false if it sleeps on, because it is just
+  /// asking them or has ended. Strong guarantee.
+  bool Awaken();
   /// Tells that the view ends. The class of its node calls it as the first thing of its destructor.
   void End() noexcept;
   /// Leaves the view without rows while its node ends.

@@ -44,7 +44,7 @@ class ViewOf : public ReadableList<Row> {
  private:
   static void EmptyView(ListNode& self) { static_cast<ViewOf&>(self).view.Empty(); }
   [[nodiscard]] ListPlan Pending() const noexcept final { return view.Pending(); }
-  void Awaken() final { view.Awaken(); }
+  bool Awaken() final { return view.Awaken(); }
 };
 
 }  // namespace DataBinding::details
