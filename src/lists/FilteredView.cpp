@@ -58,7 +58,7 @@ std::vector<Subscription> FilteredView::Follow(Properties properties) {
 
 void FilteredView::SetFilter(RowPredicate function, Properties properties) {
   auto following = Follow(properties);
-  if (!IsAwake()) {
+  if (IsAsleep()) {
     predicate = std::move(function);
     followed = std::move(following);
     return;
@@ -69,7 +69,7 @@ void FilteredView::SetFilter(RowPredicate function, Properties properties) {
 }
 
 void FilteredView::Refilter() {
-  if (IsAwake()) TakeTurn([this] { AskAnew(); });
+  if (!IsAsleep()) TakeTurn([this] { AskAnew(); });
 }
 
 /// Both settings are exchanged before the rows are asked, since the observers who hear the answers

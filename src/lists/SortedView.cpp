@@ -62,7 +62,7 @@ SortedView::SortedView(ListNode& itsNode, ListNode& itsSource, void (*emptyNode)
     : ListView(itsNode, itsSource, emptyNode), compare(std::move(function)) {}
 
 void SortedView::SortBy(RowCompare function) {
-  if (!IsAwake()) {
+  if (IsAsleep()) {
     compare = std::move(function);
     return;
   }
@@ -70,7 +70,7 @@ void SortedView::SortBy(RowCompare function) {
 }
 
 void SortedView::SortAnew(RowCompare function) {
-  if (source == nullptr) return;
+  if (!IsAwake()) return std::swap(compare, function);
   ReserveAll();
   PrepareOwn(0);
   std::swap(compare, function);

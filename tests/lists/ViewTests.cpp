@@ -185,6 +185,20 @@ TEST_F(ViewTest, AnObserverMayEndAViewThatIsFilteredAnew) {
   EXPECT_EQ(shown, nullptr);
 }
 
+TEST_F(ViewTest, AnOrderThatIsGivenWhileAViewAwakesIsTheNextOne) {
+  tasks.Assign({{1, 2}, {2, -1}, {3, 1}});
+  const auto byLoad = [](const Task& one, const Task& other) {
+    if (one.load < 0 || other.load < 0) throw one;
+    return one.load < other.load;
+  };
+  SortedList sorted(tasks, byLoad);
+  SetListenerFailureHandler(
+      [&](const ListenerFailure&) { sorted.SortBy(By(&Task::id, Order::Descending)); });
+
+  EXPECT_EQ(IdsOf(sorted), (std::vector{3, 2, 1}));
+  SetListenerFailureHandler(nullptr);
+}
+
 TEST(View, OutlivesItsListAndIsEmptyThen) {
   auto tasks = std::make_unique<ListData<Task>>();
   tasks->Insert(0, {1, 1});

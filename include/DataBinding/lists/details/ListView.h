@@ -124,6 +124,8 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   void PrepareOwn(std::size_t rowsThatCome);
 
   [[nodiscard]] bool IsAwake() const noexcept { return isAwake; }
+  /// Returns true while the settings may be changed at once, since nobody asks them.
+  [[nodiscard]] bool IsAsleep() const noexcept { return !isAwake && !isAwaking; }
   /// The most ranges that one operation tells.
   [[nodiscard]] std::size_t MostRanges() const noexcept;
   /// Marks rows; IsMarked asks for them. Reserved for all rows.
