@@ -91,17 +91,25 @@ class Copying {
       outcome.leftOut.push_back({name, std::move(result)});
     };
     if (read == nullptr) return leaveOut(source.Failure<SetResult>(nullptr));
-    if (written == nullptr) return leaveOut(target.Failure<SetResult>(&read->ValueType()));
+    const auto& type = read->ValueType();
+    if (!target) return leaveOut(target.Failure<SetResult>(&type));
     const auto explain = [&](PropertyError error) {
-      leaveOut({false, error, ReflectionAccess::Explain(error, &to, name, &read->ValueType())});
+      leaveOut({false, error, ReflectionAccess::Explain(error, &to, name, &type)});
     };
     if (target.IsReadOnly()) return explain(PropertyError::ReadOnly);
+    const auto& wanted = written == nullptr ? to.GetDelegateType(name) : written->ValueType();
+    if (!details::AreSameType(type, wanted)) return explain(PropertyError::WrongType);
+    if (written == nullptr) return Refuse(name, target.Failure<SetResult>(&type));
     auto copy = written->CopyFrom(*read);
-    if (copy == nullptr) return explain(PropertyError::WrongType);
+    // A list is not copied, and says by itself that it is no value.
+    if (copy == nullptr) return leaveOut(written->TakeValue({}, details::Purpose::Check));
     pairs.push_back({name, std::move(copy), written->ValidatorReadsOthers()});
   }
+  void Refuse(const VtrString& name, SetResult result) {
+    outcome.refused.push_back({name, std::move(result)});
+  }
   bool Judge(const Pair& pair, const SetResult& result) {
-    if (!result.IsAccepted()) outcome.refused.push_back({pair.name, result});
+    if (!result.IsAccepted()) Refuse(pair.name, result);
     return result.IsAccepted();
   }
 

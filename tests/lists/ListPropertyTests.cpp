@@ -6,6 +6,7 @@
 #include "DataBinding/datasource/MakeDataSource.h"
 #include "DataBinding/datasource/NamedDataSource.h"
 #include "DataBinding/lists/List.h"
+#include "DataBinding/property/CopyProperties.h"
 #include "DataBinding/property/Property.h"
 #include "DataBinding/property/PropertyAccess.h"
 #include "DataBinding/property/PropertyBatch.h"
@@ -77,6 +78,8 @@ TEST_F(ListProperty, IsFoundAsAListWithoutItsRowType) {
   const AnyPropertyRef found(machine.get(), L"Processes");
   EXPECT_EQ(found.Read().error, PropertyError::WrongType);
   EXPECT_EQ(found.ReadText()->ToUtf8(), "<DataBinding::AnyList>");
+  const auto leftOut = CopyProperties(machine.get(), machine.get()).leftOut;
+  EXPECT_EQ(leftOut.at(0).result.text, found.Write(1).text);
 }
 
 }  // namespace

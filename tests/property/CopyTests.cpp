@@ -15,11 +15,12 @@ namespace {
 
 struct Stay : NamedDataSource {
   Stay() : NamedDataSource(L"Stay") { begin.ValidatorReads(end); }
+  /// Refuses also what a guest is called at first.
   [[nodiscard]] static VtrString NotAnger(const VtrString& name) {
     return name == L"Anger" ? L"no anger" : L"";
   }
 
-  Property<VtrString> guest{this, L"Guest", L"Ann", {.validate = &NotAnger}};
+  Property<VtrString> guest{this, L"Guest", L"Anger", {.validate = &NotAnger}};
   Property<int> begin{this, L"Begin", 1, {.validate = [this](int day) {
                         return day >= *end ? L"ends before" : L"";
                       }}};
@@ -51,7 +52,7 @@ class CopiedProperties : public testing::Test {
  protected:
   CopyResult Copy() { return CopyProperties(draft.get(), stay.get()); }
   [[nodiscard]] bool IsUntouched() const {
-    return *stay->guest == L"Ann" && *stay->begin == 1 && *stay->end == 5 && stay->meals->empty();
+    return *stay->guest == L"Anger" && *stay->begin == 1 && *stay->end == 5 && stay->meals->empty();
   }
 
   DataSourcePtr<Draft> draft = MakeDataSource<Draft>(nullptr);

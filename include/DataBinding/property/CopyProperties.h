@@ -32,7 +32,7 @@ struct CopyResult {
     VtrString name;
     /// Is the result of checking or setting the property. For one that was left out it says that
     /// the other source has no such property (Absent), has it with another type (WrongType), or
-    /// computes it or sets it by itself (ReadOnly).
+    /// computes it or sets it by itself (ReadOnly), or that the property is a list (WrongType).
     SetResult result;
   };
 
@@ -60,12 +60,14 @@ struct CopyResult {
 /// Copies the values of all properties that both sources have with one type. Either source may be
 /// null.
 ///
-/// First each value is checked, and if one is refused, nothing is set. A property whose validator
-/// reads others, and names them, is not checked but only set, after those that read none: so a
-/// start and an end that limit each other may both move. If setting one is refused, or a `changed`
-/// hook throws, the values that were set are put back in reverse order, and the exception leaves
-/// this operation. Listeners are told in one batch at the end, if the source derives from
-/// DataSourceImpl; values that were put back are told, too. They may end both sources.
+/// First each value is checked, and if one is refused, nothing is set. A property of `to` that has
+/// no value now, as those of a CurrentRow without a row, refuses the copy. A property whose
+/// validator reads others, and names them, is not checked but only set, after those that read none:
+/// so a start and an end that limit each other may both move. If setting one is refused, or a
+/// `changed` hook throws, the values that were set are put back in reverse order, and the exception
+/// leaves this operation. No validator is asked about a value that is put back. Listeners are told
+/// in one batch at the end, if the source derives from DataSourceImpl; values that were put back
+/// are told, too. They may end both sources.
 DATABINDING_API CopyResult CopyProperties(const IDataSource* from, IDataSource* to);
 
 }  // namespace DataBinding

@@ -101,6 +101,15 @@ class StoredProperty : public TypedProperty<T, Filed> {
       SetResult checked = Check(wanted);
       if (!checked.IsAccepted()) return checked;
     }
+    return Keep(std::move(wanted));
+  }
+
+ private:
+  friend DataSourceAccess;
+
+  /// Stores what the validator accepts, or what was there before.
+  SetResult Keep(T&& wanted) {
+    const PropertyOptions<T>* const options = Options();
     if constexpr (std::equality_comparable<T>) {
       if (value == wanted) return {};
     }
@@ -112,10 +121,7 @@ class StoredProperty : public TypedProperty<T, Filed> {
     }
     return {true, PropertyError::None, {}};
   }
-
- private:
-  friend DataSourceAccess;
-
+  void Restore(T former) final { Keep(std::move(former)); }
   SetResult StoreFor(const DataSourceImpl& setter, T wanted) {
     if (&setter != &this->Source()) return this->ReadOnlyResult();
     return Store(std::move(wanted));

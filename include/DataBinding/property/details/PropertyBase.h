@@ -197,7 +197,7 @@ class IProperty : public PropertyBase {
     }
     SetResult Set() override { return property ? Target().SetValue(wanted) : Gone(); }
     void PutBack() override {
-      if (property) Target().SetValue(former);
+      if (property) Target().Restore(former);
     }
 
    private:
@@ -211,6 +211,8 @@ class IProperty : public PropertyBase {
     T wanted;
   };
 
+  /// Sets a former value again, which a validator may refuse and must not be asked about.
+  virtual void Restore(T former) { SetValue(std::move(former)); }
   template <class Convert>
   SetResult Take(Purpose purpose, Convert convert) {
     if (this->Type().IsReadOnly()) return ReadOnlyResult();
