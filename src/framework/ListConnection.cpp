@@ -68,8 +68,8 @@ AnyList* ListConnection::List() const {
   return property.List();
 }
 
-Framework::BindStatus ListConnection::ListStatus() const {
-  Framework::BindStatus status = Status();
+Framework::BindStatus ListConnection::Status() const {
+  Framework::BindStatus status = BindConnection::Status();
   if (status.state != State::WrongType || Source() == nullptr) return status;
   const auto list = FindList(Source(), PropertyName());
   if (list.property != nullptr) {

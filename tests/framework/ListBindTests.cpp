@@ -6,6 +6,7 @@
 
 #include "../support/Scopes.h"
 #include "DataBinding/framework/AnyListBind.h"
+#include "DataBinding/framework/Diagnose.h"
 #include "DataBinding/lists/List.h"
 #include "DataBinding/lists/Selection.h"
 #include "DataBinding/lists/SortedList.h"
@@ -177,6 +178,7 @@ TEST_F(ListBinds, SayWhatIsWrongWithTheList) {
   Emplace<Player<Plain>>(*child);
   EXPECT_EQ(bind->Status().state, BindStatus::State::WrongType);
   EXPECT_NE(bind->Status().text.ToUtf8().find("has rows of type"), std::string::npos);
+  EXPECT_EQ(Diagnose(*child).at(0).status.text, bind->Status().text);
   const ListBind<Song> volume(child.get(), L"Player", L"Volume");
   EXPECT_EQ(volume.Status().state, BindStatus::State::WrongType);
   EXPECT_NE(volume.Status().text.ToUtf8().find("has type int and is no list."), std::string::npos);

@@ -49,7 +49,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   void Connect(const Framework::IBaseBind& bind, IDataSourceProvider* provider);
   /// Returns the scope that the bind is connected to, or null.
   [[nodiscard]] IDataSourceProvider* Provider() const;
-  [[nodiscard]] Framework::BindStatus Status() const;
+  /// Says whether there is a value, or why not.
+  [[nodiscard]] virtual Framework::BindStatus Status() const;
   [[nodiscard]] const VtrString& SourceName() const noexcept { return sourceName; }
   [[nodiscard]] const VtrString& PropertyName() const noexcept { return propertyName; }
   /// Returns true while there is a property to read.

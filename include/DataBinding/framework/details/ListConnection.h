@@ -27,8 +27,8 @@ class DATABINDING_API ListConnection final : public BindConnection {
 
   [[nodiscard]] bool HasValue() const override { return List() != nullptr; }
   [[nodiscard]] bool IsReadOnly() const;
-  /// Says what is wrong with the rows of a list that was found.
-  [[nodiscard]] Framework::BindStatus ListStatus() const;
+  /// Also says what is wrong with the rows of a list that was found.
+  [[nodiscard]] Framework::BindStatus Status() const override;
 
  private:
   /// A list that was found by name and has rows of the wanted type, or the reason why not.
@@ -58,7 +58,7 @@ class BoundList : public Base, public Framework::IBaseDataBind {
   [[nodiscard]] Framework::BindTypeEnum BindType() const override {
     return Framework::BindTypeEnum::Data;
   }
-  [[nodiscard]] Framework::BindStatus Status() const override { return connection.ListStatus(); }
+  [[nodiscard]] Framework::BindStatus Status() const override { return connection.Status(); }
   /// Returns true when only the list's own source changes it.
   [[nodiscard]] bool IsReadOnly() const override { return connection.IsReadOnly(); }
   /// Returns true while there is a list of that name with rows of the wanted type.
