@@ -18,11 +18,13 @@ struct Marks {
       : facet(std::use_facet<std::numpunct<wchar_t>>(locale)),
         point(facet.decimal_point()),
         separator(Spaceless(facet.thousands_sep())),
-        grouping(facet.grouping()) {}
+        grouping(point == separator ? std::string() : facet.grouping()) {}
 
   /// Makes one character of all spaces that separate groups: users type the plain one.
   static wchar_t Spaceless(wchar_t character) {
-    return character == L'\u00A0' || character == L'\u202F' ? L' ' : character;
+    constexpr std::wstring_view others = L"\u00A0\u202F\u205F\u3000";
+    const bool isOfSomeWidth = character >= L'\u2000' && character <= L'\u200A';
+    return isOfSomeWidth || others.find(character) != others.npos ? L' ' : character;
   }
 
   const std::numpunct<wchar_t>& facet;

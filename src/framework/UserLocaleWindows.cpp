@@ -37,7 +37,9 @@ class UserMarks : public std::numpunct<wchar_t> {
  protected:
   [[nodiscard]] wchar_t do_decimal_point() const override { return Mark(LOCALE_SDECIMAL, L'.'); }
   [[nodiscard]] wchar_t do_thousands_sep() const override { return Mark(LOCALE_STHOUSAND, L','); }
+  /// A user who has chosen no separator, or a longer one, sees no groups.
   [[nodiscard]] std::string do_grouping() const override {
+    if (Ask(LOCALE_STHOUSAND).size() != 1) return {};
     return SizesOfGroups(Ask(LOCALE_SGROUPING));
   }
 

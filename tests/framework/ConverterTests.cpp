@@ -43,7 +43,8 @@ TEST(LocaleConverter, WritesAndReadsTheMarksOfTheLocale) {
   EXPECT_EQ(*german.parse(L"-1.234.567,25"), -1234567.25);
   EXPECT_EQ(*german.parse(L"1234567,25"), 1234567.25);
   EXPECT_EQ(*indian.parse(L"1,23,45,678"), 12345678);
-  EXPECT_EQ(*french.parse(L"1 234,5"), 1234.5);
+  for (const auto* text : {L"1 234,5", L"1\u2009234,5"}) EXPECT_EQ(*french.parse(text), 1234.5);
+  EXPECT_EQ(LocaleConverter<double>(Marks::In(L',', L',', "\3")).show(1234.5), L"1234,5");
   EXPECT_EQ(*LocaleConverter<int>(std::locale::classic()).parse(L"1234"), 1234);
 }
 
