@@ -112,6 +112,7 @@ TEST(ValueForm, OfAnEnumerationIsItsNames) {
   EXPECT_EQ(ToValue(Sky::Stormy), Value(2));
   EXPECT_EQ(*FromValue<Sky>(L"Clear"), Sky::Clear);
   EXPECT_EQ(FromValue<Sky>(1).error, PropertyError::WrongType);
+  EXPECT_EQ(FromValue<Sky>(L"Wet").error, PropertyError::Refused);
   EXPECT_EQ(FromText<Sky>(L"Wet").text, L"\"Wet\" is not a value of type Weather::Sky.");
 }
 

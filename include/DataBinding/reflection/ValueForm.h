@@ -203,6 +203,7 @@ struct EnumForm {
       for (const auto& row : NamesOf(static_cast<const T*>(nullptr))) {
         if (*name == row.name) return {row.value, PropertyError::None, {}};
       }
+      return {{}, PropertyError::Refused, ExplainUnfit(*name, {}, runtime_type<T>::Get())};
     }
     return Misfit<T>(value);
   }
@@ -230,7 +231,7 @@ template <class T>
 }
 
 /// Makes an object of a Value. Where that does not fit, or T has no form, the error is WrongType
-/// and the text names the types.
+/// and the text names the types. A name that an enumeration does not have is Refused.
 template <class T>
 [[nodiscard]] PropertyValue<T> FromValue([[maybe_unused]] const Value& value) {
   if constexpr (HasValueForm<T>) {
