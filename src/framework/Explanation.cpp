@@ -116,7 +116,7 @@ BindStatus ExplainProperty(const Wish& wish, IDataSource& source) {
   if (found.error == PropertyError::Absent) return NoSuchProperty(wish, source);
   if (found.error != PropertyError::None) return {State::WrongType, explain(found.error)};
   if (!found.HasAccessor()) return {State::WrongType, explain(PropertyError::NoAccessor)};
-  if (found.isReadOnly) return {State::ReadOnly, explain(PropertyError::ReadOnly)};
+  if (found.IsReadOnly()) return {State::ReadOnly, explain(PropertyError::ReadOnly)};
   return {State::Connected, {}};
 }
 

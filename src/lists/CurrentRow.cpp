@@ -17,12 +17,12 @@ RowSource::RowSource(const VtrString& name, AnySelection& selection)
 RowSource::~RowSource() = default;
 
 /// The accessor answers null while there is no row, and therefore is filed by hand.
-void RowSource::File(std::shared_ptr<PropertyBase> property) {
+void RowSource::File(std::shared_ptr<PropertyBase> property, const runtime_type_base& type) {
   const auto present = [this](PropertyBase& field) {
     return ShownRow() == nullptr ? nullptr : &field;
   };
   const PropertyAccessor accessor = BindWeak(property->AsWeakPtr(), present);
-  _AddDelegate(property->Name(), accessor.GetMemento(), property->Type());
+  _AddDelegate(property->Name(), accessor.GetMemento(), type);
   fields.push_back(std::move(property));
 }
 
@@ -56,6 +56,12 @@ SetResult RowSource::Update(const RowEdit& edit) {
   const auto id = selection == nullptr ? std::nullopt : selection->CurrentId();
   if (id) return selection->List()->UpdateRow(*id, edit);
   return {false, PropertyError::Absent, WhyAbsent()};
+}
+
+bool RowSource::IsListReadOnly() const {
+  const AnySelection* const selection = chosen.Get();
+  const AnyList* const list = selection == nullptr ? nullptr : selection->List();
+  return list != nullptr && list->IsReadOnly();
 }
 
 void RowSource::FollowSelection() {

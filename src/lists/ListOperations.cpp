@@ -187,7 +187,7 @@ SetResult ListEngine::Update(std::span<const RowId> rows, const RowEdit& edit) {
   if (rows.size() > 1) rows = sorted = InOrder(state.order, rows);
   auto operation = NewOperation();
   SetResult refused = PlanChanges(*operation, state, rows, edit);
-  if (!refused.IsAccepted()) return refused;
+  if (!refused.IsAccepted() || edit.Purpose() == RowEdit::Aim::Check) return refused;
   operation->AddChanges();
   return Submit(std::move(operation));
 }
@@ -212,7 +212,8 @@ SetResult ListEngine::PlanChange(ListOperation& operation, RowId row, const RowE
   const std::uint64_t differing = storage.Table().differing(before, others.Row(other));
   if (differing == 0) operation.DropLastChange();
   operation.AddFields(differing);
-  return differing == 0 ? SetResult() : ReasonAgainst(others.Row(other), differing);
+  const bool isAsked = differing != 0 && edit.Purpose() != RowEdit::Aim::PutBack;
+  return isAsked ? ReasonAgainst(others.Row(other), differing) : SetResult();
 }
 
 /// Asks the validators of the fields that differ.

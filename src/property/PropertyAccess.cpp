@@ -22,18 +22,23 @@ bool IsGone(const RepeatingCallbackMemento& accessor) {
   return untyped && untyped.IsCancelled();
 }
 
-/// Tells whether an accessor that was filed by hand leads to a property of one of two types, or to
-/// none now.
-bool IsOfType(const RepeatingCallbackMemento& accessor, const runtime_type_base& plain,
-              const runtime_type_base& readOnly) {
+/// Returns the property that an accessor filed by hand leads to, or null if there is none now.
+const PropertyBase* Ask(const RepeatingCallbackMemento& accessor) {
   PropertyAccessor typed;
   typed.SetMemento(accessor);
-  const PropertyBase* const property = typed();
-  return property == nullptr || AreSameType(plain, property->Type()) ||
-         AreSameType(readOnly, property->Type());
+  return typed();
+}
+
+/// Tells whether a property says itself that nobody sets it now. It may say so for a while.
+bool IsReadOnlyNow(const PropertyBase* property) {
+  return property != nullptr && property->Type().IsReadOnly();
 }
 
 }  // namespace
+
+bool ReflectionAccess::Found::IsReadOnly() const {
+  return isReadOnly || IsReadOnlyNow(property != nullptr ? property : Ask(accessor));
+}
 
 ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const VtrString& name,
                                                const runtime_type_base& plain,
@@ -49,8 +54,11 @@ ReflectionAccess::Found ReflectionAccess::Find(const IDataSource* source, const 
     return found;
   }
   FindAccessor(*source, name, found.isReadOnly ? readOnly : plain, found);
-  const bool isByHand = found.property == nullptr;
-  if (isByHand && !IsOfType(found.accessor, plain, readOnly)) found.accessor = {};
+  const PropertyBase* const byHand = found.property == nullptr ? Ask(found.accessor) : nullptr;
+  if (byHand != nullptr && !AreSameType(plain, byHand->Type()) &&
+      !AreSameType(readOnly, byHand->Type())) {
+    found.accessor = {};
+  }
   return found;
 }
 
@@ -163,6 +171,8 @@ PropertyRefBase::PropertyRefBase(const IDataSource* source, const VtrString& pro
 }
 
 PropertyBase* PropertyRefBase::AskAccessor() const { return accessor(); }
+
+bool PropertyRefBase::IsReadOnly() const { return isReadOnly || IsReadOnlyNow(Access()); }
 
 }  // namespace details
 

@@ -3,11 +3,15 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "../support/Scopes.h"
 #include "DataBinding/framework/DataBind.h"
 #include "DataBinding/framework/TwoWay.h"
 #include "DataBinding/lists/List.h"
+#include "DataBinding/lists/SortedList.h"
+#include "DataBinding/property/CopyProperties.h"
+#include "DataBinding/property/Property.h"
 
 namespace DataBinding::Testing {
 namespace {
@@ -23,6 +27,21 @@ constexpr auto FieldsOf(const Guest* /*row*/) {
   return Fields(Key(L"Id", &Guest::id, {.readOnly = true}), Field(L"Name", &Guest::name),
                 Field(L"Seats", &Guest::seats, {.validate = NotNegative}));
 }
+
+struct Table {
+  int number = 0;
+  int seats = 0;
+};
+constexpr auto FieldsOf(const Table* /*row*/) {
+  return Fields(Key(L"Number", &Table::number),
+                Field(L"Seats", &Table::seats, {.validate = NotNegative}));
+}
+struct Draft : NamedDataSource {
+  Draft() : NamedDataSource(L"Draft") { Assign(tables, std::vector<Table>{{1, 2}}); }
+  Property<int> seats{this, L"Seats", 4};
+  Property<int> number{this, L"Number", 9};
+  ReadOnlyList<Table> tables{this, L"Tables"};
+};
 
 using Framework::BindChange;
 using Framework::BindStatus;
@@ -89,6 +108,37 @@ TEST_F(CurrentRows, SetFieldsByTheListsUpdate) {
   EXPECT_TRUE(seats.Set(9).changed);
   EXPECT_EQ((*list)[0].seats, 9);
   EXPECT_EQ(Notes(), "+2 =9");
+}
+
+TEST_F(CurrentRows, TakeACopyAsAWholeOrNotAtAll) {
+  ListData<Table> tables;
+  tables.Assign({{1, -1}, {2, 2}});
+  Selection<Table> choice(tables);
+  const CurrentRow<Table> row(child.get(), L"Table", choice);
+  const auto draft = MakeDataSource<Draft>(nullptr);
+  EXPECT_EQ(CopyProperties(draft.get(), row.Source()).error, PropertyError::Absent);
+
+  choice.ChooseKey(1);
+  EXPECT_EQ(PropertyRef<int>(row.Source(), L"Number").Check(2).error, PropertyError::Refused);
+  const Subscription rival = tables.Observe({.after = [&](const auto& /*change*/) {
+    if (tables.Find(9) == nullptr) tables.Insert(0, Table{9, 1});
+  }});
+  EXPECT_EQ(CopyProperties(draft.get(), row.Source()).refused.at(0).name, L"Number");
+  EXPECT_EQ(tables.Find(1)->seats, -1);
+}
+
+TEST_F(CurrentRows, AreReadOnlyWhereOnlyTheSourceChangesTheList) {
+  const auto draft = MakeDataSource<Draft>(nullptr);
+  SortedList<Table> sorted(draft->tables, By(&Table::seats));
+  Selection<Table> choice(sorted);
+  const CurrentRow<Table> row(child.get(), L"Table", choice);
+  const Framework::DataBind<int> bind(child.get(), L"Table", L"Seats");
+  EXPECT_FALSE(bind.IsReadOnly());
+
+  choice.ChooseKey(1);
+  EXPECT_TRUE(bind.IsReadOnly());
+  EXPECT_EQ(bind.Status().state, BindStatus::State::ReadOnly);
+  EXPECT_EQ(bind.Check(3).error, PropertyError::ReadOnly);
 }
 
 TEST_F(CurrentRows, ShowAnEditThatHadToWaitWhenItIsMade) {

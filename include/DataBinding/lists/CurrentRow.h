@@ -5,9 +5,9 @@
 /// It is one source from beginning to end. Its properties are the fields, and have no value while
 /// nothing is chosen ("no row is chosen"), so a name never falls through to an outer scope. When
 /// another row is chosen, all fields are announced, and binds say BindChange::Replaced. What is set
-/// by a property goes through the list's Update and its validators: a field that is read-only, and
-/// a list that only its source changes, refuse it. While the list tells a change, an update waits
-/// and its result says so.
+/// by a property goes through the list's Update and its validators, and Check says what that would
+/// answer: a field that is read-only, and a list that only its source changes, refuse it. While the
+/// list tells a change, an update waits and its result says so.
 ///
 /// The scope owns the source. The CurrentRow takes it out of the scope and ends it. It, the scope,
 /// the selection and the list end in any order; without a selection nothing is chosen. It may be

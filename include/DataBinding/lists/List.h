@@ -170,6 +170,8 @@ class ReadOnlyList final : public details::ListStorage<Row>, public details::Lis
   [[nodiscard]] AnyList& Rows() noexcept override { return *this; }
   /// Returns the name under which failures are reported: that of the list.
   [[nodiscard]] VtrString ListName() const override { return this->Name(); }
+  /// Returns true: only the source changes the list.
+  [[nodiscard]] bool IsReadOnly() const override { return true; }
   /// Refuses the change, since only the source makes one.
   SetResult UpdateRow(RowId /*id*/, const details::RowEdit& /*edit*/) override {
     return this->ReadOnlyResult();

@@ -34,6 +34,7 @@ class DATABINDING_API ReflectionAccess {
  public:
   struct DATABINDING_API Found {
     PropertyError error = PropertyError::None;
+    /// Is true for a property that was filed as read-only.
     bool isReadOnly = false;
     /// The property itself, which is of the wanted type. It is good until any other code runs.
     PropertyBase* property = nullptr;
@@ -43,6 +44,8 @@ class DATABINDING_API ReflectionAccess {
     [[nodiscard]] bool HasAccessor() const noexcept {
       return property != nullptr || !accessor.IsEmpty();
     }
+    /// Returns true when nobody sets the property now.
+    [[nodiscard]] bool IsReadOnly() const;
     /// Returns the property with its type, or null.
     template <class T>
     [[nodiscard]] IProperty<T>* As() const noexcept {
@@ -99,7 +102,7 @@ class DATABINDING_API PropertyRefBase {
   /// Explains why the property was not found. The text is empty when it was found.
   [[nodiscard]] const VtrString& Text() const noexcept { return text; }
   /// Returns true for a property that only its source may set, and for computed ones.
-  [[nodiscard]] bool IsReadOnly() const noexcept { return isReadOnly; }
+  [[nodiscard]] bool IsReadOnly() const;
   /// Returns true when the property was found.
   explicit operator bool() const noexcept { return error == PropertyError::None; }
 
@@ -232,7 +235,7 @@ class DATABINDING_API AnyPropertyRef : public details::PropertyRefBase {
   [[nodiscard]] PropertyValue<VtrString> ReadText() const;
   /// These set the value as the property's own Set does, with its results and texts. A value or a
   /// text that does not convert changes nothing. The error is WrongType, with both types in the
-  /// text, or Refused where a text is not of the form.
+  /// text, or Refused where a text is not of the form, or is no name of the enumeration.
   ///@{
   // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
   SetResult Write(const Value& value) const;

@@ -177,17 +177,26 @@ class DATABINDING_API ListTurns : public std::enable_shared_from_this<ListTurns>
 /// Refers to a function that changes a copy of a row, or says why it does not.
 class RowEdit {
  public:
+  enum class Aim {
+    Change,  ///< to change the row
+    Check,   ///< only to say what Change would answer
+    PutBack  ///< to give the row former values, which validators are not asked about
+  };
+
   template <class Function>
-  requires(!std::same_as<std::remove_cvref_t<Function>, RowEdit>) RowEdit(Function&& edit)
+  requires(!std::same_as<std::remove_cvref_t<Function>, RowEdit>)
+      RowEdit(Function&& edit, Aim itsAim = Aim::Change)
   noexcept
-      : context(&edit), run([](const void* function, void* row) -> SetResult {
+      : context(&edit), aim(itsAim), run([](const void* function, void* row) -> SetResult {
           return (*static_cast<std::remove_reference_t<Function>*>(const_cast<void*>(function)))(
               row);  // NOLINT: it was given as it is used here
         }) {}
   SetResult operator()(void* row) const { return run(context, row); }
+  [[nodiscard]] Aim Purpose() const noexcept { return aim; }
 
  private:
   const void* context;
+  Aim aim;
   SetResult (*run)(const void* function, void* row);
 };
 
@@ -217,6 +226,8 @@ class DATABINDING_API ListNode {
   static constexpr RowId noRow = ~RowId{0};
   /// Calls a function with a copy of a row, and then changes the row as the list's Update does.
   virtual SetResult UpdateRow(RowId id, const RowEdit& edit) = 0;
+  /// Returns true for a list that only its own source changes, and for its views and binds.
+  [[nodiscard]] virtual bool IsReadOnly() const { return false; }
   /// The queue of the family, which may be another one after a bind has changed its source.
   [[nodiscard]] virtual const std::shared_ptr<ListTurns>& Turns() const noexcept = 0;
   /// The name under which failures are reported, which is empty for a list that is no member of a

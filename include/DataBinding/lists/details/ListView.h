@@ -75,6 +75,7 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   [[nodiscard]] std::size_t IndexOf(RowId id) const noexcept { return Rows().IndexOf(id); }
   [[nodiscard]] const void* RowOf(RowId id) const noexcept;
   SetResult UpdateRow(RowId id, const RowEdit& edit);
+  [[nodiscard]] bool IsReadOnly() const { return source != nullptr && source->IsReadOnly(); }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept;
   [[nodiscard]] bool IsSourceGoing() const noexcept {
     return source != nullptr && source->IsSourceGoing();

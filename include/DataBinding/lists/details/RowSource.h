@@ -36,14 +36,16 @@ class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
   [[nodiscard]] const void* ShownRow() const noexcept;
   /// Changes the shown row by the list's update.
   [[nodiscard]] SetResult Update(const RowEdit& edit);
+  /// Returns true while only the list's own source changes it.
+  [[nodiscard]] bool IsListReadOnly() const;
 
   [[nodiscard]] std::uint64_t Serial() const noexcept override { return serial; }
   [[nodiscard]] const wchar_t* WhyAbsent() const noexcept override { return L"no row is chosen"; }
 
  protected:
   bool FindInterfaceByIID(const GUID& id, void** out) override;
-  /// Files a property, in the order of the fields.
-  void File(std::shared_ptr<PropertyBase> property);
+  /// Files a property under the type that its field has, in the order of the fields.
+  void File(std::shared_ptr<PropertyBase> property, const runtime_type_base& type);
 
  private:
   void FollowSelection();
@@ -62,41 +64,40 @@ class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
 template <class T>
 class RowFieldProperty final : public IProperty<T> {
  public:
-  using Validate = VtrString (*)(const T& value);
-
-  RowFieldProperty(RowSource& source, const RowField& described, Validate validator)
-      : IProperty<T>(source, PropertyName(described.name)),
-        owner(source),
-        field(described),
-        validate(validator) {}
+  RowFieldProperty(RowSource& source, const RowField& described)
+      : IProperty<T>(source, PropertyName(described.name)), owner(source), field(described) {}
   ~RowFieldProperty() override { this->EndAccess(); }
 
   [[nodiscard]] const runtime_type_base& Type() const override {
-    if (field.isReadOnly) return runtime_type<const T>::Get();
+    return TypeOf(field.isReadOnly || owner.IsListReadOnly());
+  }
+  [[nodiscard]] static const runtime_type_base& TypeOf(bool isReadOnly) {
+    if (isReadOnly) return runtime_type<const T>::Get();
     return runtime_type<T>::Get();
   }
   /// There is a row: the accessor of the property makes sure of it.
   [[nodiscard]] T GetValue() const override {
     return *static_cast<const T*>(field.member(owner.ShownRow()));
   }
-  SetResult SetValue(T value) override {
-    if (field.isReadOnly) return this->ReadOnlyResult();
-    return owner.Update(RowEdit([&](void* row) {
-      // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a field of a row that may be changed
-      *const_cast<T*>(static_cast<const T*>(field.member(row))) = value;
-      return SetResult();
-    }));
-  }
+  SetResult SetValue(T value) override { return Edit(value, RowEdit::Aim::Change); }
   [[nodiscard]] SetResult CheckValue(const T& value) const override {
-    if (field.isReadOnly) return this->ReadOnlyResult();
-    const VtrString reason = validate == nullptr ? VtrString() : validate(value);
-    return reason.IsEmpty() ? SetResult() : this->RefusedResult(reason);
+    return Edit(value, RowEdit::Aim::Check);
   }
 
  private:
+  void Restore(T former) override { Edit(former, RowEdit::Aim::PutBack); }
+  SetResult Edit(const T& value, RowEdit::Aim aim) const {
+    if (field.isReadOnly) return this->ReadOnlyResult();
+    const auto edit = [&](void* row) {
+      // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a field of a row that may be changed
+      *const_cast<T*>(static_cast<const T*>(field.member(row))) = value;
+      return SetResult();
+    };
+    return owner.Update(RowEdit(edit, aim));
+  }
+
   RowSource& owner;
   const RowField& field;
-  Validate validate;
 };
 
 template <class Row>
@@ -105,8 +106,8 @@ class TypedRowSource final : public RowSource {
   TypedRowSource(const VtrString& name, Selection<Row>& selection) : RowSource(name, selection) {
     VisitFields<Row>([this](const auto& field, std::size_t number) {
       using T = typename std::remove_cvref_t<decltype(field)>::Type;
-      File(std::make_shared<RowFieldProperty<T>>(*this, TableOf<Row>().fields[number],
-                                                 field.options.validate));
+      File(std::make_shared<RowFieldProperty<T>>(*this, TableOf<Row>().fields[number]),
+           RowFieldProperty<T>::TypeOf(field.options.readOnly));
     });
   }
 };

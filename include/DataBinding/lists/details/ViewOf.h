@@ -25,6 +25,7 @@ class ViewOf : public ReadableList<Row> {
   [[nodiscard]] const void* RowOf(RowId id) const noexcept final { return view.RowOf(id); }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return view.IdsBelow(); }
   SetResult UpdateRow(RowId id, const RowEdit& edit) final { return view.UpdateRow(id, edit); }
+  [[nodiscard]] bool IsReadOnly() const final { return view.IsReadOnly(); }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept final {
     return view.Turns();
   }
