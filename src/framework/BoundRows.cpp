@@ -18,6 +18,12 @@ bool HasAllRows(const ListStep& step) noexcept {
   return step.kind == ListChangeKind::Reset || step.kind == ListChangeKind::Reordered;
 }
 
+/// Reserves twice as much as there was, so that many small operations do not each copy all rows.
+template <class Element>
+void ReserveAhead(std::vector<Element>& array, std::size_t most) {
+  if (array.capacity() < most) array.reserve(std::max(most, 2 * array.capacity()));
+}
+
 }  // namespace
 
 /// The turn in which the rows are let go of where no change is told.
@@ -25,7 +31,7 @@ class BoundRows::EmptyTurn final : public ListTurn {
  public:
   explicit EmptyTurn(BoundRows& itsRows) : rows(itsRows.AsWeakPtr()), owner(&itsRows) {}
   void Run() override {
-    if (rows) rows->RemoveAll();
+    if (rows) rows->Empty();
   }
   [[nodiscard]] const void* Owner() const noexcept override { return owner; }
 
@@ -73,11 +79,11 @@ SetResult BoundRows::UpdateRow(RowId id, const RowEdit& edit) {
 }
 
 void BoundRows::Prepare(const ListPlan& plan, Follower& follower) {
-  if (!Turns()->IsTelling()) ReuseReleased();
+  if (&follower != &Shown()) return;  // the bind leaves this list, or an Exchange reserves
   for (const ListStep& step : plan.steps) {
-    stepRows.reserve(step.rows.size());
-    stepGone.reserve(step.gone.size());
-    stepCome.reserve(step.come.size());
+    Grow(stepRows, step.rows.size());
+    Grow(stepGone, step.gone.size());
+    Grow(stepCome, step.come.size());
   }
   Reserve(plan, std::ranges::any_of(plan.steps, HasAllRows), follower);
 }
@@ -87,12 +93,12 @@ void BoundRows::Prepare(const ListPlan& plan, Follower& follower) {
 void BoundRows::Reserve(const ListPlan& plan, bool hasAllRows, Follower& follower) {
   const std::size_t come = underWay + plan.insertions + (hasAllRows ? plan.mostRows : 0);
   const std::size_t ids = places.size() + come;
-  places.reserve(ids);
-  free.reserve(ids);
-  released.reserve(ids);
-  stepGone.reserve(order.Size() + come);  // to let go of all
+  ReserveAhead(places, ids);
+  ReserveAhead(free, ids);
+  ReserveAhead(released, ids);
+  Grow(leaving, order.Size() + come);
   if (emptying == nullptr) emptying = std::make_unique<EmptyTurn>(*this);
-  stepRows.reserve(plan.mostChanged);
+  Grow(stepRows, plan.mostChanged);
   if (follower.ids.size() < plan.idsBelow) follower.ids.resize(plan.idsBelow, none);
   order.Reserve(come, static_cast<RowId>(ids));
   pending = plan;
@@ -102,6 +108,38 @@ void BoundRows::Reserve(const ListPlan& plan, bool hasAllRows, Follower& followe
   const ListPlan own = pending;
   pending.steps = {};
   node.PrepareDependents(own);
+}
+
+/// Reserves for steps whose numbers of rows are not known.
+void BoundRows::ReserveSteps(std::size_t most) {
+  for (auto* const ids : {&stepRows, &stepGone, &stepCome}) Grow(*ids, most);
+}
+
+/// Makes room in an array to which a step that is being told may refer.
+void BoundRows::Grow(std::vector<RowId>& ids, std::size_t most) {
+  if (ids.capacity() >= most) return;
+  std::vector<RowId> larger;
+  larger.reserve(std::max(most, 2 * ids.capacity()));
+  larger.assign(ids.begin(), ids.end());
+  outgrown.push_back(std::move(ids));
+  ids = std::move(larger);
+}
+
+/// No step of what is to come concerns more rows than the bind has at some time.
+ListPlan BoundRows::Pending() const noexcept {
+  ListPlan all = pending;
+  all.idsBelow = std::max(all.idsBelow, IdsBelow());
+  all.mostChanged = all.mostRows = std::max(all.mostRows, order.Size());
+  return all;
+}
+
+void BoundRows::AtRest() noexcept {
+  if (!Turns()->IsTelling()) {
+    ReuseReleased();
+    outgrown.clear();
+    pending = {};
+  }
+  node.RestDependents();
 }
 
 /// Gives a row of a list an id. It was reserved.
@@ -189,18 +227,13 @@ void BoundRows::Apply(const ListStep& step) noexcept {
   }
 }
 
-/// The rows of both lists can still be read.
-void BoundRows::ListEnds(Follower& follower) noexcept {
-  if (wanted == follower.list) wanted = nullptr;
-  LetGo();
-}
-
-/// Lets go of all rows, at once, and then of the lists.
+/// Lets go of all rows, at once, and then of the lists. Where one of them ends, the rows of both
+/// can still be read.
 void BoundRows::LetGo() noexcept {
   const auto self = AsWeakPtr();
   const auto turns = Turns();
   if (turns->IsTelling() || emptying == nullptr) {
-    RemoveAll();
+    Empty();
   } else {
     try {
       turns->Take(std::move(emptying));
@@ -208,6 +241,19 @@ void BoundRows::LetGo() noexcept {
       ReportFailure(self ? node.ListName() : VtrString(), std::current_exception());
     }
   }
+  if (self && !turns->IsTelling()) AtRest();
+}
+
+/// The dependents need memory for letting go of all rows. Without it the bind ends for them.
+void BoundRows::Empty() noexcept {
+  const auto self = AsWeakPtr();
+  try {
+    if (order.Size() != 0) node.PrepareDependents(Pending());
+  } catch (...) {
+    ReportFailure(node.ListName(), std::current_exception());
+    if (self) node.LeaveDependents();
+  }
+  if (self) RemoveAll();
   if (!self) return;
   for (Follower& follower : followers) follower.Leave();
 }
@@ -215,17 +261,17 @@ void BoundRows::LetGo() noexcept {
 /// A Reset takes the place of what is being told just now.
 void BoundRows::RemoveAll() noexcept {
   if (order.Size() == 0) return;
-  stepGone.clear();
+  leaving.clear();
   order.ForEach([this](std::span<const RowId> ids) {
-    stepGone.insert(stepGone.end(), ids.begin(), ids.end());
+    leaving.insert(leaving.end(), ids.begin(), ids.end());
   });
   ListStep step;
   if (node.IsTelling()) {
-    step.gone = stepGone;
+    step.gone = leaving;
   } else {
     step.kind = ListChangeKind::Removed;
-    step.count = stepGone.size();
-    step.rows = stepGone;
+    step.count = leaving.size();
+    step.rows = leaving;
   }
   const auto self = AsWeakPtr();
   isSourceGoing = true;

@@ -4,6 +4,7 @@
 #include "Exchange.h"
 
 #include <algorithm>
+#include <compare>
 
 namespace DataBinding::details {
 
@@ -22,14 +23,31 @@ bool AreRowsAlike(const AnyList& one, const AnyList& other) {
   return first != nullptr && second != nullptr && AreSameType(*first->type, *second->type);
 }
 
+/// The hash of a row's key, and the row's place.
+struct Hashed {
+  std::size_t hash;
+  std::size_t at;
+  friend auto operator<=>(const Hashed&, const Hashed&) = default;
+};
+
+template <class KeyAt>
+std::vector<Hashed> SortedByHash(const RowTable& table, std::size_t count, KeyAt keyAt) {
+  std::vector<Hashed> sorted;
+  sorted.reserve(count);
+  for (std::size_t at = 0; at < count; ++at) sorted.push_back({table.hashOfKey(keyAt(at)), at});
+  std::ranges::sort(sorted);
+  return sorted;
+}
+
 }  // namespace
 
-/// The turn in which another list is shown. It is taken in the family of the list that is shown,
-/// and in it, in the family of the wanted one.
+/// The turn in which another list is shown. It runs in the family of the list that is shown and in
+/// that of the wanted one at once: a turn waits in one of them, and when it runs, another one is
+/// taken in the other family within it, or waits there if that family tells a change.
 class BoundRows::ShowTurn final : public ListTurn {
  public:
-  ShowTurn(BoundRows& itsRows, bool isSecondFamily)
-      : rows(itsRows.AsWeakPtr()), owner(&itsRows), isSecond(isSecondFamily) {}
+  ShowTurn(BoundRows& itsRows, const ListTurns& itsTurns, bool isInBothFamilies)
+      : rows(itsRows.AsWeakPtr()), owner(&itsRows), turns(itsTurns), isInBoth(isInBothFamilies) {}
   ShowTurn(const ShowTurn&) = delete;
   ShowTurn& operator=(const ShowTurn&) = delete;
   ~ShowTurn() override = default;
@@ -37,55 +55,63 @@ class BoundRows::ShowTurn final : public ListTurn {
   void Run() override {
     if (!rows) return;
     rows->isTurnWaiting = false;
-    isSecond ? rows->ShowWanted() : rows->TakeTurn(true);
+    isInBoth ? rows->ShowWanted() : rows->TakeTurn(&turns);
   }
   [[nodiscard]] const void* Owner() const noexcept override { return owner; }
 
  private:
   WeakPtr<BoundRows> rows;
   const void* owner;
-  bool isSecond;
+  const ListTurns& turns;  // its queue
+  bool isInBoth;
 };
 
 void BoundRows::Show(AnyList* newList) {
   wanted = newList;
+  wantedLives = newList == nullptr ? WeakReference() : newList->Liveness();
   if (wanted == nullptr) return LetGo();
-  if (!isTurnWaiting) TakeTurn(false);
+  if (!isTurnWaiting) TakeTurn(nullptr);
 }
 
-/// Waits for the family of the list that is shown, and then for that of the wanted one.
-void BoundRows::TakeTurn(bool hasFirst) {
-  if (wanted == nullptr || wanted == List()) return;
-  const auto turns = hasFirst ? wanted->Turns() : Turns();
-  if (hasFirst && turns == Turns()) return ShowWanted();
-  const auto self = AsWeakPtr();
-  auto turn = std::make_unique<ShowTurn>(*this, hasFirst);
+/// Takes a turn in a family in which none runs yet; `running` is the one whose turn this is, if
+/// any.
+void BoundRows::TakeTurn(const ListTurns* running) {
+  if (!wantedLives.IsValid()) return LetGo();
+  if (wanted == List()) return;
+  const auto shown = Turns();
+  const auto coming = wanted->Turns();
+  const bool isInShown = running == shown.get();
+  if (isInShown && shown == coming) return ShowWanted();
+  const auto& turns = isInShown ? coming : shown;
+  const bool hasOther = isInShown || running == coming.get();
+  auto turn = std::make_unique<ShowTurn>(*this, *turns, hasOther && !turns->IsTelling());
   turns->Reserve();
   isTurnWaiting = turns->IsTelling();
   turns->Take(std::move(turn));
 }
 
+/// A callback that has yet another list shown takes a turn for that.
 void BoundRows::ShowWanted() {
   const auto self = AsWeakPtr();
-  while (self && wanted != nullptr && wanted != List()) {
-    if (order.Size() != 0 && !AreRowsAlike(*List(), *wanted)) {
-      RemoveAll();  // as long as the bind knows their type
-      continue;
-    }
-    wanted->AddDependent(Other());
-    Other().list = wanted;
-    try {
-      Exchange exchange(*this);
-      isSecond = !isSecond;
-      exchange.Run();
-    } catch (...) {  // the plan; nothing has changed
-      Other().Leave();
-      throw;
-    }
-    if (!self) return;
+  const auto lives = wantedLives;
+  AnyList* const next = wanted;
+  if (order.Size() != 0 && !AreRowsAlike(*List(), *next)) LetGo();  // while their type is known
+  if (!self || !lives.IsValid() || wanted != next) return;
+  Other().list = next;
+  try {
+    next->AddDependent(Other());  // a list that has ended is left at once
+    if (!self || Other().list == nullptr) return;
+    Exchange exchange(*this);
+    isSecond = !isSecond;
+    exchange.Run();
+  } catch (...) {  // the plan; nothing has changed
     Other().Leave();
     underWay = 0;
+    throw;
   }
+  if (!self) return;
+  Other().Leave();
+  underWay = 0;
 }
 
 BoundRows::Exchange::Exchange(BoundRows& itsRows) : rows(itsRows), next(*itsRows.wanted) {
@@ -96,11 +122,21 @@ BoundRows::Exchange::Exchange(BoundRows& itsRows) : rows(itsRows), next(*itsRows
   stays.resize(rows.places.size());
   after.assign(comes.size(), none);
   MatchRows();
+  CompareRows();
   FindRuns();
   added.reserve(comes.size());
-  const ListPlan plan = Plan();
+  Reserve();
+}
+
+/// Reserves for the steps, and for what waits in the new list already.
+void BoundRows::Exchange::Reserve() {
+  ListPlan plan = static_cast<const ListNode&>(next).Pending();
+  if (plan.insertions + plan.mostChanged != 0) rows.ReserveSteps(plan.mostRows);
+  rows.underWay = after.size() + kept.size() + changed.size();
+  plan.mostRows = std::max(plan.mostRows, before.size() + after.size());
+  plan.mostChanged = plan.mostRows;
+  plan.changes += changed.size();
   rows.Reserve(plan, false, rows.Other());
-  rows.underWay = plan.insertions;
 }
 
 /// Finds for each row of the new list the row of the same key. Of several rows of a key, the first
@@ -108,25 +144,35 @@ BoundRows::Exchange::Exchange(BoundRows& itsRows) : rows(itsRows), next(*itsRows
 void BoundRows::Exchange::MatchRows() {
   const RowTable* const table = next.Table();
   if (before.empty() || table->key == nullptr) return;
-  std::unordered_multimap<std::size_t, RowId> byKey;
-  for (auto id = before.rbegin(); id != before.rend(); ++id) {
-    byKey.emplace(table->hashOfKey(table->key(rows.RowOf(*id))), *id);
+  const auto formerKey = [&](std::size_t at) { return table->key(rows.RowOf(before[at])); };
+  const auto nextKey = [&](std::size_t at) { return table->key(next.RowOf(comes[at])); };
+  const auto formers = SortedByHash(*table, before.size(), formerKey);
+  auto first = formers.begin();
+  for (const Hashed& row : SortedByHash(*table, comes.size(), nextKey)) {
+    const auto isPassed = [&](const Hashed& former) {
+      return former.hash < row.hash || stays[before[former.at]];
+    };
+    first = std::find_if_not(first, formers.end(), isPassed);
+    for (auto it = first; it != formers.end() && it->hash == row.hash; ++it) {
+      const RowId own = before[it->at];
+      if (stays[own] || !table->areKeysEqual(nextKey(row.at), formerKey(it->at))) continue;
+      after[row.at] = own;
+      stays[own] = true;
+      break;
+    }
   }
+}
+
+/// Finds how the rows that stay differ in the new list.
+void BoundRows::Exchange::CompareRows() {
   for (std::size_t i = 0; i < comes.size(); ++i) {
-    const void* const row = next.RowOf(comes[i]);
-    const void* const key = table->key(row);
-    const auto [first, end] = byKey.equal_range(table->hashOfKey(key));
-    const auto found = std::find_if(first, end, [&](const auto& entry) {
-      return table->areKeysEqual(key, table->key(rows.RowOf(entry.second)));
-    });
-    if (found == end) continue;
-    const RowId own = after[i] = found->second;
-    byKey.erase(found);
-    stays[own] = true;
+    const RowId own = after[i];
+    if (own == none) continue;
     kept.push_back(own);
     matches.push_back({own, comes[i]});
+    const void* const row = next.RowOf(comes[i]);
     const void* const content = rows.RowOf(own);
-    const std::uint64_t differing = table->differing(content, row);
+    const std::uint64_t differing = next.Table()->differing(content, row);
     if (differing == 0) continue;
     fields |= differing;
     changed.push_back(own);
@@ -152,16 +198,6 @@ void BoundRows::Exchange::FindRuns() {
     runs += id == none && !isInRun ? 1 : 0;
     isInRun = id == none;
   }
-}
-
-ListPlan BoundRows::Exchange::Plan() const noexcept {
-  ListPlan plan;
-  plan.insertions = after.size() + kept.size() + changed.size();
-  plan.idsBelow = next.IdsBelow();
-  plan.mostRows = before.size() + after.size();
-  plan.mostChanged = plan.mostRows;
-  plan.changes = changed.size();
-  return plan;
 }
 
 void BoundRows::Exchange::GiveIds() noexcept {

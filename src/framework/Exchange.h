@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include "DataBinding/framework/details/BoundRows.h"
@@ -30,8 +29,9 @@ class BoundRows::Exchange {
   };
 
   void MatchRows();
+  void CompareRows();
   void FindRuns();
-  [[nodiscard]] ListPlan Plan() const noexcept;
+  void Reserve();
   void GiveIds() noexcept;
   bool TellChanged() noexcept;
   bool TellRemoved() noexcept;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "../support/Scopes.h"
+#include "DataBinding/datasource/MakeDataSource.h"
 #include "DataBinding/framework/AnyListBind.h"
 #include "DataBinding/framework/Diagnose.h"
 #include "DataBinding/lists/List.h"
@@ -47,6 +48,11 @@ class ListBinds : public Scopes {
  protected:
   Player<Song>& Emplaced(const ProviderPtr& scope, std::vector<Song> songs) {
     return Emplace<Player<Song>>(*scope, std::move(songs));
+  }
+  static std::vector<Song> Many(int count, int first) {
+    std::vector<Song> songs;
+    for (int id = first; id < first + count; ++id) songs.push_back({id, L"M"});
+    return songs;
   }
   static std::string NamesOf(const std::vector<Song>& songs) {
     std::string names;
@@ -103,8 +109,7 @@ TEST_F(ListBinds, TellHowAnotherListDiffers) {
 }
 
 TEST_F(ListBinds, TellAVeryDifferentListByOneReset) {
-  std::vector<Song> many;
-  for (int id = 0; id < 200; ++id) many.push_back({id, L"M"});
+  auto many = Many(200, 0);
   Emplaced(parent, many);
   DataBinding::Selection<Song> chosen(*bind);
   chosen.ChooseKey(100);
@@ -113,6 +118,11 @@ TEST_F(ListBinds, TellAVeryDifferentListByOneReset) {
   Emplaced(child, many);
   EXPECT_EQ(Notes().front(), 'X');
   EXPECT_EQ(chosen.Current()->id, 100);
+  for (int i = 0; i < 20; ++i) {
+    child->DeleteLocalDataSourceInstance(L"Player");
+    Emplaced(child, many);
+  }
+  EXPECT_LT(bind->IdsBelow(), 1000U);
 }
 
 TEST_F(ListBinds, KeepWhatIsChosenUntilAListComesThatHasIt) {
@@ -172,6 +182,47 @@ TEST_F(ListBinds, WaitWithAnotherListUntilAChangeWasTold) {
   hook = [&] { bind.reset(); };
   child->DeleteLocalDataSourceInstance(L"Player");
   EXPECT_EQ(bind, nullptr);
+}
+
+TEST_F(ListBinds, KeepWhatTheyTellWhileACallbackChangesTheList) {
+  auto& player = Emplaced(parent, Many(3, 0));
+  const SortedList<Song> sorted(*bind, By(&Song::id));
+  EXPECT_EQ(sorted.Size(), 3U);
+  hook = [&] { player.songs.Insert(0, Many(2000, 10)); };
+  player.songs.Remove(1, 1);
+  EXPECT_EQ(sorted.Size(), 2002U);
+
+  hook = [&] { EXPECT_TRUE(player.songs.Insert(2002, Song{3, L"A"}).waits); };
+  const auto kept = TakeDataSource(*parent, &player);
+  EXPECT_EQ(player.songs.Size(), 2003U);
+  EXPECT_TRUE(bind->IsEmpty());
+}
+
+TEST_F(ListBinds, HearWhatWaitsInBothListsWhenTheyChangeOver) {
+  auto& former = Emplaced(parent, Many(3, 0));
+  auto source = MakeDataSource<Player<Song>>(child.get(), Many(2, 50));
+  List<Song>& next = source->songs;
+  const Subscription once = next.Observe({.before = [&](const auto& /*change*/) {
+    if (source == nullptr) return;
+    GiveDataSource(*child, std::move(source));
+    next.Insert(0, Many(5000, 1000));
+  }});
+  hook = [&] { EXPECT_TRUE(former.songs.Insert(3, Song{9, L"N"}).waits); };
+  next.Insert(0, Song{8, L"A"});
+  EXPECT_EQ(NamesOf({bind->begin(), bind->end()}), NamesOf({next.begin(), next.end()}));
+  child->DeleteLocalDataSourceInstance(L"Player");
+  EXPECT_EQ(Shown(), "MMMN");
+}
+
+TEST_F(ListBinds, LetGoWhenTheListThatIsToComeEnds) {
+  struct Shelf : NamedDataSource {
+    Shelf() : NamedDataSource(L"Player") {}
+    std::unique_ptr<List<Song>> songs{new List<Song>(this, L"Songs")};
+  };
+  auto& player = Emplaced(parent, {{1, L"A"}});
+  hook = [&] { Emplace<Shelf>(*child).songs.reset(); };
+  player.songs.Insert(1, Song{2, L"B"});
+  EXPECT_TRUE(bind->IsEmpty());
 }
 
 TEST_F(ListBinds, SayWhatIsWrongWithTheList) {

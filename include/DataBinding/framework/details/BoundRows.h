@@ -15,6 +15,8 @@
 ///
 /// Ids of rows that have gone are given to others when the family has come to rest. What a change
 /// of the list needs is reserved when the list is prepared for it, with room for letting go of all.
+/// The dependents are prepared for that when it happens; if there is no memory, the bind ends for
+/// them.
 #pragma once
 
 #include <array>
@@ -55,7 +57,7 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept;
   [[nodiscard]] RowId IdsBelow() const noexcept { return static_cast<RowId>(places.size()); }
   [[nodiscard]] bool IsSourceGoing() const noexcept { return isSourceGoing; }
-  [[nodiscard]] ListPlan Pending() const noexcept { return pending; }
+  [[nodiscard]] ListPlan Pending() const noexcept;
   ///@}
 
  private:
@@ -70,8 +72,8 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
     void Prepare(const ListPlan& plan) override { rows.Prepare(plan, *this); }
     void Before(const ListStep& step) noexcept override { rows.Before(step); }
     void After(const ListStep& step) noexcept override { rows.After(step); }
-    void ListEnds() noexcept override { rows.ListEnds(*this); }
-    void AtRest() noexcept override { rows.node.RestDependents(); }
+    void ListEnds() noexcept override { rows.LetGo(); }
+    void AtRest() noexcept override { rows.AtRest(); }
     void Leave() noexcept;
 
     BoundRows& rows;
@@ -90,12 +92,15 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
   void Prepare(const ListPlan& plan, Follower& follower);
   void Before(const ListStep& step) noexcept;
   void After(const ListStep& step) noexcept;
-  void ListEnds(Follower& follower) noexcept;
+  void AtRest() noexcept;
   void LetGo() noexcept;
+  void Empty() noexcept;
   void RemoveAll() noexcept;
-  void TakeTurn(bool hasFirst);
+  void TakeTurn(const ListTurns* running);
   void ShowWanted();
   void Reserve(const ListPlan& plan, bool hasAllRows, Follower& follower);
+  void ReserveSteps(std::size_t most);
+  void Grow(std::vector<RowId>& ids, std::size_t most);
   [[nodiscard]] RowId NewId(RowId theirs, bool isOfSecond) noexcept;
   [[nodiscard]] ListStep Translated(const ListStep& step) noexcept;
   static std::span<const RowId> Translate(const Follower& follower, std::span<const RowId> theirs,
@@ -109,7 +114,8 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
   std::shared_ptr<ListTurns> ownTurns;
   std::array<Follower, 2> followers{Follower(*this), Follower(*this)};
   bool isSecond = false;      // which of them follows the list that is shown
-  AnyList* wanted = nullptr;  // the list that is to be shown
+  AnyList* wanted = nullptr;  // the list that is to be shown, while it lives
+  WeakReference wantedLives;
   bool isTurnWaiting = false;
   bool isSourceGoing = false;
   std::unique_ptr<ListTurn> emptying;  // made beforehand, since letting go must not fail
@@ -122,6 +128,8 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
   std::vector<RowId> stepRows;  // its rows
   std::vector<RowId> stepGone;
   std::vector<RowId> stepCome;
+  std::vector<RowId> leaving;                // the rows of which the bind lets go
+  std::vector<std::vector<RowId>> outgrown;  // steps that are told may still refer to these
   ListPlan pending;
   /// What an Exchange that is under way may insert; others that are prepared meanwhile add to it.
   std::size_t underWay = 0;
