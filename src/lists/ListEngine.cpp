@@ -55,7 +55,7 @@ ListPlan ListEngine::Pending() const noexcept {
           pending.insertions,
           storage.IdsBelow(),
           present.order.Size() + pending.insertions,
-          mostChanged,
+          std::max({mostChanged, pending.insertions, pending.removals}),
           pending.changes};
 }
 

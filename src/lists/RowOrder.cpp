@@ -101,7 +101,7 @@ void RowOrder::Assign(std::span<const RowId> ids) {
   const RowId last = ids.empty() ? 0 : *std::max_element(ids.begin(), ids.end());
   ReserveBlocks(wanted > sequence.size() ? wanted - sequence.size() : 0, last + 1);
   Clear();
-  promised = 0;
+  promised -= std::min(promised, ids.size());  // the rest is for operations that wait
   size = ids.size();
   Append(ids);
   ReleaseSpares();

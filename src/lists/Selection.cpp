@@ -56,7 +56,7 @@ void AnySelection::MakeRoom(std::span<const RowId> ids) {
   const std::size_t most = chosen.size() + wishes.size() + ids.size();
   chosen.reserve(most);
   leaving.reserve(leaving.size() + most);
-  const RowId idsBelow = ids.empty() ? 0 : *std::ranges::max_element(ids) + 1;
+  const RowId idsBelow = list == nullptr ? 0 : list->IdsBelow();
   if (idsBelow > isChosen.size()) isChosen.resize(idsBelow);
 }
 
@@ -106,8 +106,7 @@ Subscription AnySelection::Observe(SelectionObserver observer) {
 }
 
 void AnySelection::Prepare(const details::ListPlan& plan) {
-  if (!(wishes.empty() && chosen.empty()) && plan.idsBelow > isChosen.size())
-    isChosen.resize(plan.idsBelow);
+  if (plan.idsBelow > isChosen.size()) isChosen.resize(plan.idsBelow);
 }
 
 void AnySelection::Before(const ListStep& step) noexcept {
@@ -144,7 +143,7 @@ void AnySelection::LetGo(std::span<const RowId> going, bool comesAgain) noexcept
   chosen.erase(kept, chosen.end());
   const std::size_t end = leaving.size();
   const auto self = AsWeakPtr();
-  for (std::size_t i = first; i < end; ++i) {
+  for (std::size_t i = first; i < end && list != nullptr; ++i) {
     if (comesAgain) Attempt([&] { wishes.insert(KeyOf(leaving[i])); });
     if (!comesAgain && !Tell({true, leaving[i]})) return;
   }
@@ -156,7 +155,7 @@ void AnySelection::LetGo(std::span<const RowId> going, bool comesAgain) noexcept
 /// Chooses the rows whose keys are waited for.
 void AnySelection::TakeWished(std::span<const RowId> come) noexcept {
   const std::size_t before = chosen.size();
-  for (std::size_t i = 0; i < come.size() && !wishes.empty(); ++i) {
+  for (std::size_t i = 0; i < come.size() && list != nullptr && !wishes.empty(); ++i) {
     Attempt([&] {
       if (wishes.erase(KeyOf(come[i])) != 0) Mark(come[i]);
     });
