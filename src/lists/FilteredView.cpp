@@ -93,7 +93,7 @@ void FilteredView::AskAnew() {
   if (!IsAwake()) return;
   ReserveAll();
   AskMany([](RowId) { return true; });
-  PrepareOwn(coming.size());
+  PrepareOwn(target.size());
   TellAnswers();
 }
 

@@ -204,16 +204,16 @@ void ListView::ReserveAll() {
   ReserveRoom(std::max(source->Size(), order.Size()), source->IdsBelow());
 }
 
-void ListView::PrepareOwn(std::size_t rowsThatCome) {
+void ListView::PrepareOwn(std::size_t insertions) {
   ListPlan own;
   own.changes = plannedChanges;
-  own.insertions = plannedInsertions + rowsThatCome;
+  own.insertions = plannedInsertions + insertions;
   own.idsBelow = IdsBelow();
-  own.mostRows = std::max(order.Size() + rowsThatCome, source->Size());
+  own.mostRows = source->Size();
   own.mostChanged = std::max(own.mostRows, few + 1);
   order.Reserve(own.insertions, own.idsBelow);
   node.PrepareDependents(own);
-  ownInsertions = rowsThatCome;
+  ownInsertions = insertions;
 }
 
 void ListView::AtRest() noexcept {

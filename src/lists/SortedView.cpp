@@ -72,7 +72,7 @@ void SortedView::SortBy(RowCompare function) {
 void SortedView::SortAnew(RowCompare function) {
   if (!IsAwake()) return std::swap(compare, function);
   ReserveAll();
-  PrepareOwn(0);
+  PrepareOwn(source->Size());
   std::swap(compare, function);
   TakeRowsOfSource();
   Evaluate();

@@ -272,5 +272,22 @@ TEST_F(ViewTest, AViewOfASleepingOneAwakesAfterItHasRunOutOfMemory) {
   SetListenerFailureHandler(nullptr);
 }
 
+TEST_F(ViewTest, ANewOrderOfAViewWithoutSpareRoomFailsBeforeItIsTold) {
+  SortedList sorted(tasks, By(&Task::id));
+  EXPECT_TRUE(sorted.IsEmpty());
+  for (int id = 0; id < 5120; ++id) tasks.Insert(tasks.Size(), {id, double(-id)});
+  Follow(sorted);
+
+  for (std::int64_t number = 1; told.empty(); ++number) {
+    const Testing::FailingAllocation failing(number);
+    try {
+      sorted.SortBy(By(&Task::load));
+    } catch (const std::bad_alloc&) {
+      ASSERT_EQ(told, "");
+    }
+  }
+  EXPECT_EQ(sorted[0].id, 5119);
+}
+
 }  // namespace
 }  // namespace DataBinding

@@ -121,8 +121,9 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   void TakeTurn(RepeatingCallback<void()> run);
   /// Reserves room for whatever the view may do, in a turn of its own.
   void ReserveAll();
-  /// Prepares the dependents for an operation of the view that lets so many rows come.
-  void PrepareOwn(std::size_t rowsThatCome);
+  /// Prepares the view and its dependents for an operation of its own, which lets so many rows come
+  /// or shows so many in another order.
+  void PrepareOwn(std::size_t insertions);
 
   [[nodiscard]] bool IsAwake() const noexcept { return isAwake; }
   /// Returns true while the settings may be changed at once, since nobody asks them.
