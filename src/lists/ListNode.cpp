@@ -29,7 +29,11 @@ class ListNode::Observer {
   std::uint64_t from;
 };
 
-ListNode::ListNode() { static_cast<void>(weak.GetRef()); }
+/// An end needs no memory, since both references were taken before.
+ListNode::ListNode() {
+  static_cast<void>(weak.GetRef());
+  static_cast<void>(existence.GetRef());
+}
 
 ListNode::~ListNode() = default;
 
@@ -162,7 +166,7 @@ void ListNode::TellEndNow(void (*empty)(ListNode& self)) noexcept {
   ListStep step;
   step.kind = ListChangeKind::Reset;
   weak.Invalidate();
-  const auto alive = weak.GetRef();
+  const auto alive = existence.GetRef();
   ++serial;
   told = &step;
   phase = Phase::Before;
@@ -177,7 +181,7 @@ void ListNode::TellEndNow(void (*empty)(ListNode& self)) noexcept {
 }
 
 void ListNode::LeaveDependents() noexcept {
-  const auto alive = weak.GetRef();
+  const auto alive = existence.GetRef();
   for (std::size_t i = 0; alive.IsValid() && i < dependents.size(); ++i) {
     if (auto* const dependent = std::exchange(dependents[i], nullptr)) dependent->ListEnds();
   }

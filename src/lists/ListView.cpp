@@ -63,9 +63,8 @@ void ListView::ForgetList() noexcept {
 /// were told already, and it still has its list.
 void ListView::ListEnds() noexcept {
   isLosingList = true;
-  const auto hasEndedBefore = node.Liveness();
+  if (node.hasEnded) return ForgetList();
   node.TellEnd(empty);
-  if (hasEndedBefore.IsValid()) ForgetList();
 }
 
 void ListView::TryToAwaken() const noexcept {

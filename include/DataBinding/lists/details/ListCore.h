@@ -302,7 +302,8 @@ class DATABINDING_API ListNode {
   const ListStep* told = nullptr;  // the present step
   Phase phase = Phase::Rest;
   bool hasEnded = false;
-  WeakReferenceOwner weak;
+  WeakReferenceOwner weak;       // until the node tells its end
+  WeakReferenceOwner existence;  // until it is destroyed
 };
 
 }  // namespace details
