@@ -205,7 +205,8 @@ void ListEngine::ApplyChanges(State& state, const ListStep& step, const RowReade
   }
 }
 
-void ListEngine::ApplyOrder(State& state, const ListStep& step, const RowReader& rows) noexcept {
+void ListEngine::ApplyOrder(State& state, const ListStep& step,
+                            const RowReader& rows) const noexcept {
   std::span<const RowId> removed = step.gone;
   std::span<const RowId> inserted = step.come;
   switch (step.kind) {
@@ -240,6 +241,7 @@ bool ListEngine::Rest() {
   gone.clear();
   others.Clear(others.IdsBelow() > mostKept ? 0 : 1);
   pending = {};
+  present.order.Reserve(0, 0);  // gives back what nobody has used
   mostChanged = 0;
   const bool wasChanged = std::exchange(hasChanged, false);
   // The failure handler may end the list, so it comes last.

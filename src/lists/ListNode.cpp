@@ -50,7 +50,7 @@ RowId ListNode::FindKey(const void* key) const noexcept {
 /// An observer that begins when the others have been told already is told at once, as long as the
 /// node is as it was. A view passes a change of fields on before the list changes, and again after
 /// that; in between its rows may be read as they are now, and then there is nothing left to tell.
-Subscription ListNode::ObserveChanges(RepeatingCallback<void(const ListChange&)> observer) {
+Subscription ListNode::ObserveChanges(const RepeatingCallback<void(const ListChange&)>& observer) {
   if (!observer) return {};
   Awaken();
   const bool isOver =

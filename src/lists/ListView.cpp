@@ -217,6 +217,7 @@ void ListView::PrepareOwn(std::size_t insertions) {
 
 void ListView::AtRest() noexcept {
   plannedInsertions = plannedChanges = ownInsertions = 0;
+  order.Reserve(0, 0);  // gives back what nobody has used
   outgrown.clear();
   if (target.capacity() > few) static_cast<ViewRoom&>(*this) = {};
   node.RestDependents();

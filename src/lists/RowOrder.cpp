@@ -2,7 +2,7 @@
 #include "DataBinding/lists/details/RowOrder.h"
 
 #include <cassert>
-#include <stdexcept>
+#include <limits>
 #include <utility>
 
 namespace DataBinding::details {
@@ -12,6 +12,9 @@ namespace {
 constexpr std::size_t DividedUp(std::size_t count, std::size_t size) noexcept {
   return (count + size - 1) / size;
 }
+
+/// Throws std::length_error, as a container does that cannot grow.
+void ThrowTooLong() { std::vector<RowId>().reserve(std::numeric_limits<std::size_t>::max()); }
 
 }  // namespace
 
@@ -33,7 +36,7 @@ std::size_t RowOrder::IndexOf(RowId id) const noexcept {
 }
 
 void RowOrder::Reserve(std::size_t insertions, RowId idsBelow) {
-  if (insertions >= mostInBlock * noBlock) throw std::length_error("vector too long");
+  if (insertions >= mostInBlock * noBlock) ThrowTooLong();
   ReserveBlocks(BlocksFor(insertions), idsBelow);
   promised = insertions;
   ReleaseSpares();
@@ -65,10 +68,10 @@ void RowOrder::Erase(std::size_t at, std::size_t count) noexcept {
   for (std::size_t offset = at - starts[first], left = count; left > 0; ++end, offset = 0) {
     Block& block = BlockAt(end);
     const std::size_t here = std::min<std::size_t>(left, block.count - offset);
-    const auto gone = block.ids.begin() + static_cast<std::ptrdiff_t>(offset);
-    const auto rest = gone + static_cast<std::ptrdiff_t>(here);
+    RowId* const gone = block.ids.data() + offset;
+    RowId* const rest = gone + here;
     std::for_each(gone, rest, [this](RowId id) { blockOf[id] = noBlock; });
-    std::copy(rest, block.ids.begin() + block.count, gone);
+    std::copy(rest, block.ids.data() + block.count, gone);
     block.count -= static_cast<std::uint32_t>(here);
     left -= here;
     if (end == emptied && block.count > 0) ++emptied;
@@ -85,7 +88,7 @@ void RowOrder::Erase(std::size_t at, std::size_t count) noexcept {
 void RowOrder::Move(std::size_t from, std::size_t count, std::size_t to) noexcept {
   assert(from + count <= size && to + count <= size);
   if (from == to) return;
-  std::array<RowId, mostInBlock> ids;
+  std::array<RowId, mostInBlock> ids{};
   for (std::size_t done = 0; done < count;) {
     const std::size_t here = std::min(mostInBlock, count - done);
     const std::size_t offset = to < from ? done : count - done - here;
@@ -101,7 +104,6 @@ void RowOrder::Assign(std::span<const RowId> ids) {
   const RowId last = ids.empty() ? 0 : *std::max_element(ids.begin(), ids.end());
   ReserveBlocks(wanted > sequence.size() ? wanted - sequence.size() : 0, last + 1);
   Clear();
-  promised -= std::min(promised, ids.size());  // the rest is for operations that wait
   size = ids.size();
   Append(ids);
   ReleaseSpares();
@@ -134,7 +136,7 @@ std::size_t RowOrder::BlocksFor(std::size_t insertions) const noexcept {
 /// Sees to so many spare blocks, and to room in each table for all blocks and ids.
 void RowOrder::ReserveBlocks(std::size_t more, RowId idsBelow) {
   const std::size_t all = sequence.size() + more;
-  if (all >= noBlock) throw std::length_error("vector too long");
+  if (all >= noBlock) ThrowTooLong();
   const std::size_t tables = std::max(all, blocks.size());
   if (tables > sequence.capacity()) {
     const std::size_t room = std::max(tables, sequence.capacity() * 2);
@@ -216,9 +218,9 @@ void RowOrder::Recount(std::size_t place, std::size_t changed) noexcept {
 void RowOrder::InsertWithin(std::size_t place, std::size_t offset,
                             std::span<const RowId> ids) noexcept {
   Block& block = BlockAt(place);
-  const auto where = block.ids.begin() + static_cast<std::ptrdiff_t>(offset);
-  const auto end = block.ids.begin() + block.count;
-  std::copy_backward(where, end, end + static_cast<std::ptrdiff_t>(ids.size()));
+  RowId* const where = block.ids.data() + offset;
+  RowId* const end = block.ids.data() + block.count;
+  std::copy_backward(where, end, end + ids.size());
   std::copy(ids.begin(), ids.end(), where);
   block.count += static_cast<std::uint32_t>(ids.size());
   for (const RowId id : ids) blockOf[id] = sequence[place];

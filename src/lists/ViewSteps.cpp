@@ -38,13 +38,14 @@ bool ListView::TellRanges(ListChangeKind kind) noexcept {
   const std::size_t step = kind == ListChangeKind::Removed ? 1 : 0;
   rows.clear();
   for (const PlacedRow& row : placed) rows.push_back(row.id);
-  for (std::size_t end = placed.size(), first = end; end > 0; end = first) {
-    first = end - 1;
+  for (std::size_t end = placed.size(); end > 0;) {
+    std::size_t first = end - 1;
     while (first > 0 && placed[first - 1].at + step == placed[first].at) --first;
     const std::size_t count = end - first;
     if (!Tell({kind, placed[first].at, count, 0, std::span(rows).subspan(first, count)})) {
       return false;
     }
+    end = first;
   }
   return true;
 }

@@ -109,7 +109,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
   /// A Child says when a child came: children are numbered in that order. It is going once all who
   /// observe the children were told so.
   struct Child {
-    std::uint64_t number;
+    std::uint64_t number = 0;
     bool isGoing = false;
   };
   /// What those are told who observe the children.

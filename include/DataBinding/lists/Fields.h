@@ -44,11 +44,11 @@ struct FieldOptions {
 
 namespace details {
 
-template <class RowType, class T, bool isTheKey>
+template <class RowType, class T, bool IsTheKey>
 struct FieldDescription {
   using Row = RowType;
   using Type = T;
-  static constexpr bool isKey = isTheKey;
+  static constexpr bool isKey = IsTheKey;
 
   std::wstring_view name;
   T Row::*member;
@@ -207,19 +207,19 @@ struct FieldFunctions {
   static const Description& Of(const RowField& field) noexcept {
     return *static_cast<const Description*>(field.description);
   }
-  template <std::size_t number>
+  template <std::size_t Number>
   static const void* Member(const void* row) {
-    return &(RowFunctions<Row>::As(row).*std::get<number>(fieldsOf<Row>).member);
+    return &(RowFunctions<Row>::As(row).*std::get<Number>(fieldsOf<Row>).member);
   }
-  template <std::size_t number>
+  template <std::size_t Number>
   static Value Get(const void* row) {
-    return ToValue(RowFunctions<Row>::As(row).*std::get<number>(fieldsOf<Row>).member);
+    return ToValue(RowFunctions<Row>::As(row).*std::get<Number>(fieldsOf<Row>).member);
   }
-  template <std::size_t number>
+  template <std::size_t Number>
   static SetResult Set(void* row, const Value& value) {
     auto made = FromValue<typename Description::Type>(value);
     if (!made) return {false, made.error, made.text, made.text};
-    RowFunctions<Row>::As(row).*std::get<number>(fieldsOf<Row>).member = std::move(*made.value);
+    RowFunctions<Row>::As(row).*std::get<Number>(fieldsOf<Row>).member = std::move(*made.value);
     return {};
   }
   static VtrString ReasonAgainst(const RowField& field, const void* row) {
@@ -229,9 +229,9 @@ struct FieldFunctions {
   }
 };
 
-template <class Row, std::size_t number>
+template <class Row, std::size_t Number>
 [[nodiscard]] RowField MakeField() {
-  constexpr const auto& described = std::get<number>(fieldsOf<Row>);
+  constexpr const auto& described = std::get<Number>(fieldsOf<Row>);
   using Description = std::remove_cvref_t<decltype(described)>;
   using Functions = FieldFunctions<Description>;
   RowField field;
@@ -239,10 +239,10 @@ template <class Row, std::size_t number>
   field.type = &runtime_type<typename Description::Type>::Get();
   field.isReadOnly = described.options.readOnly;
   field.isKey = Description::isKey;
-  field.number = number;
-  field.member = &Functions::template Member<number>;
-  field.get = &Functions::template Get<number>;
-  field.set = &Functions::template Set<number>;
+  field.number = Number;
+  field.member = &Functions::template Member<Number>;
+  field.get = &Functions::template Get<Number>;
+  field.set = &Functions::template Set<Number>;
   field.reasonAgainst = &Functions::ReasonAgainst;
   field.description = &described;
   return field;
@@ -266,8 +266,8 @@ template <class Row>
     table.keyText = &Functions::KeyText;
     table.areKeysEqual = &Functions::AreKeysEqual;
   }
-  [&]<std::size_t... numbers>(std::index_sequence<numbers...>) {
-    (table.fields.push_back(MakeField<Row, numbers>()), ...);
+  [&]<std::size_t... Numbers>(std::index_sequence<Numbers...>) {
+    (table.fields.push_back(MakeField<Row, Numbers>()), ...);
   }
   (std::make_index_sequence<std::tuple_size_v<decltype(fieldsOf<Row>)>>());
   return table;

@@ -51,8 +51,8 @@ class FilteredList final : public details::ViewOf<Row, details::FilteredView> {
   void Refilter() { this->view.Refilter(); }
 
  private:
-  template <std::size_t count>
-  using Array = std::array<details::PropertyBase*, count>;
+  template <std::size_t Count>
+  using Array = std::array<details::PropertyBase*, Count>;
 
   template <class Predicate>
   [[nodiscard]] static details::RowPredicate Test(Predicate predicate) {

@@ -142,6 +142,7 @@ class RowChange : public ListChange {
   template <class At>
   struct IndexedRange {
     [[nodiscard]] decltype(auto) operator[](std::size_t i) const { return at(i); }
+    // NOLINTNEXTLINE(readability-identifier-naming): ranges have this name
     [[nodiscard]] std::size_t size() const noexcept { return count; }
     [[nodiscard]] auto begin() const { return details::IndexIterator<IndexedRange>(*this, 0); }
     [[nodiscard]] auto end() const { return details::IndexIterator<IndexedRange>(*this, count); }

@@ -79,8 +79,8 @@ struct EnumName {
 
 /// Makes the table of an enumeration's names. Of two names of one value the first is shown, and
 /// both are read.
-template <class T, std::size_t size>
-[[nodiscard]] constexpr std::array<EnumName<T>, size> EnumNames(const EnumName<T> (&rows)[size]) {
+template <class T, std::size_t Size>
+[[nodiscard]] constexpr std::array<EnumName<T>, Size> EnumNames(const EnumName<T> (&rows)[Size]) {
   return std::to_array(rows);
 }
 
@@ -163,9 +163,9 @@ struct NumberReader {
                                                               const runtime_type_base& wanted);
 
 /// The form of types that a Value holds as they are.
-template <class T, ValueKind itsKind>
+template <class T, ValueKind ItsKind>
 struct PlainForm {
-  static constexpr ValueKind kind = itsKind;
+  static constexpr ValueKind kind = ItsKind;
   static Value ToValue(const T& content) noexcept { return content; }
   static PropertyValue<T> FromValue(const Value& value) {
     if (const T* content = value.Get<T>()) return {*content, PropertyError::None, {}};

@@ -27,7 +27,7 @@ struct RowReader {
   }
   [[nodiscard]] DATABINDING_API const void* ComingRow(RowId id) const noexcept;
 
-  const RowSlots* storage;
+  const RowSlots* storage = nullptr;
   /// For each id what the row will be; null for rows that do not change.
   const std::vector<const void*>* coming = nullptr;
 };

@@ -188,8 +188,9 @@ class RowEdit {
       RowEdit(Function&& edit, Aim itsAim = Aim::Change)
   noexcept
       : context(&edit), aim(itsAim), run([](const void* function, void* row) -> SetResult {
-          return (*static_cast<std::remove_reference_t<Function>*>(const_cast<void*>(function)))(
-              row);  // NOLINT: it was given as it is used here
+          // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): it is called as it was given
+          auto* const given = const_cast<void*>(function);
+          return (*static_cast<std::remove_reference_t<Function>*>(given))(row);
         }) {}
   SetResult operator()(void* row) const { return run(context, row); }
   [[nodiscard]] Aim Purpose() const noexcept { return aim; }
@@ -255,7 +256,7 @@ class DATABINDING_API ListNode {
   /// Tells the dependents that the outermost operation is over.
   void RestDependents() noexcept;
   /// Calls a function for each change, before and after it. Null gives an inert subscription.
-  Subscription ObserveChanges(RepeatingCallback<void(const ListChange&)> observer);
+  Subscription ObserveChanges(const RepeatingCallback<void(const ListChange&)>& observer);
 
   /// Returns true while a change of this node is told, also between the two calls.
   [[nodiscard]] bool IsTelling() const noexcept { return phase != Phase::Rest; }

@@ -115,7 +115,7 @@ class DATABINDING_API ListEngine {
   bool Tell(const ListStep& step) noexcept;
   void Apply(const ListStep& step) noexcept;
   void ApplyToComing(const ListStep& step) noexcept;
-  void ApplyOrder(State& state, const ListStep& step, const RowReader& rows) noexcept;
+  void ApplyOrder(State& state, const ListStep& step, const RowReader& rows) const noexcept;
   /// Changes rows by `change(index)`, in a state whose keys are kept right.
   template <class Change>
   void ApplyChanges(State& state, const ListStep& step, const RowReader& rows,

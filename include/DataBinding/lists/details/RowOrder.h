@@ -85,7 +85,7 @@ class DATABINDING_API RowOrder {
   struct Block {
     [[nodiscard]] std::span<const RowId> Ids() const noexcept { return {ids.data(), count}; }
     std::uint32_t count = 0;
-    std::array<RowId, mostInBlock> ids;
+    std::array<RowId, mostInBlock> ids{};
   };
 
   [[nodiscard]] Block& BlockAt(std::size_t place) const noexcept {

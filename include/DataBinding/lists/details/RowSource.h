@@ -50,7 +50,7 @@ class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
  private:
   void FollowSelection();
   void FollowList(const ListChange& change);
-  void AnnounceFields(std::uint64_t fields);
+  void AnnounceFields(std::uint64_t bits);
 
   WeakPtr<AnySelection> chosen;
   std::optional<RowId> shown;
