@@ -27,6 +27,7 @@ bool AreRowsAlike(const AnyList& one, const AnyList& other) {
 struct Hashed {
   std::size_t hash;
   std::size_t at;
+  // NOLINTNEXTLINE(modernize-use-nullptr): the linter takes the operator for a null pointer
   friend auto operator<=>(const Hashed&, const Hashed&) = default;
 };
 

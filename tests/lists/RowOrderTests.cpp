@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DataBinding/lists/details/RowOrder.h"
 
+#include <cstdint>
 #include <functional>
 #include <new>
 #include <numeric>
@@ -102,7 +103,7 @@ class Script {
 };
 
 TEST(RowOrder, RandomReservedChangesMatchAVectorWithoutAllocating) {
-  for (const std::size_t most : {1, 3, 200, 3000}) {
+  for (const std::size_t most : {1U, 3U, 200U, 3000U}) {
     Script script(static_cast<std::uint32_t>(most), 20'000);
     for (int round = 0; round < 80; ++round) {
       SCOPED_TRACE(testing::Message() << most << " rows, round " << round);
@@ -142,7 +143,7 @@ TEST(RowOrder, RowsThatAreAssignedOrAppendedTakeSevenBytesEach) {
   const auto before = Testing::AllocatedBytes();
   RowOrder assigned;
   assigned.Assign(Numbers(count));
-  EXPECT_LE(Testing::AllocatedBytes() - before - count * 4, count * 7);
+  EXPECT_LE(Testing::AllocatedBytes() - before - std::int64_t{count} * 4, std::int64_t{count} * 7);
 
   RowOrder appended;
   const auto blocks = Testing::LiveAllocations();
