@@ -170,6 +170,7 @@ void ViewWorld::Insert(int at, int count, int key) {
   if (list->Size() > mostPieces) return;
   std::vector<Piece> pieces;
   const int more = at % 16 == 0 ? 20 * count : count;
+  pieces.reserve(static_cast<std::size_t>(more));
   for (int i = 0; i < more; ++i) pieces.push_back({(key + 7 * i) % keys, (key + i) % 10});
   list->Insert(At(at) % (list->Size() + 1), pieces);
 }

@@ -185,6 +185,7 @@ void ListWorld::Insert(int at, int count, int key) {
   if (coming.size() > mostRows) return;
   const std::size_t spot = At(at) % (told.size() + 1);
   std::vector<Item> items;
+  items.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) items.push_back(NewItem((key + 3 * i) % 200, i));
   auto before = coming.begin() + static_cast<std::ptrdiff_t>(PlaceBefore(told, spot));
   for (const Item& item : items) before = coming.insert(before, {item.serial, item}) + 1;
@@ -239,6 +240,7 @@ void ListWorld::Update(int key, int value, int) { UpdateSome(key, 1, value); }
 
 void ListWorld::UpdateSome(int key, int count, int value) {
   std::vector<int> keys;
+  keys.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) keys.push_back((key + 3 * i) % 200);
   const auto isThere = [&](int wanted) { return Find(wanted) < coming.size(); };
   const bool areThere = std::ranges::all_of(keys, isThere);
