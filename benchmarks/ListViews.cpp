@@ -37,6 +37,7 @@ constexpr auto FieldsOf(const LoadedRow*) {
 std::vector<LoadedRow> LoadsOf(int count) {
   std::mt19937 random(1);
   std::vector<LoadedRow> made;
+  made.reserve(static_cast<std::size_t>(count));
   for (int id = 0; id < count; ++id) made.push_back({id, double(random() % 1'000'000)});
   return made;
 }
