@@ -3,7 +3,6 @@
 #include <map>
 #include <random>
 
-#include "DataBinding/broadcast/ListenerGuard.h"
 #include "Subjects.h"
 #include "ViewWorld.h"
 
@@ -19,21 +18,9 @@ constexpr int badValue = 7;  // comparisons and predicates throw for it
 constexpr std::size_t bases[] = {6, 6, 0, 1, 2, 0};
 constexpr bool isSorted[] = {true, false, false, true, true, true};
 
-bool AgreeOnViews(const Script& script, std::size_t every, bool talks) {
-  SetListenerFailureHandler([](const ListenerFailure&) {});  // most failures are on purpose
-  ViewWorld world;
-  for (std::size_t i = 0; i < script.size(); ++i) {
-    world.Play(script[i]);
-    if (world.WhatDiffers() == nullptr && (i % every != 0 || world.Agrees())) continue;
-    if (talks) std::printf("  after operation %zu: %s\n", i + 1, world.WhatDiffers());
-    return false;
-  }
-  return world.Agrees();
-}
-
 }  // namespace
 
-constinit const Subject viewSubject{"views", &AgreeOnViews, &ViewWorld::Describe};
+constinit const Subject viewSubject{"views", &AgreesWithItself<ViewWorld>, &ViewWorld::Describe};
 
 PieceCopy::Numbered PieceCopy::Read(const ReadableList<Piece>& list) {
   Numbered rows;
@@ -42,7 +29,7 @@ PieceCopy::Numbered PieceCopy::Read(const ReadableList<Piece>& list) {
 }
 
 bool PieceCopy::Follow(const ReadableList<Piece>& list, const RowChange<Piece>& change) {
-  // What ends within a change may tell this to those that did not hear the rest of the change.
+  // A list that ends within a change tells it also to observers that have not heard the rest of it.
   const bool isEnd = change.Kind() == ListChangeKind::Reset && change.Count() == 0;
   if (change.IsBefore()) return isEnd || copy == Read(list);
   return Replay(list, change) && copy == Read(list);

@@ -3,7 +3,6 @@
 #include <numeric>
 #include <random>
 
-#include "DataBinding/broadcast/ListenerGuard.h"
 #include "ListWorld.h"
 #include "Subjects.h"
 
@@ -13,23 +12,9 @@ namespace {
 
 constexpr std::size_t mostRows = 150;
 
-bool AgreeOnLists(const Script& script, std::size_t every, bool talks) {
-  // What observers throw on purpose is told to nobody.
-  SetListenerFailureHandler([](const ListenerFailure&) {});
-  ListWorld world;
-  for (std::size_t i = 0; i < script.size(); ++i) {
-    world.Play(script[i]);
-    world.Settle();
-    if (world.WhatDiffers() == nullptr && (i % every != 0 || world.Agrees())) continue;
-    if (talks) std::printf("  after operation %zu: %s\n", i + 1, world.WhatDiffers());
-    return false;
-  }
-  return world.Agrees();
-}
-
 }  // namespace
 
-constinit const Subject listSubject{"lists", &AgreeOnLists, &ListWorld::Describe};
+constinit const Subject listSubject{"lists", &AgreesWithItself<ListWorld>, &ListWorld::Describe};
 
 std::vector<Operation<ListWorld>> ListWorld::Operations() {
   return {

@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/foundation/ScopedValue.h"
 
 namespace DataBinding::Stress {
@@ -172,6 +173,23 @@ bool Agree(const Script& script, std::size_t every, bool talks) {
   library.End();
   model.End();
   return agreed("in the end, after operation", script.size());
+}
+
+/// Plays a script to a world that has its model in itself. Its Settle() is called when an operation
+/// is over, Agrees() compares all of it, and WhatDiffers() names the first difference.
+template <class World>
+bool AgreesWithItself(const Script& script, std::size_t every, bool talks) {
+  // Callbacks of the worlds throw on purpose.
+  SetListenerFailureHandler([](const ListenerFailure&) {});
+  World world;
+  for (std::size_t i = 0; i < script.size(); ++i) {
+    world.Play(script[i]);
+    world.Settle();
+    if (world.WhatDiffers() == nullptr && (i % every != 0 || world.Agrees())) continue;
+    if (talks) std::printf("  after operation %zu: %s\n", i + 1, world.WhatDiffers());
+    return false;
+  }
+  return world.Agrees();
 }
 
 }  // namespace DataBinding::Stress

@@ -72,6 +72,8 @@ class ViewWorld : public Player<ViewWorld> {
 
   /// Says whether everything agreed until now. The list must be at rest.
   [[nodiscard]] bool Agrees();
+  /// Views have nothing to note when an operation is over.
+  void Settle() noexcept {}
   [[nodiscard]] const char* WhatDiffers() const noexcept { return failure; }
 
  private:

@@ -251,13 +251,10 @@ bool BoundRows::Exchange::TellRemoved() noexcept {
       --end;
       continue;
     }
-    left -= end - first;
-    ListStep step;
-    step.kind = ListChangeKind::Removed;
-    step.at = first;
-    step.count = end - first;
-    step.rows = std::span(removed).subspan(left, step.count);
-    if (!rows.Tell(step)) return false;
+    const std::size_t count = end - first;
+    left -= count;
+    const auto run = std::span(removed).subspan(left, count);
+    if (!rows.Tell({ListChangeKind::Removed, first, count, 0, run})) return false;
     end = first;
   }
   return true;
@@ -265,11 +262,7 @@ bool BoundRows::Exchange::TellRemoved() noexcept {
 
 bool BoundRows::Exchange::TellReordered() noexcept {
   if (isOrderKept) return true;
-  ListStep step;
-  step.kind = ListChangeKind::Reordered;
-  step.count = kept.size();
-  step.rows = kept;
-  return rows.Tell(step);
+  return rows.Tell({ListChangeKind::Reordered, 0, kept.size(), 0, kept});
 }
 
 bool BoundRows::Exchange::TellInserted() noexcept {
@@ -277,14 +270,9 @@ bool BoundRows::Exchange::TellInserted() noexcept {
   for (std::size_t at = 0; at < after.size();) {
     const std::size_t first = EndOfRun(at, after.size(), isOld);
     const std::size_t end = EndOfRun(first, after.size(), [&](std::size_t i) { return !isOld(i); });
-    if (first < end) {
-      ListStep step;
-      step.kind = ListChangeKind::Inserted;
-      step.at = first;
-      step.count = end - first;
-      step.rows = std::span(after).subspan(first, step.count);
-      if (!rows.Tell(step)) return false;
-    }
+    const std::size_t count = end - first;
+    const auto run = std::span(after).subspan(first, count);
+    if (count != 0 && !rows.Tell({ListChangeKind::Inserted, first, count, 0, run})) return false;
     at = end;
   }
   return true;

@@ -97,38 +97,6 @@ void FilteredView::AskAnew() {
   TellAnswers();
 }
 
-void FilteredView::Shrink(const ListStep& step) noexcept {
-  switch (step.kind) {
-    case ListChangeKind::Removed:
-      return Remove(step);
-    case ListChangeKind::Changed:
-      return PassOn(step);
-    case ListChangeKind::Reordered:
-    case ListChangeKind::Reset:
-      return TakeTarget(step);
-    default:
-      return;
-  }
-}
-
-void FilteredView::Grow(const ListStep& step) noexcept {
-  switch (step.kind) {
-    case ListChangeKind::Inserted:
-      return Insert(step);
-    case ListChangeKind::Moved:
-      return Move(step);
-    case ListChangeKind::Changed:
-      if (passedOn.rows.empty() || TellAfter(passedOn)) Ask(step.rows);
-      return;
-    case ListChangeKind::Reordered:
-    case ListChangeKind::Reset:
-      EndTarget();
-      return;
-    default:
-      return;
-  }
-}
-
 void FilteredView::Evaluate() noexcept {
   const RowTest matches(predicate, *source, node);
   std::erase_if(target, [&](RowId id) { return !matches(id); });
@@ -156,6 +124,10 @@ void FilteredView::PassOn(const ListStep& step) noexcept {
   passedOn.rows = rows;
   passedOn.others = others;
   if (!rows.empty()) TellBefore(passedOn);
+}
+
+void FilteredView::AskChanged(const ListStep& step) noexcept {
+  if (passedOn.rows.empty() || TellAfter(passedOn)) Ask(step.rows);
 }
 
 /// Rows that stay in the list stay as they are; only those that come are asked.

@@ -40,7 +40,7 @@ void ListEngine::End() noexcept {
 
 RowId ListEngine::Find(const void* key) const noexcept { return FirstOf(present, key, Reader()); }
 
-/// Of the rows of one key, the first in the list counts.
+/// Returns that one of the rows of a key which stands first in the list.
 RowId ListEngine::FirstOf(const State& state, const void* key,
                           const RowReader& rows) const noexcept {
   RowId first = state.keys.Find(key, rows);

@@ -79,40 +79,19 @@ void SortedView::SortAnew(RowCompare function) {
   TellTarget();
 }
 
-void SortedView::Shrink(const ListStep& step) noexcept {
-  switch (step.kind) {
-    case ListChangeKind::Removed:
-      return Remove(step.rows);
-    case ListChangeKind::Changed:
-      TellBefore(step);
-      return;
-    case ListChangeKind::Reordered:
-    case ListChangeKind::Reset:
-      target.assign(step.rows.begin(), step.rows.end());
-      Evaluate();
-      BeginTarget();
-      return;
-    default:
-      return;
-  }
+void SortedView::PassOn(const ListStep& step) noexcept { TellBefore(step); }
+
+void SortedView::TakeTarget(const ListStep& step) noexcept {
+  target.assign(step.rows.begin(), step.rows.end());
+  Evaluate();
+  BeginTarget();
 }
 
-void SortedView::Grow(const ListStep& step) noexcept {
-  switch (step.kind) {
-    case ListChangeKind::Inserted:
-      return Insert(step.rows);
-    case ListChangeKind::Changed:
-      if (TellAfter(step)) Replace(step.rows, true);
-      return;
-    case ListChangeKind::Moved:
-      return Replace(step.rows, false);
-    case ListChangeKind::Reordered:
-    case ListChangeKind::Reset:
-      EndTarget();
-      return;
-    default:
-      return;
-  }
+/// Rows that are equal stand in the order of the list.
+void SortedView::Move(const ListStep& step) noexcept { Replace(step.rows, false); }
+
+void SortedView::AskChanged(const ListStep& step) noexcept {
+  if (TellAfter(step)) Replace(step.rows, true);
 }
 
 void SortedView::Evaluate() noexcept {
@@ -131,18 +110,18 @@ std::size_t SortedView::Sort(std::span<const RowId> ids) noexcept {
   return live == 1 && !less.Accepts(compared[0].row) ? 0 : live;
 }
 
-void SortedView::Remove(std::span<const RowId> ids) noexcept {
+void SortedView::Remove(const ListStep& step) noexcept {
   placed.clear();
-  for (const RowId id : ids) placed.push_back({order.IndexOf(id), id});
+  for (const RowId id : step.rows) placed.push_back({order.IndexOf(id), id});
   std::ranges::sort(placed, {}, &PlacedRow::at);
   const std::size_t sorted = Sorted();
   for (const PlacedRow& row : placed) aside -= row.at >= sorted;
   TellRemovals();
 }
 
-void SortedView::Insert(std::span<const RowId> ids) noexcept {
-  const std::size_t live = Sort(ids);
-  if (ids.size() <= few) {
+void SortedView::Insert(const ListStep& step) noexcept {
+  const std::size_t live = Sort(step.rows);
+  if (step.rows.size() <= few) {
     aside += PlaceSorted(live, Sorted(), order.Size(), [this](auto at) { return order.At(at); });
   } else {
     rows.resize(order.Size());

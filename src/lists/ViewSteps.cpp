@@ -6,6 +6,39 @@
 
 namespace DataBinding::details {
 
+void ListView::Before(const ListStep& step) noexcept {
+  if (!isAwake) return;
+  switch (step.kind) {
+    case ListChangeKind::Removed:
+      return Remove(step);
+    case ListChangeKind::Changed:
+      return PassOn(step);
+    case ListChangeKind::Reordered:
+    case ListChangeKind::Reset:
+      return TakeTarget(step);
+    default:
+      return;
+  }
+}
+
+void ListView::After(const ListStep& step) noexcept {
+  if (!isAwake) return;
+  switch (step.kind) {
+    case ListChangeKind::Inserted:
+      return Insert(step);
+    case ListChangeKind::Moved:
+      return Move(step);
+    case ListChangeKind::Changed:
+      return AskChanged(step);
+    case ListChangeKind::Reordered:
+    case ListChangeKind::Reset:
+      EndTarget();
+      return;
+    default:
+      return;
+  }
+}
+
 bool ListView::Tell(const ListStep& step) noexcept {
   if (!node.TellBefore(step)) return false;
   switch (step.kind) {

@@ -194,28 +194,14 @@ PropertyValue<VtrString> AnyPropertyRef::ReadText() const {
   return {property->ReadText(), PropertyError::None, {}};
 }
 
-SetResult AnyPropertyRef::Write(const Value& value) const {
+SetResult AnyPropertyRef::Take(const Value& value, details::Purpose purpose) const {
   auto* const property = Access();
-  if (property == nullptr) return Failure<SetResult>(nullptr);
-  return property->TakeValue(value, details::Purpose::Set);
+  return property == nullptr ? Failure<SetResult>(nullptr) : property->TakeValue(value, purpose);
 }
 
-SetResult AnyPropertyRef::WriteText(const VtrString& written) const {
+SetResult AnyPropertyRef::TakeText(const VtrString& written, details::Purpose purpose) const {
   auto* const property = Access();
-  if (property == nullptr) return Failure<SetResult>(nullptr);
-  return property->TakeText(written, details::Purpose::Set);
-}
-
-SetResult AnyPropertyRef::Check(const Value& value) const {
-  auto* const property = Access();
-  if (property == nullptr) return Failure<SetResult>(nullptr);
-  return property->TakeValue(value, details::Purpose::Check);
-}
-
-SetResult AnyPropertyRef::CheckText(const VtrString& written) const {
-  auto* const property = Access();
-  if (property == nullptr) return Failure<SetResult>(nullptr);
-  return property->TakeText(written, details::Purpose::Check);
+  return property == nullptr ? Failure<SetResult>(nullptr) : property->TakeText(written, purpose);
 }
 
 ValueKind AnyPropertyRef::Kind() const {

@@ -37,7 +37,7 @@ struct Stay : NamedDataSource {
   bool isHungry = false;
 };
 
-/// What a dialogue has: the same names without limits, and some that do not fit.
+/// A dialogue edits a Draft. It has the same names without limits, and some that do not fit.
 struct Draft : NamedDataSource {
   Draft() : NamedDataSource(L"Draft") {}
   Property<VtrString> guest{this, L"Guest", L"Bob"};

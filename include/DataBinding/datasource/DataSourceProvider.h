@@ -112,7 +112,7 @@ class DATABINDING_API DataSourceProvider : public IDataSourceProvider {
     std::uint64_t number = 0;
     bool isGoing = false;
   };
-  /// What those are told who observe the children.
+  /// ChildNews are told to those who observe the children.
   struct ChildNews {
     IDataSourceProvider* child;
     std::uint64_t number;

@@ -159,7 +159,7 @@ class RowChange : public ListChange {
   }
 };
 
-/// What an observer of a list is given as: both functions or one of them.
+/// A ListObserver holds the functions that a list calls, both or one of them.
 template <class Change>
 struct ListObserver {
   /// Is called when the list still reads as it was.

@@ -70,7 +70,8 @@ class OrderByBoth {
 
 }  // namespace details
 
-/// What By() gives: a function of two rows, which says whether the first stands before the second.
+/// By() returns a RowOrdering: a function that says whether the first of two rows stands before the
+/// second.
 template <class Fields>
 class RowOrdering {
  public:

@@ -109,7 +109,7 @@ class DATABINDING_API AnySelection : public SupportsWeakPtr<AnySelection>,
 
   AnyList* list;
   std::vector<RowId> chosen;
-  /// By id.
+  /// Tells for each id whether its row is chosen.
   std::vector<bool> isChosen;
   /// Holds the rows of which the observers are just told that they are gone, and behind them those
   /// that an observer has made go meanwhile.

@@ -213,7 +213,7 @@ class PropertyRef : public details::PropertyRefBase {
 /// nothing.
 class DATABINDING_API AnyPropertyRef : public details::PropertyRefBase {
  public:
-  /// What the property is read as.
+  /// The property is read as a value of this type.
   using Value = DataBinding::Value;
 
   /// Looks the property up, once. The source may be null and may end later.
@@ -238,19 +238,29 @@ class DATABINDING_API AnyPropertyRef : public details::PropertyRefBase {
   /// text, or Refused where a text is not of the form, or is no name of the enumeration.
   ///@{
   // NOLINTNEXTLINE(modernize-use-nodiscard): setting is done for its effect
-  SetResult Write(const Value& value) const;
+  SetResult Write(const Value& value) const { return Take(value, details::Purpose::Set); }
   // NOLINTNEXTLINE(modernize-use-nodiscard): as above
-  SetResult WriteText(const VtrString& written) const;
+  SetResult WriteText(const VtrString& written) const {
+    return TakeText(written, details::Purpose::Set);
+  }
   ///@}
   /// These say what Write and WriteText would answer, and set nothing.
   ///@{
-  [[nodiscard]] SetResult Check(const Value& value) const;
-  [[nodiscard]] SetResult CheckText(const VtrString& written) const;
+  [[nodiscard]] SetResult Check(const Value& value) const {
+    return Take(value, details::Purpose::Check);
+  }
+  [[nodiscard]] SetResult CheckText(const VtrString& written) const {
+    return TakeText(written, details::Purpose::Check);
+  }
   ///@}
   /// Returns the kind of values that the property's type has: Unsigned for unsigned numbers, though
   /// most of them are read as Signed. Nothing stands for a type without a form, and for a property
   /// that is not there.
   [[nodiscard]] ValueKind Kind() const;
+
+ private:
+  [[nodiscard]] SetResult Take(const Value& value, details::Purpose purpose) const;
+  [[nodiscard]] SetResult TakeText(const VtrString& written, details::Purpose purpose) const;
 };
 
 /// Finds a property that can then be read and set more than once without another look-up;

@@ -131,7 +131,8 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
   std::vector<RowId> leaving;                // the rows of which the bind lets go
   std::vector<std::vector<RowId>> outgrown;  // steps that are told may still refer to these
   ListPlan pending;
-  /// What an Exchange that is under way may insert; others that are prepared meanwhile add to it.
+  /// Counts the rows that an Exchange that is under way may still insert. What is prepared
+  /// meanwhile comes on top.
   std::size_t underWay = 0;
 };
 

@@ -27,7 +27,7 @@ class DATABINDING_API ListConnection final : public BindConnection {
 
   [[nodiscard]] bool HasValue() const override { return List() != nullptr; }
   [[nodiscard]] bool IsReadOnly() const;
-  /// Also says what is wrong with the rows of a list that was found.
+  /// The status says, too, what is wrong with the rows of a list that was found.
   [[nodiscard]] Framework::BindStatus Status() const override;
 
  private:

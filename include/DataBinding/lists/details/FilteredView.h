@@ -37,18 +37,17 @@ class DATABINDING_API FilteredView final : public ListView {
   void Refilter();
 
  private:
-  void Shrink(const ListStep& step) noexcept override;
-  void Grow(const ListStep& step) noexcept override;
   void Evaluate() noexcept override;
+  void Remove(const ListStep& step) noexcept override;
+  void PassOn(const ListStep& step) noexcept override;
+  void TakeTarget(const ListStep& step) noexcept override;
+  void Insert(const ListStep& step) noexcept override;
+  void Move(const ListStep& step) noexcept override;
+  void AskChanged(const ListStep& step) noexcept override;
 
   [[nodiscard]] std::vector<Subscription> Follow(Properties properties);
   void FilterBy(RowPredicate& function, std::vector<Subscription>& following);
   void AskAnew();
-  void Remove(const ListStep& step) noexcept;
-  void PassOn(const ListStep& step) noexcept;
-  void TakeTarget(const ListStep& step) noexcept;
-  void Insert(const ListStep& step) noexcept;
-  void Move(const ListStep& step) noexcept;
   void Ask(std::span<const RowId> ids) noexcept;
   void AskFew(std::span<const RowId> ids) noexcept;
   template <class Asks>

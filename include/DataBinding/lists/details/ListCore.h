@@ -74,8 +74,9 @@ struct ListStep {
   ///@}
 };
 
-/// What a dependent has to make room for. The numbers hold for everything that the node still has
-/// to tell, also for what waits: a dependent that is prepared again keeps the greater numbers only.
+/// A ListPlan tells a dependent what it has to make room for. The numbers hold for everything that
+/// the node still has to tell, also for what waits: a dependent that is prepared again keeps the
+/// greater numbers only.
 struct ListPlan {
   /// The steps of the operation that is new.
   std::span<const ListStep> steps;
@@ -220,7 +221,7 @@ class DATABINDING_API ListNode {
   [[nodiscard]] virtual const void* RowAtPlace(std::size_t index) const noexcept {
     return index < Size() ? RowOf(At(index)) : nullptr;
   }
-  /// What is known of the row type, or null while that is not known.
+  /// Returns what is known of the row type, or null while nothing is known.
   [[nodiscard]] virtual const RowTable* Table() const noexcept = 0;
   /// The first row of a key, or `noRow`. It takes O(n) unless a class knows better.
   [[nodiscard]] virtual RowId FindKey(const void* key) const noexcept;
@@ -267,7 +268,7 @@ class DATABINDING_API ListNode {
   ListNode();
   virtual ~ListNode();
 
-  /// What is still to be told, for a dependent that is added meanwhile.
+  /// Returns what is still to be told, for a dependent that is added meanwhile.
   [[nodiscard]] virtual ListPlan Pending() const noexcept { return {}; }
   /// Returns true when a change of this node would be heard.
   [[nodiscard]] bool HasDependents() const noexcept { return !dependents.empty(); }

@@ -79,12 +79,12 @@ class DATABINDING_API ListEngine {
   friend class ListOperation;
   friend class ListPlanner;
 
-  /// Where the rows stand, and what their keys are.
+  /// A State says where the rows stand, and what their keys are.
   struct State {
     RowOrder order;
     KeyTable keys;
   };
-  /// The state when all that waits is done. `rows` has what changed rows will be, by id.
+  /// Coming is the state when all that waits is done. `rows` says by id what changed rows will be.
   struct Coming {
     State state;
     std::vector<const void*> rows;
@@ -101,7 +101,7 @@ class DATABINDING_API ListEngine {
   void Foresee();
   [[nodiscard]] OperationPtr NewOperation();
   [[nodiscard]] SetResult Submit(OperationPtr operation);
-  /// What is reserved for an operation, or for all that are still to be told.
+  /// Needs count what is reserved for an operation, or for all that are still to be told.
   struct Needs {
     std::size_t insertions = 0;     // into the order
     std::size_t keyInsertions = 0;  // into the key table

@@ -100,22 +100,27 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   ListView(ListNode& itsNode, ListNode& itsSource, void (*emptyNode)(ListNode& self));
   ~ListView();
   void Prepare(const ListPlan& plan) override;
-  void Before(const ListStep& step) noexcept override {
-    if (isAwake) Shrink(step);
-  }
-  void After(const ListStep& step) noexcept override {
-    if (isAwake) Grow(step);
-  }
+  void Before(const ListStep& step) noexcept override;
+  void After(const ListStep& step) noexcept override;
   void ListEnds() noexcept override;
   void AtRest() noexcept override;
 
   /// Turns the list's rows, which stand in `target` in the list's order, into those of the view.
   /// `asideInTarget` says how many of them are set aside.
   virtual void Evaluate() noexcept = 0;
-  /// Do what a view does in Before and After.
+  /// A view does these in Before: it removes rows, passes on that fields change, and begins to show
+  /// the rows of a new order.
   ///@{
-  virtual void Shrink(const ListStep& step) noexcept = 0;
-  virtual void Grow(const ListStep& step) noexcept = 0;
+  virtual void Remove(const ListStep& step) noexcept = 0;
+  virtual void PassOn(const ListStep& step) noexcept = 0;
+  virtual void TakeTarget(const ListStep& step) noexcept = 0;
+  ///@}
+  /// A view does these in After: it inserts rows, moves them as the list has moved them, and asks
+  /// those whose fields have changed.
+  ///@{
+  virtual void Insert(const ListStep& step) noexcept = 0;
+  virtual void Move(const ListStep& step) noexcept = 0;
+  virtual void AskChanged(const ListStep& step) noexcept = 0;
   ///@}
   /// Runs an operation of the view when the family has told what it tells now.
   void TakeTurn(RepeatingCallback<void()> run);
@@ -201,8 +206,8 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   std::vector<std::uint64_t> marks;
   std::vector<ViewRoom> outgrown;  // steps that are told may still refer to these
   ListStep whole;                  // what BeginTarget tells
-  /// What is still to be told: insertions and changes that the list has planned, and insertions of
-  /// the view's own operation.
+  /// These count what is still to be told: insertions and changes that the list has planned, and
+  /// insertions of the view's own operation.
   ///@{
   std::size_t plannedInsertions = 0;
   std::size_t plannedChanges = 0;

@@ -6,7 +6,7 @@
 /// id is found by where it stands, and no two rows are ever compared. A change moves ids within one
 /// or two blocks, and then goes over one number for each block.
 ///
-/// What a change may need is reserved before it, so that the change itself allocates nothing.
+/// Memory for a change is reserved beforehand, so that the change itself allocates nothing.
 /// Erase joins small neighbours, and a block that is full is shared out evenly among two or more:
 /// therefore a row takes 7 bytes after Assign, and about 8 after many changes. An order holds some
 /// eight million rows; Reserve and Assign throw std::length_error beyond that.
@@ -39,7 +39,7 @@ namespace details {
 
 class DATABINDING_API RowOrder {
  public:
-  /// What IndexOf answers for an id that is not in the order.
+  /// IndexOf returns this for an id that is not in the order.
   static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
 
   RowOrder() = default;

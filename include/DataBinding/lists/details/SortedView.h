@@ -31,14 +31,16 @@ class DATABINDING_API SortedView final : public ListView {
   void SortBy(RowCompare function);
 
  private:
-  void Shrink(const ListStep& step) noexcept override;
-  void Grow(const ListStep& step) noexcept override;
   void Evaluate() noexcept override;
+  void Remove(const ListStep& step) noexcept override;
+  void PassOn(const ListStep& step) noexcept override;
+  void TakeTarget(const ListStep& step) noexcept override;
+  void Insert(const ListStep& step) noexcept override;
+  void Move(const ListStep& step) noexcept override;
+  void AskChanged(const ListStep& step) noexcept override;
 
   void SortAnew(RowCompare function);
   [[nodiscard]] std::size_t Sort(std::span<const RowId> ids) noexcept;
-  void Remove(std::span<const RowId> ids) noexcept;
-  void Insert(std::span<const RowId> ids) noexcept;
   template <class Lookup>
   [[nodiscard]] std::size_t PlaceSorted(std::size_t live, std::size_t sorted, std::size_t end,
                                         Lookup at) noexcept;
