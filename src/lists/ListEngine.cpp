@@ -13,13 +13,6 @@
 
 namespace DataBinding::details {
 
-namespace {
-
-/// The memory of greater operations is not kept for the next one.
-constexpr std::size_t mostKept = 256;
-
-}  // namespace
-
 ListEngine::ListEngine(ListNode& itsNode, const RowTable& table)
     : node(itsNode), turns(std::make_shared<ListTurns>(&itsNode)), storage(table), others(table) {
   for (const RowField& field : table.fields) {

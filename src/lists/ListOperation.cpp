@@ -72,7 +72,6 @@ const void* ListOperation::Owner() const noexcept {
 }
 
 void ListOperation::Release() noexcept {
-  constexpr std::size_t mostKept = 256;  // the rows of greater ones would take memory for good
   if (engine == nullptr || engine->spare != nullptr || rows.capacity() > mostKept) {
     if (engine != nullptr) Clear();
     delete this;

@@ -12,6 +12,9 @@
 
 namespace DataBinding::details {
 
+/// A list keeps the memory of an operation for the next one, but not that of one with more rows.
+inline constexpr std::size_t mostKept = 256;
+
 class ListOperation final : public ListTurn {
  public:
   explicit ListOperation(ListEngine& itsEngine) noexcept : engine(&itsEngine) {}

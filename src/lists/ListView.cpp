@@ -109,7 +109,8 @@ bool ListView::Awaken() {
 
 /// Follows the list anew when the rows were asked, so that it hears of the present step exactly if
 /// that has not changed the list yet. Where the list is a view that sleeps, it awakes first, and
-/// this fails if that fails: rows that it shows only later would not be told to this view.
+/// this fails if that fails: rows that it shows only later would not be told to this view. A list
+/// that is just ending tells the view so where it stands already.
 void ListView::AwakenNow() {
   if (!source->Awaken() || source == nullptr) return;
   ReserveAll();
@@ -119,6 +120,7 @@ void ListView::AwakenNow() {
   order.Assign(target);
   aside = asideInTarget;
   isAwake = true;
+  if (source->hasEnded) return;
   try {
     source->AddDependent(*this);
   } catch (...) {

@@ -39,10 +39,11 @@ TEST(ListMemory, LosesNothingWhenAnAllocationOfAWaitingOperationFails) {
     attempt([&] { return list.Assign(rows).changed; });
     bool isDone = false;
     Subscription seen;
+    const auto renumber = [](Process& row) { row.id = 7; };
     const auto react = [&](const RowChange<Process>&) {
       if (std::exchange(isDone, true)) return;
       attempt([&] { return list.Insert(1, Process{8, L"p", 0}).waits; });
-      attempt([&] { return list.Update(3, [](Process& row) { row.id = 7; }).waits; });
+      attempt([&] { return list.Update(3, renumber).waits; });
       attempt([&] { return list.Move(0, 1, 2).waits; });
       attempt([&] { return list.RemoveKey(2).waits; });
     };
