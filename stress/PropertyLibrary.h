@@ -112,7 +112,7 @@ class PropertyLibrary : public Player<PropertyLibrary> {
   }
 
  private:
-  using Joined = TwoWayJoin<int, int>;
+  using Joined = TwoWayJoin;
   class Source final : public NamedDataSource {
    public:
     Source(PropertyLibrary& owner, int kind, const Source* other)

@@ -48,6 +48,7 @@ void Follow(IDataSourceProvider& scope) {
 struct TextBox {
   VtrString text;
   bool isGrey = false;
+  bool isRed = false;
 };
 
 void Edit(IDataSourceProvider& scope) {
@@ -68,6 +69,30 @@ void Edit(IDataSourceProvider& scope) {
   type(L"80");
   type(L"800");
   type(L"eighty");
+}
+
+void FillIn(IDataSourceProvider& scope) {
+  TextBox box;
+  Framework::DataBind<double> limit(&scope, L"Cpu", L"Limit");
+  EditSession edit(
+      limit, [&] { return box.text; }, [&](const VtrString& text) { box.text = text; },
+      TextConverter<double>());
+  const Subscription hint = edit.OnState([&](EditState state) {
+    box.isRed = state == EditState::Refused || state == EditState::Conflict;
+    if (box.isRed) std::cout << box.text << " stays: " << edit.Reason() << '\n';
+  });
+  EditGroup window;
+  window.Add(edit);
+
+  box.text = L"forty";  // what the widget's handlers do
+  edit.Typed();
+  window.CommitAll();  // the user presses Save
+  box.text = L"40";
+  edit.Typed();
+  limit.Set(60);  // by somebody else
+  window.CommitAll();
+  edit.Revert();  // the user presses Escape
+  std::cout << "shown again: " << box.text << '\n';
 }
 
 void Press(IDataSourceProvider& scope) {
@@ -101,6 +126,7 @@ int main() {
   DataSourceProvider scope(nullptr, L"page", nullptr);
   Follow(scope);
   Edit(scope);
+  FillIn(scope);
   Press(scope);
   Explain(scope);
 }

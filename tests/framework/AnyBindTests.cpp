@@ -85,7 +85,7 @@ class DependentRefusals : public BindTest {
   int typed = 0;
   int written = 0;
   std::function<void()> onAsked;
-  TwoWayJoin<int, int> join = TwoWay(
+  TwoWayJoin join = TwoWay(
       end, [this] { return typed; },
       [this](int now) {
         typed = now;

@@ -18,7 +18,7 @@ using Framework::DataBind;
 /// A text box and a gauge. Notes what is written to the box.
 class TwoWayBinds : public BindTest {
  protected:
-  using Join = TwoWayJoin<int, VtrString>;
+  using Join = TwoWayJoin;
 
   Join MakeJoin(DataBind<int>& joined) {
     return TwoWay(
@@ -107,7 +107,7 @@ TEST_F(TwoWayBinds, CommitInsideTheJoinsFunctionsDoesNothing) {
 /// The functions note themselves: r(ead), p(arse), v(alidate), s(how), w(rite); c is a change.
 TEST_F(TwoWayBinds, CommitCallsNoneOfTheFunctionsOnceOneHasEndedTheJoin) {
   auto* gauge = AddGauge(child);
-  std::optional<TwoWayJoin<int, int>> join;
+  std::optional<TwoWayJoin> join;
   char ending = 0;
   const auto note = [&](char function) {
     log += function;

@@ -197,7 +197,7 @@ TEST(FailingAllocations, InBindsLetThemFollowTheirProperty) {
     std::unique_ptr<World::Bind> bind;
     std::unique_ptr<World::Bind> copy;
     VtrString text;
-    std::optional<TwoWayJoin<int, VtrString>> join;
+    std::optional<TwoWayJoin> join;
     attempt([&] { w.Open(bind, 'b'); });
     attempt([&] { bind->Connect(w.child.get()); });
     EXPECT_EQ(w.Changed(2), "b");

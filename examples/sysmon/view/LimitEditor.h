@@ -36,7 +36,7 @@ class LimitEditor {
   VtrString text;
   VtrString reason;
   DataBinding::Framework::DataBind<double> bind;
-  DataBinding::TwoWayJoin<double, VtrString> join;  // the last member: it ends before the text
+  DataBinding::TwoWayJoin join;  // the last member: it ends before the text
 };
 
 }  // namespace Sysmon

@@ -26,7 +26,8 @@ enum class PropertyError {
   NoAccessor,  ///< the member was declared with a type only, so there is nothing to read or call
   ReadOnly,    ///< only the source itself may set the property
   Refused,     ///< the property's validator refused the value
-  OutOfRange   ///< the list has no such place, or fewer rows from there on
+  OutOfRange,  ///< the list has no such place, or fewer rows from there on
+  Conflict     ///< the value has changed, or another record has come, since the edit began
 };
 
 /// A SetResult is the outcome of setting a property.

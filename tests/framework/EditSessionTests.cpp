@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "DataBinding/framework/EditSession.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "DataBinding/foundation/BindWeak.h"
+#include "DataBinding/framework/DataBind.h"
+#include "DataBinding/framework/EditGroup.h"
+#include "DataBinding/framework/TwoWay.h"
+#include "Gauge.h"
+
+namespace DataBinding::Testing {
+namespace {
+
+using Framework::DataBind;
+
+const char* NameOf(EditState state) {
+  constexpr std::array names{"clean", "typed", "refused", "conflict", "absent", "read-only"};
+  return names.at(static_cast<std::size_t>(state));
+}
+
+/// A text box and a gauge. Notes what is written to the box, and the states.
+class Edits : public BindTest {
+ protected:
+  EditSession MakeSession(DataBind<int>& joined) {
+    return {joined, [this] { return text; },
+            [this](const VtrString& shown) {
+              text = shown;
+              log += text.ToUtf8() + " ";
+              if (onWrite) onWrite();
+            },
+            TextConverter<int>()};
+  }
+  void NoteStates() {
+    states = session->OnState([this](EditState state) {
+      log += std::string(NameOf(state)) + " ";
+      if (onState) onState(state);
+    });
+  }
+  void Type(const VtrString& typed) {
+    text = typed;
+    session->Typed();
+  }
+
+  VtrString text;
+  std::function<void()> onWrite;
+  std::function<void(EditState)> onState;
+  Gauge* gauge = AddGauge(child, 3);
+  std::optional<DataBind<int>> bind{std::in_place, child.get(), L"Gauge", L"Level"};
+  std::optional<EditSession> session{MakeSession(*bind)};
+  Subscription states;
+};
+
+TEST_F(Edits, AreFiledOnceAndOnlyIfSomethingWasTyped) {
+  NoteStates();
+  text = L"7";
+  EXPECT_TRUE(session->Commit().IsAccepted());
+  EXPECT_EQ(*gauge->Level, 3) << "the widget's own form of the value is not written back";
+
+  Type(L"8");
+  EXPECT_TRUE(session->Commit().changed);
+  EXPECT_FALSE(session->Commit().changed);
+  Type(L"9");
+  Type(L"8");
+  EXPECT_FALSE(session->HasTyped()) << "it is what is shown again";
+  Type(L"250");
+  EXPECT_TRUE(session->Commit().changed);
+
+  EXPECT_EQ(text, L"100");
+  EXPECT_EQ(Notes(), "3 typed clean typed clean typed 100 clean");
+}
+
+TEST_F(Edits, StayInTheWidgetWithTheReasonWhenRefused) {
+  NoteStates();
+  Type(L"-1");
+  EXPECT_TRUE(session->Check().reason == L"is negative" && session->State() == EditState::Typed);
+  EXPECT_EQ(session->Commit().error, PropertyError::Refused);
+  EXPECT_EQ(session->Reason(), L"is negative");
+  Type(L"x");
+  EXPECT_EQ(session->State(), EditState::Refused) << "until the next commit";
+  EXPECT_FALSE(session->Commit().IsAccepted());
+  EXPECT_EQ(session->Reason(), L"\"x\" is not a value of type int.");
+  session->Revert();
+
+  EXPECT_TRUE(session->Reason().IsEmpty());
+  EXPECT_EQ(Notes(), "3 typed refused refused 3 clean");
+}
+
+TEST_F(Edits, AreInConflictWithAChangeOfTheSource) {
+  NoteStates();
+  Type(L"5");
+  gauge->Level.NotifyChanged();
+  EXPECT_EQ(session->State(), EditState::Typed) << "nothing has changed";
+  gauge->Level.Set(4);
+  EXPECT_EQ(session->Commit().error, PropertyError::Conflict);
+  EXPECT_EQ(session->Reason(), L"The value has changed since this was typed.");
+  EXPECT_TRUE(session->Overwrite().changed);
+  EXPECT_EQ(*gauge->Level, 5);
+  Type(L"6");
+  gauge->Level.Set(6);
+  EXPECT_FALSE(session->HasTyped()) << "the source has what was typed";
+  Type(L"7");
+  gauge->Level.Set(8);
+  gauge->Level.Set(6);
+  EXPECT_EQ(session->State(), EditState::Typed) << "the source is as it was";
+
+  EXPECT_EQ(Notes(), "3 typed conflict clean typed clean typed conflict typed");
+}
+
+TEST_F(Edits, AreNeverFiledIntoAnotherRecord) {
+  auto* other = AddGauge(parent, 30);
+  NoteStates();
+  Type(L"5");
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+  EXPECT_EQ(session->Commit().reason, L"Another record has come since this was typed.");
+  other->Level.Set(5);
+  EXPECT_EQ(session->Commit().error, PropertyError::Conflict) << "also with a value that is typed";
+  EXPECT_EQ(text, L"5");
+  parent->DeleteLocalDataSourceInstance(L"Gauge");
+  EXPECT_EQ(session->State(), EditState::Absent);
+  EXPECT_TRUE(session->HasTyped());
+  gauge = AddGauge(parent, 40);
+  EXPECT_EQ(session->State(), EditState::Conflict);
+  session->Revert();
+
+  EXPECT_EQ(*gauge->Level, 40);
+  EXPECT_EQ(Notes(), "3 typed conflict absent conflict 40 clean");
+}
+
+TEST_F(Edits, TellWhatMayNotBeEdited) {
+  bind->Connect(nullptr);
+  EXPECT_EQ(session->State(), EditState::Absent);
+  DataBind<int> limit(child.get(), L"Gauge", L"Limit");
+  session.emplace(MakeSession(limit));
+  EXPECT_EQ(session->State(), EditState::ReadOnly);
+  Type(L"5");
+  EXPECT_EQ(session->Commit().error, PropertyError::ReadOnly);
+  EXPECT_EQ(session->State(), EditState::Refused);
+
+  EditSession moved = std::move(*session);
+  EXPECT_TRUE(moved.HasTyped());
+  EXPECT_TRUE(!session->HasTyped() && session->Commit().IsAccepted());
+  EXPECT_EQ(session->State(), EditState::Absent);
+}
+
+TEST_F(Edits, EndInsideAnyFunctionWithoutFiling) {
+  onState = [this](EditState) { session.reset(); };
+  NoteStates();
+  Type(L"5");
+  EXPECT_FALSE(session.has_value());
+  EXPECT_EQ(*gauge->Level, 3);
+
+  session.emplace(MakeSession(*bind));
+  onState = [this](EditState state) {
+    if (state == EditState::Conflict) session->Revert();
+    if (state == EditState::Refused) bind.reset();
+  };
+  NoteStates();
+  Type(L"5");
+  gauge->Level.Set(6);
+  EXPECT_EQ(text, L"6");
+  Type(L"-5");
+  EXPECT_FALSE(session->Commit().IsAccepted());
+  EXPECT_EQ(session->State(), EditState::Absent);
+  session->Revert();
+  session->Typed();
+  EXPECT_EQ(text, L"-5");
+}
+
+/// An edit of a slider from 0 to 10, beside the text box.
+class GroupedEdits : public Edits {
+ protected:
+  GroupedEdits() {
+    gauge->Ratio.Set(99);
+    group.Add(*session);
+    group.Add(ofSlider);
+  }
+
+  double slider = 0;
+  DataBind<double> ratio{child.get(), L"Gauge", L"Ratio"};
+  EditSession ofSlider{ratio, [this] { return slider; },
+                       [this](double shown) { slider = std::min(shown, 10.0); }};
+  EditGroup group;
+};
+
+TEST_F(GroupedEdits, AreCommittedTogether) {
+  Type(L"-1");
+  EXPECT_TRUE(group.HasTyped());
+  EXPECT_EQ(group.CommitAll().reason, L"is negative");
+  EXPECT_EQ(*gauge->Ratio, 99) << "though the slider shows 10";
+  slider = 10;
+  ofSlider.Typed();
+  EXPECT_FALSE(group.CommitAll().IsAccepted());
+  EXPECT_EQ(*gauge->Ratio, 10) << "which the user has chosen now";
+
+  group.RevertAll();
+
+  EXPECT_FALSE(group.HasTyped());
+  EXPECT_EQ(text, L"3");
+}
+
+TEST_F(GroupedEdits, MayEndWithinACommit) {
+  Type(L"4");
+  onState = [&](EditState) { session.reset(); };
+  NoteStates();
+
+  EXPECT_TRUE(group.CommitAll().IsAccepted());
+  EXPECT_FALSE(group.HasTyped());
+  EXPECT_FALSE(session.has_value());
+  EXPECT_EQ(*gauge->Level, 4);
+}
+
+}  // namespace
+}  // namespace DataBinding::Testing
