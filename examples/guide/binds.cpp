@@ -95,6 +95,16 @@ void FillIn(IDataSourceProvider& scope) {
   std::cout << "shown again: " << box.text << '\n';
 }
 
+void ShowLoad(IDataSourceProvider& scope) {
+  IdlePass idle([] { std::cout << "wake\n"; });  // the loop calls idle.Run soon
+  Framework::DataBind<double> limit(&scope, L"Cpu", L"Limit");
+  const auto label =
+      OneWay(limit, idle, [](const double& now) { std::cout << "label: " << now << '\n'; });
+
+  for (int percent = 1; percent <= 50; ++percent) limit.Set(percent);
+  idle.Run();
+}
+
 void Press(IDataSourceProvider& scope) {
   IDataContext letter{"letter"};
   auto& selection = Emplace<SelectionSource>(scope);
@@ -127,6 +137,7 @@ int main() {
   Follow(scope);
   Edit(scope);
   FillIn(scope);
+  ShowLoad(scope);
   Press(scope);
   Explain(scope);
 }

@@ -77,6 +77,7 @@
 #include "DataBinding/framework/ListBind.h"
 #include "DataBinding/framework/LocaleConverter.h"
 #include "DataBinding/framework/NumberConverter.h"
+#include "DataBinding/framework/OneWay.h"
 #include "DataBinding/framework/TextConverter.h"
 #include "DataBinding/framework/TwoWay.h"
 #include "DataBinding/lists/AnyList.h"

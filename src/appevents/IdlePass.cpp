@@ -7,10 +7,13 @@
 #include <utility>
 
 #include "DataBinding/appevents/IAppEventBroadcaster.h"
+#include "DataBinding/foundation/CallbackList.h"
 #include "DataBinding/foundation/details/Cancellation.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
 
 namespace DataBinding {
+
+using details::CallbackWalk;
 
 /// The state that a pass shares with its UpdateUI callback. It is shared, because another thread
 /// may still run the callback when the pass ends.
@@ -34,12 +37,25 @@ class IdlePass::State {
     if (IsRequested()) requested.exchange(false, std::memory_order_acq_rel);
   }
   void End() noexcept { ended = true; }
+  Subscription OnDelivered(const RepeatingCallback<void()>& callback) {
+    return delivered.Add(callback);
+  }
+  /// Tells all, also behind one that throws. A pass that has ended tells nobody.
+  void TellDelivered() {
+    if (ended) return;
+    FirstFailure failure;
+    CallbackWalk walk(delivered.Core());
+    while (!failure.Try([&walk] { CallbackList<>::CallRest(walk); })) {
+    }
+    failure.Rethrow();
+  }
   [[nodiscard]] bool IsRequested() const noexcept { return requested; }
 
   std::size_t droppedFailures = 0;
 
  private:
   RepeatingCallback<void()> wake;
+  CallbackList<> delivered;
   std::atomic<bool> requested{false};
   std::atomic<bool> ended{false};
 };
@@ -94,10 +110,17 @@ void IdlePass::Run() { Deliver(std::nullopt); }
 
 void IdlePass::RunFor(std::chrono::nanoseconds budget) { Deliver(budget); }
 
-/// Without a budget it delivers all that is queued.
 void IdlePass::Deliver(std::optional<std::chrono::nanoseconds> budget) {
   const auto keep = state;  // a listener may end the pass
   keep->Begin();
+  FirstFailure failure;
+  failure.Try([&] { DeliverEvents(*keep, budget); });
+  failure.Try([&] { keep->TellDelivered(); });
+  failure.Rethrow();
+}
+
+/// Without a budget it delivers all that is queued.
+void IdlePass::DeliverEvents(State& state, std::optional<std::chrono::nanoseconds> budget) {
   if (!IAppEventBroadcaster::HasInstance()) return;
   auto& events = IAppEventBroadcaster::GetInstance();
   if (!IsAnythingToDo(events)) return;
@@ -105,16 +128,20 @@ void IdlePass::Deliver(std::optional<std::chrono::nanoseconds> budget) {
   try {
     budget ? events.DispatchPendingEventsFor(*budget) : events.DispatchPendingEvents();
   } catch (...) {
-    if (alive && IsAnythingToDo(events)) keep->Request();
+    if (alive && IsAnythingToDo(events)) state.Request();
     throw;
   }
   if (!alive) return;
-  if (events.HasPendingEvents()) keep->Request();
+  if (events.HasPendingEvents()) state.Request();
   // Inside a delivery, as in a modal loop, the outer Run throws the failure at its end.
   if (!events.HasFailure() || events.IsDelivering()) return;
   const EventFailure failure = events.TakeFailure();
-  keep->droppedFailures = failure.others;
+  state.droppedFailures = failure.others;
   std::rethrow_exception(failure.exception);
+}
+
+Subscription IdlePass::OnDelivered(const RepeatingCallback<void()>& callback) const {
+  return state->OnDelivered(callback);
 }
 
 bool IdlePass::IsRequested() const noexcept { return state->IsRequested(); }

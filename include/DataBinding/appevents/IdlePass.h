@@ -21,6 +21,7 @@
 
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/Subscription.h"
 
 namespace DataBinding {
 
@@ -44,6 +45,14 @@ class DATABINDING_API IdlePass {
   /// a listener delivers them first. They stay queued, too, when the Dispatch of an event of the
   /// application's own kind throws.
   void RunFor(std::chrono::nanoseconds budget);
+  /// Calls the function at the end of each Run and RunFor, when the events are delivered, until the
+  /// subscription ends. It is called also when no event was queued, and inside a delivery when a
+  /// listener runs a modal loop. It may end the pass. What it throws leaves the Run, unless the
+  /// delivery has thrown something already.
+  Subscription OnDelivered(const RepeatingCallback<void()>& callback) const;
+  /// Returns a function that wakes the loop for a Run although no event is queued. It may be called
+  /// on any thread, wakes as raising an event does, and does nothing once the pass has ended.
+  [[nodiscard]] const RepeatingCallback<void()>& Waker() const noexcept { return installed; }
   /// True from a successful call of `wake` until the next Run.
   [[nodiscard]] bool IsRequested() const noexcept;
   /// How many further exceptions came with the one that Run threw last, and were dropped.
@@ -52,6 +61,7 @@ class DATABINDING_API IdlePass {
  private:
   class State;
   void Deliver(std::optional<std::chrono::nanoseconds> budget);
+  static void DeliverEvents(State& state, std::optional<std::chrono::nanoseconds> budget);
 
   std::shared_ptr<State> state;
   RepeatingCallback<void()> installed;
