@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // This file holds Diagnose: it walks the scopes of a tree, has the listeners of each scope report
-// what they want there, and explains each of these wishes.
+// what they want there, and explains each of these wishes. It also looks for lists whose callbacks
+// did not come to rest.
 
 #include "DataBinding/framework/Diagnose.h"
 
@@ -13,6 +14,7 @@
 #include "DataBinding/datasource/IDataSourceProvider.h"
 #include "DataBinding/datasource/details/ListenerReport.h"
 #include "Explanation.h"
+#include "FoundList.h"
 
 namespace DataBinding {
 
@@ -31,6 +33,16 @@ class ScopeReport final : public details::ListenerReport {
   void AddBind(const VtrString& source, const VtrString& property,
                const Framework::BindStatus& status) override {
     out.push_back({&scope, scopeName, source, property, status});
+  }
+  /// Adds the lists of a source whose callbacks did not come to rest.
+  void AddRestlessLists(IDataSource& source) {
+    const wchar_t* const sourceName = source.GetDataSourceName();
+    if (sourceName == nullptr || details::ReflectionAccess::IsEnding(source)) return;
+    for (const VtrString& name : source.GetNamesInOrder()) {
+      auto* const property = details::FindList(&source, name).property;
+      if (property == nullptr || !details::ListOf(*property).Turns()->WasRestless()) continue;
+      AddBind(sourceName, name, details::ExplainRestless(sourceName, name));
+    }
   }
 
  private:
@@ -58,6 +70,7 @@ void AddTree(IDataSourceProvider& provider, std::vector<BindDiagnosis>& out) {
   std::vector<BindDiagnosis> rows;
   ScopeReport here(provider, rows);
   provider.VisitDataListeners([&](IDataListener& listener) { listener.ReportTo(here); });
+  provider.VisitDataSources([&](IDataSource& source) { here.AddRestlessLists(source); });
   std::ranges::sort(rows, {}, [](const BindDiagnosis& row) {
     return std::tie(row.source, row.property, row.status.text);
   });

@@ -213,6 +213,14 @@ BindStatus ExplainUnreachable(const Wish& wish, IDataSource& found) {
           ReflectionAccess::Explain(PropertyError::NoAccessor, &found, wish.property, wish.plain)};
 }
 
+BindStatus ExplainRestless(const VtrString& source, const VtrString& list) {
+  return {
+      State::Restless,
+      VtrString().Format(L"The callbacks of list \"%s\" of data source \"%s\" have changed it a "
+                         L"thousand times within one operation.",
+                         list, source)};
+}
+
 BindStatus ExplainHeard(const Wish& wish, IDataSourceProvider& scope) {
   bool isHeard = false;
   bool isKnown = false;

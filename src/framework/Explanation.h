@@ -43,6 +43,8 @@ struct Wish {
                                                  IDataSource& found);
 /// Explains a property that is filed under its type, but with an accessor of another one.
 [[nodiscard]] Framework::BindStatus ExplainUnreachable(const Wish& wish, IDataSource& found);
+/// Explains a list whose callbacks have changed it too often.
+[[nodiscard]] Framework::BindStatus ExplainRestless(const VtrString& source, const VtrString& list);
 /// Explains a listener whose subscription stands, whatever the case of the source's name.
 [[nodiscard]] Framework::BindStatus ExplainHeard(const Wish& wish, IDataSourceProvider& scope);
 

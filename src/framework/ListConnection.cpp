@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DataBinding/framework/details/ListConnection.h"
 
-#include "DataBinding/lists/details/ListStorage.h"
-#include "DataBinding/property/PropertyAccess.h"
+#include "FoundList.h"
 
 namespace DataBinding::details {
 
@@ -12,15 +11,7 @@ using State = Framework::BindStatus::State;
 
 VtrString NameOf(const runtime_type_base& type) { return VtrString::FromUtf8(type.GetTypeName()); }
 
-/// Returns the list that a property is.
-AnyList& ListOf(PropertyBase& property) { return static_cast<ListProperty&>(property).Rows(); }
-
 using Found = ReflectionAccess::Found;
-
-Found FindList(const IDataSource* source, const VtrString& name) {
-  return ReflectionAccess::Find(source, name, runtime_type<AnyList>::Get(),
-                                runtime_type<const AnyList>::Get());
-}
 
 /// Finds a list with rows of the wanted type; null stands for any.
 Found FindRows(const IDataSource* source, const VtrString& name, const RowTable* wanted) {

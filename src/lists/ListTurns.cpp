@@ -81,7 +81,8 @@ void ListTurns::Drop(const void* owner) noexcept {
   }
 }
 
-void ListTurns::ReportUnrest() const {
+void ListTurns::ReportUnrest() {
+  wasRestless = true;
   constexpr auto* text =
       "The callbacks of a list have changed it a thousand times within one operation.";
   ReportFailure(root == nullptr ? VtrString() : root->ListName(),

@@ -5,9 +5,11 @@
 #include <string>
 
 #include "../support/Scopes.h"
+#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/datasource/MakeDataSource.h"
 #include "DataBinding/framework/AnyListBind.h"
 #include "DataBinding/framework/Diagnose.h"
+#include "DataBinding/lists/FilteredList.h"
 #include "DataBinding/lists/List.h"
 #include "DataBinding/lists/Selection.h"
 #include "DataBinding/lists/SortedList.h"
@@ -234,6 +236,22 @@ TEST_F(ListBinds, SayWhatIsWrongWithTheList) {
   EXPECT_EQ(volume.Status().state, BindStatus::State::WrongType);
   EXPECT_NE(volume.Status().text.ToUtf8().find("has type int and is no list."), std::string::npos);
   EXPECT_FALSE(volume.HasValue());
+}
+
+TEST_F(ListBinds, HaveDiagnoseNameAListThatDidNotComeToRest) {
+  SetListenerFailureHandler([](const ListenerFailure&) {});
+  auto& player = Emplaced(parent, {{1, L"A"}});
+  for (const int rounds : {900, 1100}) {
+    int left = rounds;
+    const Subscription restless = player.songs.Observe({.after = [&](const auto& /*change*/) {
+      if (left-- > 0) player.songs.Move(0, 1, 1);
+    }});
+    player.songs.Insert(0, Song{rounds, L"B"});
+    EXPECT_EQ(Diagnose(*parent).size(), rounds == 900 ? 1U : 2U);
+  }
+  EXPECT_EQ(Diagnose(*parent).front().status.state, BindStatus::State::Restless);
+  EXPECT_EQ(Diagnose(*parent).front().property, L"Songs");
+  SetListenerFailureHandler({});
 }
 
 TEST_F(ListBinds, WithoutATypeShowAnyRowsAsValues) {

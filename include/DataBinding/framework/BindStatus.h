@@ -27,7 +27,8 @@ struct BindStatus {
     CaseDiffers,  ///< a data source or a property has that name in other case
     Shadowed,     ///< the name finds an earlier data source, or one of a nearer scope
     NoProperty,   ///< the data source has no such property
-    WrongType     ///< the property or event has another type, or cannot be reached
+    WrongType,    ///< the property or event has another type, or cannot be reached
+    Restless      ///< told by Diagnose of a list: its callbacks have changed it again and again
   };
 
   /// Tells the state. It is Unbound unless the status was taken from a bind.

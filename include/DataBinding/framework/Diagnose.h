@@ -19,16 +19,17 @@
 
 namespace DataBinding {
 
-/// A BindDiagnosis describes one bind, or one entry of a listener.
+/// A BindDiagnosis describes one bind, one entry of a listener, or a list that did not come to
+/// rest.
 struct BindDiagnosis {
-  /// Names the scope that the bind was given. The pointer is only to be compared, since the scope
-  /// may be gone later.
+  /// Names the scope that the bind was given, or that has the list's source. The pointer is only to
+  /// be compared, since the scope may be gone later.
   const IDataSourceProvider* scope = nullptr;
   /// Lists that scope's categories, separated by commas.
   VtrString scopeName;
   /// Holds the data source's name as the bind or the listener has it.
   VtrString source;
-  /// Holds the property's name or, for an event bind, the event's.
+  /// Holds the property's or list's name or, for an event bind, the event's.
   VtrString property;
   /// Tells why the bind shows what it shows.
   Framework::BindStatus status;
@@ -40,6 +41,10 @@ struct BindDiagnosis {
 /// is not in the tree. Listeners of other kinds do not tell what they want and are left out. A
 /// listener's entry counts as connected while its subscription stands; if the property is in no
 /// list, the text says so.
+///
+/// A list whose callbacks have once changed it a thousand times within one operation has a row of
+/// its own as long as it lives, in the state Restless, whether or not anything is bound to it. The
+/// listener failure handler was told when that happened.
 [[nodiscard]] DATABINDING_API std::vector<BindDiagnosis> Diagnose(IDataSourceProvider& provider);
 
 }  // namespace DataBinding

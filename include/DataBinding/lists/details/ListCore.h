@@ -163,16 +163,19 @@ class DATABINDING_API ListTurns : public std::enable_shared_from_this<ListTurns>
   ///@}
   /// The root of the family has ended.
   void ForgetRoot() noexcept { root = nullptr; }
+  /// Returns true when the callbacks of the family did not come to rest within some operation.
+  [[nodiscard]] bool WasRestless() const noexcept { return wasRestless; }
 
  private:
   void RunAll(ListTurnPtr first);
   ListTurnPtr TakeNext() noexcept;
-  void ReportUnrest() const;
+  void ReportUnrest();
 
   ListNode* root;
   std::vector<ListTurnPtr> waiting;
   std::size_t next = 0;
   bool isTelling = false;
+  bool wasRestless = false;
 };
 
 /// Refers to a function that changes a copy of a row, or says why it does not.
