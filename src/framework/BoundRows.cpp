@@ -31,7 +31,7 @@ class BoundRows::EmptyTurn final : public ListTurn {
  public:
   explicit EmptyTurn(BoundRows& itsRows) : rows(itsRows.AsWeakPtr()), owner(&itsRows) {}
   void Run() override {
-    if (rows) rows->Empty();
+    if (rows) rows->Empty(ListChangeKind::Removed);
   }
   [[nodiscard]] const void* Owner() const noexcept override { return owner; }
 
@@ -66,7 +66,8 @@ const void* BoundRows::RowOf(RowId id) const noexcept {
 }
 
 const std::shared_ptr<ListTurns>& BoundRows::Turns() const noexcept {
-  return List() == nullptr ? ownTurns : List()->Turns();
+  if (List() != nullptr) return List()->Turns();
+  return leftTurns != nullptr && leftTurns->IsTelling() ? leftTurns : ownTurns;
 }
 
 SetResult BoundRows::UpdateRow(RowId id, const RowEdit& edit) {
@@ -227,13 +228,27 @@ void BoundRows::Apply(const ListStep& step) noexcept {
   }
 }
 
+/// Where it was the former list of an exchange that has ended, the wanted one is shown anew.
+void BoundRows::ListEnds() noexcept {
+  const auto self = AsWeakPtr();
+  LetGo();
+  if (!self || isTurnWaiting || !wantedLives.IsValid()) return;
+  try {
+    TakeTurn(nullptr);
+  } catch (...) {
+    ReportFailure(self ? node.ListName() : VtrString(), std::current_exception());
+  }
+}
+
 /// Lets go of all rows, at once, and then of the lists. Where one of them ends, the rows of both
-/// can still be read.
+/// can still be read. Another list waits as long as the family tells the change that this has
+/// interrupted.
 void BoundRows::LetGo() noexcept {
   const auto self = AsWeakPtr();
   const auto turns = Turns();
   if (turns->IsTelling() || emptying == nullptr) {
-    Empty();
+    leftTurns = turns;
+    Empty(ListChangeKind::Reset);
   } else {
     try {
       turns->Take(std::move(emptying));
@@ -244,32 +259,32 @@ void BoundRows::LetGo() noexcept {
   if (self && !turns->IsTelling()) AtRest();
 }
 
-/// The dependents need memory for letting go of all rows. Without it the bind ends for them.
-void BoundRows::Empty() noexcept {
+/// The dependents need memory for a Removed of all rows, but not for a Reset to none.
+void BoundRows::Empty(ListChangeKind kind) noexcept {
   const auto self = AsWeakPtr();
   try {
-    if (order.Size() != 0) node.PrepareDependents(Pending());
+    if (order.Size() != 0 && kind == ListChangeKind::Removed) node.PrepareDependents(Pending());
   } catch (...) {
-    ReportFailure(node.ListName(), std::current_exception());
-    if (self) node.LeaveDependents();
+    kind = ListChangeKind::Reset;
   }
-  if (self) RemoveAll();
+  RemoveAll(kind);
   if (!self) return;
   for (Follower& follower : followers) follower.Leave();
 }
 
-/// A Reset takes the place of what is being told just now.
-void BoundRows::RemoveAll() noexcept {
-  if (order.Size() == 0) return;
+/// What is being told just now is not told to the rest, since a Reset takes its place. So that is
+/// told even where no row is left.
+void BoundRows::RemoveAll(ListChangeKind kind) noexcept {
+  if (order.Size() == 0 && !node.IsTelling()) return;
   leaving.clear();
   order.ForEach([this](std::span<const RowId> ids) {
     leaving.insert(leaving.end(), ids.begin(), ids.end());
   });
   ListStep step;
-  if (node.IsTelling()) {
+  step.kind = kind;
+  if (kind == ListChangeKind::Reset) {
     step.gone = leaving;
   } else {
-    step.kind = ListChangeKind::Removed;
     step.count = leaving.size();
     step.rows = leaving;
   }

@@ -96,7 +96,9 @@ void BoundRows::ShowWanted() {
   const auto self = AsWeakPtr();
   const auto lives = wantedLives;
   AnyList* const next = wanted;
-  if (order.Size() != 0 && !AreRowsAlike(*List(), *next)) LetGo();  // while their type is known
+  if (order.Size() != 0 && !AreRowsAlike(*List(), *next)) {
+    Empty(ListChangeKind::Removed);  // while the type of the rows is known
+  }
   if (!self || !lives.IsValid() || wanted != next) return;
   Other().list = next;
   try {

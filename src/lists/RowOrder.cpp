@@ -101,8 +101,8 @@ void RowOrder::Move(std::size_t from, std::size_t count, std::size_t to) noexcep
 
 void RowOrder::Assign(std::span<const RowId> ids) {
   const std::size_t wanted = DividedUp(ids.size(), wellFilled);
-  const RowId last = ids.empty() ? 0 : *std::max_element(ids.begin(), ids.end());
-  ReserveBlocks(wanted > sequence.size() ? wanted - sequence.size() : 0, last + 1);
+  const RowId idsBelow = ids.empty() ? 0 : *std::max_element(ids.begin(), ids.end()) + 1;
+  ReserveBlocks(wanted > sequence.size() ? wanted - sequence.size() : 0, idsBelow);
   Clear();
   size = ids.size();
   Append(ids);

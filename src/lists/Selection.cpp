@@ -110,18 +110,21 @@ void AnySelection::Prepare(const details::ListPlan& plan) {
 }
 
 void AnySelection::Before(const ListStep& step) noexcept {
+  ++heard;
   LetGo(GoingIn(step), list->IsSourceGoing());
 }
 
 void AnySelection::After(const ListStep& step) noexcept {
   const auto self = AsWeakPtr();
+  const auto own = ++heard;
   LetGo(GoingIn(step), list->IsSourceGoing());
-  if (self) TakeWished(ComingIn(step));
+  if (self && heard == own) TakeWished(ComingIn(step));
 }
 
 /// The rows can still be read.
 void AnySelection::ListEnds() noexcept {
   const auto self = AsWeakPtr();
+  ++heard;
   LetGo(chosen, false);
   if (!self) return;
   list = nullptr;
@@ -130,7 +133,8 @@ void AnySelection::ListEnds() noexcept {
 }
 
 /// Takes rows, which may be all that are chosen, out of the selection, and tells that they are
-/// gone, unless they may come again.
+/// gone, unless they may come again. Where the list has told something else meanwhile, it has let
+/// go of them all, and they cannot be read any more.
 void AnySelection::LetGo(std::span<const RowId> going, bool comesAgain) noexcept {
   for (const RowId id : going) {
     if (Contains(id)) isChosen[id] = false;
@@ -143,7 +147,8 @@ void AnySelection::LetGo(std::span<const RowId> going, bool comesAgain) noexcept
   chosen.erase(kept, chosen.end());
   const std::size_t end = leaving.size();
   const auto self = AsWeakPtr();
-  for (std::size_t i = first; i < end && list != nullptr; ++i) {
+  const auto own = heard;
+  for (std::size_t i = first; i < end && heard == own; ++i) {
     if (comesAgain) Attempt([&] { wishes.insert(KeyOf(leaving[i])); });
     if (!comesAgain && !Tell({true, leaving[i]})) return;
   }

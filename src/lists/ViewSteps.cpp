@@ -15,7 +15,7 @@ void ListView::Before(const ListStep& step) noexcept {
       return PassOn(step);
     case ListChangeKind::Reordered:
     case ListChangeKind::Reset:
-      return TakeTarget(step);
+      return step.rows.empty() ? TakeNothing(step) : TakeTarget(step);
     default:
       return;
   }
@@ -122,6 +122,18 @@ void ListView::MergeInto(std::span<const RowId> base) noexcept {
 
 bool ListView::TellTarget() noexcept { return BeginTarget() && EndTarget(); }
 
+/// Begins to show no row. This needs no memory, so nobody has to prepare for it. The rows that go
+/// are those of the list, which may be more than the view has shown.
+void ListView::TakeNothing(const ListStep& step) noexcept {
+  target.clear();
+  asideInTarget = 0;
+  whole = step;
+  isTargetOpen = order.Size() != 0 || node.IsTelling();
+  if (isTargetOpen) node.TellBefore(whole);
+}
+
+/// What the view was telling when its list has let go of all rows is not told to the rest, so a
+/// view that is telling always tells.
 bool ListView::BeginTarget() noexcept {
   isTargetOpen = !IsTarget();
   if (!isTargetOpen) return true;

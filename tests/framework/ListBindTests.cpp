@@ -40,6 +40,16 @@ class Player : public NamedDataSource {
   Property<int> volume{this, L"Volume"};
 };
 
+/// Its list may end before it.
+struct Shelf : NamedDataSource {
+  Shelf() : NamedDataSource(L"Player") {}
+  void Renew(std::vector<Song> rows) {
+    songs.reset(new List<Song>(this, L"Songs"));
+    songs->Assign(std::move(rows));
+  }
+  std::unique_ptr<List<Song>> songs;
+};
+
 using Framework::AnyListBind;
 using Framework::BindStatus;
 using Framework::ListBind;
@@ -217,14 +227,40 @@ TEST_F(ListBinds, HearWhatWaitsInBothListsWhenTheyChangeOver) {
 }
 
 TEST_F(ListBinds, LetGoWhenTheListThatIsToComeEnds) {
-  struct Shelf : NamedDataSource {
-    Shelf() : NamedDataSource(L"Player") {}
-    std::unique_ptr<List<Song>> songs{new List<Song>(this, L"Songs")};
-  };
   auto& player = Emplaced(parent, {{1, L"A"}});
-  hook = [&] { Emplace<Shelf>(*child).songs.reset(); };
+  hook = [&] {
+    auto& shelf = Emplace<Shelf>(*child);
+    shelf.Renew({});
+    shelf.songs.reset();
+  };
   player.songs.Insert(1, Song{2, L"B"});
   EXPECT_TRUE(bind->IsEmpty());
+}
+
+TEST_F(ListBinds, ShowTheListThatComesWhereTheFormerOneEndsMeanwhile) {
+  auto& former = Emplace<Shelf>(*parent);
+  former.Renew({{1, L"A"}});
+  hook = [&] { former.songs.reset(); };
+  Emplaced(child, {{2, L"B"}});
+  EXPECT_EQ(Notes(), "IA RX IB");
+}
+
+TEST_F(ListBinds, TellNobodyElseOfRowsThatCannotBeReadAnyMore) {
+  auto& shelf = Emplace<Shelf>(*parent);
+  FilteredList<Song> view(*bind, [](const Song& /*song*/) { return true; });
+  for (ReadableList<Song>* const told :
+       std::initializer_list<ReadableList<Song>*>{&view, watched}) {
+    shelf.Renew({{1, L"A"}});
+    EXPECT_EQ(view.Size(), 1U);
+    const Subscription ends =
+        told->Observe({.after = [&](const auto& /*change*/) { shelf.songs.reset(); }});
+    const Subscription reads = told->Observe(
+        {.after = [](const RowChange<Song>& change) { EXPECT_EQ(change.Count(), 0U); }});
+    if (told == watched) shelf.songs->Remove(0, 1);
+    if (told == &view) view.SetFilter([](const Song& song) { return song.id > 1; });
+    EXPECT_EQ(shelf.songs, nullptr);
+    view.SetFilter([](const Song& /*song*/) { return true; });
+  }
 }
 
 TEST_F(ListBinds, SayWhatIsWrongWithTheList) {

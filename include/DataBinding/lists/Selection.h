@@ -116,6 +116,8 @@ class DATABINDING_API AnySelection : public SupportsWeakPtr<AnySelection>,
   std::vector<RowId> leaving;
   /// Holds the keys that are waited for.
   std::unordered_set<Value, KeyHash> wishes;
+  /// Counts the calls of the list. One that comes within another takes its place.
+  std::uint64_t heard = 0;
   CallbackList<News> observers;
 };
 

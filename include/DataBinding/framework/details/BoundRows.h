@@ -12,11 +12,13 @@
 /// 2. Both families count as telling meanwhile, so whatever a callback has them do waits.
 /// 3. If a list ends while a change is told, the bind lets go of all rows at once, as long as they
 ///    can be read, and tells that by a Reset; what was being told is not told to the rest any more.
+///    Another list waits until the family that was left has told everything, since those that have
+///    called may still refer to what the bind and its dependents were telling.
 ///
 /// Ids of rows that have gone are given to others when the family has come to rest. What a change
 /// of the list needs is reserved when the list is prepared for it, with room for letting go of all.
-/// The dependents are prepared for that when it happens; if there is no memory, the bind ends for
-/// them.
+/// The dependents are prepared for that when it happens; if there is no memory, they are told a
+/// Reset to no rows, for which they need none.
 #pragma once
 
 #include <array>
@@ -72,7 +74,7 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
     void Prepare(const ListPlan& plan) override { rows.Prepare(plan, *this); }
     void Before(const ListStep& step) noexcept override { rows.Before(step); }
     void After(const ListStep& step) noexcept override { rows.After(step); }
-    void ListEnds() noexcept override { rows.LetGo(); }
+    void ListEnds() noexcept override { rows.ListEnds(); }
     void AtRest() noexcept override { rows.AtRest(); }
     void Leave() noexcept;
 
@@ -93,9 +95,10 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
   void Before(const ListStep& step) noexcept;
   void After(const ListStep& step) noexcept;
   void AtRest() noexcept;
+  void ListEnds() noexcept;
   void LetGo() noexcept;
-  void Empty() noexcept;
-  void RemoveAll() noexcept;
+  void Empty(ListChangeKind kind) noexcept;
+  void RemoveAll(ListChangeKind kind) noexcept;
   void TakeTurn(const ListTurns* running);
   void ShowWanted();
   void Reserve(const ListPlan& plan, bool hasAllRows, Follower& follower);
@@ -112,6 +115,7 @@ class DATABINDING_API BoundRows final : public SupportsWeakPtr<BoundRows> {
 
   ListNode& node;
   std::shared_ptr<ListTurns> ownTurns;
+  std::shared_ptr<ListTurns> leftTurns;  // of the family that was left while it told a change
   std::array<Follower, 2> followers{Follower(*this), Follower(*this)};
   bool isSecond = false;      // which of them follows the list that is shown
   AnyList* wanted = nullptr;  // the list that is to be shown, while it lives

@@ -198,6 +198,7 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   void ReserveRoom(std::size_t most, RowId idsBelow);
   [[nodiscard]] ListPlan OwnPlan(const ListPlan& plan) const noexcept;
   bool TellRanges(ListChangeKind kind) noexcept;
+  void TakeNothing(const ListStep& step) noexcept;
   [[nodiscard]] bool IsTarget() const noexcept;
   void CompareWithTarget() noexcept;
 
