@@ -45,17 +45,29 @@ bool RowSource::FindInterfaceByIID(const GUID& id, void** out) {
   return true;
 }
 
-const void* RowSource::ShownRow() const noexcept {
+std::optional<RowId> RowSource::ShownId() const noexcept {
   const AnySelection* const selection = chosen.Get();
-  const auto id = selection == nullptr ? std::nullopt : selection->CurrentId();
-  return id ? selection->List()->RowOf(*id) : nullptr;
+  if (selection == nullptr || selection->List() == nullptr) return std::nullopt;
+  return holds == 0 ? selection->CurrentId() : held;
+}
+
+const void* RowSource::ShownRow() const noexcept {
+  const auto id = ShownId();
+  return id ? chosen->List()->RowOf(*id) : nullptr;
 }
 
 SetResult RowSource::Update(const RowEdit& edit) {
-  const AnySelection* const selection = chosen.Get();
-  const auto id = selection == nullptr ? std::nullopt : selection->CurrentId();
-  if (id) return selection->List()->UpdateRow(*id, edit);
+  if (const auto id = ShownId()) return chosen->List()->UpdateRow(*id, edit);
   return {false, PropertyError::Absent, WhyAbsent()};
+}
+
+void RowSource::Hold() noexcept {
+  if (holds == 0) held = ShownId();
+  ++holds;
+}
+
+void RowSource::Release() {
+  if (--holds == 0) FollowSelection();
 }
 
 bool RowSource::IsListReadOnly() const {
@@ -65,13 +77,18 @@ bool RowSource::IsListReadOnly() const {
 }
 
 void RowSource::FollowSelection() {
+  if (holds != 0) return;
   const auto now = chosen ? chosen->CurrentId() : std::nullopt;
   if (std::exchange(shown, now) == now) return;
   ++serial;
   AnnounceFields(~std::uint64_t{0});
 }
 
+/// A row that is held may go. Its id can be given to another one later, and must not lead to that.
 void RowSource::FollowList(const ListChange& change) {
+  if (held && !change.IsBefore() && change.Node().IndexOfRow(*held) == RowOrder::nowhere) {
+    held.reset();
+  }
   if (change.IsBefore() || change.Kind() != ListChangeKind::Changed || !shown) return;
   if (std::ranges::count(change.Ids(), *shown) != 0) AnnounceFields(change.Step().fields);
 }

@@ -10,6 +10,7 @@
 #include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/property/PropertyAccess.h"
 #include "DataBinding/property/PropertyBatch.h"
+#include "DataBinding/property/details/ShownRecord.h"
 
 namespace DataBinding {
 
@@ -130,9 +131,13 @@ CopyResult CopyProperties(const IDataSource* from, IDataSource* to) {
   if (copying.IsRefused()) return std::move(copying).Result();
   std::optional<PropertyBatch> batch;
   if (auto* const source = dynamic_cast<DataSourceImpl*>(to)) batch.emplace(*source);
+  auto* const record = details::ShownRecord::Of(to);
+  const auto isThere = to->GetLiveness();
+  if (record != nullptr) record->Hold();
   FirstFailure failure;
   const bool isDone = failure.Try([&] { copying.Set(); });
   if (!isDone || copying.IsRefused()) failure.Try([&] { copying.PutBack(); });
+  if (record != nullptr && isThere.IsValid()) failure.Try([&] { record->Release(); });
   if (batch) failure.Try([&] { batch->Commit(); });
   failure.Rethrow();
   return std::move(copying).Result();

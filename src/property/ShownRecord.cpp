@@ -9,10 +9,13 @@ namespace DataBinding::details {
 ShownRecord::~ShownRecord() = default;
 
 const ShownRecord* ShownRecord::Of(const IDataSource* source) {
-  if (source == nullptr || ReflectionAccess::IsEnding(*source)) return nullptr;
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): asking changes nothing in the source
-  auto* const asked = const_cast<IDataSource*>(source);
-  return IVantorGenericDetail::FindInterfaceProxy(asked).As<ShownRecord>();
+  return Of(const_cast<IDataSource*>(source));
+}
+
+ShownRecord* ShownRecord::Of(IDataSource* source) {
+  if (source == nullptr || ReflectionAccess::IsEnding(*source)) return nullptr;
+  return IVantorGenericDetail::FindInterfaceProxy(source).As<ShownRecord>();
 }
 
 VtrString ExplainAbsence(const ShownRecord& record, const VtrString& source,

@@ -127,6 +127,28 @@ TEST_F(CurrentRows, TakeACopyAsAWholeOrNotAtAll) {
   EXPECT_EQ(tables.Find(1)->seats, -1);
 }
 
+TEST_F(CurrentRows, KeepTheirRowUntilAllValuesAreCopiedToIt) {
+  ListData<Table> tables;
+  tables.Assign({{1, 1}, {2, 2}});
+  Selection<Table> choice(tables);
+  const CurrentRow<Table> row(child.get(), L"Table", choice);
+  const auto draft = MakeDataSource<Draft>(nullptr);
+  choice.ChooseKey(1);
+  Subscription moves =
+      tables.Observe({.after = [&](const auto& /*change*/) { choice.ChooseKey(2); }});
+  EXPECT_TRUE(CopyProperties(draft.get(), row.Source()).changed);
+  EXPECT_EQ(tables[0].number * 10 + tables[0].seats, 94);
+  EXPECT_EQ(tables[1].number * 10 + tables[1].seats, 22);
+  EXPECT_EQ(*GetProperty<int>(row.Source(), L"Number"), 2);
+
+  tables.RemoveKey(9);
+  moves = tables.Observe({.after = [&](const auto& change) {
+    if (change.Kind() == ListChangeKind::Changed) tables.Assign({{5, 5}});
+  }});
+  EXPECT_EQ(CopyProperties(draft.get(), row.Source()).error, PropertyError::Absent);
+  EXPECT_EQ(tables[0].number * 10 + tables[0].seats, 55);
+}
+
 TEST_F(CurrentRows, AreReadOnlyWhereOnlyTheSourceChangesTheList) {
   const auto draft = MakeDataSource<Draft>(nullptr);
   SortedList<Table> sorted(draft->tables, By(&Table::seats));

@@ -68,6 +68,9 @@ struct CopyResult {
 /// leaves this operation. No validator is asked about a value that is put back. Listeners are told
 /// in one batch at the end, if the source derives from DataSourceImpl; values that were put back
 /// are told, too. They may end both sources.
+///
+/// A CurrentRow to which values are copied shows its row until that is done, also where another row
+/// is chosen meanwhile. So all values go to one row; if that is removed, the copy is refused.
 DATABINDING_API CopyResult CopyProperties(const IDataSource* from, IDataSource* to);
 
 }  // namespace DataBinding

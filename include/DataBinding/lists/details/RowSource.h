@@ -5,7 +5,8 @@
 /// A property answers as absent while nothing is chosen; the source and its names stay. When
 /// another row is chosen, the serial number grows and all properties are announced; when fields of
 /// the shown row change, those are. What is set goes through the list's update of the row, and so
-/// through the validators of its fields.
+/// through the validators of its fields. While the source holds a row (ShownRecord.h), it shows
+/// that one, whatever is chosen.
 #pragma once
 
 #include <cstddef>
@@ -41,6 +42,8 @@ class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
 
   [[nodiscard]] std::uint64_t Serial() const noexcept override { return serial; }
   [[nodiscard]] const wchar_t* WhyAbsent() const noexcept override { return L"no row is chosen"; }
+  void Hold() noexcept override;
+  void Release() override;
 
  protected:
   bool FindInterfaceByIID(const GUID& id, void** out) override;
@@ -48,12 +51,15 @@ class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
   void File(std::shared_ptr<PropertyBase> property, const runtime_type_base& type);
 
  private:
+  [[nodiscard]] std::optional<RowId> ShownId() const noexcept;
   void FollowSelection();
   void FollowList(const ListChange& change);
   void AnnounceFields(std::uint64_t bits);
 
   WeakPtr<AnySelection> chosen;
   std::optional<RowId> shown;
+  std::optional<RowId> held;
+  std::size_t holds = 0;
   std::uint64_t serial = 0;
   std::vector<std::shared_ptr<PropertyBase>> fields;
   Subscription ofSelection;

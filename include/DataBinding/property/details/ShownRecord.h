@@ -23,12 +23,22 @@ class DATABINDING_API ShownRecord {
   ShownRecord& operator=(const ShownRecord&) = delete;
 
   /// Returns the source's record, or null for a source that is not of this kind.
+  ///@{
   [[nodiscard]] static const ShownRecord* Of(const IDataSource* source);
+  [[nodiscard]] static ShownRecord* Of(IDataSource* source);
+  ///@}
 
   /// Returns a number that is another one whenever another record is shown.
   [[nodiscard]] virtual std::uint64_t Serial() const noexcept = 0;
   /// Says why there is no record when there is none: "no row is chosen".
   [[nodiscard]] virtual const wchar_t* WhyAbsent() const noexcept = 0;
+  /// Goes on showing the present record, until Release is called as often, while another one is
+  /// chosen: what is set property by property then all goes to one record. Where that record ends
+  /// meanwhile, there is none.
+  ///@{
+  virtual void Hold() noexcept = 0;
+  virtual void Release() = 0;
+  ///@}
 
  protected:
   virtual ~ShownRecord();
