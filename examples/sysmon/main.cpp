@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A system monitor. It shows live figures by means of the library's data sources, scopes, events
-/// and binds.
+/// A system monitor. It shows live figures by means of the library's data sources, lists, scopes,
+/// events and binds.
 ///
 ///   system   reads the machine                      plain structs, on a thread of their own
 ///      |  events, through a queue                   model/Events.h
-///   model    publishes it: sources in scopes        names, values, announcements
+///   model    publishes it: sources and lists        names, values, rows, announcements
 ///      |
-///   view     shows whatever is published            knows names only, redraws what has changed
+///   view     shows whatever is published            knows names and rows, redraws what has changed
 ///
-/// Start reading at model/Events.h, then model/Machine.h and view/Watch.h.
+/// Start reading at model/Events.h, then model/MachineSources.h, view/Watch.h and view/Table.h.
 #include <clocale>
 #include <cstdlib>
 #include <exception>
@@ -97,7 +97,7 @@ class Monitor {
     return loop.Run();
   }
   void PrintReport() {
-    auto report = ReportTree(root.Get());
+    auto report = ReportMachine(root.Get());
     if (options.frames != 0) report["Events"] = ReportEvents(log);
     if (options.frames != 0 && log.Dropped() != 0) report["EventsDropped"] = log.Dropped();
     std::cout << report.dump(2) << '\n';

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <DataBinding/appevents/IAppEventBroadcaster.h>
+#include <DataBinding/framework/ListBind.h>
 #include <DataBinding/property/PropertyAccess.h>
 #include <DataBinding/registrar/IDataSourceRegistrar.h>
 #include <gtest/gtest.h>
@@ -18,6 +19,7 @@
 #include "../../examples/sysmon/model/Machine.h"
 #include "../../examples/sysmon/model/Pause.h"
 #include "../../examples/sysmon/view/LimitEditor.h"
+#include "../../examples/sysmon/view/ProcessScope.h"
 
 namespace Sysmon {
 namespace {
@@ -29,7 +31,9 @@ using DataBinding::IDataSourceRegistrar;
 class NoReader final : public SystemReader {
  public:
   SystemReading Read() override { return {}; }
-  CommandReading ReadCommand(std::uint64_t /*processId*/) override { return {}; }
+  CommandReading ReadCommand(std::uint64_t processId) override {
+    return {std::to_string(processId), {}, {}, 0};
+  }
 };
 
 struct RootScope {
@@ -99,6 +103,29 @@ TEST_F(MonitorTest, APauseEndsWithTheNewestMeasurements) {
   EXPECT_FALSE(pause.IsOn());
   EXPECT_EQ(Shown<double>(L"Load", L"One"), 3);
   EXPECT_EQ(log.Added() - before, 7u) << "one of each measurement";
+}
+
+TEST_F(MonitorTest, AProcessIsShownUntilItsNumberIsThatOfAnother) {
+  DataBinding::Framework::ListBind<Process> processes(&root, L"Machine", L"Processes");
+  ProcessScope shown(root, processes);
+  const auto show = [&](const wchar_t* source, const wchar_t* property) {
+    return DataBinding::ReadPropertyText(shown.Get().GetDataSource(source), property).value;
+  };
+  ProcessReading make;
+  make.id = 7;
+  make.cpuTime = Seconds(3);
+
+  Take(0, 1, {{}, make});
+  shown.Show(processes.At(1));
+  make.cpuTime = Seconds(4);
+  Take(1, 1, {make});
+  EXPECT_EQ(show(L"Process", L"Cpu"), L"1");
+  EXPECT_EQ(show(L"Command", L"CommandLine"), L"7");
+
+  make.started = Seconds(20);
+  Take(2, 1, {make});
+  EXPECT_FALSE(shown.HasProcess());
+  EXPECT_EQ(processes.Size(), 1u);
 }
 
 TEST_F(MonitorTest, AnAlarmStandsWhileTheValueIsAtItsLimitOrAbove) {

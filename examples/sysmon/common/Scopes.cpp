@@ -5,7 +5,6 @@
 
 #include <DataBinding/datasource/IDataSource.h>
 #include <DataBinding/property/PropertyAccess.h>
-#include <DataBinding/registrar/IDataSourceRegistrar.h>
 
 namespace Sysmon {
 
@@ -17,14 +16,6 @@ std::optional<Value> ReadValue(IDataSource* source, const VtrString& property) {
   };
   readAnyOf(std::type_identity<Value>());
   return result;
-}
-
-std::vector<VtrString> SourceNames(const IDataSourceProvider& scope) {
-  // A scope without categories builds nothing itself, but the registrar would list all names for
-  // it.
-  if (scope.GetCategories().empty()) return {};
-  return DataBinding::IDataSourceRegistrar::GetInstance().GetRegisteredDataSources(
-      scope.GetCategories());
 }
 
 }  // namespace Sysmon

@@ -52,11 +52,12 @@ void Announcer::AnnounceCpu(const CpuReading& cpu) {
 }
 
 void Announcer::AnnounceProcesses(const SystemReading& now, Seconds elapsed) {
-  std::vector<ProcessSample> samplesNow;
+  std::vector<Process> rows;
+  rows.reserve(now.processes.size());
   std::map<ProcessKey, ProcessReading> present;
   for (const ProcessReading& process : now.processes) {
     const ProcessKey key{process.id, process.started};
-    samplesNow.push_back(Compare(process, now.host.uptime, elapsed));
+    rows.push_back(Compare(process, now.host.uptime, elapsed));
     if (samples > 1 && !processes.contains(key)) RaiseOf(processStarted, process);
     present.insert_or_assign(key, process);
   }
@@ -64,36 +65,55 @@ void Announcer::AnnounceProcesses(const SystemReading& now, Seconds elapsed) {
     if (!present.contains(key)) RaiseOf(processEnded, process);
   }
   processes = std::move(present);
-  processesMeasured.RaiseLatest(std::move(samplesNow));
+  processesMeasured.RaiseLatest(std::move(rows));
 }
 
-ProcessSample Announcer::Compare(const ProcessReading& process, Seconds uptime,
-                                 Seconds elapsed) const {
-  const Seconds age = uptime - process.started;
-  const auto before = processes.find({process.id, process.started});
+Process Announcer::Compare(const ProcessReading& now, Seconds uptime, Seconds elapsed) const {
+  const Seconds age = uptime - now.started;
+  const auto before = processes.find({now.id, now.started});
   const bool isKnown = before != processes.end();
   const double timeBefore = isKnown ? before->second.cpuTime.count() : 0;
-  const double rate = Rate(timeBefore, process.cpuTime.count(), isKnown ? elapsed : age);
-  return {process, {rate}, age};
+  const double rate = Rate(timeBefore, now.cpuTime.count(), isKnown ? elapsed : age);
+  return {.id = now.id,
+          .parent = now.parent,
+          .name = VtrString::FromUtf8(now.name),
+          .user = VtrString::FromUtf8(now.user),
+          .state = VtrString::FromUtf8(now.state),
+          .cpu = {rate},
+          .cpuTime = now.cpuTime,
+          .age = age,
+          .threads = now.threads,
+          .resident = {now.residentBytes},
+          .virtualSize = {now.virtualBytes},
+          .started = now.started};
 }
 
 void Announcer::AnnounceInterfaces(const SystemReading& now, Seconds elapsed) {
-  std::vector<std::string> names;
-  for (const InterfaceReading& reading : now.interfaces) names.push_back(reading.name);
-  std::erase_if(interfaces, [&](const auto& known) {
-    return std::ranges::find(names, known.first) == names.end();
-  });
-  interfacesMeasured.RaiseLatest(std::move(names));
+  std::vector<Interface> rows;
+  rows.reserve(now.interfaces.size());
+  std::map<std::string, InterfaceReading> present;
   for (const InterfaceReading& reading : now.interfaces) {
-    const auto [known, isNew] =
-        interfaces.try_emplace(reading.name, Interface{InterfaceMeasured(reading.name), reading});
-    Interface& interface = known->second;
-    const auto& before = interface.before;
-    interface.measured.RaiseLatest({reading,
-                                    Rate(before.receivedBytes, reading.receivedBytes, elapsed),
-                                    Rate(before.sentBytes, reading.sentBytes, elapsed)});
-    interface.before = reading;
+    rows.push_back(Compare(reading, elapsed));
+    present.insert_or_assign(reading.name, reading);
   }
+  interfaces = std::move(present);
+  interfacesMeasured.RaiseLatest(rows);
+  for (const Interface& row : rows) InterfaceMeasured(row.name).RaiseLatest(row);
+}
+
+Interface Announcer::Compare(const InterfaceReading& now, Seconds elapsed) const {
+  const auto known = interfaces.find(now.name);
+  const InterfaceReading& before = known == interfaces.end() ? now : known->second;
+  return {.name = VtrString::FromUtf8(now.name),
+          .state = VtrString::FromUtf8(now.state),
+          .address = VtrString::FromUtf8(now.address),
+          .received = {now.receivedBytes},
+          .sent = {now.sentBytes},
+          .receivedRate = Rate(before.receivedBytes, now.receivedBytes, elapsed),
+          .sentRate = Rate(before.sentBytes, now.sentBytes, elapsed),
+          .receivedPackets = now.receivedPackets,
+          .sentPackets = now.sentPackets,
+          .errors = now.errors};
 }
 
 }  // namespace Sysmon

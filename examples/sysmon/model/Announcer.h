@@ -21,23 +21,19 @@ class Announcer {
  private:
   /// Tells a process from another one that bears the same number later.
   using ProcessKey = std::pair<Count, Seconds>;
-  struct Interface {
-    AppEvent<InterfaceSample> measured;
-    InterfaceReading before;
-  };
 
   void AnnounceHost(const SystemReading& now) const;
   void AnnounceCpu(const CpuReading& cpu);
   void AnnounceProcesses(const SystemReading& now, Seconds elapsed);
-  [[nodiscard]] ProcessSample Compare(const ProcessReading& process, Seconds uptime,
-                                      Seconds elapsed) const;
+  [[nodiscard]] Process Compare(const ProcessReading& now, Seconds uptime, Seconds elapsed) const;
   void AnnounceInterfaces(const SystemReading& now, Seconds elapsed);
+  [[nodiscard]] Interface Compare(const InterfaceReading& now, Seconds elapsed) const;
 
   Count samples = 0;
   std::chrono::steady_clock::time_point taken;
   CpuReading cpuBefore;
   std::map<ProcessKey, ProcessReading> processes;
-  std::map<std::string, Interface> interfaces;
+  std::map<std::string, InterfaceReading> interfaces;
 };
 
 }  // namespace Sysmon

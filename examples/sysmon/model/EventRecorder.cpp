@@ -41,24 +41,24 @@ EventArgument Describe(const LoadSample& load) {
   return {{L"One", load.one}, {L"Five", load.five}, {L"Fifteen", load.fifteen}};
 }
 
-EventArgument Describe(const std::vector<ProcessSample>& processes) {
+EventArgument Describe(const std::vector<Process>& processes) {
   EventArgument described{{L"Processes", processes.size()}};
   const auto busiest = std::ranges::max_element(
-      processes, {}, [](const ProcessSample& process) { return process.cpu.value; });
+      processes, {}, [](const Process& process) { return process.cpu.value; });
   if (busiest == processes.end()) return described;
-  described.push_back({L"Busiest", VtrString::FromUtf8(busiest->reading.name)});
+  described.push_back({L"Busiest", busiest->name});
   described.push_back({L"Cpu", busiest->cpu});
   return described;
 }
 
-EventArgument Describe(const std::vector<std::string>& names) {
-  std::string all;
-  for (const std::string& name : names) all.append(all.empty() ? "" : " ").append(name);
-  return {{{}, VtrString::FromUtf8(all)}};
+EventArgument Describe(const std::vector<Interface>& interfaces) {
+  VtrString all;
+  for (const Interface& one : interfaces) all = all + (all.IsEmpty() ? L"" : L" ") + one.name;
+  return {{{}, all}};
 }
 
-EventArgument Describe(const InterfaceSample& interface) {
-  return {{L"ReceivedRate", interface.received}, {L"SentRate", interface.sent}};
+EventArgument Describe(const Interface& one) {
+  return {{L"ReceivedRate", one.receivedRate}, {L"SentRate", one.sentRate}};
 }
 
 /// Describes an argument by the one of these types that it has.
@@ -92,8 +92,7 @@ void EventRecorder::Record(const VtrString& name, const std::vector<Any>& argume
   for (const Any& argument : arguments) {
     entry.arguments.push_back(
         DescribeAny<VtrString, Count, double, HostSample, CpuSample, MemorySample, LoadSample,
-                    std::vector<ProcessSample>, std::vector<std::string>, InterfaceSample>(
-            argument));
+                    std::vector<Process>, std::vector<Interface>, Interface>(argument));
   }
   log.Add(std::move(entry));
 }

@@ -6,7 +6,6 @@
 /// that have happened, of which each counts. The names of measurements begin with "Measured.".
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include <DataBinding/appevents/AppEvent.h>
@@ -21,14 +20,12 @@ inline constinit const AppEvent<HostSample> hostMeasured{L"Measured.Host"};
 inline constinit const AppEvent<CpuSample> cpuMeasured{L"Measured.Cpu"};
 inline constinit const AppEvent<MemorySample> memoryMeasured{L"Measured.Memory"};
 inline constinit const AppEvent<LoadSample> loadMeasured{L"Measured.Load"};
-inline constinit const AppEvent<std::vector<ProcessSample>> processesMeasured{
-    L"Measured.Processes"};
-/// The names of the interfaces that there are. Each has an event of its own besides.
-inline constinit const AppEvent<std::vector<std::string>> interfacesMeasured{
-    L"Measured.Interfaces"};
+inline constinit const AppEvent<std::vector<Process>> processesMeasured{L"Measured.Processes"};
+/// All interfaces. Each has an event of its own besides, for the log.
+inline constinit const AppEvent<std::vector<Interface>> interfacesMeasured{L"Measured.Interfaces"};
 
-[[nodiscard]] inline AppEvent<InterfaceSample> InterfaceMeasured(const std::string& interface) {
-  return AppEvent<InterfaceSample>(VtrString::FromUtf8("Measured.Interfaces." + interface));
+[[nodiscard]] inline AppEvent<Interface> InterfaceMeasured(const VtrString& interface) {
+  return AppEvent<Interface>(L"Measured.Interfaces." + interface);
 }
 
 /// Follows the measurements of one moment. The number counts the moments from 1.

@@ -1,28 +1,46 @@
 // SPDX-License-Identifier: Apache-2.0
-/// The data sources of the root scope, which show the machine as a whole.
+/// The data sources of the root scope, which show the machine as a whole and list its processes and
+/// network interfaces. Each follows the events that carry its figures.
 #pragma once
 
-#include "Records.h"
+#include <utility>
+#include <vector>
+
+#include <DataBinding/datasource/NamedDataSource.h>
+#include <DataBinding/foundation/Subscription.h>
+#include <DataBinding/lists/List.h>
+#include <DataBinding/property/Property.h>
+#include <DataBinding/property/PropertyBatch.h>
+
+#include "Events.h"
 
 namespace Sysmon {
 
 using DataBinding::ComputedProperty;
+using DataBinding::ReadOnlyList;
 using DataBinding::ReadOnlyProperty;
 
-/// A source that shows the machine's record.
-class MachineSource : public SampledSource {
+/// A source whose properties are set to the figures of each sample that is delivered. Each property
+/// that has changed is announced once.
+template <class Sample>
+class SampledSource : public DataBinding::NamedDataSource {
  protected:
-  MachineSource(const wchar_t* sourceName, const MachineRecord& shownRecord)
-      : SampledSource(sourceName), record(shownRecord) {}
+  SampledSource(VtrString sourceName, const AppEvent<Sample>& measured)
+      : NamedDataSource(std::move(sourceName)),
+        followed(measured.Subscribe([this](const Sample& sample) {
+          const DataBinding::PropertyBatch batch(*this);
+          Take(sample);
+        })) {}
 
-  const MachineRecord& record;
+ private:
+  virtual void Take(const Sample& sample) = 0;
+
+  DataBinding::Subscription followed;
 };
 
-/// Its event sources ProcessesChanged and InterfacesChanged are announced when processes or
-/// interfaces have come or gone.
-class HostSource final : public MachineSource {
+class HostSource final : public SampledSource<HostSample> {
  public:
-  explicit HostSource(const MachineRecord& shownRecord);
+  HostSource() : SampledSource(L"Host", hostMeasured) {}
 
   ReadOnlyProperty<VtrString> name{this, L"Name"};
   ReadOnlyProperty<VtrString> system{this, L"System"};
@@ -32,13 +50,13 @@ class HostSource final : public MachineSource {
   ReadOnlyProperty<Count> interfaces{this, L"Interfaces"};
 
  private:
-  void TakeOver() override;
+  void Take(const HostSample& host) override;
 };
 
 /// Shares of the time of all processors together.
-class CpuSource final : public MachineSource {
+class CpuSource final : public SampledSource<CpuSample> {
  public:
-  explicit CpuSource(const MachineRecord& shownRecord) : MachineSource(L"Cpu", shownRecord) {}
+  CpuSource() : SampledSource(L"Cpu", cpuMeasured) {}
 
   ReadOnlyProperty<Count> cores{this, L"Cores"};
   ReadOnlyProperty<Share> user{this, L"User"};
@@ -49,12 +67,12 @@ class CpuSource final : public MachineSource {
       this, L"Usage", [this] { return Share{user->value + kernel->value}; }, user, kernel};
 
  private:
-  void TakeOver() override;
+  void Take(const CpuSample& cpu) override;
 };
 
-class MemorySource final : public MachineSource {
+class MemorySource final : public SampledSource<MemorySample> {
  public:
-  explicit MemorySource(const MachineRecord& shownRecord) : MachineSource(L"Memory", shownRecord) {}
+  MemorySource() : SampledSource(L"Memory", memoryMeasured) {}
 
   ReadOnlyProperty<Bytes> total{this, L"Total"};
   ReadOnlyProperty<Bytes> free{this, L"Free"};
@@ -67,14 +85,14 @@ class MemorySource final : public MachineSource {
   ComputedProperty<Share> usage{this, L"Usage", [this] { return Usage(); }, total, available};
 
  private:
-  void TakeOver() override;
+  void Take(const MemorySample& memory) override;
   [[nodiscard]] Bytes Used() const;
   [[nodiscard]] Share Usage() const;
 };
 
-class LoadSource final : public MachineSource {
+class LoadSource final : public SampledSource<LoadSample> {
  public:
-  explicit LoadSource(const MachineRecord& shownRecord) : MachineSource(L"Load", shownRecord) {}
+  LoadSource() : SampledSource(L"Load", loadMeasured) {}
 
   ReadOnlyProperty<double> one{this, L"One"};
   ReadOnlyProperty<double> five{this, L"Five"};
@@ -83,7 +101,23 @@ class LoadSource final : public MachineSource {
   ReadOnlyProperty<Count> threads{this, L"Threads"};
 
  private:
-  void TakeOver() override;
+  void Take(const LoadSample& load) override;
+};
+
+class MachineSource final : public DataBinding::NamedDataSource {
+ public:
+  MachineSource() : NamedDataSource(L"Machine") {}
+
+  ReadOnlyList<Process> processes{this, L"Processes"};
+  ReadOnlyList<Interface> interfaces{this, L"Interfaces"};
+
+ private:
+  void TakeProcesses(const std::vector<Process>& now);
+
+  DataBinding::Subscription ofProcesses =
+      processesMeasured.Subscribe([this](const std::vector<Process>& now) { TakeProcesses(now); });
+  DataBinding::Subscription ofInterfaces = interfacesMeasured.Subscribe(
+      [this](const std::vector<Interface>& now) { Assign(interfaces, now); });
 };
 
 }  // namespace Sysmon

@@ -10,8 +10,7 @@ void Pause::InitEventMap() {
 
 void Pause::Toggle() {
   if (!IsOn()) return Begin();
-  // The order matters: the event with the list of interfaces comes before that of each interface.
-  while (IsOn()) holds.pop_front();
+  holds.clear();
 }
 
 void Pause::Begin() {
@@ -21,7 +20,7 @@ void Pause::Begin() {
   holds.emplace_back(loadMeasured);
   holds.emplace_back(processesMeasured);
   holds.emplace_back(interfacesMeasured);
-  for (const std::string& name : interfaces) holds.emplace_back(InterfaceMeasured(name));
+  for (const Interface& one : interfaces) holds.emplace_back(InterfaceMeasured(one.name));
 }
 
 }  // namespace Sysmon

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <list>
-#include <string>
 #include <vector>
 
 #include <DataBinding/appevents/AppEventListener.h>
@@ -24,10 +23,10 @@ class Pause final : public DataBinding::AppEventListener {
   void InitEventMap() override;
 
  private:
-  void TakeInterfaces(const std::vector<std::string>& names) { interfaces = names; }
+  void TakeInterfaces(const std::vector<Interface>& now) { interfaces = now; }
   void Begin();
 
-  std::vector<std::string> interfaces;
+  std::vector<Interface> interfaces;
   std::list<DataBinding::EventHold> holds;
 };
 

@@ -14,19 +14,21 @@ constexpr int nameWidth = 14;
 
 std::vector<Watch::Name> PublishedNames(IDataSourceProvider& scope) {
   std::vector<Watch::Name> names;
-  for (const VtrString& sourceName : SourceNames(scope)) {
+  for (const wchar_t* const sourceName : {L"Command", L"Process"}) {
     IDataSource* const source = scope.GetDataSource(sourceName);
     if (source == nullptr) continue;
-    for (const auto& [property, item] : *source) {
-      if (!item.type.get().IsFunction()) names.push_back({sourceName, property});
-    }
+    for (const auto& item : *source) names.push_back({sourceName, item.first});
   }
   return names;
 }
 
 }  // namespace
 
-DetailPane::DetailPane(IDataSourceProvider& scope) : watch(scope, PublishedNames(scope)) {}
+DetailPane::DetailPane(IDataSourceProvider& root, DataBinding::ReadableList<Process>& processes,
+                       DataBinding::RowId shownProcess)
+    : process(root, processes), watch(process.Get(), PublishedNames(process.Get())) {
+  process.Show(shownProcess);
+}
 
 void DetailPane::Draw(Surface& surface, const Area& area) {
   const bool isWhole = !std::exchange(isShown, true);

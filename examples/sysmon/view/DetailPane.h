@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Shows all properties of all sources of one scope, and follows their changes. The registrar lists
-/// the sources and reflection lists their properties, so the pane knows no names.
+/// Shows all that is known of one process, and follows its changes. Reflection lists the properties
+/// of its sources, so the pane does not know their names.
 #pragma once
 
+#include "ProcessScope.h"
 #include "Surface.h"
 #include "Watch.h"
 
@@ -10,15 +11,17 @@ namespace Sysmon {
 
 class DetailPane {
  public:
-  explicit DetailPane(IDataSourceProvider& scope);
+  DetailPane(IDataSourceProvider& root, DataBinding::ReadableList<Process>& processes,
+             DataBinding::RowId shownProcess);
 
   void Draw(Surface& surface, const Area& area);
   /// Draws everything the next time.
   void Invalidate() { isShown = false; }
-  /// True once the scope has ended; the pane goes on showing its last state.
-  [[nodiscard]] bool IsEnded() const { return watch.Scope() == nullptr; }
+  /// True once the process has ended.
+  [[nodiscard]] bool IsEnded() const { return !process.HasProcess(); }
 
  private:
+  ProcessScope process;
   Watch watch;
   bool isShown = false;
 };

@@ -2,24 +2,26 @@
 #include "JsonReport.h"
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
-#include <map>
-#include <string>
 #include <utility>
 #include <variant>
-#include <vector>
 
 #include <DataBinding/datasource/IDataSource.h>
+#include <DataBinding/framework/AnyListBind.h>
+#include <DataBinding/framework/ListBind.h>
 #include <DataBinding/property/PropertyAccess.h>
 #include <DataBinding/reflection/Value.h>
 #include <DataBinding/reflection/ValueForm.h>
 #include <nlohmann/json.hpp>
 
+#include "ProcessScope.h"
+
 namespace Sysmon {
 
 namespace {
 
+using DataBinding::Framework::AnyListBind;
+using DataBinding::Framework::ListBind;
 using nlohmann::json;
 
 struct Writer {
@@ -33,7 +35,7 @@ struct Writer {
 
 json Write(const DataBinding::Value& value) { return value.Visit(Writer()); }
 
-json ReportSource(IDataSource& source) {
+json ReportProperties(IDataSource& source) {
   json members = json::object();
   for (const auto& item : source) {
     const auto value = DataBinding::ReadProperty(&source, item.first);
@@ -42,45 +44,38 @@ json ReportSource(IDataSource& source) {
   return members;
 }
 
-/// The name of an array: "process" gives "Processes".
-std::string ArrayName(const VtrString& category) {
-  std::string name = category.ToUtf8();
-  if (name.empty()) return "Scopes";
-  name.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(name.front())));
-  return name + (name.back() == 's' ? "es" : "s");
+json ReportRows(const DataBinding::AnyList& list) {
+  json rows = json::array();
+  for (std::size_t i = 0; i < list.Size(); ++i) {
+    json& row = rows.emplace_back(json::object());
+    for (std::size_t field = 0; field < list.FieldCount(); ++field) {
+      row[list.FieldName(field).ToUtf8()] = Write(list.Cell(i, field));
+    }
+  }
+  return rows;
 }
 
-json ReportScope(IDataSourceProvider& scope);
-
-/// The key by which things of one kind are sorted: their number, or else their name.
-json SortKey(const json& thing) {
-  return thing.contains("Id") ? thing["Id"] : thing.value("Name", json());
-}
-
-/// Adds the child scopes. They are sorted first, since a provider keeps them in no order.
-void AddChildren(IDataSourceProvider& scope, json& members) {
-  std::map<std::string, std::vector<json>> lists;
-  scope.VisitChildren([&](IDataSourceProvider& child) {
-    const auto& categories = child.GetCategories();
-    lists[ArrayName(categories.empty() ? VtrString() : categories.front())].push_back(
-        ReportScope(child));
-  });
-  for (auto& [name, things] : lists) {
-    std::sort(things.begin(), things.end(),
-              [](const json& left, const json& right) { return SortKey(left) < SortKey(right); });
-    members[name] = std::move(things);
+/// Adds the lists of a source that have rows.
+void AddLists(IDataSourceProvider& root, IDataSource& source, json& report) {
+  for (const auto& item : source) {
+    const AnyListBind list(&root, source.GetDataSourceName(), item.first);
+    if (!list.IsEmpty()) report[item.first.ToUtf8()] = ReportRows(list);
   }
 }
 
-json ReportScope(IDataSourceProvider& scope) {
-  json members = json::object();
-  for (const VtrString& name : SourceNames(scope)) {
-    IDataSource* const source = scope.GetDataSource(name);
-    if (source != nullptr) members.update(ReportSource(*source));
+/// Adds what is read only of processes that somebody looks at, by looking at one after the other.
+void AddCommands(IDataSourceProvider& root, json& report) {
+  ListBind<Process> processes(&root, L"Machine", L"Processes");
+  ProcessScope scope(root, processes);
+  for (std::size_t i = 0; i < processes.Size(); ++i) {
+    scope.Show(processes.At(i));
+    IDataSource* const command = scope.Get().GetDataSource(L"Command");
+    if (command != nullptr) report["Processes"][i].update(ReportProperties(*command));
   }
-  AddChildren(scope, members);
-  return members;
 }
+
+/// The key by which rows are sorted: their number, or else their name.
+json SortKey(const json& row) { return row.contains("Id") ? row["Id"] : row.value("Name", json()); }
 
 json ReportFigure(const EventFigure& figure) {
   return std::visit([](const auto& value) { return Write(DataBinding::ToValue(value)); },
@@ -105,14 +100,20 @@ json ReportTime(std::chrono::system_clock::time_point time) {
 
 }  // namespace
 
-json ReportTree(IDataSourceProvider& root) {
-  json members = json::object();
-  for (const VtrString& name : root.GetRegisteredDataSources()) {
-    IDataSource* const source = root.GetDataSource(name);
-    if (source != nullptr) members[name.ToUtf8()] = ReportSource(*source);
+json ReportMachine(IDataSourceProvider& root) {
+  json report = json::object();
+  root.VisitDataSources([&](IDataSource& source) {
+    json properties = ReportProperties(source);
+    if (!properties.empty()) {
+      report[VtrString(source.GetDataSourceName()).ToUtf8()] = std::move(properties);
+    }
+    AddLists(root, source, report);
+  });
+  AddCommands(root, report);
+  for (json& member : report) {
+    if (member.is_array()) std::ranges::sort(member.get_ref<json::array_t&>(), {}, &SortKey);
   }
-  AddChildren(root, members);
-  return members;
+  return report;
 }
 
 json ReportEvents(const EventLog& log) {

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Writes the whole tree of scopes and the log of events as JSON. It walks the tree, and knows no
-/// name of a source, a property or an event, and no type of a value.
+/// Writes the machine and the log of events as JSON. It writes all sources and lists that it finds,
+/// and knows no type of a value; only the details of processes are found by their names.
 ///
-/// The root scope is an object with one object per source. Child scopes are in arrays named after
-/// their category, each as one object with the members of all its sources.
+/// The machine is an object with one object per source, and one array per list.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -13,9 +12,8 @@
 
 namespace Sysmon {
 
-/// Builds every source that can be built. Sizes are in bytes, shares are parts of 1, and times are
-/// in seconds.
-[[nodiscard]] nlohmann::json ReportTree(IDataSourceProvider& root);
+/// Sizes are in bytes, shares are parts of 1, and times are in seconds.
+[[nodiscard]] nlohmann::json ReportMachine(IDataSourceProvider& root);
 
 /// An array of the events, oldest first. An argument that has parts is an object.
 [[nodiscard]] nlohmann::json ReportEvents(const EventLog& log);

@@ -11,21 +11,24 @@ constexpr int mostInterfaces = 4;
 constexpr int widestDetails = 60;
 constexpr int highestLog = 9;
 
-constexpr Column processColumns[] = {
-    {L"PID", L"Id", 7, Align::Right},      {L"USER", L"User", 9, Align::Left},
-    {L"CPU", L"Cpu", 6, Align::Right},     {L"MEMORY", L"Resident", 10, Align::Right},
-    {L"NAME", L"Name", 20, Align::Left},   {L"STATE", L"State", 8, Align::Left},
-    {L"THR", L"Threads", 4, Align::Right}, {L"TIME", L"CpuTime", 9, Align::Right},
+constexpr Column<Process> processColumns[] = {
+    {L"PID", 7, Align::Right, valueOf<&Process::id>},
+    {L"USER", 9, Align::Left, valueOf<&Process::user>},
+    {L"CPU", 6, Align::Right, valueOf<&Process::cpu>},
+    {L"MEMORY", 10, Align::Right, valueOf<&Process::resident>},
+    {L"NAME", 20, Align::Left, valueOf<&Process::name>},
+    {L"STATE", 8, Align::Left, valueOf<&Process::state>},
+    {L"THR", 4, Align::Right, valueOf<&Process::threads>},
+    {L"TIME", 9, Align::Right, valueOf<&Process::cpuTime>},
 };
-constexpr RowKind processRows{L"process", L"Process", L"Host", L"ProcessesChanged", processColumns};
-
-constexpr Column interfaceColumns[] = {
-    {L"INTERFACE", L"Name", 17, Align::Left},          {L"STATE", L"State", 8, Align::Left},
-    {L"RECEIVING", L"ReceivedRate", 12, Align::Right}, {L"SENDING", L"SentRate", 12, Align::Right},
-    {L"RECEIVED", L"Received", 10, Align::Right},      {L"SENT", L"Sent", 10, Align::Right},
+constexpr Column<Interface> interfaceColumns[] = {
+    {L"INTERFACE", 17, Align::Left, valueOf<&Interface::name>},
+    {L"STATE", 8, Align::Left, valueOf<&Interface::state>},
+    {L"RECEIVING", 12, Align::Right, valueOf<&Interface::receivedRate>},
+    {L"SENDING", 12, Align::Right, valueOf<&Interface::sentRate>},
+    {L"RECEIVED", 10, Align::Right, valueOf<&Interface::received>},
+    {L"SENT", 10, Align::Right, valueOf<&Interface::sent>},
 };
-constexpr RowKind interfaceRows{L"interface", L"Interface", L"Host", L"InterfacesChanged",
-                                interfaceColumns};
 
 constexpr wchar_t help[] = L"enter open  c/m/p/n sort  r flip  a alarm  l log  space pause  q quit";
 
@@ -43,11 +46,13 @@ MonitorView::MonitorView(IDataSourceProvider& rootScope, Surface& targetSurface,
       surface(targetSurface),
       interactive(isInteractive),
       summary(rootScope),
-      interfaces(rootScope, interfaceRows, false),
-      processes(rootScope, processRows, isInteractive),
+      interfaceList(&rootScope, L"Machine", L"Interfaces"),
+      processList(&rootScope, L"Machine", L"Processes"),
+      interfaces(interfaceList, interfaceColumns, false),
+      processes(processList, processColumns, isInteractive),
       log(eventLog) {
-  interfaces.SortBy(L"Received", true);
-  processes.SortBy(L"Cpu", true);
+  interfaces.SortBy(L"RECEIVED", Order::Descending);
+  processes.SortBy(L"CPU", Order::Descending);
 }
 
 MonitorView::Layout MonitorView::MakeLayout() {
@@ -138,9 +143,9 @@ void MonitorView::ShowPaused(bool isNowPaused) {
 }
 
 void MonitorView::OpenDetails() {
-  IDataSourceProvider* const scope = processes.Chosen();
-  if (scope == nullptr) return;
-  details = std::make_unique<DetailPane>(*scope);
+  const auto chosen = processes.Chosen();
+  if (!chosen) return;
+  details = std::make_unique<DetailPane>(root, processList, *chosen);
   Redraw();
 }
 
@@ -215,16 +220,16 @@ bool MonitorView::MoveChoice(Key key) {
 bool MonitorView::Sort(Key key) {
   switch (key) {
     case Key::SortByCpu:
-      processes.SortBy(L"Cpu", true);
+      processes.SortBy(L"CPU", Order::Descending);
       return true;
     case Key::SortByMemory:
-      processes.SortBy(L"Resident", true);
+      processes.SortBy(L"MEMORY", Order::Descending);
       return true;
     case Key::SortById:
-      processes.SortBy(L"Id", false);
+      processes.SortBy(L"PID", Order::Ascending);
       return true;
     case Key::SortByName:
-      processes.SortBy(L"Name", false);
+      processes.SortBy(L"NAME", Order::Ascending);
       return true;
     case Key::Reverse:
       processes.Reverse();

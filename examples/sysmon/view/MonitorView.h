@@ -2,13 +2,14 @@
 /// The whole screen: the summary, the interfaces, the processes, the details of one process, and
 /// the log of events.
 ///
-/// It is given a root scope and knows names: of categories, sources, properties and events. It sees
-/// nothing of the classes behind them.
+/// It is given a root scope and knows names: of sources, their properties and their lists. It sees
+/// nothing of the classes behind them but the rows of the lists.
 #pragma once
 
 #include <memory>
 
 #include <DataBinding/Fwd.h>
+#include <DataBinding/framework/ListBind.h>
 
 #include "DetailPane.h"
 #include "Keys.h"
@@ -64,8 +65,10 @@ class MonitorView {
   bool interactive;
   Layout layout;
   Summary summary;
-  Table interfaces;
-  Table processes;
+  DataBinding::Framework::ListBind<Interface> interfaceList;
+  DataBinding::Framework::ListBind<Process> processList;
+  Table<Interface> interfaces;
+  Table<Process> processes;
   std::unique_ptr<DetailPane> details;
   LogPane log;
   std::unique_ptr<LimitEditor> editor;

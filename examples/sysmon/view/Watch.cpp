@@ -8,14 +8,14 @@
 namespace Sysmon {
 
 Watch::Watch(IDataSourceProvider& watchedScope, std::vector<Name> watchedNames)
-    : scope(&watchedScope),
+    : scope(watchedScope),
       names(std::move(watchedNames)),
       values(names.size()),
       changed(names.size()) {
   for (std::size_t i = 0; i < names.size(); ++i) {
     AddDataListener(names[i].source, names[i].property, [this, i] { Fetch(i); });
   }
-  SetDataSourceProvider(scope);
+  SetDataSourceProvider(&scope);
   for (std::size_t i = 0; i < names.size(); ++i) Fetch(i);
 }
 
@@ -24,13 +24,8 @@ VtrString Watch::TextAt(std::size_t index) const {
 }
 
 void Watch::Fetch(std::size_t index) {
-  values[index] = ReadValue(scope->GetDataSource(names[index].source), names[index].property);
+  values[index] = ReadValue(scope.GetDataSource(names[index].source), names[index].property);
   changed[index] = true;
-}
-
-void Watch::NotifyDatasourceProviderDestroyed(IDataSourceProvider* gone) {
-  DataListener::NotifyDatasourceProviderDestroyed(gone);
-  if (gone == scope) scope = nullptr;
 }
 
 }  // namespace Sysmon

@@ -2,7 +2,7 @@
 /// The current values of some named properties of a scope, and which of them have changed.
 ///
 /// It has the scope build each source that can be built, is connected to a source when that
-/// appears, and owns none of them. When the scope ends, the last values stay.
+/// appears, and owns none of them. The scope outlives it.
 #pragma once
 
 #include <optional>
@@ -32,15 +32,12 @@ class Watch final : public DataBinding::DataListener {
   [[nodiscard]] bool IsChanged(std::size_t index) const { return changed[index]; }
   /// Marks all changes as seen.
   void Settle() { changed.assign(names.size(), false); }
-  /// The watched scope; null once it has ended.
-  [[nodiscard]] IDataSourceProvider* Scope() const noexcept { return scope; }
 
  private:
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
-  void NotifyDatasourceProviderDestroyed(IDataSourceProvider* gone) override;
   void Fetch(std::size_t index);
 
-  IDataSourceProvider* scope;
+  IDataSourceProvider& scope;
   std::vector<Name> names;
   std::vector<std::optional<Value>> values;
   std::vector<bool> changed;
