@@ -10,6 +10,7 @@
 
 #include <DataBinding/appevents/AppEvent.h>
 
+#include "../common/Things.h"
 #include "Samples.h"
 
 namespace Sysmon {

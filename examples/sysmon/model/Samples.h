@@ -5,7 +5,7 @@
 /// Samples are plain values. The sampling thread makes them, and events carry them to the model.
 #pragma once
 
-#include "../common/Things.h"
+#include "../common/Quantities.h"
 #include "../system/SystemReader.h"
 
 namespace Sysmon {
