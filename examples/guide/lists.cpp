@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <iostream>
+#include <utility>
 #include <vector>
 
 #include <DataBinding/DataBinding.h>
@@ -108,6 +109,52 @@ void SortAndFilter() {
   Print("hot:", hot);
 }
 
+/// A download goes on by itself, and ends when it is complete.
+class Download : public NamedDataSource {
+ public:
+  explicit Download(VtrString itsFile)
+      : NamedDataSource(L"Download"), file(this, L"File", std::move(itsFile)) {}
+
+  Property<VtrString> file;
+  Property<int> percent{
+      this, L"Percent", 0, {.validate = [](int n) { return n > 100 ? L"It is too much." : L""; }}};
+};
+
+constexpr auto FieldsOf(const Download*) {
+  return Fields(Field(L"File", &Download::file), Field(L"Percent", &Download::percent));
+}
+
+class Downloads : public NamedDataSource {
+ public:
+  Downloads() : NamedDataSource(L"Downloads") {}
+
+  SourceList<Download> all{this, L"All"};
+};
+
+void FollowSources() {
+  const auto downloads = MakeDataSource<Downloads>(nullptr);
+  SourceList<Download>& all = downloads->all;
+  SortedList first(all, By(&Download::percent, Order::Descending));
+  const Subscription seen = first.Observe({.after = [](const RowChange<Download>& change) {
+    if (change.Kind() != ListChangeKind::Changed) return;
+    std::cout << *change[0].file << " has " << *change[0].percent << " percent\n";
+  }});
+  Download& book = all.Emplace(L"book");
+  all.Emplace(L"song");
+  const Subscription done = book.Register(
+      [&] {
+        if (*book.percent == 100) all.Remove(*all.IndexOf(book));
+      },
+      L"Percent");
+
+  first[1].percent.Set(40);
+  book.percent.Set(50);
+  std::cout << all.SetCell(1, L"Percent", 120) << '\n';
+  std::cout << *first[0].file << " is first\n";
+  book.percent.Set(100);
+  std::cout << *first[0].file << " is first\n";
+}
+
 int main() {
   const auto machine = MakeDataSource<Machine>(nullptr);
   List<Process>& processes = machine->processes;
@@ -119,4 +166,5 @@ int main() {
   SetCells(processes);
   ChangeInACallback(processes);
   SortAndFilter();
+  FollowSources();
 }

@@ -92,6 +92,7 @@
 #include "DataBinding/lists/ScopeList.h"
 #include "DataBinding/lists/Selection.h"
 #include "DataBinding/lists/SortedList.h"
+#include "DataBinding/lists/SourceList.h"
 #include "DataBinding/property/CopyProperties.h"
 #include "DataBinding/property/DataSourceConstructor.h"
 #include "DataBinding/property/DelegateAccess.h"

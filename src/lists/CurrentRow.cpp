@@ -53,7 +53,8 @@ std::optional<RowId> RowSource::ShownId() const noexcept {
 
 const void* RowSource::ShownRow() const noexcept {
   const auto id = ShownId();
-  return id ? chosen->List()->RowOf(*id) : nullptr;
+  if (!id || (holds != 0 && !chosen->List()->Contains(*id))) return nullptr;
+  return chosen->List()->RowOf(*id);
 }
 
 SetResult RowSource::Update(const RowEdit& edit) {

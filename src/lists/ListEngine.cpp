@@ -31,6 +31,11 @@ void ListEngine::End() noexcept {
   present.keys = KeyTable();
 }
 
+void ListEngine::EndRows() noexcept {
+  gone.clear();
+  storage.Clear(0);
+}
+
 RowId ListEngine::Find(const void* key) const noexcept { return FirstOf(present, key, Reader()); }
 
 /// Returns that one of the rows of a key which stands first in the list.
@@ -136,8 +141,26 @@ void ListEngine::Reserve(const ListOperation& operation, const Needs& all) {
   const std::size_t removals = gone.size() + all.removals;
   if (gone.capacity() < removals) gone.reserve(std::max(removals, 2 * gone.capacity()));
   mostChanged = std::max(mostChanged, operation.Changed().size());
-  node.PrepareDependents({operation.Steps(), all.insertions, storage.IdsBelow(),
+  PrepareNode(operation.Steps(), all);
+}
+
+void ListEngine::PrepareNode(std::span<const ListStep> steps, const Needs& all) {
+  node.PrepareDependents({steps, all.insertions, storage.IdsBelow(),
                           present.order.Size() + all.insertions, mostChanged, all.changes});
+}
+
+void ListEngine::PrepareChange(const ListStep& step) {
+  Needs all = pending;
+  all.changes += step.count;
+  mostChanged = std::max(mostChanged, step.count);
+  PrepareNode({&step, 1}, all);
+  pending = all;
+  hasChanged = true;
+}
+
+void ListEngine::TellChange(const ListStep& step) noexcept {
+  if (!node.TellBefore(step) || !node.TellAfter(step)) return;
+  pending.changes -= step.count;
 }
 
 void ListEngine::ReserveState(State& state, const Needs& needs, bool withDoubles,

@@ -36,6 +36,13 @@ SetResult RowIsGone(const ListNode& list) {
   return result;
 }
 
+SetResult NoSuchSource(const ListNode& list) {
+  SetResult result{false, PropertyError::NoSource, {}};
+  result.text.Format(L"There is no data source to insert, or list \"%s\" has ended.",
+                     ShownName(list));
+  return result;
+}
+
 SetResult IsBeingUpdated(const ListNode& list) {
   SetResult result{false, PropertyError::Refused, {}, L"an update of the list is being made"};
   result.text.Format(L"The function of an update must not change list \"%s\" otherwise.",

@@ -32,6 +32,8 @@ class ListFault : public std::exception {
 [[nodiscard]] SetResult NoSuchKey(const ListNode& list, const RowTable& table, const void* key);
 /// Says that a row is not in the list any more when all that waits is done.
 [[nodiscard]] SetResult RowIsGone(const ListNode& list);
+/// Says that there is no data source to insert, or no list any more.
+[[nodiscard]] SetResult NoSuchSource(const ListNode& list);
 /// Says that the function of an update changes its list otherwise.
 [[nodiscard]] SetResult IsBeingUpdated(const ListNode& list);
 

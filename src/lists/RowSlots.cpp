@@ -44,6 +44,7 @@ RowId RowSlots::Take(void* row) noexcept {
   }
   table->move(Row(id), row);
   Occupy(id);
+  if (table->placed != nullptr) table->placed(Row(id), id);
   return id;
 }
 

@@ -116,7 +116,8 @@ void SortedView::Remove(const ListStep& step) noexcept {
   std::ranges::sort(placed, {}, &PlacedRow::at);
   const std::size_t sorted = Sorted();
   for (const PlacedRow& row : placed) aside -= row.at >= sorted;
-  TellRemovals();
+  if (!TellRemovals() || !AreRowsSources()) return;
+  for (std::size_t i = 0; i < placed.size(); ++i) CheckGap(placed[i].at - i);
 }
 
 void SortedView::Insert(const ListStep& step) noexcept {
@@ -176,7 +177,32 @@ bool SortedView::ReplaceOne(RowId id, std::span<const RowId> loose) noexcept {
   if (isAside && wasAside) return true;
   aside = aside + (isAside ? 1 : 0) - (wasAside ? 1 : 0);
   const std::size_t to = isAside ? order.Size() - 1 : place > from ? place - 1 : place;
-  return to == from || Tell({ListChangeKind::Moved, from, 1, to, {&id, 1}});
+  if (to == from) return true;
+  if (!Tell({ListChangeKind::Moved, from, 1, to, {&id, 1}})) return false;
+  if (AreRowsSources()) CheckGap(to < from ? from + 1 : from);
+  return true;
+}
+
+bool SortedView::AreRowsSources() const noexcept {
+  const RowTable* const table = source->Table();
+  return table != nullptr && table->areSources;
+}
+
+/// Compares the row at a place with the one before it, and has all rows sorted anew if they stand
+/// the wrong way round.
+void SortedView::CheckGap(std::size_t at) noexcept {
+  if (isSortDue || at == 0 || at >= Sorted()) return;
+  const RowLess less(compare, node);
+  try {
+    if (!RowPlace(less, *source, order.At(at)).IsBefore(order.At(at - 1))) return;
+    TakeTurn([this] {
+      isSortDue = false;
+      SortAnew(compare);
+    });
+    isSortDue = true;
+  } catch (...) {
+    less.Report();
+  }
 }
 
 /// Finds before which row a row is to stand, as near to its present place as possible; `nowhere` if
@@ -222,6 +248,12 @@ void SortedView::ReplaceMany(std::span<const RowId> ids, bool isContentNew) noex
   rows.clear();
   for (const PlacedRow& row : placed) rows.push_back(row.id);
   Mark(rows);
+  if (AreRowsSources()) {
+    TakeRowsOfSource();
+    Evaluate();
+    TellTarget();
+    return;
+  }
   const std::size_t live = Sort(rows);
   MergeLoose(live);
   if (CountMoves() > MostRanges()) {

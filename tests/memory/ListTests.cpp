@@ -1,12 +1,52 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "../lists/Processes.h"
 #include "Attempts.h"
 #include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/lists/SortedList.h"
+#include "DataBinding/lists/SourceList.h"
+#include "DataBinding/property/Property.h"
 
 namespace DataBinding::Testing {
 namespace {
+
+struct Task : NamedDataSource {
+  explicit Task(int itsRank) : NamedDataSource(L"Task"), rank(this, L"Rank", itsRank) {}
+  Property<int> rank;
+};
+constexpr auto FieldsOf(const Task* /*row*/) { return Fields(Field(L"Rank", &Task::rank)); }
+struct Plan : NamedDataSource {
+  Plan() : NamedDataSource(L"Plan") {}
+  SourceList<Task> tasks{this, L"Tasks"};
+};
+
+/// A change that could not be told is told with the next one.
+TEST(ListMemory, KeepsSourcesAndTheirOrderWhenAnyAllocationFails) {
+  SetListenerFailureHandler([](const ListenerFailure&) {});
+  Attempts::Of([](Attempts& attempt) {
+    const auto plan = MakeDataSource<Plan>(nullptr);
+    const Subscription announced = plan->Register([] {}, L"Tasks");
+    SourceList<Task>& tasks = plan->tasks;
+    SortedList sorted(tasks, By(&Task::rank));
+    attempt([&] { tasks.Emplace(1); });
+    attempt([&] { return sorted.Size() == 1; });
+    attempt([&] { return tasks.Add(MakeDataSource<Task>(nullptr, 2)).changed; });
+    attempt([&] { return tasks.Insert(0, MakeDataSource<Task>(nullptr, 3)).changed; });
+    attempt([&] { return tasks[0].rank.Set(0).changed; });
+    attempt([&] { return tasks[1].rank.Set(4).changed; });
+    tasks[2].rank.Set(5);
+    EXPECT_TRUE(std::ranges::equal(sorted, std::vector{0, 4, 5}, {},
+                                   [](const Task& task) { return *task.rank; }));
+    attempt([&] { return tasks.Take(1) != nullptr; });
+    attempt([&] { return tasks.Remove(0, 2).changed; });
+  });
+  SetListenerFailureHandler({});
+}
 
 TEST(ListMemory, LosesNothingWhenAnyAllocationFails) {
   SetListenerFailureHandler([](const ListenerFailure&) {});  // the twins are meant

@@ -25,7 +25,7 @@
 
 namespace DataBinding::Framework {
 
-template <ListRow Row>
+template <AnyRow Row>
 class ListBind final : public details::BoundList<ReadableList<Row>> {
  public:
   /// Takes the names of a data context, a source and its list. The bind is connected to nothing

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Fields() names the fields of a plain struct, so that lists of such rows can say which fields
-/// have changed, find rows by their key, and show cells to code that does not know the struct.
+/// Fields() names the fields of a plain struct or of a data source, so that lists of such rows can
+/// say which fields have changed, find rows by their key, and show cells to code that does not know
+/// the row type. The fields of a data source are properties of it.
 ///
 /// The names are given once, beside the struct, by a function that is found by argument-dependent
 /// look-up. One field may be the key, by which a row is known when a whole list is assigned. Its
@@ -29,6 +30,7 @@
 #include "DataBinding/foundation/String.h"
 #include "DataBinding/lists/details/RowTable.h"
 #include "DataBinding/property/PropertyName.h"
+#include "DataBinding/property/details/PropertyBase.h"
 #include "DataBinding/reflection/ValueForm.h"
 
 namespace DataBinding {
@@ -42,17 +44,47 @@ struct FieldOptions {
   bool readOnly = false;
 };
 
+/// PropertyFieldOptions holds what a field does that is a property: the property has its validator.
+struct PropertyFieldOptions {
+  /// Nobody sets a read-only field by name. Properties that only their source sets are read-only
+  /// anyway.
+  bool readOnly = false;
+};
+
 namespace details {
+
+/// Members that are properties.
+template <class T>
+concept PropertyMember = std::derived_from<T, PropertyBase> && requires(const T& property) {
+  property.Get();
+};
+
+/// Returns the value of a field: that of the property, where it is one.
+template <class T>
+[[nodiscard]] decltype(auto) ValueIn(const T& field) {
+  if constexpr (PropertyMember<T>) {
+    return field.Get();
+  } else {
+    return (field);
+  }
+}
+template <class T>
+using TypeIn = std::remove_cvref_t<decltype(ValueIn(std::declval<const T&>()))>;
+
+template <class T>
+using OptionsOf =
+    std::conditional_t<PropertyMember<T>, PropertyFieldOptions, FieldOptions<TypeIn<T>>>;
 
 template <class RowType, class T, bool IsTheKey>
 struct FieldDescription {
   using Row = RowType;
-  using Type = T;
+  using Member = T;
+  using Type = TypeIn<T>;
   static constexpr bool isKey = IsTheKey;
 
   std::wstring_view name;
   T Row::*member;
-  FieldOptions<T> options;
+  OptionsOf<T> options;
 };
 
 template <class T>
@@ -60,19 +92,24 @@ concept KeyType = std::equality_comparable<T> && requires(const T& key) {
   { std::hash<T>()(key) } -> std::convertible_to<std::size_t>;
 };
 
+/// Members that can be keys: a property must keep its value.
+template <class T>
+concept KeyMember =
+    KeyType<TypeIn<T>> && std::is_reference_v<decltype(ValueIn(std::declval<const T&>()))>;
+
 }  // namespace details
 
 /// Describes a field: its name, the member, and options.
 template <class Row, class T>
 [[nodiscard]] constexpr auto Field(PropertyName name, T Row::*member,
-                                   FieldOptions<std::type_identity_t<T>> options = {}) {
+                                   details::OptionsOf<T> options = {}) {
   return details::FieldDescription<Row, T, false>{name.Get(), member, options};
 }
 
 /// Describes the field that is the key of its rows. A row type has at most one.
-template <class Row, details::KeyType T>
+template <class Row, details::KeyMember T>
 [[nodiscard]] constexpr auto Key(PropertyName name, T Row::*member,
-                                 FieldOptions<std::type_identity_t<T>> options = {}) {
+                                 details::OptionsOf<T> options = {}) {
   return details::FieldDescription<Row, T, true>{name.Get(), member, options};
 }
 
@@ -93,7 +130,26 @@ concept ListRow = std::copyable<Row> && std::is_nothrow_move_constructible_v<Row
   FieldsOf(row);
 };
 
+/// Data sources that can be rows of a SourceList: their fields are named.
+template <class Row>
+concept SourceRow = std::derived_from<Row, DataSourceImpl> && requires(const Row* row) {
+  FieldsOf(row);
+};
+
+/// Types that can be rows of lists, views and binds to lists.
+template <class Row>
+concept AnyRow = ListRow<Row> || SourceRow<Row>;
+
 namespace details {
+
+/// A row as a list shows it. A data source is lent, so that its properties can be set.
+template <class Row>
+using ShownRow = std::conditional_t<std::derived_from<Row, DataSourceImpl>, Row, const Row>;
+template <class Row>
+[[nodiscard]] ShownRow<Row>& AsShown(const void* row) noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): only a data source loses its const
+  return *static_cast<ShownRow<Row>*>(const_cast<void*>(row));
+}
 
 template <class Row>
 inline constexpr auto fieldsOf = FieldsOf(static_cast<const Row*>(nullptr));
@@ -180,7 +236,8 @@ struct RowFunctions {
   static std::uint64_t Differing(const void* one, const void* other) {
     std::uint64_t bits = 0;
     VisitFields<Row>([&](const auto& field, std::size_t number) {
-      if (Differ(As(one).*field.member, As(other).*field.member)) bits |= RowTable::BitOf(number);
+      const bool differs = Differ(ValueIn(As(one).*field.member), ValueIn(As(other).*field.member));
+      if (differs) bits |= RowTable::BitOf(number);
     });
     if constexpr (std::equality_comparable<Row>) {
       if (bits == 0 && !(As(one) == As(other))) bits = RowTable::BitOf(RowTable::lastBit);
@@ -188,7 +245,7 @@ struct RowFunctions {
     return bits;
   }
   static const void* KeyIn(const void* row) noexcept {
-    return &(As(row).*std::get<keyOf<Row>>(fieldsOf<Row>).member);
+    return &ValueIn(As(row).*std::get<keyOf<Row>>(fieldsOf<Row>).member);
   }
   static std::size_t HashOfKey(const void* key) noexcept {
     return std::hash<KeyOf<Row>>()(*static_cast<const KeyOf<Row>*>(key));
@@ -213,7 +270,17 @@ struct FieldFunctions {
   }
   template <std::size_t Number>
   static Value Get(const void* row) {
-    return ToValue(RowFunctions<Row>::As(row).*std::get<Number>(fieldsOf<Row>).member);
+    return ToValue(ValueIn(RowFunctions<Row>::As(row).*std::get<Number>(fieldsOf<Row>).member));
+  }
+  template <std::size_t Number>
+  static PropertyBase& AsProperty(const void* row) {
+    return AsShown<Row>(row).*std::get<Number>(fieldsOf<Row>).member;
+  }
+  template <std::size_t Number>
+  static SetResult WriteProperty(void* row, const Value& value) {
+    SetResult result = AsProperty<Number>(row).TakeValue(value, Purpose::Set);
+    if (result.reason.IsEmpty()) result.reason = result.text;
+    return result;
   }
   template <std::size_t Number>
   static SetResult Set(void* row, const Value& value) {
@@ -229,6 +296,12 @@ struct FieldFunctions {
   }
 };
 
+/// Properties that anybody sets.
+template <class T>
+concept CanBeSet = requires(T& property) {
+  property.Set(property.Get());
+};
+
 template <class Row, std::size_t Number>
 [[nodiscard]] RowField MakeField() {
   constexpr const auto& described = std::get<Number>(fieldsOf<Row>);
@@ -240,11 +313,17 @@ template <class Row, std::size_t Number>
   field.isReadOnly = described.options.readOnly;
   field.isKey = Description::isKey;
   field.number = Number;
-  field.member = &Functions::template Member<Number>;
   field.get = &Functions::template Get<Number>;
-  field.set = &Functions::template Set<Number>;
-  field.reasonAgainst = &Functions::ReasonAgainst;
   field.description = &described;
+  if constexpr (PropertyMember<typename Description::Member>) {
+    if constexpr (!CanBeSet<typename Description::Member>) field.isReadOnly = true;
+    field.property = &Functions::template AsProperty<Number>;
+    field.set = &Functions::template WriteProperty<Number>;
+  } else {
+    field.member = &Functions::template Member<Number>;
+    field.set = &Functions::template Set<Number>;
+    field.reasonAgainst = &Functions::ReasonAgainst;
+  }
   return field;
 }
 
@@ -253,13 +332,17 @@ template <class Row>
   using Functions = RowFunctions<Row>;
   RowTable table;
   table.type = &runtime_type<Row>::Get();
-  table.size = sizeof(Row);
-  table.alignment = alignof(Row);
-  table.copy = &Functions::Copy;
-  table.move = &Functions::Move;
-  table.exchange = &Functions::Exchange;
-  table.destroy = &Functions::Destroy;
   table.differing = &Functions::Differing;
+  if constexpr (ListRow<Row>) {
+    table.size = sizeof(Row);
+    table.alignment = alignof(Row);
+    table.copy = &Functions::Copy;
+    table.move = &Functions::Move;
+    table.exchange = &Functions::Exchange;
+    table.destroy = &Functions::Destroy;
+  } else {
+    table.areSources = true;
+  }
   if constexpr (hasKey<Row>) {
     table.key = &Functions::KeyIn;
     table.hashOfKey = &Functions::HashOfKey;
@@ -274,7 +357,7 @@ template <class Row>
 }
 
 /// Returns this module's table of a row type.
-template <ListRow Row>
+template <AnyRow Row>
 [[nodiscard]] const RowTable& TableOf() {
   static const RowTable table = MakeTable<Row>();
   return table;

@@ -108,11 +108,12 @@ class RowChange : public ListChange {
   explicit RowChange(const ListChange& untyped) noexcept : ListChange(untyped) {}
 
   /// The i-th row that is inserted, removed, moved or changed, as it reads in this call.
-  [[nodiscard]] const Row& operator[](std::size_t i) const noexcept {
-    return *static_cast<const Row*>(Node().RowOf(Ids()[i]));
+  [[nodiscard]] details::ShownRow<Row>& operator[](std::size_t i) const noexcept {
+    return details::AsShown<Row>(Node().RowOf(Ids()[i]));
   }
   /// Changed: the i-th row as it was. To be used in the call after the change; in the one before
-  /// it, the row itself reads so.
+  /// it, the row itself reads so. A row that is a data source has changed already in both calls,
+  /// and there is no former one: Was and Will are the row itself.
   [[nodiscard]] const Row& Was(std::size_t i) const noexcept {
     return IsBefore() ? (*this)[i] : Other(i);
   }
@@ -131,7 +132,7 @@ class RowChange : public ListChange {
   /// The rows one after the other, and their places.
   ///@{
   [[nodiscard]] auto Rows() const noexcept {
-    return Range([change = *this](std::size_t i) -> const Row& { return change[i]; });
+    return Range([change = *this](std::size_t i) -> auto& { return change[i]; });
   }
   [[nodiscard]] auto Places() const noexcept {
     return Range([change = *this](std::size_t i) { return change.PlaceOf(i); });

@@ -3,7 +3,8 @@
 ///
 /// Each Then() decides between rows that all before it have found equal. Numbers with a fraction
 /// are ordered totally: what is not a number stands last in either direction. A field may be a
-/// member, a member function or any other function of a row; its type has `<`.
+/// member, a member function or any other function of a row; its type has `<`. A property is
+/// compared by its value.
 ///
 /// A SortedList also takes any other function `bool(const Row&, const Row&)` that says whether the
 /// first row stands before the second.
@@ -16,6 +17,8 @@
 #include <functional>
 #include <type_traits>
 #include <utility>
+
+#include "DataBinding/lists/Fields.h"
 
 namespace DataBinding {
 
@@ -43,7 +46,8 @@ class OrderByField {
       : field(std::move(itsField)), direction(itsDirection) {}
   template <class Row>
   [[nodiscard]] int Compare(const Row& one, const Row& other) const {
-    return CompareValues(std::invoke(field, one), std::invoke(field, other), direction);
+    return CompareValues(ValueIn(std::invoke(field, one)), ValueIn(std::invoke(field, other)),
+                         direction);
   }
 
  private:

@@ -4,6 +4,7 @@
 ///   for (const Process& process : list) Show(process);
 ///   const Subscription seen = list.Observe({.after = [](const RowChange<Process>& change) {...}});
 ///
+/// Rows that are data sources are lent: their properties can be set, and they belong to the list.
 /// References to rows are good until the row changes or goes. Iteration and indexes are good as
 /// long as the list does not change; within an observer's call it does not.
 #pragma once
@@ -21,7 +22,9 @@ template <class Row>
 class ReadableList : public AnyList {
  public:
   /// The row at an index, which must be below Size().
-  [[nodiscard]] const Row& operator[](std::size_t index) const noexcept { return RowAt(At(index)); }
+  [[nodiscard]] details::ShownRow<Row>& operator[](std::size_t index) const noexcept {
+    return RowAt(At(index));
+  }
   /// These go over the rows in their order. An iterator is good until the list changes.
   ///@{
   [[nodiscard]] auto begin() const noexcept {
@@ -32,8 +35,8 @@ class ReadableList : public AnyList {
   }
   ///@}
   /// The row of an id, which must be one of this list.
-  [[nodiscard]] const Row& RowAt(RowId id) const noexcept {
-    return *static_cast<const Row*>(RowOf(id));
+  [[nodiscard]] details::ShownRow<Row>& RowAt(RowId id) const noexcept {
+    return details::AsShown<Row>(RowOf(id));
   }
 
   /// Calls the observer's functions before and after each change, as AnyList does.

@@ -132,7 +132,7 @@ class Selection final : public AnySelection {
     return static_cast<ReadableList<Row>*>(AnySelection::List());
   }
   /// The row that was chosen last, or null. The pointer is good until the row changes or goes.
-  [[nodiscard]] const Row* Current() const noexcept {
+  [[nodiscard]] details::ShownRow<Row>* Current() const noexcept {
     const auto id = CurrentId();
     return id ? &List()->RowAt(*id) : nullptr;
   }
@@ -143,7 +143,7 @@ class Selection final : public AnySelection {
     for (std::size_t i = 0; List() != nullptr && i < List()->Size(); ++i) {
       const Row& row = (*List())[i];
       const auto& field = std::get<details::keyOf<Row>>(details::fieldsOf<Row>);
-      if (row.*field.member == key) return Choose(List()->At(i));
+      if (details::ValueIn(row.*field.member) == key) return Choose(List()->At(i));
     }
     return false;
   }

@@ -70,10 +70,19 @@ class DATABINDING_API ListEngine {
   /// Calls a function with each row, in order, as the list will be when all that waits is done.
   void VisitComing(const RowEdit& visit);
 
+  /// These tell that rows have changed by themselves, as data sources do: the first one prepares
+  /// for it, and may throw; the list may be gone after the second. They are called in a turn.
+  ///@{
+  void PrepareChange(const ListStep& step);
+  void TellChange(const ListStep& step) noexcept;
+  ///@}
+
   /// Frees what the outermost operation has kept. Returns true when it changed the list.
   bool Rest();
   /// Empties the list while its node ends.
   void End() noexcept;
+  /// Ends all rows. The list has ended before.
+  void EndRows() noexcept;
 
  private:
   friend class ListOperation;
@@ -110,6 +119,7 @@ class DATABINDING_API ListEngine {
   };
   [[nodiscard]] Needs NeedsOf(const ListStep& step) const noexcept;
   void Reserve(const ListOperation& operation, const Needs& all);
+  void PrepareNode(std::span<const ListStep> steps, const Needs& all);
   void ReserveState(State& state, const Needs& needs, bool withDoubles, const RowReader& rows);
   /// Carries a step out. Returns false when the list has ended meanwhile.
   bool Tell(const ListStep& step) noexcept;

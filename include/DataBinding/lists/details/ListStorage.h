@@ -3,6 +3,8 @@
 /// ListData offers to everybody and ReadOnlyList to its source. A ListProperty is what makes it a
 /// member of a source.
 ///
+/// The slots of the list hold the rows, or pointers to them where they are data sources.
+///
 /// All lists are filed as AnyList, read-only ones as `const AnyList`, so that they can be found
 /// without knowing their row type.
 #pragma once
@@ -16,18 +18,20 @@
 #include "DataBinding/lists/Fields.h"
 #include "DataBinding/lists/ReadableList.h"
 #include "DataBinding/lists/details/ListEngine.h"
+#include "DataBinding/lists/details/OwnedSources.h"
 #include "DataBinding/property/details/PropertyBase.h"
 
 namespace DataBinding::details {
 
-template <ListRow Row>
+template <AnyRow Row>
 class ListStorage : public ReadableList<Row> {
  public:
   ~ListStorage() override { TellEnd(); }
 
   /// Returns the row of a key, or null. Of several rows the first one counts.
-  [[nodiscard]] const Row* Find(const KeyOf<Row>& key) const noexcept requires hasKey<Row> {
-    const RowId found = engine.Find(&key);
+  /// In a list of data sources this looks at one row after the other.
+  [[nodiscard]] ShownRow<Row>* Find(const KeyOf<Row>& key) const noexcept requires hasKey<Row> {
+    const RowId found = FindKey(&key);
     return found == ListNode::noRow ? nullptr : &this->RowAt(found);
   }
 
@@ -38,19 +42,26 @@ class ListStorage : public ReadableList<Row> {
   [[nodiscard]] std::size_t IndexOfRow(RowId id) const noexcept final {
     return engine.Order().IndexOf(id);
   }
-  [[nodiscard]] const void* RowOf(RowId id) const noexcept final { return engine.Slots().Row(id); }
+  [[nodiscard]] const void* RowOf(RowId id) const noexcept final {
+    const void* const slot = engine.Slots().Row(id);
+    if constexpr (SourceRow<Row>) return OwnedSources::SourceIn(slot);
+    return slot;
+  }
   [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept final {
-    return index < engine.Order().Size() ? engine.Slots().Row(engine.Order().At(index)) : nullptr;
+    return index < engine.Order().Size() ? RowOf(engine.Order().At(index)) : nullptr;
   }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return engine.Slots().IdsBelow(); }
   void CopyIds(std::span<RowId> to) const noexcept final { engine.CopyIds(to); }
-  [[nodiscard]] RowId FindKey(const void* key) const noexcept final { return engine.Find(key); }
+  [[nodiscard]] RowId FindKey(const void* key) const noexcept final {
+    if constexpr (SourceRow<Row>) return ListNode::FindKey(key);
+    return engine.Find(key);
+  }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept final {
     return engine.Turns();
   }
 
  protected:
-  ListStorage() : engine(*this, TableOf<Row>()) {}
+  ListStorage() : engine(*this, StoredTable()) {}
 
   void TellEnd() noexcept {
     ListNode::TellEnd([](ListNode& self) { static_cast<ListStorage&>(self).engine.End(); });
@@ -64,6 +75,10 @@ class ListStorage : public ReadableList<Row> {
   ListEngine engine;
 
  private:
+  [[nodiscard]] static const RowTable& StoredTable() {
+    if constexpr (SourceRow<Row>) return OwnedSources::StoredTable();
+    return TableOf<Row>();
+  }
   [[nodiscard]] ListPlan Pending() const noexcept final { return engine.Pending(); }
   void AtRest() final {
     const auto alive = this->Liveness();

@@ -5,8 +5,9 @@
 /// A property answers as absent while nothing is chosen; the source and its names stay. When
 /// another row is chosen, the serial number grows and all properties are announced; when fields of
 /// the shown row change, those are. What is set goes through the list's update of the row, and so
-/// through the validators of its fields. While the source holds a row (ShownRecord.h), it shows
-/// that one, whatever is chosen.
+/// through the validators of its fields. A row that is a data source is lent: its own properties
+/// are read and set. While the source holds a row (ShownRecord.h), it shows that one, whatever is
+/// chosen.
 #pragma once
 
 #include <cstddef>
@@ -83,7 +84,9 @@ class RowFieldProperty final : public IProperty<T> {
   }
   /// There is a row: the accessor of the property makes sure of it.
   [[nodiscard]] T GetValue() const override {
-    return *static_cast<const T*>(field.member(owner.ShownRow()));
+    const void* const row = owner.ShownRow();
+    return field.property != nullptr ? Lent(row).GetValue()
+                                     : *static_cast<const T*>(field.member(row));
   }
   SetResult SetValue(T value) override { return Edit(value, RowEdit::Aim::Change); }
   [[nodiscard]] SetResult CheckValue(const T& value) const override {
@@ -91,15 +94,29 @@ class RowFieldProperty final : public IProperty<T> {
   }
 
  private:
+  [[nodiscard]] IProperty<T>& Lent(const void* row) const {
+    return static_cast<IProperty<T>&>(field.property(row));
+  }
   void Restore(T former) override { Edit(former, RowEdit::Aim::PutBack); }
   SetResult Edit(const T& value, RowEdit::Aim aim) const {
     if (field.isReadOnly) return this->ReadOnlyResult();
+    if (field.property != nullptr) {
+      return owner.Update(
+          RowEdit([&](const void* row) { return SetLent(Lent(row), value, aim); }, aim));
+    }
     const auto edit = [&](void* row) {
       // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a field of a row that may be changed
       *const_cast<T*>(static_cast<const T*>(field.member(row))) = value;
       return SetResult();
     };
     return owner.Update(RowEdit(edit, aim));
+  }
+
+  [[nodiscard]] static SetResult SetLent(IProperty<T>& lent, const T& value, RowEdit::Aim aim) {
+    if (aim == RowEdit::Aim::Check) return lent.CheckValue(value);
+    if (aim == RowEdit::Aim::Change) return lent.SetValue(value);
+    lent.Restore(value);
+    return {};
   }
 
   RowSource& owner;
@@ -112,8 +129,9 @@ class TypedRowSource final : public RowSource {
   TypedRowSource(const VtrString& name, Selection<Row>& selection) : RowSource(name, selection) {
     VisitFields<Row>([this](const auto& field, std::size_t number) {
       using T = typename std::remove_cvref_t<decltype(field)>::Type;
-      File(std::make_shared<RowFieldProperty<T>>(*this, TableOf<Row>().fields[number]),
-           RowFieldProperty<T>::TypeOf(field.options.readOnly));
+      const RowField& described = TableOf<Row>().fields[number];
+      File(std::make_shared<RowFieldProperty<T>>(*this, described),
+           RowFieldProperty<T>::TypeOf(described.isReadOnly));
     });
   }
 };

@@ -18,6 +18,8 @@
 
 namespace DataBinding::details {
 
+class PropertyBase;
+
 /// One field of a row type, without its C++ type.
 struct RowField {
   VtrString name;
@@ -25,8 +27,10 @@ struct RowField {
   bool isReadOnly = false;
   bool isKey = false;
   std::size_t number = 0;
-  /// Returns the member of a row.
+  /// Returns the member of a row, where it is no property.
   const void* (*member)(const void* row) = nullptr;
+  /// Returns the property that the field is; null where it is a plain member.
+  PropertyBase& (*property)(const void* row) = nullptr;
   /// Says why the field's validator refuses the row's value, or answers an empty text.
   VtrString (*reasonAgainst)(const RowField& field, const void* row) = nullptr;
   /// Returns the row's value; nothing if the field's type has no form.
@@ -41,6 +45,9 @@ struct RowTable {
   const runtime_type_base* type = nullptr;
   std::size_t size = 0;
   std::size_t alignment = 0;
+  /// Tells that the rows are data sources. The next four are null then, since a SourceList stores
+  /// pointers to its sources by a table of its own (OwnedSources.h).
+  bool areSources = false;
   /// Copies a row into raw memory. This is the only one of these functions that may throw, beside
   /// `differing`.
   void (*copy)(void* to, const void* from) = nullptr;
@@ -48,6 +55,8 @@ struct RowTable {
   void (*move)(void* to, void* from) noexcept = nullptr;
   void (*exchange)(void* one, void* other) noexcept = nullptr;
   void (*destroy)(void* row) noexcept = nullptr;
+  /// Tells a row which id it has got, when it has been moved into its slot. May be null.
+  void (*placed)(void* row, std::uint32_t id) noexcept = nullptr;
   /// Returns a bit for each field that differs. The last bit stands for the fields from the 64th
   /// on, and for what differs outside of all fields. 0 means that the rows are equal.
   std::uint64_t (*differing)(const void* one, const void* other) = nullptr;

@@ -5,6 +5,12 @@
 /// stands, by its id; only rows that come or have changed are compared, with the others that stand
 /// sorted. The function may throw, contradict itself, or go by something that has changed: then
 /// rows stand in the wrong places, and nothing worse happens.
+///
+/// Data sources change before that is told, so a row may come to stand beside one that is about to
+/// go elsewhere. Therefore, where a row leaves its place in a list of data sources, the neighbours
+/// that it leaves are compared, and all rows are sorted anew if these stand the wrong way round.
+/// Each pair of neighbours that have not changed since was compared in this way, or when one of
+/// them was placed.
 #pragma once
 
 #include <cstddef>
@@ -50,11 +56,14 @@ class DATABINDING_API SortedView final : public ListView {
                                       std::span<const RowId> loose) noexcept;
   void ReplaceMany(std::span<const RowId> ids, bool isContentNew) noexcept;
   void MergeLoose(std::size_t live) noexcept;
+  void CheckGap(std::size_t at) noexcept;
+  [[nodiscard]] bool AreRowsSources() const noexcept;
   [[nodiscard]] std::size_t CountMoves() noexcept;
   bool TellMoves() noexcept;
   [[nodiscard]] std::size_t Sorted() const noexcept { return order.Size() - aside; }
 
   RowCompare compare;
+  bool isSortDue = false;
 };
 
 }  // namespace DataBinding::details

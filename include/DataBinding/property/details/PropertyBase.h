@@ -154,6 +154,8 @@ class IProperty : public PropertyBase {
   virtual SetResult SetValue(T value) = 0;
   /// Says what SetValue would answer, and sets nothing.
   [[nodiscard]] virtual SetResult CheckValue(const T& value) const = 0;
+  /// Sets a former value again, which a validator may refuse and must not be asked about.
+  virtual void Restore(T former) { SetValue(std::move(former)); }
 
   [[nodiscard]] PropertyValue<Value> ReadValue() const final {
     if constexpr (HasValueForm<T>) {
@@ -211,8 +213,6 @@ class IProperty : public PropertyBase {
     T wanted;
   };
 
-  /// Sets a former value again, which a validator may refuse and must not be asked about.
-  virtual void Restore(T former) { SetValue(std::move(former)); }
   template <class Convert>
   SetResult Take(Purpose purpose, Convert convert) {
     if (this->Type().IsReadOnly()) return ReadOnlyResult();
