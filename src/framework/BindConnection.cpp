@@ -95,23 +95,28 @@ void BindConnection::CutAt(const DataBindListener& listener) {
 
 void BindConnection::Update() {
   IDataSource* const nearest = NearestSource();
-  if (nearest == source) return;
+  if (nearest == source && !isBehind) return;
+  isBehind = true;
   Follow(nearest);
+  isBehind = false;
   Notify(BindChange::Replaced);
 }
 
 /// Registers for the property at another source, or at none, and gives up the former source, which
-/// may be ending.
+/// may be ending. Where there is no memory for that, the next update does it.
 void BindConnection::Follow(IDataSource* newSource) {
   propertySubscription.Cancel();
+  source = nullptr;
+  record = nullptr;
+  found = &Refer(newSource, propertyName);
+  if (newSource != nullptr) {
+    const auto announced = [](BindConnection& self) { self.OnAnnounced(); };
+    // An announcement compares names faster where the property shares its name's text.
+    propertySubscription = newSource->Register(BindWeak(AsWeakPtr(), announced), found->Name());
+  }
   source = newSource;
-  found = &Refer(source, propertyName);
   record = ShownRecord::Of(source);
   recordSerial = record == nullptr ? 0 : record->Serial();
-  if (source == nullptr) return;
-  const auto announced = [](BindConnection& self) { self.OnAnnounced(); };
-  // An announcement compares names faster where the property shares its name's text.
-  propertySubscription = source->Register(BindWeak(AsWeakPtr(), announced), found->Name());
 }
 
 void BindConnection::OnAnnounced() {

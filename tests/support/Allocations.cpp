@@ -66,6 +66,7 @@ void* operator new(std::size_t size, std::align_val_t alignment,
 void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { Release(memory); }
 #endif
 void operator delete(void* memory) noexcept { Release(memory); }
+void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { Release(memory); }
 void operator delete[](void* memory) noexcept { Release(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { Release(memory); }
 void operator delete[](void* memory, std::size_t /*size*/) noexcept { Release(memory); }

@@ -110,6 +110,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   const ShownRecord* record = nullptr;
   std::uint64_t recordSerial = 0;
   bool hasToldOfValue = false;
+  /// True while the nearest source is not followed yet, for want of memory.
+  bool isBehind = false;
   Subscription propertySubscription;
 };
 

@@ -4,7 +4,9 @@
 ///
 /// A scope that goes leaves the list when its sources can still be found (ObserveChildren), unless
 /// the list is just telling another change: then it leaves after that. So a row has a weak pointer.
-/// When the scope that is listed ends, all rows go.
+/// When the scope that is listed ends, all rows go. Without memory a scope that comes is not
+/// listed, and the row of one that goes stays until the next scope comes or goes; the failure
+/// handler is told.
 ///
 /// The list and the scopes end in any order, on the thread of the tree.
 ///
@@ -48,10 +50,13 @@ class DATABINDING_API ScopeList {
 
  private:
   void Follow(IDataSourceProvider& child, ChildChange change);
+  void RemoveLate();
 
   VtrString wanted;
   std::uint64_t last = 0;
   std::map<const IDataSourceProvider*, std::uint64_t> numbers;
+  /// Holds those of scopes that have gone, as long as their rows have not.
+  std::multimap<const IDataSourceProvider*, std::uint64_t> late;
   ListData<ChildScope> rows;
   Subscription ofChildren;
 };
