@@ -110,8 +110,9 @@ void FilteredView::Remove(const ListStep& step) noexcept {
   TellRemovals();
 }
 
-/// Tells the change of the rows that are shown.
-void FilteredView::PassOn(const ListStep& step) noexcept {
+/// Finds the part of a change that concerns rows that are shown. The other contents of the rows are
+/// not the same in the second call.
+bool FilteredView::TakeShown(const ListStep& step) noexcept {
   rows.clear();
   others.clear();
   for (std::size_t i = 0; i < step.rows.size(); ++i) {
@@ -123,11 +124,15 @@ void FilteredView::PassOn(const ListStep& step) noexcept {
   passedOn.count = rows.size();
   passedOn.rows = rows;
   passedOn.others = others;
-  if (!rows.empty()) TellBefore(passedOn);
+  return !rows.empty();
+}
+
+void FilteredView::PassOn(const ListStep& step) noexcept {
+  if (TakeShown(step)) TellBefore(passedOn);
 }
 
 void FilteredView::AskChanged(const ListStep& step) noexcept {
-  if (passedOn.rows.empty() || TellAfter(passedOn)) Ask(step.rows);
+  if (!TakeShown(step) || TellAfter(passedOn)) Ask(step.rows);
 }
 
 /// Rows that stay in the list stay as they are; only those that come are asked.

@@ -46,6 +46,7 @@ class DATABINDING_API FilteredView final : public ListView {
   void AskChanged(const ListStep& step) noexcept override;
 
   [[nodiscard]] std::vector<Subscription> Follow(Properties properties);
+  [[nodiscard]] bool TakeShown(const ListStep& step) noexcept;
   void FilterBy(RowPredicate& function, std::vector<Subscription>& following);
   void AskAnew();
   void Ask(std::span<const RowId> ids) noexcept;
