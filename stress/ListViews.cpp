@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <map>
 #include <random>
 
 #include "Subjects.h"
@@ -14,66 +13,17 @@ constexpr std::size_t mostPieces = 400;
 constexpr int keys = 300;
 constexpr int badValue = 7;  // comparisons and predicates throw for it
 
-/// For each view, the one that it stands on; the list is the last.
-constexpr std::size_t bases[] = {6, 6, 0, 1, 2, 0};
+/// For each view, the one that it stands on, and whether it follows the list or the bind, which
+/// count as the last ones.
+constexpr std::size_t theList = 6;
+constexpr std::size_t theBind = 7;
+constexpr std::size_t bases[] = {theList, theBind, 0, 1, 2, 0};
+constexpr std::size_t roots[] = {theList, theBind, theList, theBind, theList, theList};
 constexpr bool isSorted[] = {true, false, false, true, true, true};
 
 }  // namespace
 
 constinit const Subject viewSubject{"views", &AgreesWithItself<ViewWorld>, &ViewWorld::Describe};
-
-PieceCopy::Numbered PieceCopy::Read(const ReadableList<Piece>& list) {
-  Numbered rows;
-  for (std::size_t i = 0; i < list.Size(); ++i) rows.emplace_back(list.At(i), list[i]);
-  return rows;
-}
-
-bool PieceCopy::Follow(const ReadableList<Piece>& list, const RowChange<Piece>& change) {
-  // A list that ends within a change tells it also to observers that have not heard the rest of it.
-  const bool isEnd = change.Kind() == ListChangeKind::Reset && change.Count() == 0;
-  if (change.IsBefore()) return isEnd || copy == Read(list);
-  return Replay(list, change) && copy == Read(list);
-}
-
-bool PieceCopy::Replay(const ReadableList<Piece>& list, const RowChange<Piece>& change) {
-  const auto first = copy.begin() + static_cast<std::ptrdiff_t>(change.At());
-  const auto count = static_cast<std::ptrdiff_t>(change.Count());
-  const auto to = copy.begin() + static_cast<std::ptrdiff_t>(change.To());
-  switch (change.Kind()) {
-    case ListChangeKind::Inserted: {
-      Numbered rows;
-      for (std::size_t i = 0; i < change.Count(); ++i)
-        rows.emplace_back(change.Ids()[i], change[i]);
-      copy.insert(first, rows.begin(), rows.end());
-      return true;
-    }
-    case ListChangeKind::Removed:
-      copy.erase(first, first + count);
-      return true;
-    case ListChangeKind::Moved:
-      to < first ? std::rotate(to, first, first + count)
-                 : std::rotate(first, first + count, to + count);
-      return true;
-    case ListChangeKind::Changed: {
-      bool fits = true;
-      for (std::size_t i = 0; i < change.Count(); ++i) {
-        Piece& piece = copy[change.PlaceOf(i)].second;
-        fits = fits && piece == change.Was(i);
-        piece = change[i];
-      }
-      return fits;
-    }
-    default: {
-      const std::map<RowId, Piece> known(copy.begin(), copy.end());
-      copy.clear();
-      for (const RowId id : change.Ids()) {
-        const auto found = known.find(id);
-        copy.emplace_back(id, found == known.end() ? list.RowAt(id) : found->second);
-      }
-      return change.Kind() == ListChangeKind::Reset || known.size() == copy.size();
-    }
-  }
-}
 
 std::vector<Operation<ViewWorld>> ViewWorld::Operations() {
   return {
@@ -86,8 +36,11 @@ std::vector<Operation<ViewWorld>> ViewWorld::Operations() {
       {"Setting", "w6s6", &ViewWorld::Setting, 16},
       {"Refilter", "w6", &ViewWorld::Refilter, 8},
       {"Renew", "w6", &ViewWorld::Renew, 8},
-      {"Watch", "w7", &ViewWorld::Watch, 16},
-      {"EndList", "", &ViewWorld::EndList, 1},
+      {"Watch", "w8", &ViewWorld::Watch, 16},
+      {"EndList", "w2", &ViewWorld::EndList, 2},
+      {"Swap", "w2", &ViewWorld::Swap, 8},
+      {"Flood", "a0", &ViewWorld::Flood, 1},
+      {"Limit", "v4", &ViewWorld::Limit, 8},
       {"ThrowSoon", "w6n9", &ViewWorld::ThrowSoon, 4},
       {"Throw", "", &ViewWorld::Throw, 2},
       {"When", "p2o7m3", &ViewWorld::When, 40},
@@ -99,11 +52,17 @@ ViewWorld::ViewWorld() {
 }
 
 ViewWorld::~ViewWorld() {
-  for (PieceCopy& copy : copies) copy.seen = {};
+  for (auto& copy : copies) copy.seen = {};
+}
+
+List<Piece>* ViewWorld::Goal(int at) const {
+  return (guest != nullptr && at % 3 == 0 ? *guest : home).pieces.get();
 }
 
 ReadableList<Piece>* ViewWorld::Of(std::size_t which) const {
-  if (which == viewCount) return list.get();
+  if (which == theList) return home.pieces.get();
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): observing it changes nothing here
+  if (which == theBind) return &const_cast<ViewWorld*>(this)->bind;
   if (isSorted[which]) return views[which].sorted.get();
   return views[which].filtered.get();
 }
@@ -132,7 +91,8 @@ auto ViewWorld::Shows(std::size_t which, bool mayThrow) {
   return [this, which, mayThrow, setting = views[which].setting](const Piece& piece) {
     if (mayThrow) MayThrow(which);
     if (setting == 5 && piece.value == badValue) throw Thrown();
-    return setting == 0 || (setting < 3 ? piece.value > 2 * setting : piece.key % setting == 0);
+    return piece.value >= *home.limit &&
+           (setting == 0 || (setting < 3 ? piece.value > 2 * setting : piece.key % setting == 0));
   };
 }
 
@@ -142,7 +102,7 @@ void ViewWorld::Make(std::size_t which) {
   if (isSorted[which]) {
     view.sorted = std::make_unique<Sorted>(Base(which), Less(which, true));
   } else {
-    view.filtered = std::make_unique<Filtered>(Base(which), Shows(which, true));
+    view.filtered = std::make_unique<Filtered>(Base(which), Shows(which, true), home.limit);
   }
 }
 
@@ -154,7 +114,8 @@ void ViewWorld::End(std::size_t which) {
 }
 
 void ViewWorld::Insert(int at, int count, int key) {
-  if (list->Size() > mostPieces) return;
+  List<Piece>* const list = Goal(at);
+  if (list == nullptr || list->Size() > mostPieces) return;
   std::vector<Piece> pieces;
   const int more = at % 16 == 0 ? 20 * count : count;
   pieces.reserve(static_cast<std::size_t>(more));
@@ -163,23 +124,30 @@ void ViewWorld::Insert(int at, int count, int key) {
 }
 
 void ViewWorld::Remove(int at, int count, int) {
+  List<Piece>* const list = Goal(at);
+  if (list == nullptr) return;
   const std::size_t first = At(at) % (list->Size() + 1);
   const std::size_t most = At(at) % 8 == 0 ? At(count) * 10 : At(count);
   list->Remove(first, std::min(most, list->Size() - first));
 }
 
 void ViewWorld::Move(int from, int count, int to) {
+  List<Piece>* const list = Goal(from);
+  if (list == nullptr) return;
   const std::size_t rows = std::min(At(count), list->Size());
   const std::size_t places = list->Size() - rows + 1;
   list->Move(At(from) % places, rows, At(to) % places);
 }
 
 void ViewWorld::Update(int at, int value, int) {
-  if (list->IsEmpty()) return;
+  List<Piece>* const list = Goal(at);
+  if (list == nullptr || list->IsEmpty()) return;
   list->UpdateAt(At(at) % list->Size(), [value](Piece& piece) { piece.value = value; });
 }
 
 void ViewWorld::UpdateMany(int seed, int of, int) {
+  List<Piece>* const list = Goal(seed);
+  if (list == nullptr) return;
   std::vector<int> some;
   std::mt19937 random(static_cast<std::uint32_t>(seed));
   for (const Piece& piece : *list) {
@@ -190,6 +158,8 @@ void ViewWorld::UpdateMany(int seed, int of, int) {
 
 /// Makes other rows of some; a shuffle is told as a Reset or as Reordered.
 void ViewWorld::Assign(int seed, int way, int) {
+  List<Piece>* const list = Goal(seed);
+  if (list == nullptr) return;
   std::mt19937 random(static_cast<std::uint32_t>(seed));
   list->Edit([&](std::vector<Piece>& pieces) {
     if (way == 0) std::ranges::reverse(pieces);
@@ -210,7 +180,7 @@ void ViewWorld::Setting(int which, int setting, int) {
   view.setting = setting;
   view.isSpoilt = false;
   if (view.sorted != nullptr) view.sorted->SortBy(Less(At(which), true));
-  if (view.filtered != nullptr) view.filtered->SetFilter(Shows(At(which), true));
+  if (view.filtered != nullptr) view.filtered->SetFilter(Shows(At(which), true), home.limit);
 }
 
 void ViewWorld::Refilter(int which, int, int) {
@@ -233,26 +203,68 @@ void ViewWorld::Renew(int which, int, int) {
 
 void ViewWorld::Watch(int which, int, int) {
   const auto hear = [this, which](const RowChange<Piece>& change) { Hear(At(which), change); };
-  PieceCopy& copy = copies[At(which)];
+  RowCopy<Piece>& copy = copies[At(which)];
   if (Of(At(which)) == nullptr) return;  // it ends
-  copy.copy = PieceCopy::Read(*Of(At(which)));
+  copy.copy = RowCopy<Piece>::Read(*Of(At(which)));
   const int before = endings;
   Subscription seen = Of(At(which))->Observe({.before = hear, .after = hear});
   if (endings == before) copy.seen = std::move(seen);  // it may have been told at once, and ended
 }
 
-/// Ends the list, perhaps in a callback. Its views live on, empty.
-void ViewWorld::EndList(int, int, int) {
-  if (isEnding) return;
+/// Ends the list, perhaps in a callback, and its views, which live on empty until then. Or ends the
+/// list that the bind shows in its place.
+void ViewWorld::EndList(int which, int, int) {
+  PieceHome* const ended = which == 0 ? &home : guest;
+  if (isEnding || ended == nullptr || ended->pieces == nullptr) return;
   const ScopedValue ending(isEnding, true);
   ++endings;
-  std::exchange(list, std::make_unique<ListData<Piece>>()).reset();
-  for (std::size_t i = 0; list->IsEmpty() && i < viewCount; ++i) {
-    Expect(Of(i)->IsEmpty(), "a view without a list");
+  ended->pieces.reset();
+  for (std::size_t i = 0; which == 0 && i < viewCount; ++i) {
+    Expect(roots[i] == theBind || Of(i)->IsEmpty(), "a view without a list");
   }
-  for (std::size_t i = viewCount; i-- > 0;) End(i);
-  copies[viewCount].seen = {};
-  for (std::size_t i = 0; i < viewCount; ++i) Make(i);
+  for (std::size_t i = viewCount; which == 0 && i-- > 0;) End(i);
+  if (which == 0) copies[theList].seen = {};
+  if (which == 0 || ended == guest) ended->Renew();
+  for (std::size_t i = 0; which == 0 && i < viewCount; ++i) Make(i);
+}
+
+/// Adds a nearer source, whose list the bind then shows, or lets it end or go.
+void ViewWorld::Swap(int way, int, int) {
+  if (isEnding || inner.IsConnecting() || outer.IsConnecting()) return;
+  if (PieceHome* const going = std::exchange(guest, nullptr)) {
+    way == 0 ? static_cast<void>(inner.DeleteLocalDataSourceInstance(L"Home"))
+             : static_cast<void>(TakeDataSource(inner, going));
+  } else {
+    auto made = MakeDataSource<PieceHome>(&inner);
+    std::vector<Piece> pieces(home.pieces->begin(), home.pieces->end());
+    std::erase_if(pieces, [](const Piece& piece) { return piece.key % 3 == 0; });
+    for (Piece& piece : pieces) piece.key += piece.value == way ? 1 : 0;
+    if (way == 0) std::ranges::reverse(pieces);
+    made->pieces->Assign(pieces);
+    guest = made.get();
+    GiveDataSource(inner, std::move(made));
+  }
+}
+
+/// Inserts very many rows, perhaps in a callback; Settle takes most of them away. They stand side
+/// by side in most views, since an observer that compares its copy takes long.
+void ViewWorld::Flood(int at, int, int) {
+  List<Piece>* const list = Goal(at);
+  if (list == nullptr || list->Size() > mostPieces || at % 4 != 0) return;
+  std::vector<Piece> pieces;
+  pieces.reserve(5000);
+  for (int i = 0; i < 5000; ++i) pieces.push_back({at + i, at % 10});
+  list->Insert(At(at) % (list->Size() + 1), pieces);
+}
+
+void ViewWorld::Limit(int value, int, int) { home.limit.Set(value); }
+
+void ViewWorld::Settle() {
+  for (const int which : {0, 1}) {
+    List<Piece>* const list = Goal(which);
+    if (list == nullptr || list->Size() < 4 * mostPieces) continue;
+    list->Remove(mostPieces / 2, list->Size() - mostPieces);
+  }
 }
 
 void ViewWorld::ThrowSoon(int which, int count, int) { views[At(which)].untilThrow = 20 * count; }
@@ -262,9 +274,9 @@ void ViewWorld::Hear(std::size_t which, const RowChange<Piece>& change) {
   Expect(copies[which].Follow(heard, change),
          change.IsBefore() ? "an observer's copy does not fit before a change"
                            : "an observer's copy does not fit after a change");
-  for (std::size_t i = 0; &heard == list.get() && i < viewCount; ++i) {
-    if (Of(i) == nullptr) continue;  // it ends
-    for (std::size_t row = 0; row < Of(i)->Size(); ++row) {
+  for (std::size_t i = 0; i < viewCount; ++i) {
+    if (&heard != Of(roots[i]) || Of(i) == nullptr) continue;  // it follows another one, or ends
+    for (std::size_t row = 0; row < Of(i)->Size(); row += 1 + Of(i)->Size() / 500) {
       Expect(heard.Contains(Of(i)->At(row)), "a view has a row that its list has not");
     }
   }
@@ -273,15 +285,15 @@ void ViewWorld::Hear(std::size_t which, const RowChange<Piece>& change) {
 
 /// Rows that are set aside stand at the end, in whatever order they came there.
 void ViewWorld::CompareWithNew(std::size_t which) {
-  auto now = PieceCopy::Read(*Of(which));
-  PieceCopy::Numbered anew;
+  auto now = RowCopy<Piece>::Read(*Of(which));
+  RowCopy<Piece>::Numbered anew;
   std::size_t aside = 0;
   if (isSorted[which]) {
-    anew = PieceCopy::Read(Sorted(Base(which), Less(which, false)));
+    anew = RowCopy<Piece>::Read(Sorted(Base(which), Less(which, false)));
     const auto isBad = [](const auto& row) { return row.second.value == badValue; };
     if (views[which].setting == 5) aside = At(static_cast<int>(std::ranges::count_if(anew, isBad)));
   } else {
-    anew = PieceCopy::Read(Filtered(Base(which), Shows(which, false)));
+    anew = RowCopy<Piece>::Read(Filtered(Base(which), Shows(which, false)));
   }
   const bool isSame = now.size() == anew.size();
   Expect(isSame || (views[which].isSpoilt && !isSorted[which]), "a view has not all its rows");
@@ -295,9 +307,11 @@ void ViewWorld::CompareWithNew(std::size_t which) {
 
 bool ViewWorld::Agrees() {
   for (std::size_t i = 0; i < viewCount; ++i) CompareWithNew(i);
-  for (std::size_t i = 0; i <= viewCount; ++i) {
+  const PieceHome& shown = guest != nullptr ? *guest : home;
+  Expect(std::ranges::equal(bind, *shown.pieces), "a bind does not show the nearest list");
+  for (std::size_t i = 0; i < copies.size(); ++i) {
     if (copies[i].seen) {
-      Expect(copies[i].copy == PieceCopy::Read(*Of(i)), "a copy is not as what it copies");
+      Expect(copies[i].copy == RowCopy<Piece>::Read(*Of(i)), "a copy is not as what it copies");
     }
   }
   return failure == nullptr;

@@ -22,6 +22,7 @@
 #include "DataBinding/lists/CurrentRow.h"
 #include "DataBinding/lists/List.h"
 #include "DataBinding/lists/Selection.h"
+#include "RowCopy.h"
 #include "Script.h"
 
 namespace DataBinding::Stress {
@@ -71,11 +72,6 @@ class ListWorld : public Player<ListWorld> {
   [[nodiscard]] const char* WhatDiffers() const noexcept { return failure; }
 
  private:
-  using Numbered = std::vector<std::pair<RowId, Item>>;
-  struct Observer {
-    Numbered copy;
-    Subscription seen;
-  };
   /// A row of the model. Its identity is the serial that it came with.
   struct Row {
     int identity;
@@ -86,9 +82,7 @@ class ListWorld : public Player<ListWorld> {
     if (!holds && failure == nullptr) failure = what;
   }
   void Answer(const SetResult& result, PropertyError error, const char* what);
-  [[nodiscard]] Numbered Read() const;
   void Hear(int which, const RowChange<Item>& change);
-  void Replay(Numbered& copy, const RowChange<Item>& change);
   [[nodiscard]] Item NewItem(int key, int value) { return {key, value, ++lastSerial}; }
   [[nodiscard]] std::vector<int> Told() const;
   [[nodiscard]] std::size_t Find(int key) const;
@@ -109,7 +103,7 @@ class ListWorld : public Player<ListWorld> {
   Framework::DataBind<int> shown{&scope, L"Item", L"Value"};
   std::vector<RowId> picked;
   Subscription gone;
-  std::array<Observer, 4> observers;
+  std::array<RowCopy<Item>, 4> observers;
   std::vector<Row> coming;
   std::map<RowId, int> identities;
   int lastSerial = 0;

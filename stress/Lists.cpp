@@ -39,12 +39,6 @@ std::vector<Operation<ListWorld>> ListWorld::Operations() {
   };
 }
 
-ListWorld::Numbered ListWorld::Read() const {
-  Numbered rows;
-  for (std::size_t i = 0; i < list->Size(); ++i) rows.emplace_back(list->At(i), (*list)[i]);
-  return rows;
-}
-
 std::vector<Item> ListWorld::Items() const {
   std::vector<Item> items;
   for (const Row& row : coming) items.push_back(row.item);
@@ -53,8 +47,9 @@ std::vector<Item> ListWorld::Items() const {
 
 bool ListWorld::Agrees() {
   Expect(std::ranges::equal(*list, Items()), "the list is not as the model");
-  for (const Observer& observer : observers) {
-    Expect(!observer.seen || observer.copy == Read(), "an observer's copy is not as the list");
+  for (const auto& observer : observers) {
+    Expect(!observer.seen || observer.copy == RowCopy<Item>::Read(*list),
+           "an observer's copy is not as the list");
   }
   for (std::size_t i = 0; i < list->Size() && i < coming.size(); ++i) {
     Expect(list->IndexOfRow(list->At(i)) == i, "a row is not found by its id");
@@ -81,14 +76,10 @@ void ListWorld::MeetRows() {
 }
 
 void ListWorld::Hear(int which, const RowChange<Item>& change) {
-  Observer& observer = observers[At(which)];
-  if (change.IsBefore()) {
-    Expect(observer.copy == Read(), "the list was not as the observer was told");
-  } else {
-    MeetRows();
-    Replay(observer.copy, change);
-    Expect(observer.copy == Read(), "the list is not as the observer is told");
-  }
+  if (!change.IsBefore()) MeetRows();
+  Expect(observers[At(which)].Follow(*list, change),
+         change.IsBefore() ? "the list was not as the observer was told"
+                           : "the list is not as the observer is told");
   ++telling;
   try {
     Happen(points[change.IsBefore() ? 0 : 1], which, 0, Place::Anywhere);
@@ -97,43 +88,6 @@ void ListWorld::Hear(int which, const RowChange<Item>& change) {
     throw;
   }
   --telling;
-}
-
-void ListWorld::Replay(Numbered& copy, const RowChange<Item>& change) {
-  const auto first = copy.begin() + static_cast<std::ptrdiff_t>(change.At());
-  const auto count = static_cast<std::ptrdiff_t>(change.Count());
-  switch (change.Kind()) {
-    case ListChangeKind::Inserted: {
-      Numbered rows;
-      for (std::size_t i = 0; i < change.Count(); ++i)
-        rows.emplace_back(change.Ids()[i], change[i]);
-      copy.insert(first, rows.begin(), rows.end());
-      break;
-    }
-    case ListChangeKind::Removed:
-      copy.erase(first, first + count);
-      break;
-    case ListChangeKind::Moved: {
-      const auto to = copy.begin() + static_cast<std::ptrdiff_t>(change.To());
-      to < first ? std::rotate(to, first, first + count)
-                 : std::rotate(first, first + count, to + count);
-      break;
-    }
-    case ListChangeKind::Changed:
-      for (std::size_t i = 0; i < change.Count(); ++i) {
-        Item& item = copy[change.PlaceOf(i)].second;
-        Expect(item == change.Was(i), "a row was not what the observer is told that it was");
-        item = change[i];
-      }
-      break;
-    default: {
-      std::map<RowId, Item> known(copy.begin(), copy.end());
-      copy.clear();
-      for (const RowId id : change.Ids()) {
-        copy.emplace_back(id, known.try_emplace(id, list->RowAt(id)).first->second);
-      }
-    }
-  }
 }
 
 void ListWorld::Answer(const SetResult& result, PropertyError error, const char* what) {
@@ -333,8 +287,8 @@ void ListWorld::WrongUse(int which, int, int) {
 }
 
 void ListWorld::Watch(int which, int, int) {
-  Observer& observer = observers[At(which)];
-  observer.copy = Read();
+  RowCopy<Item>& observer = observers[At(which)];
+  observer.copy = RowCopy<Item>::Read(*list);
   const auto hear = [this, which](const RowChange<Item>& change) { Hear(which, change); };
   observer.seen = list->Observe({.before = hear, .after = hear});
 }
@@ -344,7 +298,7 @@ void ListWorld::Unwatch(int which, int, int) { observers[At(which)].seen = {}; }
 /// Ends the list, perhaps within its own callback, and goes on with another one.
 void ListWorld::EndList(int, int, int) {
   if (telling > 1) return;
-  for (Observer& observer : observers) observer.seen = {};
+  for (auto& observer : observers) observer.seen = {};
   coming.clear();
   identities.clear();
   Begin();

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A list, views of it that stand on each other, and observers of all of them, each with a copy
-/// that it keeps by what it is told.
+/// A list, a bind that shows it or the one of a nearer source, views of both that stand on each
+/// other, and observers of all of them, each with a copy that it keeps by what it is told.
 ///
 /// An observer compares its copy with what it observes before and after every change. At rest each
 /// view must equal one that is made anew. Operations are also played inside callbacks, where views
-/// may end, begin and get other settings. Comparisons and predicates throw for certain rows always,
-/// and sometimes for any.
+/// may end, begin and get other settings, and lists may end, get thousands of rows, or be replaced
+/// in the bind. Comparisons and predicates throw for certain rows always, and sometimes for any.
 #pragma once
 
 #include <array>
@@ -14,9 +14,15 @@
 #include <utility>
 #include <vector>
 
+#include "DataBinding/datasource/DataSourceProvider.h"
+#include "DataBinding/datasource/MakeDataSource.h"
+#include "DataBinding/datasource/NamedDataSource.h"
+#include "DataBinding/framework/ListBind.h"
 #include "DataBinding/lists/FilteredList.h"
 #include "DataBinding/lists/List.h"
 #include "DataBinding/lists/SortedList.h"
+#include "DataBinding/property/Property.h"
+#include "RowCopy.h"
 #include "Script.h"
 
 namespace DataBinding::Stress {
@@ -31,20 +37,13 @@ constexpr auto FieldsOf(const Piece*) {
   return Fields(Key(L"Key", &Piece::key), Field(L"Value", &Piece::value));
 }
 
-/// An observer's copy of a list or view.
-class PieceCopy {
- public:
-  using Numbered = std::vector<std::pair<RowId, Piece>>;
+/// A source whose list may end before it.
+struct PieceHome : NamedDataSource {
+  PieceHome() : NamedDataSource(L"Home") { Renew(); }
+  void Renew() { pieces.reset(new List<Piece>(this, L"Pieces")); }
 
-  [[nodiscard]] static Numbered Read(const ReadableList<Piece>& list);
-  /// Brings the copy to where the change says that the list is, and answers whether all fits.
-  [[nodiscard]] bool Follow(const ReadableList<Piece>& list, const RowChange<Piece>& change);
-
-  Numbered copy;
-  Subscription seen;
-
- private:
-  [[nodiscard]] bool Replay(const ReadableList<Piece>& list, const RowChange<Piece>& change);
+  std::unique_ptr<List<Piece>> pieces;
+  Property<int> limit{this, L"Limit"};
 };
 
 class ViewWorld : public Player<ViewWorld> {
@@ -67,13 +66,16 @@ class ViewWorld : public Player<ViewWorld> {
   void Refilter(int which, int, int);
   void Renew(int which, int, int);
   void Watch(int which, int, int);
-  void EndList(int, int, int);
+  void EndList(int which, int, int);
+  void Swap(int way, int, int);
+  void Flood(int at, int, int);
+  void Limit(int value, int, int);
   void ThrowSoon(int which, int count, int);
 
   /// Says whether everything agreed until now. The list must be at rest.
   [[nodiscard]] bool Agrees();
-  /// Views have nothing to note when an operation is over.
-  void Settle() noexcept {}
+  /// Takes rows away when there are too many.
+  void Settle();
   [[nodiscard]] const char* WhatDiffers() const noexcept { return failure; }
 
  private:
@@ -92,6 +94,8 @@ class ViewWorld : public Player<ViewWorld> {
   void Expect(bool holds, const char* what) {
     if (!holds && failure == nullptr) failure = what;
   }
+  /// The list of the one source or of the other, if it is there.
+  [[nodiscard]] List<Piece>* Goal(int at) const;
   [[nodiscard]] ReadableList<Piece>* Of(std::size_t which) const;
   [[nodiscard]] ReadableList<Piece>& Base(std::size_t which) const;
   void Make(std::size_t which);
@@ -102,9 +106,13 @@ class ViewWorld : public Player<ViewWorld> {
   void Hear(std::size_t which, const RowChange<Piece>& change);
   void CompareWithNew(std::size_t which);
 
-  std::unique_ptr<ListData<Piece>> list = std::make_unique<ListData<Piece>>();
+  DataSourceProvider outer{nullptr, L"outer", nullptr};
+  DataSourceProvider inner{&outer, L"inner", nullptr};
+  PieceHome& home = Emplace<PieceHome>(outer);
+  PieceHome* guest = nullptr;  // of the inner scope
+  Framework::ListBind<Piece> bind{&inner, L"Home", L"Pieces"};
   std::array<View, viewCount> views;
-  std::array<PieceCopy, viewCount + 1> copies;  // the last one is of the list
+  std::array<RowCopy<Piece>, viewCount + 2> copies;  // the last ones are of the list and the bind
   bool isEnding = false;
   int endings = 0;
   const char* failure = nullptr;
