@@ -65,19 +65,19 @@ class OwnedSources::Turn final : public ListTurn {
  private:
   /// Makes the step of the rows that are in the list, in their order; a row that is not needs no
   /// telling.
-  void Collect(std::vector<OwnedSource*>& noted, const RowOrder& order) {
-    std::erase_if(noted, [&](OwnedSource* row) {
+  void Collect(std::vector<OwnedSource*>& heard, const RowOrder& order) {
+    std::erase_if(heard, [&](OwnedSource* row) {
       const bool isGone = !order.Contains(row->id);
       if (isGone) row->noted = 0;
       return isGone;
     });
-    std::ranges::sort(noted, {}, [&](const OwnedSource* row) { return order.IndexOf(row->id); });
+    std::ranges::sort(heard, {}, [&](const OwnedSource* row) { return order.IndexOf(row->id); });
     ids.clear();
     rows.clear();
-    ids.reserve(noted.size());
-    rows.reserve(noted.size());
+    ids.reserve(heard.size());
+    rows.reserve(heard.size());
     step.fields = 0;
-    for (const OwnedSource* const row : noted) {
+    for (const OwnedSource* const row : heard) {
       ids.push_back(row->id);
       rows.push_back(row->row);
       step.fields |= row->noted;
