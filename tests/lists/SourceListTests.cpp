@@ -14,6 +14,7 @@
 #include "DataBinding/lists/CurrentRow.h"
 #include "DataBinding/lists/FilteredList.h"
 #include "DataBinding/lists/SortedList.h"
+#include "DataBinding/property/Property.h"
 #include "DataBinding/property/PropertyBatch.h"
 
 namespace DataBinding::Testing {
