@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <iostream>
+#include <locale>
+#include <string>
 
 #include <DataBinding/DataBinding.h>
 
@@ -96,6 +98,25 @@ void EditADraft(Heater& heater) {
   std::cout << "saved: " << saved.changed << ", now from " << heater.low->degrees << '\n';
 }
 
+/// A country's marks, as a locale that need not be installed.
+struct Commas : std::numpunct<wchar_t> {
+  wchar_t do_decimal_point() const override { return L','; }
+  wchar_t do_thousands_sep() const override { return L'.'; }
+  std::string do_grouping() const override { return "\3"; }
+};
+
+void ShowNumbers() {
+  const auto dial = NumberConverter<double, int>();  // a double on a widget of int
+  std::cout << "dial: " << dial.show(21.6) << '\n';
+  const auto box = NumberConverter<int, double>();
+  std::cout << "box: " << box.parse(21.5) << '\n';
+
+  const auto field = LocaleConverter<double>(std::locale(std::locale::classic(), new Commas));
+  std::cout << "field: " << field.show(1234.5) << '\n';
+  std::cout << "typed 1.234,75: " << field.parse(L"1.234,75") << '\n';
+  std::cout << "typed 1.5: " << field.parse(L"1.5") << '\n';
+}
+
 int main() {
   DataSourceProvider scope(nullptr, L"house", nullptr);
   auto& heater = Emplace<Heater>(scope);
@@ -103,4 +124,5 @@ int main() {
   EditByName(scope);
   TypeTooMuch(scope);
   EditADraft(heater);
+  ShowNumbers();
 }
