@@ -90,12 +90,23 @@ void EveryValue(benchmark::State& state) {
   }
 }
 
+/// A list that is observed through a filter.
+struct FilteredLoads {
+  explicit FilteredLoads(int count) { list.Assign(LoadsOf(count)); }
+
+  ListData<LoadedRow> list;
+  FilteredList<LoadedRow> shown{list, [](const LoadedRow& entry) { return entry.load >= 10'000; }};
+  std::size_t told = 0;
+  Subscription seen = shown.Observe({.after = [this](const RowChange<LoadedRow>&) { ++told; }});
+};
+
+template <class Entries>
 void InsertMany(benchmark::State& state) {
   const auto rows = LoadsOf(10'000);
   for (auto _ : state) {
     state.PauseTiming();
     {
-      SortedLoads entries(0);
+      Entries entries(0);
       state.ResumeTiming();
       entries.list.Insert(0, rows);
       state.PauseTiming();
@@ -158,7 +169,8 @@ void BytesOfView(benchmark::State& state) {
   Enter("views/assign", "ours", &AssignAnew).Arg(0)->Arg(100);
   Enter("views/every-value", "ours", &EveryValue).Iterations(10);
   Enter("views/every-value", "floor", &SortIndexes).Arg(100'000)->Iterations(10);
-  Enter("views/insert", "ours", &InsertMany).Iterations(50);
+  Enter("views/insert", "ours", &InsertMany<SortedLoads>).Iterations(50);
+  Enter("views/insert", "filtered", &InsertMany<FilteredLoads>).Iterations(50);
   Enter("views/insert", "floor", &SortIndexes).Arg(10'000);
   Enter("views/refilter", "ours", &FilterAnew);
   Enter("views/refilter", "floor", &CopyIndexes);

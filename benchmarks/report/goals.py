@@ -6,11 +6,13 @@ from typing import NamedTuple
 
 class Row(NamedTuple):
     """A workload: our benchmark, the others with their labels in the table, and the goal, which is the
-    label of the one that ours is compared with and the largest ratio."""
+    label of the one that ours is compared with and the largest ratio. Ours may take some nanoseconds
+    more than that, where the goal allows for work that the other does not do."""
     workload: str
     ours: str
     others: dict = {}
     goal: tuple = None
+    more: int = 0
 
     def benchmarks(self):
         return [self.ours, *self.others.values()]
@@ -162,6 +164,21 @@ GOALS = [
              "fresh", 18),
     CountRow("the same after many moves and replacements", "memory/list/ours/iterations:1",
              "churned", 22),
+    Row("one key of a sorted view of 100,000 changes, observed", "views/one-key/ours",
+        {"Qt": "views/one-key/qt"}, ("Qt", 0.025)),
+    CountRow("the same: allocations", "views/one-key/ours", "allocations", 0),
+    LimitRow("Assign 10,000 rows under a sorted view, none differ", "views/assign/ours/0", 300_000),
+    LimitRow("Assign 10,000 rows under a sorted view, 1 % differ", "views/assign/ours/100", 400_000),
+    Row("every value of 100,000 changes under a sorted view", "views/every-value/ours/iterations:10",
+        {"sorting": "views/every-value/floor/100000/iterations:10"}, ("sorting", 2.0), 10_000_000),
+    LimitRow("insert 10,000 rows at once under a filter", "views/insert/filtered/iterations:50",
+             1_000_000),
+    Row("insert 10,000 rows at once under a sorted view", "views/insert/ours/iterations:50",
+        {"sorting": "views/insert/floor/10000"}, ("sorting", 2.0)),
+    # half a microsecond for each of a thousand ranges that are told
+    Row("a filter over 100,000 rows changes for 1 % of them", "views/refilter/ours",
+        {"copy_if": "views/refilter/floor"}, ("copy_if", 2.0), 500_000),
+    CountRow("a row of a view, in bytes", "memory/view/ours/iterations:1", "bytes", 8),
     LimitRow("IdlePass::Run with nothing queued", "idlepass/ours", 50),
     CountRow("IdlePass::Run: allocations", "idlepass/ours", "allocations", 0),
 ]

@@ -33,8 +33,10 @@ def goal_cells(row, results):
     label, most = row.goal or (next(iter(others)), None)
     ratio = ours / others[label]
     goal = "" if most is None else f"≤ {most} × {label}"
+    if row.more:
+        goal += f" + {number(row.more)}"
     return [row.workload, number(ours), listed, f"{ratio:.2f} × {label}", goal,
-            "" if most is None else verdict(ratio, most)]
+            "" if most is None else verdict(ours, most * others[label] + row.more)]
 
 
 def goals(rows, results):

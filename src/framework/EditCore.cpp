@@ -113,7 +113,7 @@ SetResult EditCore::Take(Purpose purpose) {
     if (purpose != Purpose::Check) ForgetTyped();
     return {};
   }
-  const SetResult parsed = Parse();
+  SetResult parsed = Parse();
   if (!IsJoined()) return Gone();
   if (!parsed.IsAccepted()) return parsed;
   if (conflict != Conflict::None && purpose != Purpose::Overwrite)
