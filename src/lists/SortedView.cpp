@@ -237,23 +237,20 @@ std::size_t SortedView::FindPlace(RowId id, std::size_t from,
   return low;
 }
 
-/// Sorts the rows among themselves, merges them into the others, and tells the difference.
+/// Sorts the rows among themselves, merges them into the others, and tells the difference. Rows
+/// that are sources may have changed without having been told of yet, so all of them are sorted.
 void SortedView::ReplaceMany(std::span<const RowId> ids, bool isContentNew) noexcept {
-  placed.clear();
-  for (const RowId id : ids) {
-    const bool isSetAside = order.IndexOf(id) >= Sorted();
-    if (isContentNew || !isSetAside) placed.push_back({source->IndexOfRow(id), id});
-  }
-  std::ranges::sort(placed, {}, &PlacedRow::at);
-  rows.clear();
-  for (const PlacedRow& row : placed) rows.push_back(row.id);
-  Mark(rows);
   if (AreRowsSources()) {
     TakeRowsOfSource();
     Evaluate();
     TellTarget();
     return;
   }
+  Mark(ids);
+  for (std::size_t i = isContentNew ? order.Size() : Sorted(); i < order.Size(); ++i) {
+    Unmark(order.At(i));
+  }
+  TakeMarkedInOrderOfList(ids);
   const std::size_t live = Sort(rows);
   MergeLoose(live);
   if (CountMoves() > MostRanges()) {
@@ -262,6 +259,26 @@ void SortedView::ReplaceMany(std::span<const RowId> ids, bool isContentNew) noex
     aside = asideInTarget;
     TellMoves();
   }
+}
+
+/// Puts those of the rows that are marked into `rows`, in the order of the list. Where they are
+/// many, going over the whole list takes less than finding the place of each.
+void SortedView::TakeMarkedInOrderOfList(std::span<const RowId> ids) noexcept {
+  constexpr std::size_t rowsPassedInTheTimeOfASearch = 64;
+  const std::size_t size = source->Size();
+  if (ids.size() > size / rowsPassedInTheTimeOfASearch) {
+    rows.resize(size);
+    source->CopyIds(rows);
+    std::erase_if(rows, [this](RowId id) { return !IsMarked(id); });
+    return;
+  }
+  placed.clear();
+  for (const RowId id : ids) {
+    if (IsMarked(id)) placed.push_back({source->IndexOfRow(id), id});
+  }
+  std::ranges::sort(placed, {}, &PlacedRow::at);
+  rows.clear();
+  for (const PlacedRow& row : placed) rows.push_back(row.id);
 }
 
 /// Makes the target of the rows that are not marked, as they stand, and those of `compared`.
@@ -294,7 +311,7 @@ std::size_t SortedView::CountMoves() noexcept {
     std::size_t low = i == 0 ? 0 : order.IndexOf(target[i - 1]) + 1;
     const std::size_t high = end == target.size() ? end : order.IndexOf(target[end]);
     std::size_t next = RowOrder::nowhere;  // the place that would join the range before it
-    for (; i < end; ++i) {
+    for (; i < end && count <= MostRanges(); ++i) {
       const std::size_t at = order.IndexOf(target[i]);
       if (at >= low && at < high) {
         low = at + 1;

@@ -55,6 +55,7 @@ class DATABINDING_API SortedView final : public ListView {
   [[nodiscard]] std::size_t FindPlace(RowId id, std::size_t from,
                                       std::span<const RowId> loose) noexcept;
   void ReplaceMany(std::span<const RowId> ids, bool isContentNew) noexcept;
+  void TakeMarkedInOrderOfList(std::span<const RowId> ids) noexcept;
   void MergeLoose(std::size_t live) noexcept;
   void CheckGap(std::size_t at) noexcept;
   [[nodiscard]] bool AreRowsSources() const noexcept;
