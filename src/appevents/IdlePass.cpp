@@ -13,8 +13,6 @@
 
 namespace DataBinding {
 
-using details::CallbackWalk;
-
 /// The state that a pass shares with its UpdateUI callback. It is shared, because another thread
 /// may still run the callback when the pass ends.
 class IdlePass::State {
@@ -36,19 +34,15 @@ class IdlePass::State {
   void Begin() noexcept {
     if (IsRequested()) requested.exchange(false, std::memory_order_acq_rel);
   }
-  void End() noexcept { ended = true; }
+  void End() noexcept {
+    ended = true;
+    delivered = CallbackList<>();
+  }
   Subscription OnDelivered(const RepeatingCallback<void()>& callback) {
     return delivered.Add(callback);
   }
-  /// Tells all, also behind one that throws. A pass that has ended tells nobody.
-  void TellDelivered() {
-    if (ended) return;
-    FirstFailure failure;
-    CallbackWalk walk(delivered.Core());
-    while (!failure.Try([&walk] { CallbackList<>::CallRest(walk); })) {
-    }
-    failure.Rethrow();
-  }
+  /// Once the pass has ended, nobody is told any more.
+  void TellDelivered() const { delivered.CallAll(); }
   [[nodiscard]] bool IsRequested() const noexcept { return requested; }
 
   std::size_t droppedFailures = 0;

@@ -53,6 +53,7 @@ void BindConnection::Connect(const Framework::IBaseBind& bind, IDataSourceProvid
   sourceName = bind.DataSource();
   propertyName = bind.Path();
   Enter(provider);
+  if (isOtherName) ++follows;
   Follow(NearestSource());
   if (formerSource == nullptr && source == nullptr) return;
   const bool isOther = isOtherName || source != formerSource;
@@ -106,6 +107,7 @@ void BindConnection::Update() {
 /// may be ending. Where there is no memory for that, the next update does it.
 void BindConnection::Follow(IDataSource* newSource) {
   propertySubscription.Cancel();
+  if (newSource != source) ++follows;
   source = nullptr;
   record = nullptr;
   found = &Refer(newSource, propertyName);
@@ -117,6 +119,13 @@ void BindConnection::Follow(IDataSource* newSource) {
   source = newSource;
   record = ShownRecord::Of(source);
   recordSerial = record == nullptr ? 0 : record->Serial();
+}
+
+/// A source that is ending is not asked.
+std::uint64_t BindConnection::Record() const noexcept {
+  constexpr unsigned bitsOfSerial = 32;
+  const bool isThere = record != nullptr && found->IsThere();
+  return (follows << bitsOfSerial) + (isThere ? record->Serial() : recordSerial);
 }
 
 void BindConnection::OnAnnounced() {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DataBinding/framework/details/EditCore.h"
 
-#include "DataBinding/foundation/BindWeak.h"
 #include "DataBinding/foundation/ScopedValue.h"
 #include "DataBinding/foundation/details/FirstFailure.h"
 
@@ -24,71 +23,93 @@ void EditCore::Begin() {
     if (const auto keep = self.lock()) keep->Follow(change);
   });
   Tell();
-  told = StateNow();
+  if (IsJoined()) told = StateNow();
 }
 
 void EditCore::End() {
   base = nullptr;
   subscription.Cancel();
   checks.Cancel();
+  states = CallbackList<EditState>();
 }
 
 EditState EditCore::State() const noexcept { return IsJoined() ? told : EditState::Absent; }
+
+/// A function that is called before it may have changed the state, and then all were told of that.
+Subscription EditCore::OnState(const RepeatingCallback<void(const EditState&)>& callback) {
+  if (!callback) return {};
+  return states.Add([self = weak_from_this(), callback](const EditState& state) {
+    const auto keep = self.lock();
+    if (keep != nullptr && keep->IsJoined() && keep->told == state) callback(state);
+  });
+}
+
+template <class Operation>
+void EditCore::Do(Operation operation) {
+  FirstFailure failure;
+  failure.Try(operation);
+  failure.Try([this] { Settle(); });
+  failure.Rethrow();
+}
 
 /// A change that the edit itself makes is looked at when it is set.
 void EditCore::Follow(BindChange change) {
   if (step == Step::Setting) step = Step::SettingAndChanged;
   if (step == Step::SettingAndChanged || !IsJoined()) return;
-  ShowOrCollide(change);
-  Settle();
+  Do([&] { isTyped ? Collide(change) : Tell(); });
 }
-
-void EditCore::ShowOrCollide(BindChange change) { isTyped ? Collide(change) : Tell(); }
 
 /// What was typed stays in the widget. A record that comes after an absence may be another one.
 void EditCore::Collide(BindChange change) {
-  if (change != BindChange::Value) conflict = Conflict::Record;
+  const ScopedValue looking(step, Step::Committing);
+  if (change != BindChange::Value || base->Record() != record) conflict = Conflict::Record;
+  refusal = {};
   if (!base->HasValue()) return TellAbsent();
+  isAbsent = false;
   if (conflict == Conflict::Record) return;
-  conflict = IsPresentAsShown() ? Conflict::None : Conflict::Value;
-  if (conflict == Conflict::None || !IsJoined() || !IsPresentAsRead() || !IsJoined()) return;
-  ForgetTyped();
-  NoteReadAsShown();
+  conflict = Conflict::Value;
+  const bool isAsBefore = IsPresentAsShown();
+  if (isAsBefore) conflict = Conflict::None;
+  if (!isAsBefore && IsJoined()) TakeIfPresent();
 }
 
+/// Ends the edit where the source has come to have what the widget holds.
+void EditCore::TakeIfPresent() {
+  if (!Read() || !IsJoined() || !IsPresentAsRead() || !IsJoined()) return;
+  ForgetTyped();
+  NoteReadAsShown(false);
+}
+
+/// An edit that cannot be read, because that throws, is an edit all the same.
 void EditCore::Typed() {
   if (step != Step::None || !IsJoined()) return;
-  {
+  isTyped = true;
+  Do([this] {
     const ScopedValue reading(step, Step::Committing);
-    widget = widget == Widget::Written ? Widget::Edited : widget;
-    if (!Read() || !IsJoined()) return;
-  }
-  isTyped = conflict != Conflict::None || !IsReadAsShown();
-  if (!isTyped) ForgetTyped();
-  Settle();
+    if (widget == Widget::Written) widget = Widget::Edited;
+    if (conflict == Conflict::Value) return TakeIfPresent();
+    if (Read() && IsJoined() && conflict == Conflict::None && IsReadAsShown()) ForgetTyped();
+  });
 }
 
 void EditCore::Revert() {
-  if (step != Step::None || !IsJoined()) return;
+  if (step != Step::None) return;
   ForgetTyped();
-  Tell();
-  Settle();
+  if (IsJoined()) Do([this] { Tell(); });
 }
 
 void EditCore::WhenAbsent(RepeatingCallback<void()> callback) {
   absent = std::move(callback);
   if (IsJoined() && base->HasValue()) return;
   widget = Widget::Edited;
-  TellAbsent();
-  Settle();
+  Do([this] { TellAbsent(); });
 }
 
 SetResult EditCore::Judge(Purpose purpose) {
   const bool needsTyped = purpose == Purpose::Commit || purpose == Purpose::Overwrite;
   if (step != Step::None || (needsTyped && !isTyped)) return {};
   SetResult result;
-  FirstFailure failure;
-  failure.Try([&] {
+  Do([&] {
     result = Take(purpose);
     if (needsTyped) NoteRefusal(result);
     checks.Cancel();
@@ -97,8 +118,6 @@ SetResult EditCore::Judge(Purpose purpose) {
       if (const auto keep = self.lock()) keep->AskAgain();
     });
   });
-  failure.Try([this] { Settle(); });
-  failure.Rethrow();
   return result;
 }
 
@@ -114,11 +133,19 @@ SetResult EditCore::Take(Purpose purpose) {
     return {};
   }
   SetResult parsed = Parse();
-  if (!IsJoined()) return Gone();
   if (!parsed.IsAccepted()) return parsed;
-  if (conflict != Conflict::None && purpose != Purpose::Overwrite)
+  if (!IsJoined()) return Gone();
+  if (IsInConflict() && purpose != Purpose::Overwrite) {
     return Refuse(PropertyError::Conflict, WhyInConflict());
+  }
   return purpose == Purpose::Check ? CheckParsed() : Set();
+}
+
+/// A join, for which nothing counts as typed, is never in conflict.
+bool EditCore::IsInConflict() {
+  if (!isTyped || !base->HasValue()) return false;
+  if (base->Record() != record) conflict = Conflict::Record;
+  return conflict != Conflict::None;
 }
 
 /// Sets the edit and shows what has become of it. A bind that throws may have changed all the same.
@@ -128,30 +155,49 @@ SetResult EditCore::Set() {
   step = Step::Setting;
   const bool hasReturned = failure.Try([&] { result = SetParsed(); });
   const bool isChanged = std::exchange(step, Step::Committing) == Step::SettingAndChanged;
-  const bool isTaken = hasReturned ? result.IsAccepted() : isChanged;
+  const bool isTaken =
+      hasReturned ? result.IsAccepted() : isChanged && IsJoined() && IsPresentAsParsed();
   if (isTaken) ForgetTyped();
   // A change that waits is shown when it is told.
-  if (isTaken && (isChanged || !result.waits)) failure.Try([this] { ShowUnlessSame(); });
-  if (!isTaken && isChanged) failure.Try([this] { ShowOrCollide(BindChange::Value); });
+  if (isTaken && result.waits && !isChanged) {
+    NoteReadAsShown(true);
+  } else if (isTaken || isChanged) {
+    failure.Try([this] { ShowUnlessSame(); });
+  }
   failure.Rethrow();
   return result;
+}
+
+/// Shows the value unless the widget holds it already. The source may have made another value of
+/// the edit, and since the edit was read the widget may have been told of another value, or of
+/// none.
+void EditCore::ShowUnlessSame() {
+  if (!IsJoined()) return;
+  if (isTyped) return Collide(BindChange::Value);
+  const bool isSame = widget == Widget::Edited && IsPresentAsParsed();
+  if (!IsJoined()) return;
+  if (!isSame) return Tell();
+  NoteReadAsShown(true);
+  record = base->Record();
 }
 
 void EditCore::NoteRefusal(const SetResult& result) {
   if (result.IsAccepted() || result.error == PropertyError::Conflict) return;
   refusal = result.reason.IsEmpty() ? result.text : result.reason;
+  if (refusal.IsEmpty()) refusal = L"The value was refused.";
 }
 
 /// Checks the refused edit once more, since a property has changed that the validator reads.
 void EditCore::AskAgain() {
-  if (step != Step::None) return;
-  const SetResult result = Take(Purpose::Check);
-  if (!refusal.IsEmpty()) {
-    refusal = {};
-    NoteRefusal(result);
-  }
-  if (IsJoined()) askedAgain(result);
-  Settle();
+  if (step != Step::None || !IsJoined()) return;
+  Do([this] {
+    const SetResult result = Take(Purpose::Check);
+    if (!refusal.IsEmpty()) {
+      refusal = {};
+      NoteRefusal(result);
+    }
+    if (IsJoined()) askedAgain(result);
+  });
 }
 
 SetResult EditCore::Gone() const {
@@ -171,20 +217,14 @@ void EditCore::ForgetTyped() {
   checks.Cancel();
 }
 
-/// Shows the value unless the widget holds it already. The source may have made another value of
-/// the edit, and since the edit was read the widget may have been told of another value, or of
-/// none.
-void EditCore::ShowUnlessSame() {
-  if (!IsJoined()) return;
-  const bool isSame = widget == Widget::Edited && IsPresentAsParsed();
-  if (isSame) return NoteReadAsShown();
-  if (IsJoined()) Tell();
-}
-
 void EditCore::Tell() {
   const ScopedValue telling(step, Step::Telling);
-  if (!base->HasValue()) return TellAbsent();
-  if (!ShowPresent() || !IsJoined()) return;
+  record = base->Record();
+  const Present present = ShowPresent();
+  if (!IsJoined()) return;
+  if (present == Present::Nothing) return TellAbsent();
+  isAbsent = false;
+  if (present == Present::NoConverter) return;
   widget = Widget::Written;
   checks.Cancel();
   Write();
@@ -192,13 +232,14 @@ void EditCore::Tell() {
 
 void EditCore::TellAbsent() {
   const ScopedValue telling(step, Step::Telling);
+  isAbsent = true;
   ForgetShown();
   checks.Cancel();
   if (std::exchange(widget, Widget::ToldAbsent) != Widget::ToldAbsent) absent();
 }
 
 EditState EditCore::StateNow() const {
-  if (!base->HasValue()) return EditState::Absent;
+  if (isAbsent || !base->HasValue()) return EditState::Absent;
   if (conflict != Conflict::None) return EditState::Conflict;
   if (!refusal.IsEmpty()) return EditState::Refused;
   if (isTyped) return EditState::Typed;
@@ -209,10 +250,12 @@ EditState EditCore::StateNow() const {
 void EditCore::Settle() {
   if (step != Step::None || !IsJoined()) return;
   const EditState now = StateNow();
-  VtrString reason = conflict == Conflict::None ? refusal : WhyInConflict();
+  VtrString reason = refusal;
+  if (now == EditState::Conflict && refusal.IsEmpty()) reason = WhyInConflict();
+  if (now == EditState::Absent) reason = {};
   const bool isSame = std::exchange(told, now) == now && toldReason == reason;
   toldReason = std::move(reason);
-  if (!isSame) states.Call(now);
+  if (!isSame) states.CallAll(now);
 }
 
 }  // namespace DataBinding::details

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/framework/EditGroup.h"
 
 namespace DataBinding {
@@ -20,6 +21,7 @@ EditSession::~EditSession() {
 }
 
 EditSession& EditSession::operator=(EditSession&& other) noexcept {
+  if (this == &other) return *this;
   const auto ended = std::exchange(core, std::move(other.core));
   if (ended != nullptr) ended->End();
   return *this;
@@ -43,7 +45,7 @@ void EditSession::Typed() {
   if (const auto keep = core) keep->Typed();
 }
 
-SetResult EditSession::Check() { return Judge(Purpose::Check); }
+SetResult EditSession::Check() { return HasTyped() ? Judge(Purpose::Check) : SetResult(); }
 SetResult EditSession::Commit() { return Judge(Purpose::Commit); }
 SetResult EditSession::Overwrite() { return Judge(Purpose::Overwrite); }
 
@@ -69,13 +71,28 @@ void EditGroup::Add(const EditSession& session) {
   cores.push_back(session.core);
 }
 
+/// What one edit files may let a validator accept another, so those that were refused are committed
+/// again as long as that goes on.
 SetResult EditGroup::CommitAll() {
+  const auto living = Living();
+  FirstFailure failure;
   SetResult first;
-  for (const auto& core : Living()) {
-    SetResult result = core->Judge(Purpose::Commit);
-    if (first.IsAccepted() && !result.IsAccepted()) first = std::move(result);
+  bool goesOn = true;
+  for (std::size_t round = 0; goesOn && round < living.size(); ++round) {
+    first = {};
+    goesOn = false;
+    for (const auto& core : living) {
+      if (!core->HasTyped()) continue;
+      SetResult result;
+      failure.Try([&] { result = core->Judge(Purpose::Commit); });
+      goesOn = goesOn || !core->HasTyped();
+      if (first.IsAccepted() && !result.IsAccepted()) first = std::move(result);
+    }
+    goesOn = goesOn && !first.IsAccepted();
   }
-  return first;
+  failure.Rethrow();
+  if (!first.IsAccepted() || !HasTyped()) return first;
+  return {false, PropertyError::Refused, L"Not all of what was typed is committed yet."};
 }
 
 void EditGroup::RevertAll() {

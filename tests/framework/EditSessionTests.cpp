@@ -169,6 +169,58 @@ TEST_F(Edits, EndInsideAnyFunctionWithoutFiling) {
   EXPECT_EQ(text, L"-5");
 }
 
+TEST_F(Edits, EndWithTheBindInsideTheFirstWrite) {
+  onWrite = [this] { bind.reset(); };
+  session.emplace(MakeSession(*bind));
+  EXPECT_EQ(session->State(), EditState::Absent);
+  session->Typed();
+  EXPECT_FALSE(session->HasTyped());
+}
+
+/// Whoever is told first may save the form, since another record has come.
+TEST_F(Edits, AreNotFiledIntoARecordThatTheyHaveNotHeardOf) {
+  bind.emplace(child.get(), L"Gauge", L"Level");
+  const auto save = bind->SubscribeToChanges([this](Framework::BindChange change) {
+    if (change == Framework::BindChange::Replaced) session->Commit();
+  });
+  session.emplace(MakeSession(*bind));
+  auto* outer = AddGauge(parent, 3);
+  Type(L"5");
+
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+
+  EXPECT_EQ(*outer->Level, 3);
+  EXPECT_EQ(session->State(), EditState::Conflict);
+}
+
+TEST_F(Edits, TellEachStateToAllThatAreStillThere) {
+  int told = 0;
+  onState = [](EditState) { throw 1; };
+  NoteStates();
+  const auto next = session->OnState([&](EditState) { ++told; });
+  text = L"5";
+  EXPECT_THROW(session->Typed(), int);
+  EXPECT_EQ(told, 1);
+
+  onState = [this](EditState) { session->Revert(); };
+  gauge->Level.Set(7);
+  EXPECT_EQ(told, 2) << "the end of the conflict, and not the conflict";
+  onState = [this](EditState) { session.reset(); };
+  Type(L"8");
+  EXPECT_EQ(told, 2);
+}
+
+TEST_F(Edits, KnowTheirOwnValueInAnotherForm) {
+  Type(L"007");
+  EXPECT_TRUE(session->Commit().changed);
+  Type(L"0078");
+  gauge->Level.NotifyChanged();
+  EXPECT_EQ(session->State(), EditState::Typed);
+  bind.reset();
+  session->Revert();
+  EXPECT_FALSE(session->HasTyped());
+}
+
 /// An edit of a slider from 0 to 10, beside the text box.
 class GroupedEdits : public Edits {
  protected:
@@ -199,6 +251,23 @@ TEST_F(GroupedEdits, AreCommittedTogether) {
 
   EXPECT_FALSE(group.HasTyped());
   EXPECT_EQ(text, L"3");
+}
+
+TEST_F(GroupedEdits, AreTriedAgainWhereOthersHaveLetThemPass) {
+  const auto atMost = [this](const double& wanted) {
+    return wanted <= *gauge->Level ? L"" : L"is too much";
+  };
+  EditSession limited(
+      ratio, [this] { return slider; }, [](double) {}, SameValue<double>(), atMost);
+  EditGroup both;
+  both.Add(limited);
+  both.Add(*session);
+  slider = 8;
+  limited.Typed();
+  Type(L"9");
+
+  EXPECT_TRUE(both.CommitAll().IsAccepted());
+  EXPECT_EQ(*gauge->Ratio, 8);
 }
 
 TEST_F(GroupedEdits, MayEndWithinACommit) {

@@ -50,6 +50,13 @@ TEST_F(OneWayJoins, WriteTheOthersWhenOneThrows) {
 
   EXPECT_THROW(pass->Run(), std::runtime_error);
   EXPECT_EQ(Notes(), "3 3 4 4");
+
+  onWrite = [] { throw std::runtime_error("no ink"); };
+  gauge->Level.Set(5);
+  EXPECT_THROW(pass->Run(), std::runtime_error);
+  onWrite = nullptr;
+  EXPECT_THROW(pass->Run(), std::runtime_error);
+  EXPECT_EQ(Notes(), "5 5 5 5");
 }
 
 TEST_F(OneWayJoins, EndWithBindAndPassInAnyOrder) {

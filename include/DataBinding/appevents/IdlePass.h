@@ -47,12 +47,12 @@ class DATABINDING_API IdlePass {
   void RunFor(std::chrono::nanoseconds budget);
   /// Calls the function at the end of each Run and RunFor, when the events are delivered, until the
   /// subscription ends. It is called also when no event was queued, and inside a delivery when a
-  /// listener runs a modal loop. It may end the pass. What it throws leaves the Run, unless the
-  /// delivery has thrown something already.
+  /// listener runs a modal loop. It may end the pass, and then no other is called. What it throws
+  /// leaves the Run when all were called, unless the delivery has thrown something already.
   Subscription OnDelivered(const RepeatingCallback<void()>& callback) const;
   /// Returns a function that wakes the loop for a Run although no event is queued. It may be called
   /// on any thread, wakes as raising an event does, and does nothing once the pass has ended.
-  [[nodiscard]] const RepeatingCallback<void()>& Waker() const noexcept { return installed; }
+  [[nodiscard]] RepeatingCallback<void()> Waker() const { return installed; }
   /// True from a successful call of `wake` until the next Run.
   [[nodiscard]] bool IsRequested() const noexcept;
   /// How many further exceptions came with the one that Run threw last, and were dropped.

@@ -34,6 +34,7 @@
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/ThreadLock.h"
 #include "DataBinding/foundation/details/CallOnce.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
 
 namespace VtrUtils {
 
@@ -230,6 +231,15 @@ class CallbackList : public CallbackListBase {
   void Call(const Args&... args) const {
     details::CallbackWalk walk(Core());
     CallRest(walk, args...);
+  }
+  /// Calls all callbacks, also those behind one that throws. The first exception leaves this call
+  /// in the end.
+  void CallAll(const Args&... args) const {
+    FirstFailure failure;
+    details::CallbackWalk walk(Core());
+    while (!failure.Try([&] { CallRest(walk, args...); })) {
+    }
+    failure.Rethrow();
   }
   /// Calls the callbacks that a walk has not reached yet. After an exception it may be called
   /// again, to go on behind the callback that threw.

@@ -3,8 +3,8 @@
 /// and a ChangeCallback is what a bind runs then.
 ///
 /// A subscriber is a function without arguments, or one that takes the BindChange. A form that
-/// someone is filling in keeps the unfinished edit at Value, and drops it at Replaced, because
-/// from then on the edit would go to another thing.
+/// someone is filling in keeps the unfinished edit at Value, and must not file it after Replaced,
+/// because it would go to another thing. An EditSession sees to that (EditSession.h).
 ///
 ///   Subscription watch = name.SubscribeToChanges([&](Framework::BindChange change) {
 ///     if (change != Framework::BindChange::Value) form.DropEdits();

@@ -58,6 +58,8 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   /// Returns true when there was a value at the last notification, which may be under way.
   [[nodiscard]] bool HasToldOfValue() const noexcept { return hasToldOfValue; }
   Subscription Subscribe(const Framework::ChangeCallback& callback);
+  /// Returns another number whenever another property or record is shown.
+  [[nodiscard]] std::uint64_t Record() const noexcept;
 
   /// The bind's listeners call these, and then touch nothing of the connection, which may be gone.
   ///@{
@@ -109,6 +111,7 @@ class DATABINDING_API BindConnection : public SupportsWeakPtr<BindConnection> {
   /// Belongs to the source if it shows one record after another, and is null otherwise.
   const ShownRecord* record = nullptr;
   std::uint64_t recordSerial = 0;
+  std::uint64_t follows = 0;  // how often the bind has come to follow another property
   bool hasToldOfValue = false;
   /// True while the nearest source is not followed yet, for want of memory.
   bool isBehind = false;
@@ -247,6 +250,7 @@ class ConnectedBind : public Framework::IDataBind<T> {
   }
   [[nodiscard]] PropertyValue<T> Get() const override { return connection->Get(); }
   SetResult Set(T value) override { return connection->Set(std::move(value)); }
+  [[nodiscard]] std::uint64_t Record() const override { return connection->Record(); }
   [[nodiscard]] SetResult Check(const T& value) const override { return connection->Check(value); }
   Subscription SubscribeToChecks(const RepeatingCallback<void()>& callback) const override {
     return connection->SubscribeToChecks(callback);

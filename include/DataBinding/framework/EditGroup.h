@@ -24,8 +24,10 @@ class DATABINDING_API EditGroup {
   /// Adds a session for as long as it lives. One that was moved from is not there.
   void Add(const EditSession& session);
   /// Commits all edits, in the order in which they were added, and answers the first refusal. The
-  /// others are committed all the same, and each refused edit stays in its widget. Where all or
-  /// nothing is to be set, let the window edit a draft (CopyProperties.h).
+  /// others are committed all the same, and each refused edit stays in its widget. An edit is tried
+  /// again when a validator may have changed its mind, because others were filed. The first
+  /// exception leaves this call when all were committed. Where all or nothing is to be set, let the
+  /// window edit a draft (CopyProperties.h). Inside a commit of one of these edits, it refuses.
   SetResult CommitAll();
   /// Reverts all edits.
   void RevertAll();

@@ -64,7 +64,8 @@ class DATABINDING_API EditSession {
   ///@}
   ~EditSession();
 
-  /// Says how the edit stands. Both answer what the functions of OnState were told last.
+  /// Say how the edit stands, as the functions of OnState were told last. Once the bind has ended,
+  /// which nobody is told, the state is Absent and there is no reason.
   ///@{
   [[nodiscard]] EditState State() const noexcept;
   /// Says to the user why the edit was refused, or what it is in conflict with, and otherwise
@@ -72,23 +73,28 @@ class DATABINDING_API EditSession {
   [[nodiscard]] VtrString Reason() const;
   ///@}
   /// Returns true while the widget holds something that was typed and is neither filed nor
-  /// reverted.
+  /// reverted, and the bind has not ended.
   [[nodiscard]] bool HasTyped() const noexcept;
-  /// Calls the function when the state or its reason has changed, until the subscription ends. The
-  /// function may do anything, also end the session.
+  /// Calls the function when the state or its reason has changed, until the subscription or the
+  /// session ends. The function may do anything, also end the session. Where it changes the state,
+  /// all are told of that, and those behind it do not hear of the former state. What it throws
+  /// leaves the operation in the end.
   Subscription OnState(const RepeatingCallback<void(const EditState&)>& callback);
 
-  /// The user has changed what the widget holds. What equals the shown value again is no edit.
+  /// The user has changed what the widget holds. What equals the form that was written last is no
+  /// edit.
   void Typed();
-  /// Says what Commit would answer, and sets nothing: the widget is read, and what it holds is
-  /// converted and validated, also by the property. The state stays as it is.
+  /// Says what Commit would answer, and sets nothing: where something was typed, the widget is
+  /// read, and what it holds is converted and validated, also by the property.
   [[nodiscard]] SetResult Check();
   /// Sets what was typed and says whether the value changed. Where nothing was typed, nothing is
   /// read or set. On success the text is empty. `write` is not called for the edit, unless the data
   /// source made another value of it; values without == count as another value each time.
   ///
-  /// An edit that is refused stays in the widget, and the state says so until the next Commit that
-  /// is accepted, or Revert. An edit in conflict is refused with PropertyError::Conflict.
+  /// An edit that is refused stays in the widget, and the state says so until a later one is
+  /// accepted, until it is reverted or in conflict, or until the widget holds the value again. An
+  /// edit in conflict is refused with PropertyError::Conflict, also where the bind shows another
+  /// record and has not told so yet.
   ///
   /// Does nothing inside `write`, inside the function of WhenAbsent, and inside another Commit or
   /// Check. Stops as soon as one of the functions has ended the session or the bind. Refuses the

@@ -8,6 +8,8 @@
 /// A bind is used on one thread, that of the provider tree.
 #pragma once
 
+#include <cstdint>
+
 #include "DataBinding/Export.h"
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/framework/BindChange.h"
@@ -44,6 +46,9 @@ class DATABINDING_API IBaseDataBind : public IBaseBind {
   /// that are still due then hear the former BindChange only where it still holds: Went if there is
   /// no value, and any other if there is one.
   virtual Subscription SubscribeToChanges(const ChangeCallback& callback) = 0;
+  /// Returns a number that is another one whenever the bind has come to show another property or
+  /// record, also before its subscribers are told. A bind that does not override this answers 0.
+  [[nodiscard]] virtual std::uint64_t Record() const { return 0; }
 };
 
 }  // namespace DataBinding::Framework

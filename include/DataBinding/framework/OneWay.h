@@ -6,6 +6,8 @@
 /// of the idle pass. It is called once when the join is made. `absent`, which may be left out, is
 /// called in its place where there is no value.
 ///
+/// A value whose `write` throws is written by the next pass. The exception leaves the Run.
+///
 /// The join owns the functions, and neither bind nor pass. All three may end in any order, also
 /// inside the functions. Once the bind or the pass has ended, nothing is written any more. A join
 /// is used on one thread, that of the provider tree and of the pass.
@@ -21,6 +23,7 @@
 #include "DataBinding/appevents/IdlePass.h"
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/Subscription.h"
+#include "DataBinding/foundation/details/FirstFailure.h"
 #include "DataBinding/framework/IDataBind.h"
 
 namespace DataBinding {
@@ -44,8 +47,13 @@ struct OneWayState {
   }
   void Write() {
     if (!std::exchange(isDue, false) || !isBindThere.IsValid()) return;
-    const PropertyValue<T> now = bind.Get();
-    now ? write(*now) : absent();
+    FirstFailure failure;
+    const bool isWritten = failure.Try([this] {
+      const PropertyValue<T> now = bind.Get();
+      now ? write(*now) : absent();
+    });
+    isDue = isDue || !isWritten;
+    failure.Rethrow();
   }
 
   Framework::IDataBind<T>& bind;

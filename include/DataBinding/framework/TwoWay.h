@@ -54,7 +54,7 @@ class [[nodiscard]] TwoWayJoin {
   SetResult Commit() { return session.Judge(details::EditCore::Purpose::CommitHeld); }
   /// Says what Commit would answer, and sets nothing: the widget is read, and what it holds is
   /// converted and validated, also by the property. Does nothing where Commit does nothing.
-  [[nodiscard]] SetResult Check() { return session.Check(); }
+  [[nodiscard]] SetResult Check() { return session.Judge(details::EditCore::Purpose::Check); }
   /// Calls the function with the outcome when the join has asked again about a refused edit. That
   /// happens each time that a property changes which the validator of the bind's property reads,
   /// from the Commit or Check that was refused until the next one, or until the widget is written

@@ -9,8 +9,12 @@
 /// 3. One operation goes on at a time. What is called inside it does nothing, apart from changes of
 ///    the bind, which are shown where they come.
 /// 4. The state is told at the end of an operation, when others may begin.
+/// 5. An edit belongs to the record that the widget shows. The bind is asked for its record before
+/// an
+///    edit is set, since it may show another one that the session has not been told of yet.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -48,11 +52,9 @@ class DATABINDING_API EditCore : public std::enable_shared_from_this<EditCore> {
   /// These are the operations of the session.
   ///@{
   [[nodiscard]] EditState State() const noexcept;
-  [[nodiscard]] const VtrString& Reason() const noexcept { return toldReason; }
-  [[nodiscard]] bool HasTyped() const noexcept { return isTyped; }
-  Subscription OnState(const RepeatingCallback<void(const EditState&)>& callback) {
-    return states.Add(callback);
-  }
+  [[nodiscard]] VtrString Reason() const { return IsJoined() ? toldReason : VtrString(); }
+  [[nodiscard]] bool HasTyped() const noexcept { return isTyped && IsJoined(); }
+  Subscription OnState(const RepeatingCallback<void(const EditState&)>& callback);
   void Typed();
   /// Reads the widget for a purpose, and asks again about what is refused from then on.
   SetResult Judge(Purpose purpose);
@@ -89,13 +91,15 @@ class DATABINDING_API EditCore : public std::enable_shared_from_this<EditCore> {
   ///@}
   /// Tells whether the present value is the one that Parse has made.
   [[nodiscard]] virtual bool IsPresentAsParsed() = 0;
-  /// Takes what was read for what the widget was shown last.
-  virtual void NoteReadAsShown() = 0;
+  /// Takes what was read for what the widget was shown last; the value is the one that Parse has
+  /// made, or is not known.
+  virtual void NoteReadAsShown(bool isParsed) = 0;
   virtual void ForgetShown() = 0;
-  /// Converts the present value for Write, which shows it. Returns false where there is none or no
-  /// converter.
+  /// Tells what there is to show.
+  enum class Present { Nothing, NoConverter, Value };
+  /// Converts the present value for Write, which shows it.
   ///@{
-  [[nodiscard]] virtual bool ShowPresent() = 0;
+  [[nodiscard]] virtual Present ShowPresent() = 0;
   virtual void Write() = 0;
   ///@}
 
@@ -118,20 +122,24 @@ class DATABINDING_API EditCore : public std::enable_shared_from_this<EditCore> {
   enum class Conflict { None, Value, Record };
 
   void Follow(Framework::BindChange change);
-  void ShowOrCollide(Framework::BindChange change);
   void Collide(Framework::BindChange change);
+  void TakeIfPresent();
   SetResult Take(Purpose purpose);
   SetResult Set();
   void NoteRefusal(const SetResult& result);
   void AskAgain();
   [[nodiscard]] SetResult Gone() const;
   [[nodiscard]] VtrString WhyInConflict() const;
+  [[nodiscard]] bool IsInConflict();
   void ForgetTyped();
   void ShowUnlessSame();
   void Tell();
   void TellAbsent();
   [[nodiscard]] EditState StateNow() const;
   void Settle();
+  /// Does a step of an operation and tells the state after it, also where the step throws.
+  template <class Operation>
+  void Do(Operation operation);
 
   Framework::IBaseDataBind* base;
   WeakReference bindLiveness;
@@ -146,6 +154,8 @@ class DATABINDING_API EditCore : public std::enable_shared_from_this<EditCore> {
   Step step = Step::None;
   Widget widget = Widget::Edited;
   Conflict conflict = Conflict::None;
+  std::uint64_t record = 0;  // the one that the widget shows, or was told to be absent
+  bool isAbsent = true;
   bool isTyped = false;
 };
 

@@ -33,6 +33,7 @@ class TypedEdit final : public EditCore {
  private:
   bool Read() override {
     if (read.IsCancelled()) return false;
+    held.reset();  // of no use to what the function may cause
     held.emplace(read());
     return true;
   }
@@ -52,11 +53,13 @@ class TypedEdit final : public EditCore {
   }
   bool IsReadAsShown() const override { return held && AreSame(*held, shown); }
   bool IsPresentAsShown() override {
-    const auto form = PresentForm();
+    const PropertyValue<T> present = bind.Get();
+    if (present && AreSame(*present, last)) return true;
+    const auto form = FormOf(present);
     return form && AreSame(*form, shown);
   }
   bool IsPresentAsRead() override {
-    const auto form = PresentForm();
+    const auto form = FormOf(bind.Get());
     return form && AreSame(*form, held);
   }
   bool IsPresentAsParsed() override {
@@ -64,11 +67,22 @@ class TypedEdit final : public EditCore {
     if constexpr (std::equality_comparable<T>) return present && *present == *parsed;
     return false;
   }
-  void NoteReadAsShown() override { Note(*held); }
-  void ForgetShown() override { shown.reset(); }
-  bool ShowPresent() override {
-    written = PresentForm();
-    return written.has_value();
+  void NoteReadAsShown(bool isParsed) override {
+    Note(*held);
+    last.reset();
+    if (isParsed) last.emplace(*parsed);
+  }
+  void ForgetShown() override {
+    shown.reset();
+    last.reset();
+  }
+  Present ShowPresent() override {
+    PropertyValue<T> present = bind.Get();
+    if (!present) return Present::Nothing;
+    if (converter.show.IsCancelled()) return Present::NoConverter;
+    written.emplace(converter.show(*present));
+    last.emplace(std::move(*present));
+    return Present::Value;
   }
   /// The function may have the bind change, and then others are written meanwhile.
   void Write() override {
@@ -80,19 +94,19 @@ class TypedEdit final : public EditCore {
   static SetResult Refused(const VtrString& reason) {
     return {false, PropertyError::Refused, reason, reason};
   }
-  [[nodiscard]] std::optional<W> PresentForm() const {
-    const PropertyValue<T> present = bind.Get();
+  [[nodiscard]] std::optional<W> FormOf(const PropertyValue<T>& present) const {
     if (!present || converter.show.IsCancelled()) return std::nullopt;
     return converter.show(*present);
   }
-  /// Forms that cannot be copied or compared count as another one each time.
+  /// What cannot be copied or compared counts as another one each time.
   ///@{
   void Note([[maybe_unused]] const W& form) {
-    if constexpr (std::copyable<W>) shown = form;
+    if constexpr (std::copy_constructible<W>) shown.emplace(form);
   }
-  [[nodiscard]] static bool AreSame([[maybe_unused]] const W& form,
-                                    [[maybe_unused]] const std::optional<W>& other) {
-    if constexpr (std::equality_comparable<W>) return other && *other == form;
+  template <class Some>
+  [[nodiscard]] static bool AreSame([[maybe_unused]] const Some& one,
+                                    [[maybe_unused]] const std::optional<Some>& other) {
+    if constexpr (std::equality_comparable<Some>) return other && *other == one;
     return false;
   }
   ///@}
@@ -102,7 +116,8 @@ class TypedEdit final : public EditCore {
   RepeatingCallback<void(const W&)> write;
   Converter<T, W> converter;
   RepeatingCallback<VtrString(const T&)> validate;
-  std::optional<W> shown;    // what the widget was shown last
+  std::optional<T> last;     // the value that the widget was shown last
+  std::optional<W> shown;    // its form
   std::optional<W> held;     // what was read
   std::optional<W> written;  // what Write is to show
   std::optional<T> parsed;
