@@ -233,7 +233,7 @@ std::size_t SortedView::FindPlace(RowId id, std::size_t from,
     return RowOrder::nowhere;
   }
   while (low > from + 1 && isLoose(low - 1)) --low;
-  while (low < from && isLoose(low)) ++low;
+  while (low < std::min(from, Sorted()) && isLoose(low)) ++low;
   return low;
 }
 

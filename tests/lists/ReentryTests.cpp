@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/lists/Order.h"
 #include "DataBinding/lists/Selection.h"
 #include "DataBinding/lists/SortedList.h"
@@ -52,6 +53,21 @@ TEST(ListReentry, AViewMayWakeBeforeManyRowsCome) {
   list.Insert(0, Numbered(1000, rowsThatCome));
   ASSERT_EQ(view.Size(), 3 + rowsThatCome);
   EXPECT_EQ(view[0].id, 999 + rowsThatCome);
+}
+
+TEST(ListReentry, RowsThatWereSetAsideReturnInTheirOrder) {
+  SetListenerFailureHandler([](const ListenerFailure&) {});
+  ListData<Process> list;
+  list.Assign(Numbered(1, 3));
+  const SortedList<Process> view(list, [](const Process& one, const Process& other) {
+    if (one.cpu == 7 || other.cpu == 7) throw one.cpu;
+    return one.cpu < other.cpu;
+  });
+  EXPECT_EQ(view.Size(), 3U);
+  for (const int id : {2, 1}) list.Update(id, [](Process& process) { process.cpu = 7; });
+  list.Update(std::vector<int>{1, 2}, [](Process& process) { process.cpu = process.id; });
+  EXPECT_EQ(IdsOf(view), "3 1 2 ");
+  SetListenerFailureHandler({});
 }
 
 TEST(ListReentry, ASelectionTellsNothingOfRowsThatCannotBeReadAnyMore) {
