@@ -14,6 +14,14 @@ namespace DataBinding {
 using details::EditCore;
 using Purpose = EditCore::Purpose;
 
+namespace {
+
+bool HaveTyped(const std::vector<std::shared_ptr<EditCore>>& cores) {
+  return std::ranges::any_of(cores, [](const auto& core) { return core->HasTyped(); });
+}
+
+}  // namespace
+
 EditSession::EditSession(std::shared_ptr<EditCore> made) : core(std::move(made)) { core->Begin(); }
 
 EditSession::~EditSession() {
@@ -72,7 +80,7 @@ void EditGroup::Add(const EditSession& session) {
 }
 
 /// What one edit files may let a validator accept another, so those that were refused are committed
-/// again as long as that goes on.
+/// again as long as that goes on. The group may end meanwhile.
 SetResult EditGroup::CommitAll() {
   const auto living = Living();
   FirstFailure failure;
@@ -91,7 +99,7 @@ SetResult EditGroup::CommitAll() {
     goesOn = goesOn && !first.IsAccepted();
   }
   failure.Rethrow();
-  if (!first.IsAccepted() || !HasTyped()) return first;
+  if (!first.IsAccepted() || !HaveTyped(living)) return first;
   return {false, PropertyError::Refused, L"Not all of what was typed is committed yet."};
 }
 
@@ -99,9 +107,7 @@ void EditGroup::RevertAll() {
   for (const auto& core : Living()) core->Revert();
 }
 
-bool EditGroup::HasTyped() const {
-  return std::ranges::any_of(Living(), [](const auto& core) { return core->HasTyped(); });
-}
+bool EditGroup::HasTyped() const { return HaveTyped(Living()); }
 
 /// The functions of one edit may end others, and add some.
 std::vector<std::shared_ptr<EditCore>> EditGroup::Living() const {

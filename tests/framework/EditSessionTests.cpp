@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <optional>
 
 #include "DataBinding/foundation/BindWeak.h"
@@ -259,14 +260,16 @@ TEST_F(GroupedEdits, AreTriedAgainWhereOthersHaveLetThemPass) {
   };
   EditSession limited(
       ratio, [this] { return slider; }, [](double) {}, SameValue<double>(), atMost);
-  EditGroup both;
-  both.Add(limited);
-  both.Add(*session);
+  auto both = std::make_unique<EditGroup>();
+  both->Add(limited);
+  both->Add(*session);
   slider = 8;
   limited.Typed();
   Type(L"9");
 
-  EXPECT_TRUE(both.CommitAll().IsAccepted());
+  onState = [&](EditState) { both.reset(); };
+  NoteStates();
+  EXPECT_TRUE(both->CommitAll().IsAccepted());
   EXPECT_EQ(*gauge->Ratio, 8);
 }
 
