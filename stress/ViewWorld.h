@@ -40,7 +40,7 @@ constexpr auto FieldsOf(const Piece*) {
 /// A source whose list may end before it.
 struct PieceHome : NamedDataSource {
   PieceHome() : NamedDataSource(L"Home") { Renew(); }
-  void Renew() { pieces.reset(new List<Piece>(this, L"Pieces")); }
+  void Renew() { pieces = std::make_unique<List<Piece>>(this, PropertyName(L"Pieces")); }
 
   std::unique_ptr<List<Piece>> pieces;
   Property<int> limit{this, L"Limit"};

@@ -44,7 +44,7 @@ class Player : public NamedDataSource {
 struct Shelf : NamedDataSource {
   Shelf() : NamedDataSource(L"Player") {}
   void Renew(std::vector<Song> rows) {
-    songs.reset(new List<Song>(this, L"Songs"));
+    songs = std::make_unique<List<Song>>(this, PropertyName(L"Songs"));
     songs->Assign(std::move(rows));
   }
   std::unique_ptr<List<Song>> songs;

@@ -76,7 +76,7 @@ class SourceList final : public details::ListStorage<Row>, public details::ListP
   /// Removes the row at an index and returns its source, which has no scope then. Answers null, and
   /// changes nothing, beyond the end and while the list, or a view of it, tells a change.
   [[nodiscard]] DataSourcePtr<Row> Take(std::size_t at) {
-    const auto taken = sources.Take(at).release();
+    auto* const taken = sources.Take(at).release();
     if (taken != nullptr)
       details::DataSourceAccess::SetProvider(static_cast<Row&>(*taken), nullptr);
     return DataSourcePtr<Row>(static_cast<Row*>(taken));
