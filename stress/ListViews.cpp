@@ -10,7 +10,7 @@ namespace DataBinding::Stress {
 namespace {
 
 constexpr std::size_t mostPieces = 400;
-constexpr int keys = 300;
+constexpr int keyCount = 300;
 constexpr int badValue = 7;  // comparisons and predicates throw for it
 
 /// For each view, the one that it stands on, and whether it follows the list or the bind, which
@@ -119,7 +119,7 @@ void ViewWorld::Insert(int at, int count, int key) {
   std::vector<Piece> pieces;
   const int more = at % 16 == 0 ? 20 * count : count;
   pieces.reserve(static_cast<std::size_t>(more));
-  for (int i = 0; i < more; ++i) pieces.push_back({(key + 7 * i) % keys, (key + i) % 10});
+  for (int i = 0; i < more; ++i) pieces.push_back({(key + 7 * i) % keyCount, (key + i) % 10});
   list->Insert(At(at) % (list->Size() + 1), pieces);
 }
 
@@ -170,7 +170,7 @@ void ViewWorld::Assign(int seed, int way, int) {
     }
     for (int i = way == 4 ? 150 : 5; i > 0 && pieces.size() < mostPieces; --i) {
       const auto at = static_cast<std::ptrdiff_t>(random() % (pieces.size() + 1));
-      pieces.insert(pieces.begin() + at, {static_cast<int>(random() % keys), i % 10});
+      pieces.insert(pieces.begin() + at, {static_cast<int>(random() % keyCount), i % 10});
     }
   });
 }

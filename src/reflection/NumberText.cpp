@@ -5,6 +5,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <locale>
+#include <sstream>
+#include <string>
 
 namespace DataBinding::details {
 
@@ -28,6 +31,22 @@ bool IsNearZero(std::string_view number) {
          0;
 }
 
+/// Some C++ libraries scan no `long double`. There a `double` is scanned, which tells how far the
+/// number goes and whether it is one, and a stream of the classic locale reads the digits.
+template <class T>
+std::from_chars_result ScanByStream(const char* begin, const char* end, T& number) {
+  double rough = 0;
+  auto scanned = std::from_chars(begin, end, rough);
+  number = rough;
+  const bool isTooGreat = scanned.ec == std::errc::result_out_of_range;
+  if (!isTooGreat && (scanned.ec != std::errc() || !std::isfinite(rough))) return scanned;
+  std::istringstream digits(std::string(begin, scanned.ptr));
+  digits.imbue(std::locale::classic());
+  scanned.ec = digits >> number ? std::errc() : std::errc::result_out_of_range;
+  if (scanned.ec != std::errc()) number = 0;
+  return scanned;
+}
+
 template <class T>
 VtrString Write(T number) {
   char digits[128];
@@ -36,9 +55,18 @@ VtrString Write(T number) {
 }
 
 template <class T>
+std::from_chars_result Scan(const char* begin, const char* end, T& number) {
+  if constexpr (requires { std::from_chars(begin, end, number); }) {
+    return std::from_chars(begin, end, number);
+  } else {
+    return ScanByStream(begin, end, number);
+  }
+}
+
+template <class T>
 std::errc Read(std::string_view text, T& number) {
   const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  const auto [stop, error] = Scan(text.data(), end, number);
   if (stop != end) return std::errc::invalid_argument;
   if constexpr (std::floating_point<T>) {
     if (error == std::errc() && !std::isfinite(number)) return std::errc::invalid_argument;
