@@ -123,8 +123,9 @@ void DataSourceProvider::VisitChildren(
     return VisitInOrder(children, visitOne);  // in no order, for want of memory
   }
   std::ranges::sort(inOrder, {}, [](const auto& entry) { return entry.second.number; });
-  std::ranges::all_of(inOrder,
-                      [&](const auto& entry) { return visitOne(entry.first, entry.second); });
+  for (const auto& [child, known] : inOrder) {
+    if (!visitOne(child, known)) return;
+  }
 }
 
 }  // namespace DataBinding
