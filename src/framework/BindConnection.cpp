@@ -147,9 +147,7 @@ void BindConnection::Notify(BindChange ofProperty) {
   failure.Try([&] { hasToldOfValue = found->IsThere() || HasValue(); });
   const BindChange present = hadValue ? ofProperty : BindChange::Came;
   const BindChange change = hasToldOfValue ? present : BindChange::Went;
-  CallbackWalk walk(subscribers.Core());
-  while (!failure.Try([&] { Subscribers::CallRest(walk, *this, change); })) {
-  }
+  failure.Try([&] { subscribers.CallAll(*this, change); });
   failure.Rethrow();
 }
 

@@ -272,8 +272,8 @@ void BoundRows::Empty(ListChangeKind kind) noexcept {
   for (Follower& follower : followers) follower.Leave();
 }
 
-/// What is being told just now is not told to the rest, since a Reset takes its place. So that is
-/// told even where no row is left.
+/// A Reset takes the place of the change that is being told, of which the rest hear nothing more.
+/// So the Reset is told even where no row is left.
 void BoundRows::RemoveAll(ListChangeKind kind) noexcept {
   if (order.Size() == 0 && !node.IsTelling()) return;
   leaving.clear();

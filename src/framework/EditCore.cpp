@@ -59,7 +59,7 @@ void EditCore::Follow(BindChange change) {
   Do([&] { isTyped ? Collide(change) : Tell(); });
 }
 
-/// What was typed stays in the widget. A record that comes after an absence may be another one.
+/// The widget keeps the edit. A record that comes after an absence may be another one.
 void EditCore::Collide(BindChange change) {
   const ScopedValue looking(step, Step::Committing);
   if (change != BindChange::Value || base->Record() != record) conflict = Conflict::Record;

@@ -79,7 +79,7 @@ void EditGroup::Add(const EditSession& session) {
   cores.push_back(session.core);
 }
 
-/// What one edit files may let a validator accept another, so those that were refused are committed
+/// A validator may accept an edit once another one is filed. So the refused ones are committed
 /// again as long as that goes on. The group may end meanwhile.
 SetResult EditGroup::CommitAll() {
   const auto living = Living();

@@ -132,8 +132,8 @@ void ListView::TakeNothing(const ListStep& step) noexcept {
   if (isTargetOpen) node.TellBefore(whole);
 }
 
-/// What the view was telling when its list has let go of all rows is not told to the rest, so a
-/// view that is telling always tells.
+/// When the list lets go of all rows, the change that the view is telling is cut short for the
+/// rest. So a view that is telling always tells the target.
 bool ListView::BeginTarget() noexcept {
   isTargetOpen = !IsTarget();
   if (!isTargetOpen) return true;

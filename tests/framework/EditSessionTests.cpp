@@ -178,7 +178,7 @@ TEST_F(Edits, EndWithTheBindInsideTheFirstWrite) {
   EXPECT_FALSE(session->HasTyped());
 }
 
-/// Whoever is told first may save the form, since another record has come.
+/// A subscriber that is told first may save the form because another record has come.
 TEST_F(Edits, AreNotFiledIntoARecordThatTheyHaveNotHeardOf) {
   bind.emplace(child.get(), L"Gauge", L"Level");
   const auto save = bind->SubscribeToChanges([this](Framework::BindChange change) {

@@ -26,7 +26,7 @@ struct Machine : NamedDataSource {
 
 using Bind = Framework::ListBind<Process>;
 
-/// What follows lists keeps what it had, or does what it was told, when an allocation fails.
+/// When an allocation fails, a follower of a list keeps its rows or does what it was told.
 class ListFollowers : public testing::Test {
  protected:
   /// A scene that has lists of its own.

@@ -77,7 +77,8 @@ class Table {
   [[nodiscard]] int RowCount() const { return static_cast<int>(rows.Size()); }
 
  private:
-  /// What a line of the surface shows at present. A line below the last row has no texts.
+  /// Holds the texts that a line of the surface shows at present; a line below the last row has
+  /// none.
   struct Line {
     std::vector<VtrString> texts;
     bool isChosen = false;

@@ -12,8 +12,7 @@
 /// - When another record comes, that is a Conflict as well, so that no edit is filed into another
 ///   record than the one that it was typed for. Commit refuses it, Overwrite files it all the same,
 ///   and Revert shows the new value.
-/// - Nothing is set unless something was typed. So a widget that can show a value only roughly,
-/// such
+/// - Nothing is set unless something was typed. So a widget that shows a value only roughly, such
 ///   as a slider from 0 to 10 for a 99, does not change it.
 ///
 /// The session owns the functions and neither bind nor widget. Bind and session may end in any
@@ -64,8 +63,8 @@ class DATABINDING_API EditSession {
   ///@}
   ~EditSession();
 
-  /// Say how the edit stands, as the functions of OnState were told last. Once the bind has ended,
-  /// which nobody is told, the state is Absent and there is no reason.
+  /// These say how the edit stands, as the functions of OnState were told last. Once the bind has
+  /// ended, which nobody is told, the state is Absent and there is no reason.
   ///@{
   [[nodiscard]] EditState State() const noexcept;
   /// Says to the user why the edit was refused, or what it is in conflict with, and otherwise

@@ -30,7 +30,8 @@ namespace DataBinding {
 
 namespace details {
 
-/// What a join shares with its subscriptions, so that it outlasts a function that ends the join.
+/// A join shares this state with its subscriptions. So the state outlasts a function that ends the
+/// join.
 template <class T>
 struct OneWayState {
   OneWayState(Framework::IDataBind<T>& joined, RepeatingCallback<void()> waker,

@@ -98,7 +98,7 @@ class TypedEdit final : public EditCore {
     if (!present || converter.show.IsCancelled()) return std::nullopt;
     return converter.show(*present);
   }
-  /// What cannot be copied or compared counts as another one each time.
+  /// A value that cannot be copied or compared counts as another one each time.
   ///@{
   void Note([[maybe_unused]] const W& form) {
     if constexpr (std::copy_constructible<W>) shown.emplace(form);
