@@ -2,6 +2,8 @@
 # What a builder can choose, and the settings that the project's own targets share.
 
 option(DATABINDING_FAULT_GUARD "Survive hardware faults in property listeners" ON)
+option(DATABINDING_BUILD_ADAPTERS "Build an adapter for each toolkit that is found"
+       ${PROJECT_IS_TOP_LEVEL})
 option(DATABINDING_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(DATABINDING_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(DATABINDING_BUILD_BENCHMARKS "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})

@@ -16,7 +16,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-FOLDERS = ("include", "src", "tests", "stress", "fuzz", "examples", "benchmarks")
+FOLDERS = ("include", "src", "adapters", "tests", "stress", "fuzz", "examples", "benchmarks")
 MOST_LINES = 400
 MOST_TEST_LINES = 25
 MOST_BANNER_LINES = 30
@@ -45,7 +45,7 @@ def check_length(file, lines):
 def check_header(file, lines):
     if "#pragma once" not in lines:
         report(file, "no #pragma once")
-    elif file.is_relative_to(ROOT / "include"):
+    elif "include" in file.relative_to(ROOT).parts:
         banner = lines.index("#pragma once") - 1
         least = 1 if file.name == "Fwd.h" else 5
         if not least <= banner <= MOST_BANNER_LINES:
