@@ -122,6 +122,10 @@ void details::ReportFailure(const VtrString& name, const std::exception_ptr& exc
 #endif
 }
 
+void ReportListenerFailure(const VtrString& name, const std::exception_ptr& exception) noexcept {
+  details::ReportFailure(name, exception);
+}
+
 void SetListenerFailureHandler(const FailureHandler& handler) {
   HandlerSlot& slot = Handler();
   FailureHandler former = handler;

@@ -47,6 +47,12 @@ struct ListenerFailure {
 DATABINDING_API void SetListenerFailureHandler(
     const RepeatingCallback<void(const ListenerFailure&)>& handler);
 
+/// Tells the handler of an exception that was caught, as the library does for its listeners. Code
+/// that calls functions of the application from within a toolkit, which lets no exception through,
+/// has them reported in this way. The name says what was called. Nothing is thrown.
+DATABINDING_API void ReportListenerFailure(const VtrString& name,
+                                           const std::exception_ptr& exception) noexcept;
+
 /// Switches the guard against hardware faults on or off, for broadcasts that start from now on.
 ///
 /// While the guard is on, a POSIX process gets handlers for SIGSEGV, SIGBUS, SIGFPE and SIGILL at
