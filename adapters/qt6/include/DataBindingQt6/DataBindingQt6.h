@@ -6,6 +6,8 @@
 /// Nothing here is needed by code that does not know Qt: it uses the library alone.
 #pragma once
 
+#include "DataBindingQt6/loop/Install.h"
+#include "DataBindingQt6/loop/QtIdlePass.h"
 #include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/Variant.h"
