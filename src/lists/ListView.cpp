@@ -172,7 +172,7 @@ void ViewRoom::Reserve(std::size_t most) {
   coming.reserve(most);
   others.reserve(most);
   compared.reserve(most);
-  spare.resize(most / 2 + 1);
+  spare.reserve(most);
 }
 
 void ViewRoom::TakeContents(const ViewRoom& other) {

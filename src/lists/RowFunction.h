@@ -15,18 +15,18 @@ namespace DataBinding::details {
 template <class Signature>
 class RowFunction;
 
-template <class... Args>
-class RowFunction<bool(Args...)> {
+template <class Result, class... Args>
+class RowFunction<Result(Args...)> {
  public:
-  explicit RowFunction(const RepeatingCallback<bool(Args...)>& function) noexcept
+  explicit RowFunction(const RepeatingCallback<Result(Args...)>& function) noexcept
       : state(function.GetBindState()) {
     if (state != nullptr) run = reinterpret_cast<Run>(state->Invoke());
   }
-  /// Calls the function, which may throw. A null one answers false.
-  bool operator()(Args... args) const { return run != nullptr && run(state, args...); }
+  /// Calls the function, which may throw. A null one answers false or 0.
+  Result operator()(Args... args) const { return run != nullptr ? run(state, args...) : Result(); }
 
  private:
-  using Run = typename VtrUtils::details::Invoker<bool(Args...)>::Function;
+  using Run = typename VtrUtils::details::Invoker<Result(Args...)>::Function;
 
   const VtrUtils::details::BindStateBase* state;
   Run run = nullptr;

@@ -37,8 +37,9 @@ class RowLess {
 };
 
 /// Sorts rows stably and answers how many are sorted. A row whose comparison threw stands behind
-/// these. `spare` has room for half of the rows. Nothing else than the rows is touched, whatever
-/// the function answers.
-std::size_t SortRows(std::span<ComparedRow> rows, ComparedRow* spare, const RowLess& less) noexcept;
+/// these. `spare` has room for as many rows. Nothing else than the rows is touched, whatever the
+/// functions answer. The function for numbers may be null.
+std::size_t SortRows(std::span<ComparedRow> rows, ComparedRow* spare, const RowLess& less,
+                     const RowNumber& number) noexcept;
 
 }  // namespace DataBinding::details

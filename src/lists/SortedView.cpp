@@ -58,22 +58,22 @@ std::size_t FindFrom(std::size_t first, std::size_t size, Lookup at, const RowPl
 }  // namespace
 
 SortedView::SortedView(ListNode& itsNode, ListNode& itsSource, void (*emptyNode)(ListNode& self),
-                       RowCompare function)
-    : ListView(itsNode, itsSource, emptyNode), compare(std::move(function)) {}
+                       RowSorting functions)
+    : ListView(itsNode, itsSource, emptyNode), sorting(std::move(functions)) {}
 
-void SortedView::SortBy(RowCompare function) {
+void SortedView::SortBy(RowSorting functions) {
   if (IsAsleep()) {
-    compare = std::move(function);
+    sorting = std::move(functions);
     return;
   }
-  TakeTurn([this, function = std::move(function)] { SortAnew(function); });
+  TakeTurn([this, functions = std::move(functions)] { SortAnew(functions); });
 }
 
-void SortedView::SortAnew(RowCompare function) {
-  if (!IsAwake()) return std::swap(compare, function);
+void SortedView::SortAnew(RowSorting functions) {
+  if (!IsAwake()) return std::swap(sorting, functions);
   ReserveAll();
   PrepareOwn(source->Size());
-  std::swap(compare, function);
+  std::swap(sorting, functions);
   TakeRowsOfSource();
   Evaluate();
   TellTarget();
@@ -105,8 +105,9 @@ void SortedView::Evaluate() noexcept {
 std::size_t SortedView::Sort(std::span<const RowId> ids) noexcept {
   compared.clear();
   for (const RowId id : ids) compared.push_back({id, source->RowOf(id)});
-  const RowLess less(compare, node);
-  const std::size_t live = SortRows(compared, spare.data(), less);
+  if (spare.size() < ids.size()) spare.resize(ids.size());
+  const RowLess less(sorting.compare, node);
+  const std::size_t live = SortRows(compared, spare.data(), less, sorting.number);
   return live == 1 && !less.Accepts(compared[0].row) ? 0 : live;
 }
 
@@ -137,7 +138,7 @@ void SortedView::Insert(const ListStep& step) noexcept {
 template <class Lookup>
 std::size_t SortedView::PlaceSorted(std::size_t live, std::size_t sorted, std::size_t end,
                                     Lookup at) noexcept {
-  const RowLess less(compare, node);
+  const RowLess less(sorting.compare, node);
   std::size_t last = 0;
   placed.clear();
   for (std::size_t i = 0; i < compared.size(); ++i) {
@@ -192,12 +193,12 @@ bool SortedView::AreRowsSources() const noexcept {
 /// the wrong way round.
 void SortedView::CheckGap(std::size_t at) noexcept {
   if (isSortDue || at == 0 || at >= Sorted()) return;
-  const RowLess less(compare, node);
+  const RowLess less(sorting.compare, node);
   try {
     if (!RowPlace(less, *source, order.At(at)).IsBefore(order.At(at - 1))) return;
     TakeTurn([this] {
       isSortDue = false;
-      SortAnew(compare);
+      SortAnew(sorting);
     });
     isSortDue = true;
   } catch (...) {
@@ -209,7 +210,7 @@ void SortedView::CheckGap(std::size_t at) noexcept {
 /// it cannot be compared.
 std::size_t SortedView::FindPlace(RowId id, std::size_t from,
                                   std::span<const RowId> loose) noexcept {
-  const RowLess less(compare, node);
+  const RowLess less(sorting.compare, node);
   const RowPlace place(less, *source, id);
   const auto isLoose = [&](std::size_t index) {
     return std::ranges::find(loose, order.At(index)) != loose.end();

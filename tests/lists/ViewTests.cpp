@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <new>
@@ -62,6 +63,32 @@ TEST_F(ViewTest, FieldsOrderNumbersTotallyInBothDirections) {
 
   EXPECT_EQ(IdsOf(up), (std::vector{6, 3, 5, 2, 4, 1}));
   EXPECT_EQ(IdsOf(down), (std::vector{2, 5, 3, 6, 1, 4}));
+}
+
+TEST_F(ViewTest, ManyRowsStandAsComparingThemWouldHaveThem) {
+  using Double = std::numeric_limits<double>;
+  const double loads[] = {2.5,  -Double::infinity(),  -2.5, Double::quiet_NaN(),
+                          -0.0, Double::denorm_min(), 0,    Double::infinity()};
+  std::vector<Task> rows;
+  for (int i = 0; i < 1000; ++i) rows.push_back({i * 7919 % 1000 - 500, loads[i % 8]});
+  tasks.Assign(rows);
+
+  const auto check = [&](const auto& order, int thrower = 1000) {
+    const SortedList sorted(tasks, order);
+    auto expected = rows;
+    const auto thrown = std::ranges::stable_partition(
+        expected, [&](const Task& task) { return task.id != thrower; });
+    std::stable_sort(expected.begin(), thrown.begin(), order);
+    EXPECT_TRUE(std::ranges::equal(sorted, expected, {}, &Task::id, &Task::id));
+  };
+  const auto idOrThrow = [](const Task& task) { return task.id == 7 ? throw task : task.id; };
+  for (const Order direction : {Order::Ascending, Order::Descending}) {
+    check(By(&Task::load, direction));
+    check(By(&Task::id, direction));
+    check(By([](const Task& task) { return float(task.load); }, direction));
+    check(By([](const Task& task) { return unsigned(task.id); }, direction));
+    check(By(&Task::load, direction).Then(idOrThrow), 7);
+  }
 }
 
 TEST_F(ViewTest, AChangeIsToldWhereTheRowStandsAndThenItsMove) {

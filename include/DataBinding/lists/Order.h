@@ -12,8 +12,10 @@
 ///   SortedList busiest(processes, By(&Process::cpu, Order::Descending).Then(&Process::name));
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <concepts>
+#include <cstdint>
 #include <functional>
 #include <type_traits>
 #include <utility>
@@ -38,6 +40,29 @@ template <class T>
   return isLess == (order == Order::Ascending) ? -1 : 1;
 }
 
+/// Types whose values can be turned into numbers that stand in the same order.
+template <class T>
+concept Numbered = (std::integral<T> && sizeof(T) <= sizeof(std::uint64_t)) ||
+                   std::same_as<T, float> || std::same_as<T, double>;
+
+/// Returns a number for a value. The numbers of values compare as CompareValues compares the
+/// values.
+template <Numbered T>
+[[nodiscard]] std::uint64_t NumberOf(T value, Order order) noexcept {
+  constexpr std::uint64_t sign = std::uint64_t{1} << 63;
+  std::uint64_t bits = 0;
+  if constexpr (std::floating_point<T>) {
+    if (std::isnan(value)) return ~bits;
+    bits = std::bit_cast<std::uint64_t>(value == 0 ? 0.0 : double{value});  // -0.0 equals 0.0
+    bits = (bits & sign) == 0 ? bits | sign : ~bits;
+  } else if constexpr (std::signed_integral<T>) {
+    bits = static_cast<std::uint64_t>(value) ^ sign;
+  } else {
+    bits = value;
+  }
+  return order == Order::Ascending ? bits : ~bits;
+}
+
 /// The order by one field.
 template <class Field>
 class OrderByField {
@@ -48,6 +73,11 @@ class OrderByField {
   [[nodiscard]] int Compare(const Row& one, const Row& other) const {
     return CompareValues(ValueIn(std::invoke(field, one)), ValueIn(std::invoke(field, other)),
                          direction);
+  }
+  template <class Row>
+  requires Numbered<TypeIn<std::invoke_result_t<const Field&, const Row&>>>
+  [[nodiscard]] std::uint64_t Number(const Row& row) const {
+    return NumberOf(ValueIn(std::invoke(field, row)), direction);
   }
 
  private:
@@ -66,6 +96,11 @@ class OrderByBoth {
     const int found = first.Compare(one, other);
     return found != 0 ? found : second.Compare(one, other);
   }
+  template <class Row>
+  [[nodiscard]] std::uint64_t Number(const Row& row) const requires requires(const First& order) {
+    order.Number(row);
+  }
+  { return first.Number(row); }
 
  private:
   First first;
@@ -94,6 +129,13 @@ class RowOrdering {
   [[nodiscard]] bool operator()(const Row& one, const Row& other) const {
     return fields.Compare(one, other) < 0;
   }
+  /// Returns a number for a row, where the first field is a number: the row of a lesser one stands
+  /// first. Views sort many rows by it.
+  template <class Row>
+  [[nodiscard]] std::uint64_t Number(const Row& row) const requires requires(const Fields& order) {
+    order.Number(row);
+  }
+  { return fields.Number(row); }
 
  private:
   Fields fields;

@@ -34,22 +34,36 @@ class SortedList final : public details::ViewOf<Row, details::SortedView> {
   /// Shows the rows in the order of the function, which says whether one row stands before another.
   template <std::predicate<const Row&, const Row&> Less>
   SortedList(ReadableList<Row>& list, Less less)
-      : details::ViewOf<Row, details::SortedView>(list, Compare(std::move(less))) {}
+      : details::ViewOf<Row, details::SortedView>(list, Sorting(std::move(less))) {}
   ~SortedList() override { this->view.End(); }
 
   /// Sorts by another function, which is told as one Reordered. Called while the list or a view of
   /// it tells a change, it waits until that was told to all.
   template <std::predicate<const Row&, const Row&> Less>
   void SortBy(Less less) {
-    this->view.SortBy(Compare(std::move(less)));
+    this->view.SortBy(Sorting(std::move(less)));
   }
 
  private:
   template <class Less>
-  [[nodiscard]] static details::RowCompare Compare(Less less) {
-    return [less = std::move(less)](const void* one, const void* other) -> bool {
-      return less(*static_cast<const Row*>(one), *static_cast<const Row*>(other));
-    };
+  [[nodiscard]] static details::RowSorting Sorting(Less less) {
+    auto number = Number(less);
+    return {[less = std::move(less)](const void* one, const void* other) -> bool {
+              return less(*static_cast<const Row*>(one), *static_cast<const Row*>(other));
+            },
+            std::move(number)};
+  }
+  template <class Less>
+  [[nodiscard]] static details::RowNumber Number(const Less& /*less*/) {
+    return {};
+  }
+  template <class Fields>
+  [[nodiscard]] static details::RowNumber Number(const RowOrdering<Fields>& order) requires
+      requires(const Row& row) {
+    order.Number(row);
+  }
+  {
+    return [order](const void* row) { return order.Number(*static_cast<const Row*>(row)); };
   }
 };
 

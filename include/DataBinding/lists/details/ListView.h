@@ -33,10 +33,11 @@
 
 namespace DataBinding::details {
 
-/// A row that is sorted.
+/// A row that is sorted, and its number, if it is sorted by numbers.
 struct ComparedRow {
-  RowId id;
-  const void* row;
+  RowId id = 0;
+  const void* row = nullptr;
+  std::uint64_t number = 0;
 };
 
 /// A row, and a place in a view that it has or is to have.
@@ -60,7 +61,7 @@ struct ViewRoom {
   std::vector<PlacedRow> coming;
   std::vector<const void*> others;
   std::vector<ComparedRow> compared;
-  std::vector<ComparedRow> spare;  // half as many
+  std::vector<ComparedRow> spare;
 };
 
 class DATABINDING_API ListView : public ListDependent, protected ViewRoom {

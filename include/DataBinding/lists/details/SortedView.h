@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// A SortedView is a SortedList without its row type: it sorts the rows of a list by a function.
+/// Where the function compares numbers first, many rows are sorted by these numbers, which takes a
+/// fraction of the time of comparing the rows, and only rows of one number are compared.
 ///
 /// Rows that the function finds equal stand in the order of the list. A row is found where it
 /// stands, by its id; only rows that come or have changed are compared, with the others that stand
@@ -14,6 +16,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "DataBinding/Export.h"
@@ -24,17 +27,26 @@ namespace DataBinding::details {
 
 /// Says whether the first row stands before the second.
 using RowCompare = RepeatingCallback<bool(const void* one, const void* other)>;
+/// Returns a number for a row. Of two rows, the one with the lesser number stands first.
+using RowNumber = RepeatingCallback<std::uint64_t(const void* row)>;
+
+/// The functions that order rows. There may be none for numbers; where there is one, comparing goes
+/// by them first.
+struct RowSorting {
+  RowCompare compare;
+  RowNumber number;
+};
 
 class RowLess;
 
 class DATABINDING_API SortedView final : public ListView {
  public:
   SortedView(ListNode& itsNode, ListNode& itsSource, void (*emptyNode)(ListNode& self),
-             RowCompare function);
+             RowSorting functions);
   ~SortedView() = default;
 
-  /// Sorts by another function. Waits while the family tells a change.
-  void SortBy(RowCompare function);
+  /// Sorts by other functions. Waits while the family tells a change.
+  void SortBy(RowSorting functions);
 
  private:
   void Evaluate() noexcept override;
@@ -45,7 +57,7 @@ class DATABINDING_API SortedView final : public ListView {
   void Move(const ListStep& step) noexcept override;
   void AskChanged(const ListStep& step) noexcept override;
 
-  void SortAnew(RowCompare function);
+  void SortAnew(RowSorting functions);
   [[nodiscard]] std::size_t Sort(std::span<const RowId> ids) noexcept;
   template <class Lookup>
   [[nodiscard]] std::size_t PlaceSorted(std::size_t live, std::size_t sorted, std::size_t end,
@@ -63,7 +75,7 @@ class DATABINDING_API SortedView final : public ListView {
   bool TellMoves() noexcept;
   [[nodiscard]] std::size_t Sorted() const noexcept { return order.Size() - aside; }
 
-  RowCompare compare;
+  RowSorting sorting;
   bool isSortDue = false;
 };
 
