@@ -5,8 +5,10 @@
 - Every room includes only the rooms that ALLOWED grants it.
 - A public header includes public headers and the C++ standard library.
 - A source or private header includes public headers and the private headers of its own folder.
-- Tests, examples and benchmarks see the public headers only, without those in details/ folders,
-  except for the tests of a detail that DETAILS_WITH_TESTS names.
+- Tests, examples, benchmarks and adapters see the public headers only, without those in details/
+  folders, except for the tests of a detail that DETAILS_WITH_TESTS names.
+- An adapter is built as the library is: in rooms, each of which includes those that ADAPTERS grants
+  it, with a header of everything. Only examples include it.
 - Tests include the headers that they use, so that a change of one header rebuilds few of them; the
   header of everything is for tests/consumer, which stands for a stranger's program.
 - The header of everything includes each public header that is not in a details/ folder.
@@ -21,7 +23,7 @@ ROOT = Path(__file__).resolve().parent.parent
 PUBLIC = ROOT / "include" / "DataBinding"
 PRIVATE = ROOT / "src"
 TESTS = ("tests", "stress", "fuzz")
-USERS = (*TESTS, "examples", "benchmarks")
+USERS = (*TESTS, "examples", "benchmarks", "adapters")
 
 # What a room may include beside itself and the headers of COMMON.
 ALLOWED = {
@@ -40,6 +42,18 @@ ALLOWED = {
 # Datasource and registrar call each other: their sources may include the other's public headers,
 # their public headers may not.
 ALLOWED_IN_SOURCES = {"datasource": {"registrar"}, "registrar": {"datasource"}}
+
+# The rooms of each adapter, by its folder.
+ADAPTERS = {
+    "qt6": {
+        "values": set(),
+        "loop": {"values"},
+        "scopes": {"values"},
+        "widgets": {"values", "loop", "scopes"},
+        "models": {"values", "loop", "scopes"},
+    },
+    "glib": {},
+}
 
 # Public headers of no room, which everything may include.
 COMMON = {"Export.h", "Fwd.h"}
@@ -87,7 +101,8 @@ def check_umbrella(included):
 def resolve(file, quote, name):
     """The file of ours that an include names, or None."""
     candidates = [file.parent / name] if quote == '"' else []
-    candidates.append(ROOT / "include" / name)
+    for top in (ROOT, *sorted((ROOT / "adapters").glob("*"))):
+        candidates.append(top / "include" / name)
     if file.is_relative_to(ROOT / "tests"):
         candidates.append(ROOT / "tests" / name)
     for candidate in candidates:
@@ -115,6 +130,42 @@ def check_layer(file, target):
         report(file, f"{own} may not include {target.name} of {other}")
 
 
+def adapter(file):
+    """The folder of the adapter that a file is of, and its room there; None where there is none."""
+    parts = file.relative_to(ROOT).parts
+    if parts[0] != "adapters" or len(parts) < 3:
+        return None, None
+    inner = parts[4:] if parts[2] == "include" else parts[3:] if parts[2] == "src" else ()
+    return parts[1], inner[0] if len(inner) > 1 else None
+
+
+def check_adapter(file, target):
+    """Reports an include of an adapter's header that its rooms do not allow."""
+    (kit, own), (other_kit, other) = adapter(file), adapter(target)
+    if other_kit is None:
+        return
+    if kit != other_kit:
+        if file.relative_to(ROOT).parts[0] != "examples":
+            report(file, f"{target.name} is of an adapter, which only examples include")
+    elif "src" in target.relative_to(ROOT).parts and target.parent != file.parent:
+        report(file, f"{target.name} is private to {target.parent.relative_to(ROOT)}")
+    elif own and other and other not in {own} | ADAPTERS.get(kit, {}).get(own, set()):
+        report(file, f"{own} may not include {target.name} of {other}")
+
+
+def check_adapter_umbrellas():
+    """Reports the headers of an adapter that its header of everything does not include."""
+    for umbrella in sorted((ROOT / "adapters").glob("*/include/*/*.h")):
+        folder = umbrella.parent
+        if umbrella.stem != folder.name:
+            continue
+        names = {name for _, name in INCLUDE.findall(umbrella.read_text(encoding="utf-8"))}
+        for header in sorted(folder.rglob("*.h")):
+            name = str(header.relative_to(folder.parent))
+            if header != umbrella and "details" not in header.parts and name not in names:
+                report(umbrella, f"does not include {name}")
+
+
 def tests_detail(file, target):
     return file.is_relative_to(ROOT / DETAILS_WITH_TESTS.get(target.name, "none"))
 
@@ -132,6 +183,8 @@ def check_include(file, quote, name, target):
         report(file, f"{name} is no file of the library")
     elif in_library:
         check_layer(file, target)
+    elif adapter(target)[0]:
+        check_adapter(file, target)
     elif "details" in target.parts and not tests_detail(file, target):
         report(file, f"{name} is a detail of the library's public headers")
     elif target == PUBLIC / UMBRELLA and file.relative_to(ROOT).parts[0] in TESTS:
@@ -172,6 +225,7 @@ def main():
             if target:
                 graph[file].append(target)
     check_umbrella(graph[PUBLIC / UMBRELLA])
+    check_adapter_umbrellas()
     check_circles(graph)
     if not library:
         problems.append("no file of the library found")

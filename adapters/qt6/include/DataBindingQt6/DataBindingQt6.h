@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Everything that the adapter for Qt offers.
+/// Includes all public headers of the adapter for Qt.
 ///
-/// SetScope gives a window the scope in which its widgets are bound. ToQString, ToVtrString,
-/// ToVariant and ToValue turn texts and values into Qt's and back. All else stands above these.
-/// Nothing here is needed by code that does not know Qt: it uses the library alone.
+/// Each header opens with what its class is for, who owns what, and which threads may use it. The
+/// room `values` converts texts and values, `loop` delivers events, `scopes` gives windows their
+/// scope, `widgets` joins widgets to properties and events, and `models` shows lists.
 #pragma once
 
+#include "DataBindingQt6/Export.h"
 #include "DataBindingQt6/loop/Install.h"
 #include "DataBindingQt6/loop/QtIdlePass.h"
 #include "DataBindingQt6/scopes/Scope.h"
