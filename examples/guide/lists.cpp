@@ -109,6 +109,14 @@ void SortAndFilter() {
   Print("hot:", hot);
 }
 
+void SortByAnyField(AnyList& list) {
+  AnySortedList shown(list);
+  if (shown.SortBy(L"Name", Order::Descending)) std::cout << shown.Cell(0, 1) << " is first\n";
+  if (!shown.SortBy(L"Size")) std::cout << "There is no field \"Size\".\n";
+  shown.KeepOrderOfList();
+  std::cout << shown.MoveRows(0, 1, 1).changed << ' ' << shown.Cell(0, 1) << " is first\n";
+}
+
 /// A download goes on by itself, and ends when it is complete.
 class Download : public NamedDataSource {
  public:
@@ -166,5 +174,6 @@ int main() {
   SetCells(processes);
   ChangeInACallback(processes);
   SortAndFilter();
+  SortByAnyField(processes);
   FollowSources();
 }

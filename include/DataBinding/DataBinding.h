@@ -81,6 +81,7 @@
 #include "DataBinding/framework/TextConverter.h"
 #include "DataBinding/framework/TwoWay.h"
 #include "DataBinding/lists/AnyList.h"
+#include "DataBinding/lists/AnySortedList.h"
 #include "DataBinding/lists/CurrentRow.h"
 #include "DataBinding/lists/Fields.h"
 #include "DataBinding/lists/FilteredList.h"

@@ -49,6 +49,15 @@ std::optional<std::size_t> AnyList::FieldNumber(const VtrString& name) const noe
   return std::nullopt;
 }
 
+ValueKind AnyList::FieldKind(std::size_t number) const noexcept {
+  return number < FieldCount() ? Table()->fields[number].kind : ValueKind::Nothing;
+}
+
+bool AnyList::CanSetField(std::size_t number) const {
+  return FieldKind(number) != ValueKind::Nothing && !Table()->fields[number].isReadOnly &&
+         !IsReadOnly();
+}
+
 Value AnyList::Cell(std::size_t index, std::size_t field) const {
   const void* const row = RowAtPlace(index);
   const details::RowTable* const table = Table();
@@ -83,6 +92,15 @@ SetResult AnyList::SetCell(std::size_t index, std::size_t field, const Value& va
     if (result.IsAccepted()) return result;
     return details::RefusedCell(*this, described, result.error, result.reason);
   });
+}
+
+SetResult AnyList::SetCellText(std::size_t index, std::size_t field, const VtrString& text) {
+  const ValueKind kind = FieldKind(field);
+  if (kind == ValueKind::Text || kind == ValueKind::Nothing) return SetCell(index, field, text);
+  const details::RowField& described = Table()->fields[field];
+  const auto value = details::ParseValue(kind, text, *described.type);
+  if (value) return SetCell(index, field, *value);
+  return details::RefusedCell(*this, described, value.error, value.text);
 }
 
 Subscription AnyList::Observe(ListObserver<ListChange> observer) {

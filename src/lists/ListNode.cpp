@@ -10,6 +10,7 @@
 #include "DataBinding/foundation/details/Cancellation.h"
 #include "DataBinding/lists/ListChange.h"
 #include "DataBinding/lists/details/ListCore.h"
+#include "ListTexts.h"
 
 namespace DataBinding::details {
 
@@ -45,6 +46,17 @@ RowId ListNode::FindKey(const void* key) const noexcept {
     if (table->areKeysEqual(table->key(RowOf(row)), key)) return row;
   }
   return noRow;
+}
+
+SetResult ListNode::MoveRows(std::size_t /*from*/, std::size_t /*count*/, std::size_t /*to*/) {
+  return CannotMove(*this);
+}
+
+/// While the family tells a change, the source may stand otherwise than this node still shows it.
+SetResult ListNode::MoveRowsOf(ListNode* source, std::size_t from, std::size_t count,
+                               std::size_t to) const {
+  const bool canMove = source != nullptr && source->CanMoveRows() && !Turns()->IsTelling();
+  return canMove ? source->MoveRows(from, count, to) : CannotMove(*this);
 }
 
 /// An observer that begins when the others have been told already is told at once, as long as the

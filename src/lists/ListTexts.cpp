@@ -23,6 +23,12 @@ SetResult RefusedCell(const ListNode& list, const RowField& field, PropertyError
   return result;
 }
 
+SetResult CannotMove(const ListNode& list) {
+  SetResult result{false, PropertyError::ReadOnly, {}, L"the rows cannot be moved here"};
+  result.text.Format(L"The rows of list \"%s\" cannot be moved here.", ShownName(list));
+  return result;
+}
+
 SetResult NoSuchKey(const ListNode& list, const RowTable& table, const void* key) {
   SetResult result{false, PropertyError::Absent, {}};
   result.text.Format(L"List \"%s\" has no row with the key %s.", ShownName(list),

@@ -28,6 +28,8 @@ class ListFault : public std::exception {
 [[nodiscard]] SetResult RefusedCell(const ListNode& list, const RowField& field,
                                     PropertyError error, const VtrString& reason);
 
+/// Says that the rows of a list cannot be moved.
+[[nodiscard]] SetResult CannotMove(const ListNode& list);
 /// Says that a list has no row of a key.
 [[nodiscard]] SetResult NoSuchKey(const ListNode& list, const RowTable& table, const void* key);
 /// Says that a row is not in the list any more when all that waits is done.

@@ -91,7 +91,9 @@ void SortedView::TakeTarget(const ListStep& step) noexcept {
 void SortedView::Move(const ListStep& step) noexcept { Replace(step.rows, false); }
 
 void SortedView::AskChanged(const ListStep& step) noexcept {
-  if (TellAfter(step)) Replace(step.rows, true);
+  const auto read = sorting.fields;
+  const bool mayMove = read == RowSorting::anything || (step.fields & read) != 0;
+  if (TellAfter(step) && mayMove) Replace(step.rows, true);
 }
 
 void SortedView::Evaluate() noexcept {

@@ -37,6 +37,11 @@ class DATABINDING_API AnyList : public details::ListNode {
   [[nodiscard]] VtrString FieldName(std::size_t number) const;
   /// The number of a field by its name; nothing for a name that no field has.
   [[nodiscard]] std::optional<std::size_t> FieldNumber(const VtrString& name) const noexcept;
+  /// Says which kind of value a field has by its form; nothing where it has none, and beyond the
+  /// end.
+  [[nodiscard]] ValueKind FieldKind(std::size_t number) const noexcept;
+  /// Returns true for a field whose cells SetCell sets, if the validator accepts the value.
+  [[nodiscard]] bool CanSetField(std::size_t number) const;
 
   /// The value of a cell; nothing where there is no such cell or the field's type has no form.
   [[nodiscard]] Value Cell(std::size_t index, std::size_t field) const;
@@ -47,6 +52,8 @@ class DATABINDING_API AnyList : public details::ListNode {
   SetResult SetCell(std::size_t index, std::size_t field, const Value& value);
   SetResult SetCell(std::size_t index, const VtrString& field, const Value& value);
   ///@}
+  /// Does the same with a text that was typed, which is read as a value of the field's kind.
+  SetResult SetCellText(std::size_t index, std::size_t field, const VtrString& text);
 
   /// Calls the observer's functions before and after each change, until the subscription ends. An
   /// observer that begins within the first call of a change is told that change; one that begins

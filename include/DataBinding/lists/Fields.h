@@ -310,6 +310,9 @@ template <class Row, std::size_t Number>
   RowField field;
   field.name = VtrString(described.name);
   field.type = &runtime_type<typename Description::Type>::Get();
+  if constexpr (HasValueForm<typename Description::Type>) {
+    field.kind = ValueForm<typename Description::Type>::kind;
+  }
   field.isReadOnly = described.options.readOnly;
   field.isKey = Description::isKey;
   field.number = Number;

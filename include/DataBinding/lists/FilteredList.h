@@ -29,15 +29,15 @@
 namespace DataBinding {
 
 template <class Row>
-class FilteredList final : public details::ViewOf<Row, details::FilteredView> {
+class FilteredList final : public details::ViewOf<ReadableList<Row>, details::FilteredView> {
  public:
   /// Shows the rows for which the function answers true, and asks it again when one of the other
   /// properties changes.
   template <std::predicate<const Row&> Predicate,
             std::derived_from<details::PropertyBase>... Others>
   FilteredList(ReadableList<Row>& list, Predicate predicate, Others&... others)
-      : details::ViewOf<Row, details::FilteredView>(list, Test(std::move(predicate)),
-                                                    Array<sizeof...(Others)>{&others...}) {}
+      : details::ViewOf<ReadableList<Row>, details::FilteredView>(
+            list, Test(std::move(predicate)), Array<sizeof...(Others)>{&others...}) {}
   ~FilteredList() override { this->view.End(); }
 
   /// Filters by another function and follows other properties. Called while the list or a view of

@@ -70,6 +70,13 @@ class ListData : public details::ListStorage<Row> {
   SetResult Move(std::size_t from, std::size_t count, std::size_t to) {
     return this->engine.Move(from, count, to);
   }
+  /// These do the same for code that does not know the row type.
+  ///@{
+  SetResult MoveRows(std::size_t from, std::size_t count, std::size_t to) final {
+    return Move(from, count, to);
+  }
+  [[nodiscard]] bool CanMoveRows() const final { return true; }
+  ///@}
   /// Calls a function with a copy of the row at an index, and changes the row where the copy has
   /// become different. Validators of changed fields may refuse that, and a key that another row has
   /// is refused. The function must not change the list or end it.

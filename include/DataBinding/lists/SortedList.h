@@ -29,12 +29,12 @@
 namespace DataBinding {
 
 template <class Row>
-class SortedList final : public details::ViewOf<Row, details::SortedView> {
+class SortedList final : public details::ViewOf<ReadableList<Row>, details::SortedView> {
  public:
   /// Shows the rows in the order of the function, which says whether one row stands before another.
   template <std::predicate<const Row&, const Row&> Less>
   SortedList(ReadableList<Row>& list, Less less)
-      : details::ViewOf<Row, details::SortedView>(list, Sorting(std::move(less))) {}
+      : details::ViewOf<ReadableList<Row>, details::SortedView>(list, Sorting(std::move(less))) {}
   ~SortedList() override { this->view.End(); }
 
   /// Sorts by another function, which is told as one Reordered. Called while the list or a view of
@@ -51,7 +51,7 @@ class SortedList final : public details::ViewOf<Row, details::SortedView> {
     return {[less = std::move(less)](const void* one, const void* other) -> bool {
               return less(*static_cast<const Row*>(one), *static_cast<const Row*>(other));
             },
-            std::move(number)};
+            std::move(number), details::RowSorting::anything};
   }
   template <class Less>
   [[nodiscard]] static details::RowNumber Number(const Less& /*less*/) {

@@ -87,6 +87,13 @@ class SourceList final : public details::ListStorage<Row>, public details::ListP
   SetResult Move(std::size_t from, std::size_t count, std::size_t to) {
     return this->engine.Move(from, count, to);
   }
+  /// These do the same for code that does not know the row type.
+  ///@{
+  SetResult MoveRows(std::size_t from, std::size_t count, std::size_t to) final {
+    return Move(from, count, to);
+  }
+  [[nodiscard]] bool CanMoveRows() const final { return true; }
+  ///@}
 
   using AnyList::IndexOf;
   /// The place of a source; nothing for one that is not in the list. Looks at one row after the

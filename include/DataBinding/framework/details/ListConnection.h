@@ -85,6 +85,12 @@ class BoundList : public Base, public Framework::IBaseDataBind {
   }
   [[nodiscard]] VtrString ListName() const final { return Path(); }
   SetResult UpdateRow(RowId id, const RowEdit& edit) final { return rows.UpdateRow(id, edit); }
+  SetResult MoveRows(std::size_t from, std::size_t count, std::size_t to) final {
+    return this->MoveRowsOf(rows.List(), from, count, to);
+  }
+  [[nodiscard]] bool CanMoveRows() const final {
+    return rows.List() != nullptr && rows.List()->CanMoveRows();
+  }
 
  protected:
   BoundList(const VtrString& context, const VtrString& source, const VtrString& list,

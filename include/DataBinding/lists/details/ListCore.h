@@ -233,6 +233,13 @@ class DATABINDING_API ListNode {
   virtual SetResult UpdateRow(RowId id, const RowEdit& edit) = 0;
   /// Returns true for a list that only its own source changes, and for its views and binds.
   [[nodiscard]] virtual bool IsReadOnly() const { return false; }
+  /// Moves rows that stand side by side; the first one stands at `to` afterwards. A list whose
+  /// owner lets others change it does so, a bind to it, and an AnySortedList that shows its order.
+  /// All others refuse it, and CanMoveRows says so before.
+  ///@{
+  virtual SetResult MoveRows(std::size_t from, std::size_t count, std::size_t to);
+  [[nodiscard]] virtual bool CanMoveRows() const { return false; }
+  ///@}
   /// The queue of the family, which may be another one after a bind has changed its source.
   [[nodiscard]] virtual const std::shared_ptr<ListTurns>& Turns() const noexcept = 0;
   /// The name under which failures are reported, which is empty for a list that is no member of a
@@ -271,6 +278,8 @@ class DATABINDING_API ListNode {
   ListNode();
   virtual ~ListNode();
 
+  /// Moves rows of a source that this node shows as they stand there.
+  SetResult MoveRowsOf(ListNode* source, std::size_t from, std::size_t count, std::size_t to) const;
   /// Returns what is still to be told, for a dependent that is added meanwhile.
   [[nodiscard]] virtual ListPlan Pending() const noexcept { return {}; }
   /// Returns true when a change of this node would be heard.

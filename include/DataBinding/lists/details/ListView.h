@@ -85,6 +85,13 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
     return source != nullptr && source->HasNewRows();
   }
   [[nodiscard]] VtrString ListName() const;
+  [[nodiscard]] const RowTable* Table() const noexcept {
+    return source == nullptr ? nullptr : source->Table();
+  }
+  [[nodiscard]] bool CanMoveRows() const { return source != nullptr && source->CanMoveRows(); }
+  SetResult MoveRows(std::size_t from, std::size_t count, std::size_t to) {
+    return node.MoveRowsOf(source, from, count, to);
+  }
   [[nodiscard]] RowId IdsBelow() const noexcept;
   [[nodiscard]] ListPlan Pending() const noexcept;
   void CopyIds(std::span<RowId> to) const noexcept;

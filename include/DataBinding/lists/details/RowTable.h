@@ -24,6 +24,7 @@ class PropertyBase;
 struct RowField {
   VtrString name;
   const runtime_type_base* type = nullptr;
+  ValueKind kind = ValueKind::Nothing;  // that of the type's form
   bool isReadOnly = false;
   bool isKey = false;
   std::size_t number = 0;

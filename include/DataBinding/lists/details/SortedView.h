@@ -31,10 +31,15 @@ using RowCompare = RepeatingCallback<bool(const void* one, const void* other)>;
 using RowNumber = RepeatingCallback<std::uint64_t(const void* row)>;
 
 /// The functions that order rows. There may be none for numbers; where there is one, comparing goes
-/// by them first.
+/// by them first. Without a function that compares, rows stand in the order of the list.
 struct RowSorting {
-  RowCompare compare;
-  RowNumber number;
+  /// Stands for all fields, and for what is no field.
+  static constexpr std::uint64_t anything = ~std::uint64_t{0};
+
+  RowCompare compare = {};
+  RowNumber number = {};
+  /// The bits of the fields by which the functions go.
+  std::uint64_t fields = 0;
 };
 
 class RowLess;

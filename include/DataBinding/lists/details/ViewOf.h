@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// A ViewOf makes a view of rows of one type: it answers for its node by a ListView, which does not
-/// know the type.
+/// A ViewOf makes a list of a view: it answers for the list by a ListView, which does not know the
+/// type of the rows. Base is a ReadableList<Row>, or AnyList for rows of any type.
 ///
 /// The view's destructor is the first that runs, so its observers hear the end while the list that
 /// it follows, and all rows, can still be read.
@@ -11,18 +11,20 @@
 #include <span>
 #include <utility>
 
-#include "DataBinding/lists/ReadableList.h"
 #include "DataBinding/lists/details/ListView.h"
 
 namespace DataBinding::details {
 
-template <class Row, class View>
-class ViewOf : public ReadableList<Row> {
+template <class Base, class View>
+class ViewOf : public Base {
  public:
   [[nodiscard]] std::size_t Size() const noexcept final { return view.Size(); }
   [[nodiscard]] RowId At(std::size_t index) const noexcept final { return view.At(index); }
   [[nodiscard]] std::size_t IndexOfRow(RowId id) const noexcept final { return view.IndexOf(id); }
   [[nodiscard]] const void* RowOf(RowId id) const noexcept final { return view.RowOf(id); }
+  [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept final {
+    return index < view.Size() ? view.RowOf(view.At(index)) : nullptr;
+  }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return view.IdsBelow(); }
   SetResult UpdateRow(RowId id, const RowEdit& edit) final { return view.UpdateRow(id, edit); }
   [[nodiscard]] bool IsReadOnly() const final { return view.IsReadOnly(); }
@@ -36,7 +38,7 @@ class ViewOf : public ReadableList<Row> {
 
  protected:
   template <class... Settings>
-  explicit ViewOf(ReadableList<Row>& list, Settings&&... settings)
+  explicit ViewOf(Base& list, Settings&&... settings)
       : view(*this, list, &EmptyView, std::forward<Settings>(settings)...) {}
   ~ViewOf() override = default;
 
