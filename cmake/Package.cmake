@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Debian packages, made by cpack: libdatabinding<major>, which programs depend on, and
-# libdatabinding-dev, which they are built with. `./dev package` makes them of a release build.
+# libdatabinding-dev, which they are built with; for each adapter that is built two more, such as
+# libdatabinding-qt6-<major> and libdatabinding-qt6-dev. `./dev package` makes them of a release build.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VENDOR "DataBinding developers")
@@ -43,5 +44,36 @@ data lives, and application code broadcast named events.")
   set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
       "libdatabinding${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
 endif()
+
+# The packages of an adapter depend on those of the library, of the same version.
+get_property(adapters GLOBAL PROPERTY DATABINDING_ADAPTERS)
+foreach(adapter IN LISTS adapters)
+  string(TOUPPER ${adapter} upper)
+  string(TOLOWER ${adapter} lower)
+  get_property(summary GLOBAL PROPERTY DATABINDING_${upper}_SUMMARY)
+  get_property(debianPackages GLOBAL PROPERTY DATABINDING_${upper}_DEBIAN)
+  set(package libdatabinding-${lower})
+  list(APPEND CPACK_COMPONENTS_ALL ${adapter}Development)
+  list(JOIN debianPackages ", " depends)
+  string(PREPEND depends "libdatabinding-dev (= ${PROJECT_VERSION}), ")
+  set(CPACK_DEBIAN_${upper}DEVELOPMENT_PACKAGE_NAME ${package}-dev)
+  set(CPACK_DEBIAN_${upper}DEVELOPMENT_PACKAGE_SECTION libdevel)
+  set(CPACK_COMPONENT_${upper}DEVELOPMENT_DESCRIPTION "${summary}:\nheaders, CMake package and \
+pkg-config file.")
+  if(databindingLinkage STREQUAL "SHARED")
+    list(APPEND CPACK_COMPONENTS_ALL ${adapter}Runtime)
+    string(APPEND depends ", ${package}-${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+    set(CPACK_DEBIAN_${upper}RUNTIME_PACKAGE_NAME ${package}-${PROJECT_VERSION_MAJOR})
+    set(CPACK_DEBIAN_${upper}RUNTIME_PACKAGE_SECTION libs)
+    set(CPACK_DEBIAN_${upper}RUNTIME_PACKAGE_SHLIBDEPS ON)
+    set(CPACK_DEBIAN_${upper}RUNTIME_PACKAGE_DEPENDS
+        "libdatabinding${PROJECT_VERSION_MAJOR} (>= ${PROJECT_VERSION})")
+    set(CPACK_DEBIAN_${upper}RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/triggers)
+    set(CPACK_COMPONENT_${upper}RUNTIME_DESCRIPTION "${summary}.")
+  endif()
+  set(CPACK_DEBIAN_${upper}DEVELOPMENT_PACKAGE_DEPENDS "${depends}")
+endforeach()
+# The adapters' libraries need one that no installed package has: it lies in the build.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 
 include(CPack)

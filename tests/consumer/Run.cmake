@@ -5,6 +5,7 @@
 #   debian        the Debian packages of the library just built, unpacked
 #   subdirectory  add_subdirectory, which builds the library again: as a static one, for which the
 #                 consumer's project then has an installed tree, too
+# -D adapters= names the adapters that were built with the library, and are installed with it.
 
 set(work ${buildDir}/consumer/${way})
 file(REMOVE_RECURSE ${work}/prefix ${work}/moved ${work}/project ${work}/packages)
@@ -44,9 +45,10 @@ function(consume project)
   run(${project}/consumer)
 endfunction()
 
-# Builds and runs the consumer against an installed tree, by find_package and by pkg-config.
+# Builds and runs the consumers of the library, and of the adapters that are given, against an installed
+# tree, by find_package and by pkg-config.
 function(consume_tree prefix)
-  consume(${work}/project -D CMAKE_PREFIX_PATH=${prefix})
+  consume(${work}/project -D CMAKE_PREFIX_PATH=${prefix} -D "ADAPTERS=${ARGN}")
   ask(cache ${CMAKE_COMMAND} -L -N ${work}/project)
   expect("${cache}" "DataBinding_DIR:PATH=${prefix}/")
 
@@ -57,6 +59,13 @@ function(consume_tree prefix)
   run(${compiler} -std=c++20 ${flags} ${CMAKE_CURRENT_LIST_DIR}/main.cpp
       -o ${work}/project/consumer-pkg-config ${packageFlags} -Wl,-rpath,${prefix}/${libDir})
   run(${work}/project/consumer-pkg-config)
+
+  foreach(adapter IN LISTS ARGN)
+    run(${work}/project/consumer-${adapter})
+    string(TOLOWER databinding-${adapter} module)
+    ask(adapterFlags ${pkgConfig} --cflags --libs ${module})
+    expect("${adapterFlags}" "-lDataBinding${adapter} .*-lDataBinding ")
+  endforeach()
 endfunction()
 
 # Installs a build, and moves what was installed.
@@ -67,7 +76,7 @@ endfunction()
 
 function(installed)
   install_and_move(${buildDir})
-  consume_tree(${work}/moved)
+  consume_tree(${work}/moved ${adapters})
 endfunction()
 
 # As a unity build, which some projects make of all that they embed, and which takes less
@@ -105,6 +114,7 @@ function(debian)
   expect("${control}" "Depends: [^\n]*libc6 [^\n]*libstdc[+][+]6 ")
   refuse("${control}" "libdatabinding-dev")
   ask(version dpkg-deb -f ${library} Version)
+  ask(architecture dpkg-deb -f ${library} Architecture)
   ask(depends dpkg-deb -f ${development} Depends)
   expect("${depends}" "^libdatabinding0 [(]= ${version}[)]\n$")
   ask(shlibs dpkg-deb -I ${library} shlibs)
@@ -112,9 +122,21 @@ function(debian)
   ask(triggers dpkg-deb -I ${library} triggers)
   expect("${triggers}" "activate-noawait ldconfig")
 
-  run(dpkg-deb -x ${library} ${work}/prefix)
-  run(dpkg-deb -x ${development} ${work}/prefix)
-  consume_tree(${work}/prefix/usr)
+  set(packages ${library} ${development})
+  foreach(adapter IN LISTS adapters)
+    string(TOLOWER libdatabinding-${adapter} name)
+    ask(depends dpkg-deb -f ${work}/packages/${name}-dev_${version}_${architecture}.deb Depends)
+    expect("${depends}" "^libdatabinding-dev .*, ${name}-0 [(]= ${version}[)]\n$")
+    ask(files dpkg-deb -c ${work}/packages/${name}-0_${version}_${architecture}.deb)
+    expect("${files}" "/usr/${libDir}/libDataBinding${adapter}[.]so[.]0 -> ")
+    refuse("${files}" "[.](h|pc|cmake|so)[\n ]")
+    list(APPEND packages ${work}/packages/${name}-dev_${version}_${architecture}.deb
+         ${work}/packages/${name}-0_${version}_${architecture}.deb)
+  endforeach()
+  foreach(package IN LISTS packages)
+    run(dpkg-deb -x ${package} ${work}/prefix)
+  endforeach()
+  consume_tree(${work}/prefix/usr ${adapters})
 endfunction()
 
 cmake_language(CALL ${way})
