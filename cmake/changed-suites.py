@@ -19,6 +19,8 @@ PROGRAMS = rules.ROOT / "examples" / "guide"
 WHOLE = {"boundary_tests", "boundary_loading_tests", "memory_tests", "stress"}
 # Folders whose files say by their place what is built of them: path -> targets.
 PLACES = {
+    "adapters/qt6": {"DataBindingQt6", "qt6_tests"},
+    "adapters/glib": {"DataBindingGlib", "glib_tests"},
     "tests/boundary": {"boundary_tests", "boundary_loading_tests"},
     "tests/consumer": {"all"},
     "tests/debuggers": {"debuggers_tests"},
