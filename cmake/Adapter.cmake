@@ -6,8 +6,8 @@
 # package...)
 #
 # Builds and installs the adapter of the calling folder, from src/*/*.cpp and include/<target>/. Its
-# users link DataBinding::<component>. FIND is what they call find_dependency with, PKGCONFIG are the
-# modules that its pkg-config file requires, and DEBIAN the packages that a program is built with.
+# users link DataBinding::<component>. FIND is what they call find_dependency with, if anything;
+# PKGCONFIG are the modules that its pkg-config file requires, and DEBIAN the packages that a program is built with.
 function(databinding_adapter target component)
   cmake_parse_arguments(PARSE_ARGV 2 of "" "SUMMARY" "FIND;PKGCONFIG;DEBIAN")
   string(TOUPPER ${component} upper)
@@ -48,10 +48,12 @@ macro(databinding_install_adapter)
           COMPONENT ${component}Development FILES_MATCHING PATTERN "*.h")
   install(EXPORT ${target}Targets NAMESPACE DataBinding:: DESTINATION ${databindingPackageDir}
           COMPONENT ${component}Development)
-  string(REPLACE ";" " " find "${of_FIND}")
+  set(find "")
+  if(of_FIND)
+    string(REPLACE ";" " " find "find_dependency(${of_FIND})\n")
+  endif()
   file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}.cmake @ONLY CONTENT
-"find_dependency(@find@)
-include(\${CMAKE_CURRENT_LIST_DIR}/@target@Targets.cmake)
+"@find@include(\${CMAKE_CURRENT_LIST_DIR}/@target@Targets.cmake)
 ")
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${target}.cmake DESTINATION ${databindingPackageDir}
           COMPONENT ${component}Development)

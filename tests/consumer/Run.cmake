@@ -48,7 +48,8 @@ endfunction()
 # Builds and runs the consumers of the library, and of the adapters that are given, against an installed
 # tree, by find_package and by pkg-config.
 function(consume_tree prefix)
-  consume(${work}/project -D CMAKE_PREFIX_PATH=${prefix} -D "ADAPTERS=${ARGN}")
+  list(JOIN ARGN , adapterNames)  # a list would come apart on its way
+  consume(${work}/project -D CMAKE_PREFIX_PATH=${prefix} -D ADAPTERS=${adapterNames})
   ask(cache ${CMAKE_COMMAND} -L -N ${work}/project)
   expect("${cache}" "DataBinding_DIR:PATH=${prefix}/")
 
