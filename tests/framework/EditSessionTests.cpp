@@ -284,5 +284,31 @@ TEST_F(GroupedEdits, MayEndWithinACommit) {
   EXPECT_EQ(*gauge->Level, 4);
 }
 
+TEST_F(GroupedEdits, TellWhetherAnythingIsTyped) {
+  const Subscription told = group.OnState([&](bool typed) { log += typed ? "typed " : "none "; });
+  log.clear();
+  Type(L"4");
+  slider = 8;
+  ofSlider.Typed();
+  group.Remove(*session);
+  EXPECT_EQ(log, "typed ");
+  ofSlider.Commit();
+
+  EXPECT_EQ(log, "typed none ");
+  EXPECT_TRUE(session->HasTyped());
+}
+
+TEST_F(GroupedEdits, SayWhichOfThemWasRefusedFirst) {
+  Type(L"-1");
+  EXPECT_EQ(group.CheckAll().reason, L"is negative");
+  EXPECT_EQ(session->State(), EditState::Typed) << "since nothing was set";
+  EXPECT_TRUE(group.WasRefusedFirst(*session));
+  EXPECT_FALSE(group.WasRefusedFirst(ofSlider));
+  Type(L"5");
+
+  EXPECT_TRUE(group.CommitAll().IsAccepted());
+  EXPECT_FALSE(group.WasRefusedFirst(*session));
+}
+
 }  // namespace
 }  // namespace DataBinding::Testing
