@@ -12,3 +12,8 @@
 #include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/Variant.h"
+#include "DataBindingQt6/widgets/Bind.h"
+#include "DataBindingQt6/widgets/BindOptions.h"
+#include "DataBindingQt6/widgets/Binding.h"
+#include "DataBindingQt6/widgets/EditsOf.h"
+#include "DataBindingQt6/widgets/WidgetTraits.h"

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A Dress is what a binding has changed at a widget to show its state, and what it gives back.
+///
+/// It changes nothing where the application has done the same before, and then gives back nothing.
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+#include "DataBinding/framework/EditState.h"
+
+namespace DataBinding::Qt6 {
+
+class Dress {
+ public:
+  explicit Dress(QWidget* itsWidget) : widget(itsWidget) {}
+
+  [[nodiscard]] QWidget* Widget() const { return widget; }
+  /// Says what the user may do with the widget.
+  enum class Use { Edit, Read, Nothing };
+  void Allow(Use use);
+  /// Shows the reason of a state that has one, and nothing of it in the other states.
+  void ShowReason(EditState state, const QString& reason);
+
+  /// Returns the text for a place where Qt shows tags as rich text. A reason quotes what the user
+  /// has typed, and no tags are meant there.
+  [[nodiscard]] static QString AsPlain(const QString& reason);
+
+ private:
+  void SetEnabled(bool on);
+  void SetReadOnly(bool on);
+  void Mark(const char* property, bool on);
+
+  QPointer<QWidget> widget;
+  bool hasDisabled = false;
+  bool hasMadeReadOnly = false;
+  QString shown;  // the reason; null while none is shown
+  QString formerTip;
+  QString formerDescription;
+};
+
+}  // namespace DataBinding::Qt6

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "DataBindingQt6/widgets/EditsOf.h"
+
+#include <QPointer>
+#include <memory>
+#include <utility>
+
+#include "Bindings.h"
+#include "DataBinding/framework/EditGroup.h"
+#include "DataBinding/framework/EditSession.h"
+
+namespace DataBinding::Qt6 {
+
+namespace {
+
+WindowEdits* FindEdits(const QWidget& window) {
+  return window.findChild<WindowEdits*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+QWidget* Outer(const QWidget& widget) {
+  return widget.isWindow() ? nullptr : widget.parentWidget();
+}
+
+}  // namespace
+
+WindowEdits::WindowEdits(QWidget* window) : QObject(window), toldTyped(HasTyped()) {}
+
+std::vector<Binding*> WindowEdits::Bindings() const {
+  std::vector<Binding*> within;
+  const auto* const window = static_cast<const QWidget*>(parent());
+  if (window == nullptr) return within;
+  for (Binding* binding : Qt6::Bindings::All()) {
+    const QWidget* const widget = binding->Widget();
+    if (widget != nullptr && (widget == window || window->isAncestorOf(widget))) {
+      within.push_back(binding);
+    }
+  }
+  return within;
+}
+
+std::unique_ptr<EditGroup> WindowEdits::Group() const {
+  auto group = std::make_unique<EditGroup>();
+  for (const Binding* binding : Bindings()) {
+    if (const EditSession* session = binding->Session()) group->Add(*session);
+  }
+  return group;
+}
+
+SetResult WindowEdits::CommitAll() {
+  const QPointer<WindowEdits> alive(this);
+  const auto group = Group();
+  SetResult result = group->CommitAll();
+  if (result.IsAccepted() || !alive) return result;
+  for (const Binding* binding : Bindings()) {
+    const EditSession* const session = binding->Session();
+    if (session == nullptr || !group->WasRefusedFirst(*session)) continue;
+    binding->Widget()->setFocus(Qt::OtherFocusReason);
+    break;
+  }
+  return result;
+}
+
+SetResult WindowEdits::CheckAll() { return Group()->CheckAll(); }
+
+void WindowEdits::RevertAll() {
+  std::vector<QPointer<Binding>> reverted;
+  for (Binding* binding : Bindings()) reverted.emplace_back(binding);
+  for (const auto& binding : reverted) {
+    if (binding) binding->Revert();
+  }
+}
+
+bool WindowEdits::HasTyped() const { return Group()->HasTyped(); }
+
+void WindowEdits::TellOf(const Binding& changed) {
+  std::vector<QPointer<WindowEdits>> told;
+  for (const QWidget* at = changed.Widget(); at != nullptr; at = Outer(*at)) {
+    if (WindowEdits* edits = FindEdits(*at)) told.emplace_back(edits);
+  }
+  for (const auto& edits : told) {
+    if (!edits) continue;
+    // A binding that ends with something typed is told, too, when it is gone.
+    connect(&changed, &QObject::destroyed, edits, &WindowEdits::Tell,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
+    edits->Tell();
+  }
+}
+
+void WindowEdits::Tell() {
+  const bool now = HasTyped();
+  if (std::exchange(toldTyped, now) != now) Q_EMIT hasTypedChanged(now);
+}
+
+WindowEdits& EditsOf(QWidget* window) {
+  if (window == nullptr) {
+    static WindowEdits none(nullptr);
+    return none;
+  }
+  WindowEdits* const edits = FindEdits(*window);
+  return edits != nullptr ? *edits : *new WindowEdits(window);
+}
+
+}  // namespace DataBinding::Qt6
