@@ -13,20 +13,14 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 
-#include <DataBinding/registrar/IDataSourceRegistrar.h>
 #include <nlohmann/json.hpp>
 
 #include "Options.h"
-#include "common/EventLog.h"
-#include "common/Limits.h"
 #include "loop/EventPump.h"
 #include "loop/Loop.h"
-#include "model/AlarmWatch.h"
-#include "model/EventRecorder.h"
-#include "model/Machine.h"
+#include "model/PublishedMachine.h"
 #include "model/Sampler.h"
 #include "view/JsonReport.h"
 #include "view/MonitorView.h"
@@ -37,27 +31,12 @@ namespace Sysmon {
 
 namespace {
 
-/// The root scope, for as long as this lives.
-class RootScope {
- public:
-  RootScope() { Registrar().Initialize(); }
-  RootScope(const RootScope&) = delete;
-  RootScope& operator=(const RootScope&) = delete;
-  ~RootScope() { Registrar().Shutdown(); }
-
-  [[nodiscard]] IDataSourceProvider& Get() const { return *Registrar().GetRootProvider(); }
-
- private:
-  [[nodiscard]] static DataBinding::IDataSourceRegistrar& Registrar() {
-    return DataBinding::IDataSourceRegistrar::GetInstance();
-  }
-};
-
-/// The parts of the program that are the same wherever the figures are shown.
+/// Shows the published machine as the options say.
 class Monitor {
  public:
   explicit Monitor(const Options& programOptions) : options(programOptions) {
-    for (const auto& [name, value] : options.alarms) SetAlarm(name, value);
+    const VtrString wrong = SetLimits(published.Root(), options.alarms);
+    if (!wrong.IsEmpty()) throw UsageError("--alarm " + wrong.ToUtf8());
   }
 
   /// These run until the program is to end. They give the signal that ended it, or 0.
@@ -74,46 +53,35 @@ class Monitor {
   int RunOnPage() {
     Signals signals(false);
     TextSurface page;
-    MonitorView view(root.Get(), page, log, false);
+    MonitorView view(published.Root(), page, published.Log(), false);
     Loop loop(options, pump, signals, &view, nullptr);
     return Run(loop);
   }
   int RunOnTerminal() {
     Signals signals(true);
     Terminal terminal;
-    MonitorView view(root.Get(), terminal, log, true);
+    MonitorView view(published.Root(), terminal, published.Log(), true);
     Loop loop(options, pump, signals, &view, &terminal);
     return Run(loop);
   }
 
  private:
-  void SetAlarm(const std::string& name, const std::string& value) {
-    const VtrString wrong =
-        SetLimit(root.Get(), VtrString::FromUtf8(name), VtrString::FromUtf8(value));
-    if (!wrong.IsEmpty()) throw UsageError("--alarm " + name + ": " + wrong.ToUtf8());
-  }
   int Run(Loop& loop) {
-    const Sampler sampler(*reader, options.interval);
+    const Sampler sampler(published.Reader(), options.interval);
     return loop.Run();
   }
   void PrintReport() {
-    auto report = ReportMachine(root.Get());
-    if (options.frames != 0) report["Events"] = ReportEvents(log);
-    if (options.frames != 0 && log.Dropped() != 0) report["EventsDropped"] = log.Dropped();
+    auto report = ReportMachine(published.Root());
+    if (options.frames != 0) report["Events"] = ReportEvents(published.Log());
+    if (options.frames != 0 && published.Log().Dropped() != 0)
+      report["EventsDropped"] = published.Log().Dropped();
     std::cout << report.dump(2) << '\n';
     if (!std::cout.flush()) throw std::runtime_error("cannot write to standard output");
   }
 
-  static constexpr std::size_t mostEvents = 10'000;
-
   const Options& options;
   EventPump pump;
-  RootScope root;
-  std::unique_ptr<SystemReader> reader = SystemReader::Create();
-  EventLog log{mostEvents};
-  EventRecorder recorder{log};
-  Machine machine{*reader, root.Get()};
-  AlarmWatch alarms{root.Get()};
+  PublishedMachine published;
 };
 
 int RunMonitor(const Options& options) {

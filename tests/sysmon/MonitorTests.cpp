@@ -119,7 +119,7 @@ TEST_F(MonitorTest, AProcessIsShownUntilItsNumberIsThatOfAnother) {
   shown.Show(processes.At(1));
   make.cpuTime = Seconds(4);
   Take(1, 1, {make});
-  EXPECT_EQ(show(L"Process", L"Cpu"), L"1");
+  EXPECT_EQ(show(L"Process", L"Cpu"), L"100.0%");
   EXPECT_EQ(show(L"Command", L"CommandLine"), L"7");
 
   make.started = Seconds(20);

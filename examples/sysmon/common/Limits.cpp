@@ -36,4 +36,14 @@ VtrString SetLimit(IDataSourceProvider& root, const VtrString& limit, const VtrS
   return DataBinding::Framework::DataBind<double>(&root, limitSource, *found).Set(*value).text;
 }
 
+VtrString SetLimits(IDataSourceProvider& root,
+                    const std::vector<std::pair<std::string, std::string>>& limits) {
+  for (const auto& [name, value] : limits) {
+    const VtrString limit = VtrString::FromUtf8(name);
+    const VtrString wrong = SetLimit(root, limit, VtrString::FromUtf8(value));
+    if (!wrong.IsEmpty()) return limit + L": " + wrong;
+  }
+  return {};
+}
+
 }  // namespace Sysmon

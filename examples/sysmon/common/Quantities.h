@@ -36,18 +36,28 @@ using BytesPerSecond = Quantity<struct ByteRateUnit, double>;
 /// A part of a whole, which is 1.
 using Share = Quantity<struct ShareUnit, double>;
 
+/// A quantity as people read it: 1536 bytes as "1.5 KiB".
+///@{
+[[nodiscard]] VtrString Show(Bytes bytes);
+[[nodiscard]] VtrString Show(BytesPerSecond speed);
+[[nodiscard]] VtrString Show(Share share);
+[[nodiscard]] VtrString Show(Seconds time);
+///@}
+
 /// Every type that a property of this program may have.
 using Value = std::variant<VtrString, Count, double, Bytes, BytesPerSecond, Share, Seconds, bool>;
 
 }  // namespace Sysmon
 
-/// Without its type a quantity is its number: bytes, bytes per second, or a part of 1.
+/// Without its type a quantity is its number: bytes, bytes per second, or a part of 1. Its text is
+/// for people.
 template <class Unit, class Number>
 struct DataBinding::ValueForm<Sysmon::Quantity<Unit, Number>> {
   using Quantity = Sysmon::Quantity<Unit, Number>;
 
   static constexpr auto kind = ValueForm<Number>::kind;
   static Value ToValue(const Quantity& quantity) { return quantity.value; }
+  static VtrString ToText(const Quantity& quantity) { return Sysmon::Show(quantity); }
   static PropertyValue<Quantity> FromValue(const Value& value) {
     const auto number = DataBinding::FromValue<Number>(value);
     if (!number) return {{}, number.error, number.text};
@@ -55,11 +65,12 @@ struct DataBinding::ValueForm<Sysmon::Quantity<Unit, Number>> {
   }
 };
 
-/// Without its type a time is its number of seconds.
+/// Without its type a time is its number of seconds. Its text is for people.
 template <>
 struct DataBinding::ValueForm<Sysmon::Seconds> {
   static constexpr auto kind = ValueKind::Double;
   static Value ToValue(const Sysmon::Seconds& time) { return time.count(); }
+  static VtrString ToText(const Sysmon::Seconds& time) { return Sysmon::Show(time); }
   static PropertyValue<Sysmon::Seconds> FromValue(const Value& value) {
     const auto number = DataBinding::FromValue<double>(value);
     if (!number) return {{}, number.error, number.text};
