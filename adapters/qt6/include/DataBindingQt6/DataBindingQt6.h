@@ -9,6 +9,7 @@
 #include "DataBindingQt6/Export.h"
 #include "DataBindingQt6/loop/Install.h"
 #include "DataBindingQt6/loop/QtIdlePass.h"
+#include "DataBindingQt6/models/ListModel.h"
 #include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/Variant.h"

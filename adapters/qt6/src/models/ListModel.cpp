@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+// This file holds what views read from a ListModel, and what they set.
+
+#include "DataBindingQt6/models/ListModel.h"
+
+#include <QPersistentModelIndex>
+#include <QPointer>
+#include <exception>
+#include <utility>
+
+#include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBindingQt6/values/Text.h"
+#include "DataBindingQt6/values/Variant.h"
+
+namespace DataBinding::Qt6 {
+
+namespace {
+
+bool IsNumber(ValueKind kind) {
+  return kind == ValueKind::Signed || kind == ValueKind::Unsigned || kind == ValueKind::Double;
+}
+
+std::size_t ToSize(int number) { return static_cast<std::size_t>(number); }
+
+}  // namespace
+
+QVariant EditAsText(const Value& value, int role, const QModelIndex& /*index*/) {
+  return role == Qt::EditRole ? QVariant(ToQString(value.ToText())) : QVariant();
+}
+
+ListModel::ListModel(AnyList& list, std::vector<ListColumn> wanted, QObject* parent)
+    : QAbstractTableModel(parent), rows(list), hasAllFields(wanted.empty()) {
+  columns.reserve(wanted.size());
+  for (ListColumn& column : wanted) columns.push_back({std::move(column), {}});
+  FindFields();
+  count = static_cast<int>(rows.Size());
+  seen = rows.Observe({.before = [this](const ListChange& change) { Begin(change); },
+                       .after = [this](const ListChange& change) { End(change); }});
+}
+
+ListModel::~ListModel() = default;
+
+std::optional<RowId> ListModel::IdAt(const QModelIndex& index) const {
+  if (index.model() != this || index.row() < 0) return std::nullopt;
+  return rows.IdAt(PlaceOf(index.row()));
+}
+
+QModelIndex ListModel::IndexOf(RowId id, int column) const {
+  const auto row = rows.IndexOf(id);
+  return row ? index(static_cast<int>(*row), column) : QModelIndex();
+}
+
+int ListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count; }
+
+int ListModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(columns.size());
+}
+
+const ListModel::ShownColumn* ListModel::ColumnOf(const QModelIndex& index) const {
+  if (!index.isValid() || index.model() != this) return nullptr;
+  const std::size_t number = ToSize(index.column());
+  return number < columns.size() ? &columns[number] : nullptr;
+}
+
+Value ListModel::CellOf(const ShownColumn& column, const QModelIndex& index) const {
+  return column.field ? rows.Cell(PlaceOf(index.row()), *column.field) : Value();
+}
+
+QVariant ListModel::data(const QModelIndex& index, int role) const {
+  const ShownColumn* const column = ColumnOf(index);
+  if (column == nullptr) return {};
+  if (column->wanted.format) {
+    QVariant made = Formatted(*column, index, role);
+    if (made.isValid()) return made;
+  }
+  switch (role) {
+    case Qt::DisplayRole:
+      return column->kind == ValueKind::Bool ? QVariant() : ToVariant(CellOf(*column, index));
+    case Qt::EditRole:
+      return ToVariant(CellOf(*column, index));
+    case Qt::CheckStateRole:
+      if (column->kind != ValueKind::Bool) return {};
+      return static_cast<int>(CellOf(*column, index) == Value(true) ? Qt::Checked : Qt::Unchecked);
+    case Qt::TextAlignmentRole:
+      if (!IsNumber(column->kind)) return {};
+      return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
+    default:
+      return {};
+  }
+}
+
+QVariant ListModel::Formatted(const ShownColumn& column, const QModelIndex& index, int role) const {
+  try {
+    return column.wanted.format(CellOf(column, index), role, index);
+  } catch (...) {
+    ReportListenerFailure(column.wanted.field, std::current_exception());
+    return {};
+  }
+}
+
+QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  const bool isOfColumn = orientation == Qt::Horizontal && section >= 0;
+  if (!isOfColumn || role != Qt::DisplayRole || ToSize(section) >= columns.size()) {
+    return QAbstractTableModel::headerData(section, orientation, role);
+  }
+  const ListColumn& column = columns[ToSize(section)].wanted;
+  return column.header.isEmpty() ? ToQString(column.field) : column.header;
+}
+
+Qt::ItemFlags ListModel::flags(const QModelIndex& index) const {
+  const bool canMove = rows.CanMoveRows();
+  const ShownColumn* const column = ColumnOf(index);
+  if (column == nullptr) return canMove ? Qt::ItemIsDropEnabled : Qt::NoItemFlags;
+  Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+  flags.setFlag(Qt::ItemIsDragEnabled, canMove);
+  if (!column->field || column->wanted.isReadOnly || !rows.CanSetField(*column->field)) {
+    return flags;
+  }
+  const bool isBox = column->kind == ValueKind::Bool;
+  return flags | (isBox ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable);
+}
+
+bool ListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  const ShownColumn* const column = ColumnOf(index);
+  const bool isBox = role == Qt::CheckStateRole;
+  if (column == nullptr || !column->field || column->wanted.isReadOnly || !value.isValid()) {
+    return false;
+  }
+  if (isBox ? column->kind != ValueKind::Bool : role != Qt::EditRole) return false;
+  return Attempt(index, [&, row = ToSize(index.row()), field = *column->field] {
+    if (isBox) return rows.SetCell(row, field, value.toInt() == Qt::Checked);
+    if (value.typeId() != QMetaType::QString) return rows.SetCell(row, field, ToValue(value));
+    return rows.SetCellText(row, field, ToVtrString(value.toString()));
+  });
+}
+
+void ListModel::sort(int column, Qt::SortOrder order) {
+  sortColumn = column;
+  sortOrder = order;
+  Attempt({}, [this] {
+    const bool isOne = sortColumn >= 0 && ToSize(sortColumn) < columns.size();
+    const auto field = isOne ? columns[ToSize(sortColumn)].field : std::nullopt;
+    const bool isUp = sortOrder == Qt::AscendingOrder;
+    field ? static_cast<void>(rows.SortBy(*field, isUp ? Order::Ascending : Order::Descending))
+          : rows.KeepOrderOfList();
+    return SetResult();
+  });
+}
+
+/// Callbacks of the operation may do anything, also end the model. Qt lets no exception through.
+bool ListModel::Attempt(const QModelIndex& index, const std::function<SetResult()>& operation) {
+  const QPointer<ListModel> self(this);
+  const QPersistentModelIndex cell(index);
+  const VtrString name = rows.ListName();
+  SetResult result;
+  try {
+    result = operation();
+  } catch (...) {
+    ReportListenerFailure(name, std::current_exception());
+    result = {false, PropertyError::Refused, {}, L"the operation has failed"};
+  }
+  if (!result.IsAccepted() && self != nullptr) {
+    Q_EMIT refused(cell, ToQString(result.reason.IsEmpty() ? result.text : result.reason));
+  }
+  return result.IsAccepted();
+}
+
+}  // namespace DataBinding::Qt6
