@@ -7,8 +7,8 @@
 - Text that is indented in a comment is code.
 - What is there for the compiler only is left out: friends, defaulted copies and moves, explicit
   specialisations, and names that are taken over from namespace to namespace.
-- What a header of include/DataBinding/<room>/ declares belongs to the group of that room, which
-  rooms.dox describes.
+- What a header of include/DataBinding/<room>/ declares belongs to the group of that room, and what
+  a header of an adapter declares to the group of the adapter's folder; rooms.dox describes them.
 - A property shows the operations of its bases, which stand in namespace `details`.
 """
 
@@ -26,8 +26,8 @@ EXPLICIT = re.compile(r"^template <>\n(?!struct VtrUtils::InterfaceId)[^{]*?;$"
                       r"|^template <\w* ?\w*>\nstruct std::hash<[\s\S]*?^\};$", re.MULTILINE)
 INDENTED = re.compile(r"^(\s*///) {3}(\S)")
 # Between these two a header declares what belongs to its room.
-ROOM_BEGIN = re.compile(r"^namespace (?:DataBinding|VtrUtils) \{$")
-ROOM_END = re.compile(r"^\}  // namespace (?:DataBinding|VtrUtils)$")
+ROOM_BEGIN = re.compile(r"^namespace (?:DataBinding(?:::(?!details)\w+)?|VtrUtils) \{$")
+ROOM_END = re.compile(r"^\}  // namespace (?:DataBinding(?:::(?!details)\w+)?|VtrUtils)$")
 # What users call on a property that keeps its value, and on every property.
 READ = "".join(f"/** Reads the value. */ {member} const noexcept; "
                for member in ("const T& Get()", "const T& operator*()", "const T* operator->()"))
@@ -80,6 +80,13 @@ def main_compound(lines, stem):
     return found
 
 
+def room_of(path):
+    """The group of a header, or None where it belongs to none."""
+    if "adapters" in path.parts:
+        return path.parts[path.parts.index("adapters") + 1]
+    return path.parent.name if path.parent.parent.name == "DataBinding" else None
+
+
 def main():
     path = Path(sys.argv[1])
     text = path.read_text(encoding="utf-8")
@@ -95,10 +102,9 @@ def main():
         lines = rest[:place - 1] + banner + ["///"] + rest[place:]
     else:
         lines = rest[:place] + banner + rest[place:]
-    room = path.parent.name if path.parent.parent.name == "DataBinding" else None
     print()
     for line in lines:
-        print(shown(line, room))
+        print(shown(line, room_of(path)))
 
 
 if __name__ == "__main__":

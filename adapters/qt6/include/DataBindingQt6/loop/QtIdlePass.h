@@ -40,6 +40,7 @@ class DATABINDING_QT6_API QtIdlePass : public QObject {
   /// Returns the pass that was made last and has not ended, or null. For the pass's own thread.
   [[nodiscard]] static QtIdlePass* Current();
 
+  /// Returns how often a pass runs at most.
   [[nodiscard]] std::chrono::milliseconds Frame() const { return frame; }
   /// Sets how often a pass runs, also for one that waits already.
   void SetFrame(std::chrono::milliseconds length);
