@@ -112,8 +112,11 @@ void Press(IDataSourceProvider& scope) {
   Framework::EventBind remove(L"", L"", L"RemoveItem");
   remove.SetDataContextBind(
       std::make_unique<Framework::DataBind<IDataContext*>>(&scope, L"Selection", L"Current"),
-      [](auto* bind, auto*) { std::cout << "button: " << bind->CanRaise() << '\n'; });
+      nullptr);
+  const Subscription enabling = remove.SubscribeToChanges(
+      [&] { std::cout << (remove.CanRaise() ? "enabled\n" : "disabled\n"); });
   selection.current.Set(&letter);  // the button hears of it
+  { const EventHold saving(removeItem); }
 
   const Subscription heard = removeItem.Subscribe(
       [](IDataContext* context) { std::cout << "remove the " << context->title << '\n'; });

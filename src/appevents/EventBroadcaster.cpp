@@ -15,21 +15,6 @@
 
 namespace DataBinding {
 
-namespace {
-
-class QueueLock {
- public:
-  explicit QueueLock(AEB::ThreadingPolicy& policy) : held(policy) { held.EnterCriticalSection(); }
-  QueueLock(const QueueLock&) = delete;
-  QueueLock& operator=(const QueueLock&) = delete;
-  ~QueueLock() { held.LeaveCriticalSection(); }
-
- private:
-  AEB::ThreadingPolicy& held;
-};
-
-}  // namespace
-
 template <class Update, class Threading>
 EventBroadcaster<Update, Threading>::EventBroadcaster()
     : pendingEvents(std::make_unique<details::PendingEvents>()), weakFactory(this) {}
@@ -69,11 +54,13 @@ void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, boo
 /// Undoes one disable, be it of DisableEvent or of an EventHold.
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, bool fireHeldEvent) {
+  const auto alive = GetWeakPtr();
   const auto disabled = disabledEvents.find(name);
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);
   const auto held = heldEvents.extract(name);
-  if (fireHeldEvent && !held.empty()) SendEvent(held.mapped());
+  TellOfDisabling(name);
+  if (alive && fireHeldEvent && !held.empty()) SendEvent(held.mapped());
 }
 
 /// Holds an event of a disabled name. The older event ends after the new one is in its place, since
@@ -86,9 +73,10 @@ void EventBroadcaster<Update, Threading>::HoldEvent(const VtrString& name, Event
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::BeginHold(const VtrString& name) {
   const details::OneThreadVisit visit(pendingEvents->delivering);
-  const auto held = holdCounts.try_emplace(name, 0).first;
-  DisableEvent(name);
-  ++held->second;
+  auto& holds = holdCounts[name];
+  auto& disables = disabledEvents[name];
+  ++holds;
+  if (++disables == 1) TellOfDisabling(name);
 }
 
 template <class Update, class Threading>
@@ -99,10 +87,19 @@ void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name,
     const auto held = holdCounts.find(name);
     if (--held->second == 0) holdCounts.erase(held);
   }
+  Guard(name, [&] { UndoDisable(name, fireHeldEvent); });
+}
+
+/// Gives what the step throws to the error handler. Outside of a delivery a pass is asked for.
+template <class Update, class Threading>
+template <class Step>
+DATABINDING_CATCHES_CANCELLATION void EventBroadcaster<Update, Threading>::Guard(
+    const VtrString& name, Step step) {
   const auto alive = GetWeakPtr();
   try {
-    UndoDisable(name, fireHeldEvent);
-  } catch (...) {
+    step();
+  }
+  DATABINDING_PASS_CANCELLATION catch (...) {
     if (alive) ReportFailure(name);
     if (alive && !IsDelivering() && HasFailure()) AskForPass();
   }
@@ -110,7 +107,20 @@ void EventBroadcaster<Update, Threading>::EndHold(const VtrString& name,
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DisableEvent(const VtrString& name) {
-  ++disabledEvents[name];
+  if (++disabledEvents[name] == 1) TellOfDisabling(name);
+}
+
+template <class Update, class Threading>
+void EventBroadcaster<Update, Threading>::TellOfDisabling(const VtrString& name) {
+  if (disablingObservers.Core() == nullptr) return;
+  Guard(name, [this, kept = name] { disablingObservers.CallAll(kept); });
+}
+
+template <class Update, class Threading>
+Subscription EventBroadcaster<Update, Threading>::ObserveDisabling(
+    const RepeatingCallback<void(const VtrString& name)>& callback) {
+  static_cast<void>(GetWeakPtr());  // so that telling needs no memory
+  return disablingObservers.Add(callback);
 }
 
 template <class Update, class Threading>
@@ -127,9 +137,16 @@ void EventBroadcaster<Update, Threading>::EnableAllEvents(bool fireHeldEvent) {
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::DisableAllEvents() {
   // Counted in a copy: if memory runs out on the way, no name is disabled rather than some.
+  const auto alive = GetWeakPtr();
   auto disabled = disabledEvents;
-  for (const auto& [name, known] : knownEvents) ++disabled[name];
+  std::vector<VtrString> changed;
+  for (const auto& [name, known] : knownEvents) {
+    if (++disabled[name] == 1) changed.push_back(name);
+  }
   disabledEvents.swap(disabled);
+  for (const VtrString& name : changed) {
+    if (alive) TellOfDisabling(name);
+  }
 }
 
 template <class Update, class Threading>
@@ -161,7 +178,7 @@ void EventBroadcaster<Update, Threading>::DispatchPendingEvents() {
   auto batch = std::move(pendingEvents->spare);
   if (batch == nullptr) batch = std::make_unique<details::PendingEvents::Batch>();
   {
-    const QueueLock guard(threadingPolicy);
+    const details::QueueLock guard(threadingPolicy);
     pendingEvents->Take(*batch);
     anyPending.store(false, std::memory_order_relaxed);
   }
@@ -178,7 +195,7 @@ void EventBroadcaster<Update, Threading>::DispatchPendingEventsFor(
   const auto begin = Clock::now();
   details::DeliveryScope scope(*this);
   const auto pass = [this] {
-    const QueueLock guard(threadingPolicy);
+    const details::QueueLock guard(threadingPolicy);
     return pendingEvents->BeginPass();
   }();
   const auto deliverNext = [&] {
@@ -192,7 +209,7 @@ void EventBroadcaster<Update, Threading>::DispatchPendingEventsFor(
 
 template <class Update, class Threading>
 auto EventBroadcaster<Update, Threading>::TakeFirst(std::uint32_t pass) -> EventPtr {
-  const QueueLock guard(threadingPolicy);
+  const details::QueueLock guard(threadingPolicy);
   EventPtr first = pendingEvents->TakeFirst(pass);
   anyPending.store(!pendingEvents->IsEmpty(), std::memory_order_relaxed);
   return first;
@@ -223,7 +240,7 @@ void EventBroadcaster<Update, Threading>::NotifyListenersOnIdleImpl(const VtrStr
   const std::uint64_t hash = replaceLast ? details::PendingEvents::Hash(name, *event) : 0;
   EventPtr replaced;
   {
-    const QueueLock guard(threadingPolicy);
+    const details::QueueLock guard(threadingPolicy);
     if (replaceLast) {
       replaced = pendingEvents->Replace(name, hash, std::move(event));
     } else {
@@ -276,7 +293,7 @@ void EventBroadcaster<Update, Threading>::Drop(Matches matches) {
     held = isDropped ? heldEvents.erase(held) : std::next(held);
   }
   details::DeliveryScope::Drop(delivery, matches, dropped);
-  const QueueLock guard(threadingPolicy);
+  const details::QueueLock guard(threadingPolicy);
   pendingEvents->Drop(matches, dropped);
   anyPending = !pendingEvents->IsEmpty();
 }

@@ -30,6 +30,18 @@
 
 namespace DataBinding::details {
 
+/// Holds the broadcaster's lock, under which the queue is used.
+class QueueLock {
+ public:
+  explicit QueueLock(AEB::ThreadingPolicy& policy) : held(policy) { held.EnterCriticalSection(); }
+  QueueLock(const QueueLock&) = delete;
+  QueueLock& operator=(const QueueLock&) = delete;
+  ~QueueLock() { held.LeaveCriticalSection(); }
+
+ private:
+  AEB::ThreadingPolicy& held;
+};
+
 class PendingEvents {
  public:
   using EventPtr = std::shared_ptr<PendingEventBase>;

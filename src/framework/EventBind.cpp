@@ -16,6 +16,11 @@ namespace {
 
 const std::type_info& signature = typeid(void(IDataContext*));
 
+bool IsDisabled(const VtrString& eventName) {
+  return IAppEventBroadcaster::HasInstance() &&
+         IAppEventBroadcaster::GetInstance().IsDisable(eventName);
+}
+
 }  // namespace
 
 EventBind::EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
@@ -24,9 +29,13 @@ EventBind::EventBind(const VtrString& context, const VtrString& source, const Vt
 EventBind::~EventBind() = default;
 
 void EventBind::Connect(IDataSourceProvider* provider) {
-  scopeListener.reset();
-  if (provider != nullptr)
-    scopeListener = std::make_unique<details::EventBindListener>(*this, *provider);
+  scopeListeners.clear();
+  const bool isOuterWanted = details::IsNamed(DataContextName(), nullDataMarker);
+  for (auto* scope = provider; scope != nullptr; scope = scope->GetParent()) {
+    scopeListeners.push_back(std::make_unique<details::EventBindListener>(*this, *scope));
+    if (!isOuterWanted) break;
+  }
+  TellChange();
 }
 
 BindStatus EventBind::Status() const {
@@ -47,16 +56,24 @@ BindStatus EventBind::Status() const {
 VtrString EventBind::EventName() const { return Path() == nullPathMarker ? VtrString() : Path(); }
 
 bool EventBind::CanRaise() const {
-  return EventStatus().IsConnected() && FindContext().has_value();
+  return EventStatus().IsConnected() && FindContext().has_value() && !IsDisabled(EventName());
 }
 
-void EventBind::Raise() {
+bool EventBind::Raise() {
   using Event = details::TypedEvent<IDataContext*>;
   const auto context = FindContext();
-  if (!context || !EventStatus().IsConnected()) return;
+  if (!context || !EventStatus().IsConnected() || IsDisabled(EventName())) return false;
   const auto& name = details::EventName::Find(EventName(), signature);
   auto event = std::make_shared<Event>(name, origin, *context);
   IAppEventBroadcaster::GetInstance().QueueEvent(name.Text(), std::move(event));
+  return true;
+}
+
+Subscription EventBind::SubscribeToChanges(const RepeatingCallback<void()>& callback) {
+  disabling = IAppEventBroadcaster::GetInstance().ObserveDisabling([this](const VtrString& name) {
+    if (name == EventName()) TellChange();
+  });
+  return IEventBind::SubscribeToChanges(callback);
 }
 
 IDataContext* EventBind::DataContext() const { return FindContext().value_or(nullptr); }
@@ -75,7 +92,7 @@ BindStatus EventBind::EventStatus() const {
 }
 
 IDataSourceProvider* EventBind::Scope() const {
-  return scopeListener == nullptr ? nullptr : scopeListener->Scope();
+  return scopeListeners.empty() ? nullptr : scopeListeners.front()->Scope();
 }
 
 IDataSourceProvider* EventBind::ContextScope() const {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-/// An EventBindListener is an event bind's listener in its scope. It waits for no source. It hears
-/// of the end of the scope, and lets Diagnose find the bind.
+/// An EventBindListener is an event bind's listener in its scope or an outer one. It waits for no
+/// source. It hears of the end of the scope, and lets Diagnose find the bind.
 ///
 /// Its bind owns it. It is used on one thread.
 #pragma once
@@ -16,7 +16,7 @@ namespace DataBinding::details {
 
 class EventBindListener final : public IDataListener, public SupportsWeakPtr<EventBindListener> {
  public:
-  EventBindListener(const Framework::EventBind& listeningBind, IDataSourceProvider& listenedScope)
+  EventBindListener(Framework::EventBind& listeningBind, IDataSourceProvider& listenedScope)
       : bind(listeningBind), scope(&listenedScope), scopeLiveness(listenedScope.GetLiveness()) {
     Listen();
   }
@@ -33,10 +33,13 @@ class EventBindListener final : public IDataListener, public SupportsWeakPtr<Eve
 
   void ConnectToDatasource(IDataSource* /*source*/) override {}
   void DisconnectFromDatasource(IDataSource* /*source*/) override {}
-  void NotifyDatasourceProviderDestroyed(IDataSourceProvider* /*provider*/) override {
+  /// The bind tells of the end when it is over: then the scopes within have no parent any more.
+  void NotifyDatasourceProviderDestroyed(IDataSourceProvider* provider) override {
     scopeLiveness = WeakReference();
+    provider->WhenConnected(BindWeak(AsWeakPtr(), &EventBindListener::TellChange));
   }
   void ReportTo(ListenerReport& report) const override {
+    if (bind.Scope() != &report.Scope()) return;
     report.AddBind(bind.DataSource(), bind.EventName(), bind.Status());
   }
 
@@ -46,9 +49,10 @@ class EventBindListener final : public IDataListener, public SupportsWeakPtr<Eve
     if (!scope->IsConnecting()) return scope->AddDataListener(this, {}, false);
     scope->WhenConnected(BindWeak(AsWeakPtr(), &EventBindListener::Listen));
   }
+  void TellChange() { bind.TellChange(); }
   void OnDataSourceProviderChanging(IDataSourceProvider* /*newProvider*/) override {}
 
-  const Framework::EventBind& bind;
+  Framework::EventBind& bind;
   IDataSourceProvider* scope;
   WeakReference scopeLiveness;
 };

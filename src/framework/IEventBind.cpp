@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "DataBinding/foundation/details/FirstFailure.h"
+
 namespace DataBinding::Framework {
 
 /// A Run is a call of the data context callback that is under way. It holds the callback meanwhile,
@@ -82,12 +84,19 @@ IEventBind::~IEventBind() {
   Run::ForgetBind(running);
 }
 
+Subscription IEventBind::SubscribeToChanges(const RepeatingCallback<void()>& callback) {
+  return changes.Add(callback);
+}
+
 BindTypeEnum IEventBind::BindType() const { return BindTypeEnum::Event; }
 
 void IEventBind::SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataContext*>> bind,
                                     DataContextCallback callback) {
   Run::ReserveRetired(running);
-  if (bind == nullptr) return EndDataContextBind();
+  if (bind == nullptr) {
+    EndDataContextBind();
+    return TellChange();
+  }
   Run::Retire(running, dataContextBind);
   try {
     dataContextBind = std::move(bind);
@@ -99,6 +108,7 @@ void IEventBind::SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataCo
     EndDataContextBind();
     throw;
   }
+  TellChange();
 }
 
 void IEventBind::EndDataContextBind() noexcept {
@@ -108,7 +118,17 @@ void IEventBind::EndDataContextBind() noexcept {
   dataContextBind.reset();
 }
 
+// The walk knows when the callback has ended this bind: then it comes to no further callback.
 void IEventBind::OnDataContextChanged() {
+  details::CallbackWalk walk(changes.Core());
+  FirstFailure failure;
+  failure.Try([this] { RunDataContextCallback(); });
+  while (!failure.Try([&walk] { CallbackList<>::CallRest(walk); })) {
+  }
+  failure.Rethrow();
+}
+
+void IEventBind::RunDataContextCallback() {
   if (running != nullptr && !running->IsReplaced()) return running->Call();
   if (!dataContextCallback) return;
   Run run(*this);

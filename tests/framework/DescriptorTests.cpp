@@ -54,7 +54,7 @@ class Button final : public IEventBind {
   BindStatus Status() const override { return {}; }
   VtrString EventName() const override { return Path(); }
   bool CanRaise() const override { return false; }
-  void Raise() override {}
+  bool Raise() override { return false; }
   IDataContext* DataContext() const override { return nullptr; }
 };
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "DataBinding/appevents/EventHold.h"
 #include "DataBinding/appevents/IdlePass.h"
 #include "DataBinding/framework/DataBind.h"
 #include "DataBinding/framework/Diagnose.h"
@@ -77,6 +78,45 @@ TEST_F(EventBindTest, RaisesNothingWithoutAScope) {
     remove.Connect(scope);
     EXPECT_TRUE(remove.CanRaise());
   }
+}
+
+TEST_F(EventBindTest, TellsWhenItsScopesOrItsNameChange) {
+  DataSourceProviderPtr row(scope->CreateDataSourceProvider(L"Row", &selected));
+  EventBind remove(L"Page", L"", L"EventBindTest.Told");
+  std::string heard;
+  const auto told = remove.SubscribeToChanges([&] { heard += remove.CanRaise() ? "1" : "0"; });
+
+  remove.Connect(row.get());
+  {
+    const EventHold busy(L"EventBindTest.Told");
+    const EventHold again(L"EventBindTest.Told");
+    const EventHold other(L"EventBindTest.Other");
+    EXPECT_FALSE(remove.Raise());
+  }
+  EXPECT_TRUE(remove.Raise());
+  EXPECT_EQ(heard, "101");
+  scope->Shutdown();
+  EXPECT_EQ(heard, "1010");
+  remove.Connect(scope);
+  row.reset();
+
+  EXPECT_EQ(heard, "10101");
+}
+
+TEST_F(EventBindTest, MayEndWhenItTells) {
+  for (const bool isByTheName : {true, false}) {
+    auto remove = std::make_unique<EventBind>(L"", L"", L"EventBindTest.Ended");
+    remove->Connect(scope);
+    int calls = 0;
+    const auto ending = remove->SubscribeToChanges([&] { ++calls, remove.reset(); });
+    const auto after = remove->SubscribeToChanges([&] { ++calls; });
+
+    if (isByTheName) IAppEventBroadcaster::GetInstance().DisableEvent(L"EventBindTest.Ended");
+    if (!isByTheName) remove->SetDataContextBind(nullptr, nullptr);
+
+    EXPECT_EQ(calls, 1);
+  }
+  IAppEventBroadcaster::GetInstance().EnableEvent(L"EventBindTest.Ended", false);
 }
 
 TEST_F(EventBindTest, StandsInTheNearestScopeOfItsContextsCategory) {

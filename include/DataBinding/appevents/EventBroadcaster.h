@@ -33,6 +33,7 @@
 #include "DataBinding/foundation/Callback.h"
 #include "DataBinding/foundation/CallbackList.h"
 #include "DataBinding/foundation/String.h"
+#include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/foundation/WeakPtr.h"
 
 namespace DataBinding {
@@ -147,6 +148,11 @@ class DATABINDING_API EventBroadcaster {
   void DisableAllEvents();
   /// True while the name is disabled, by DisableEvent or by an EventHold.
   [[nodiscard]] bool IsDisable(const VtrString& name);
+  /// Calls the callback with the name when one is disabled that was not, and when it is enabled
+  /// again, before its held event is delivered, until the subscription ends. On the delivering
+  /// thread. The callback may do anything, also release the broadcaster. What it throws is treated
+  /// like a listener's, when all were called.
+  Subscription ObserveDisabling(const RepeatingCallback<void(const VtrString& name)>& callback);
   /// True when the name is disabled and an event is held for it.
   [[nodiscard]] bool AnyPendingDisableEvents(const VtrString& name) const;
   /// Has the broadcaster run the callback when it ends; an exception of the callback is dropped. An
@@ -228,11 +234,15 @@ class DATABINDING_API EventBroadcaster {
   void AskForPass();
   void HoldEvent(const VtrString& name, EventPtr event);
   void UndoDisable(const VtrString& name, bool fireHeldEvent);
+  void TellOfDisabling(const VtrString& name);
+  template <class Step>
+  void Guard(const VtrString& name, Step step);
   CallbackListBase& AddListeners(const details::EventName& name);
 
   std::map<VtrString, CallbackListBase*> knownEvents;
   std::unique_ptr<details::PendingEvents> pendingEvents;
   std::map<VtrString, std::int32_t> disabledEvents;
+  CallbackList<VtrString> disablingObservers;
   std::map<VtrString, EventPtr> heldEvents;
   std::map<void*, OneShotCallback<void()>> cleanupCallbacks;
   ThreadingPolicyType threadingPolicy;

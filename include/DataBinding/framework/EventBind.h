@@ -5,15 +5,18 @@
 /// Delivery comes later, so the context must live until then, or the application must tell the
 /// event's listeners that it has ended. The application itself defines
 /// `class DataBinding::IDataContext`, once for all its modules. A bind is used on one thread, that
-/// of the provider tree.
+/// of the provider tree, on which events are delivered, too.
 ///
 ///   Framework::EventBind remove(L"", L"", L"RemoveItem");
 ///   remove.Connect(&provider);
 ///   button.onClick = [&] { remove.Raise(); };
+///   Subscription enabling =
+///       remove.SubscribeToChanges([&] { button.Enable(remove.CanRaise()); });
 #pragma once
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "DataBinding/Export.h"
 #include "DataBinding/appevents/AppEvent.h"
@@ -50,13 +53,21 @@ class DATABINDING_API EventBind final : public IEventBind {
   [[nodiscard]] BindStatus Status() const override;
   /// Returns the path, or an empty name for the null-path marker.
   [[nodiscard]] VtrString EventName() const override;
+  /// Returns false also while the event's name is disabled, since a command that somebody has
+  /// switched off is not to be carried out later. Status does not tell of that.
   [[nodiscard]] bool CanRaise() const override;
   /// Raises the event. This fixes the signature of the event, while asking CanRaise or Status does
   /// not.
-  void Raise() override;
+  bool Raise() override;
   [[nodiscard]] IDataContext* DataContext() const override;
+  /// Tells also when the bind is connected, when its scope ends, or an outer one where the data
+  /// context has a category's name, and when the event's name is disabled or enabled. Does not tell
+  /// when a scope gets another parent, nor when the name gets another signature. When the
+  /// broadcaster is released, the subscription tells no more of disabled names.
+  Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback) override;
 
  private:
+  friend details::EventBindListener;
   EventBind(const VtrString& context, const VtrString& source, const VtrString& eventName,
             const void* raisedFrom);
 
@@ -69,7 +80,10 @@ class DATABINDING_API EventBind final : public IEventBind {
   [[nodiscard]] std::optional<IDataContext*> FindContext() const;
 
   const void* origin;
-  std::unique_ptr<details::EventBindListener> scopeListener;
+  /// The listener of the scope that the bind was given, and where a category is wanted, those of
+  /// the outer ones.
+  std::vector<std::unique_ptr<details::EventBindListener>> scopeListeners;
+  Subscription disabling;
 };
 
 }  // namespace Framework

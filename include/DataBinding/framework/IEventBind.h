@@ -13,6 +13,8 @@
 #include <memory>
 
 #include "DataBinding/Export.h"
+#include "DataBinding/foundation/Callback.h"
+#include "DataBinding/foundation/CallbackList.h"
 #include "DataBinding/foundation/SafeFunction.h"
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/framework/IBaseBind.h"
@@ -42,10 +44,17 @@ class DATABINDING_API IEventBind : public IBaseBind {
   [[nodiscard]] virtual VtrString EventName() const = 0;
   /// Returns true when Raise would raise an event.
   [[nodiscard]] virtual bool CanRaise() const = 0;
-  /// Raises the event with the current data context. Does nothing where CanRaise is false.
-  virtual void Raise() = 0;
+  /// Raises the event with the current data context, and returns true. Where CanRaise is false, it
+  /// does nothing and returns false.
+  virtual bool Raise() = 0;
   /// Returns the data context that the bind stands in, or null.
   [[nodiscard]] virtual IDataContext* DataContext() const = 0;
+
+  /// Calls the callback whenever the answer of CanRaise may have become another one, until the
+  /// subscription ends. The base tells when the data context's bind notifies or is replaced. The
+  /// callback may do anything, also end the event bind; then no other one is called. What it throws
+  /// leaves the operation that made the change, when all were called.
+  virtual Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback);
 
   /// Takes over the bind of the data context, and runs the callback with (this, that bind) whenever
   /// it notifies, but not now. The bind that was set before is ended; a null bind puts none in its
@@ -59,17 +68,21 @@ class DATABINDING_API IEventBind : public IBaseBind {
   [[nodiscard]] IDataBind<IDataContext*>* DataContextBind() const noexcept {
     return dataContextBind.get();
   }
+  /// Calls the callbacks of SubscribeToChanges, which may end this bind.
+  void TellChange() { changes.CallAll(); }
 
  private:
   class Run;
 
   void OnDataContextChanged();
+  void RunDataContextCallback();
   void EndDataContextBind() noexcept;
 
   // These members end in reverse order: the subscription first, then the callback, then the bind.
   std::unique_ptr<Framework::IDataBind<IDataContext*>> dataContextBind;
   DataContextCallback dataContextCallback;
   Subscription dataContextSubscription;
+  CallbackList<> changes;
   /// Points to the innermost call of the callback that is under way.
   Run* running = nullptr;
 };
