@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+/// These functions let a property say whether a widget is enabled or visible, and what its title
+/// and its tool tip are.
+///
+/// The property is found by name in the scope of the widget (Scope.h), as Bind finds it. It may be
+/// of any type. A truth value, a number other than 0, and a text other than "", "0" and "false"
+/// enable and show; where there is no value, the widget is disabled or hidden, and its title or
+/// tool tip is empty. So do not set the same of a widget by the program as well. A widget in which
+/// a property is edited needs no BindEnabled for that: Bind disables it where there is nothing to
+/// edit.
+///
+/// What is joined belongs to the widget and ends with it. Joining the same once more takes the
+/// place of the former. A null widget is ignored. A widget that is shown by BindVisible should have
+/// its parent before, since a widget without one is shown as a window.
+///
+///   Qt6::BindEnabled(port, L"Server", L"IsManual");
+///   Qt6::BindTitle(&window, L"Document", L"Title");
+#pragma once
+
+#include "DataBinding/foundation/String.h"
+#include "DataBindingQt6/Export.h"
+
+class QAction;
+class QWidget;
+
+namespace DataBinding::Qt6 {
+
+/// Enables by a property.
+///@{
+DATABINDING_QT6_API void BindEnabled(QWidget* widget, const VtrString& source,
+                                     const VtrString& property);
+DATABINDING_QT6_API void BindEnabled(QAction* action, const VtrString& source,
+                                     const VtrString& property);
+///@}
+/// Shows and hides by a property.
+///@{
+DATABINDING_QT6_API void BindVisible(QWidget* widget, const VtrString& source,
+                                     const VtrString& property);
+DATABINDING_QT6_API void BindVisible(QAction* action, const VtrString& source,
+                                     const VtrString& property);
+///@}
+/// Shows the text of a property as the title of a window.
+DATABINDING_QT6_API void BindTitle(QWidget* window, const VtrString& source,
+                                   const VtrString& property);
+/// Shows the text of a property as tool tip. Characters that Qt takes for rich text are shown as
+/// they are.
+DATABINDING_QT6_API void BindToolTip(QWidget* widget, const VtrString& source,
+                                     const VtrString& property);
+
+}  // namespace DataBinding::Qt6

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QAction>
+#include <QPushButton>
+#include <memory>
+#include <utility>
+
+#include "DataBinding/appevents/AppEvent.h"
+#include "DataBinding/appevents/EventHold.h"
+#include "DataBinding/appevents/IdlePass.h"
+#include "DataBindingQt6/widgets/BindCommand.h"
+#include "DataBindingQt6/widgets/BindState.h"
+#include "Things.h"
+
+namespace DataBinding::Qt6::Testing {
+namespace {
+
+using QtState = BoundWindow;
+
+TEST_F(QtState, IsWrittenByPropertiesOfAnyType) {
+  auto* box = new QWidget(&window);
+  QAction action(box);
+  BindEnabled(box, L"Thing", L"Flag");
+  BindVisible(&action, L"Thing", L"Number");
+  BindTitle(&window, L"Thing", L"Real");
+  BindToolTip(box, L"Thing", L"Text");
+  EXPECT_FALSE(box->isEnabled() || action.isVisible());
+
+  thing->Flag.Set(true);
+  thing->Number.Set(-1);
+  thing->Real.Set(0.5);
+  thing->Text.Set(L"<b>a");
+  EXPECT_TRUE(box->isEnabled() && action.isVisible());
+  EXPECT_EQ(window.windowTitle(), "0.5");
+  EXPECT_TRUE(box->toolTip().contains("&lt;"));
+  SetScope(&window, nullptr);
+
+  EXPECT_FALSE(box->isEnabled() || action.isVisible());
+  EXPECT_EQ(window.windowTitle(), "");
+}
+
+TEST_F(QtState, IsJoinedOnce) {
+  auto* box = new QWidget(&window);
+  BindEnabled(box, L"Thing", L"Flag");
+  BindEnabled(box, L"Thing", L"Number");
+
+  thing->Number.Set(1);
+  thing->Flag.Set(true);
+  thing->Flag.Set(false);
+
+  EXPECT_TRUE(box->isEnabled());
+}
+
+class QtCommand : public BoundWindow {
+ protected:
+  /// Returns how often the event was raised since the last time.
+  int Raised() {
+    idle.Run();
+    return std::exchange(raised, 0);
+  }
+
+  int raised = 0;
+  IdlePass idle{[] {}};
+  Subscription seen =
+      AppEvent<IDataContext*>(VtrString(L"QtCommand.Save")).Subscribe([this](auto*) { ++raised; });
+  QPushButton* button = new QPushButton(&window);
+};
+
+TEST_F(QtCommand, IsEnabledWhileItsEventCanBeRaised) {
+  QAction action(&window);
+  Bind(&action, L"QtCommand.Save");
+  EXPECT_TRUE(action.isEnabled());
+
+  {
+    const EventHold busy(L"QtCommand.Save");
+    EXPECT_FALSE(action.isEnabled());
+    action.trigger();
+  }
+  EXPECT_EQ(Raised(), 0);
+  action.trigger();
+  EXPECT_EQ(Raised(), 1);
+  SetScope(&window, nullptr);
+
+  EXPECT_FALSE(action.isEnabled());
+}
+
+TEST_F(QtCommand, FilesWhatWasTypedOrIsNotCarriedOut) {
+  auto* edit = new QLineEdit(&window);
+  edit->show();
+  Bind(edit, L"Thing", L"Text");
+  Bind(button, L"QtCommand.Save");
+  QTest::keyClicks(edit, "typed");
+
+  thing->refuses = true;
+  button->click();
+  EXPECT_EQ(Raised(), 0);
+  EXPECT_TRUE(edit->hasFocus());
+  thing->refuses = false;
+  button->click();
+  EXPECT_EQ(Raised(), 1);
+  EXPECT_EQ(*thing->Text, L"typed");
+
+  Bind(button, L"QtCommand.Save", {.commitsEdits = false});
+  QTest::keyClicks(edit, "!");
+  button->click();
+  EXPECT_EQ(Raised(), 1);
+  EXPECT_EQ(*thing->Text, L"typed");
+}
+
+TEST_F(QtCommand, MayEndItsButtonByAnEditThatItFiles) {
+  auto* edit = new QLineEdit(&window);
+  Bind(edit, L"Thing", L"Text");
+  auto action = std::make_unique<QAction>(&window);
+  Bind(action.get(), L"QtCommand.Save");
+  QTest::keyClicks(edit, "typed");
+  thing->onChange = [&] { action.reset(); };
+
+  action->trigger();
+
+  EXPECT_EQ(Raised(), 0);
+}
+
+}  // namespace
+}  // namespace DataBinding::Qt6::Testing
