@@ -11,6 +11,7 @@
 #include "DataBindingQt6/loop/QtIdlePass.h"
 #include "DataBindingQt6/models/ListModel.h"
 #include "DataBindingQt6/models/ListSelection.h"
+#include "DataBindingQt6/models/ScopeTreeModel.h"
 #include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/Variant.h"

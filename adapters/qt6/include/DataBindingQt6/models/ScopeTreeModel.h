@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+/// A ScopeTreeModel shows the tree of scopes below one scope, such as the documents and pages of an
+/// application, in a QTreeView.
+///
+/// A row is a scope, in the order in which the scopes of its parent came, and its text is that of a
+/// property that is found by name from within the scope. The text follows the property, and rows
+/// come and go with their scopes. A scope that goes leaves the model while its sources can still be
+/// found. Where a scope has no such source, one of an outer scope counts, as for every bind.
+///
+/// The model, the views and the scopes end in any order, on the thread of the tree; when the upper
+/// scope has ended, the model has no rows.
+///
+///   Qt6::ScopeTreeModel model(application, L"document,page", L"Page", L"Title");
+///   tree->setModel(&model);
+///   connect(tree, &QTreeView::activated, [&](auto& index) { Open(model.ScopeAt(index)); });
+#pragma once
+
+#include <QAbstractItemModel>
+#include <cstdint>
+#include <memory>
+
+#include "DataBinding/datasource/IDataSourceProvider.h"
+#include "DataBinding/foundation/String.h"
+#include "DataBinding/lists/ScopeList.h"
+#include "DataBindingQt6/Export.h"
+
+namespace DataBinding::Qt6 {
+
+class DATABINDING_QT6_API ScopeTreeModel : public QAbstractItemModel {
+ public:
+  /// Shows the scopes that share a category with the comma-separated list; empty means all. A scope
+  /// that does not is not shown, nor is anything within it.
+  ScopeTreeModel(IDataSourceProvider& upper, const VtrString& categories, const VtrString& source,
+                 const VtrString& property, QObject* parent = nullptr);
+  ~ScopeTreeModel() override;
+
+  /// The scope of a row; null for an invalid index, and for a scope that has ended.
+  [[nodiscard]] IDataSourceProvider* ScopeAt(const QModelIndex& index) const;
+
+  /// These are the operations of every item model.
+  ///@{
+  [[nodiscard]] QModelIndex index(int row, int column,
+                                  const QModelIndex& parent = {}) const override;
+  using QObject::parent;
+  [[nodiscard]] QModelIndex parent(const QModelIndex& child) const override;
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+  ///@}
+
+ private:
+  struct Node;
+
+  [[nodiscard]] const Node& NodeOf(const QModelIndex& index) const;
+  [[nodiscard]] QModelIndex IndexOf(const Node& node) const;
+  [[nodiscard]] std::unique_ptr<Node> MakeNode(const Node* above, std::uint64_t number,
+                                               IDataSourceProvider& scope);
+  void Before(Node& node, const RowChange<ChildScope>& change);
+  void After(Node& node, const RowChange<ChildScope>& change);
+  void AddChild(Node& node, const ChildScope& row);
+
+  VtrString wanted;
+  VtrString sourceName;
+  VtrString propertyName;
+  std::unique_ptr<Node> root;
+};
+
+}  // namespace DataBinding::Qt6
