@@ -2,6 +2,7 @@
 #include "DataBinding/lists/details/FilteredView.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "RowFunction.h"
@@ -18,16 +19,39 @@ class RowTest {
       : function(predicate), source(itsSource), node(itsNode) {}
 
   [[nodiscard]] bool operator()(RowId id) const noexcept {
-    try {
-      return function(source.RowOf(id));
-    } catch (...) {
-      ReportOf(node);
-      return false;
+    const void* const row = source.RowOf(id);
+    bool isShown = false;
+    Ask({{&row, 1}, &isShown});
+    return isShown;
+  }
+  /// Calls visit(id, isShown) for each row, in order.
+  template <class Visit>
+  void ForEach(std::span<const RowId> ids, Visit visit) const noexcept {
+    constexpr std::size_t most = 64;
+    std::array<const void*, most> rows{};
+    while (!ids.empty()) {
+      const std::size_t count = std::min(most, ids.size());
+      std::array<bool, most> answers{};
+      source.CopyRows(ids.first(count), rows.data());
+      Ask({{rows.data(), count}, answers.data()});
+      for (std::size_t i = 0; i < count; ++i) visit(ids[i], answers[i]);
+      ids = ids.subspan(count);
     }
   }
 
  private:
-  RowFunction<bool(const void*)> function;
+  void Ask(RowQuestions questions) const noexcept {
+    while (questions.answered < questions.rows.size()) {
+      try {
+        return function(questions);
+      } catch (...) {
+        ReportOf(node);
+        ++questions.answered;
+      }
+    }
+  }
+
+  RowFunction<void(RowQuestions&)> function;
   const ListNode& source;
   const ListNode& node;
 };
@@ -92,14 +116,20 @@ void FilteredView::FilterBy(RowPredicate& function, std::vector<Subscription>& f
 void FilteredView::AskAnew() {
   if (!IsAwake()) return;
   ReserveAll();
-  AskMany([](RowId) { return true; });
-  PrepareOwn(target.size());
+  TakeRowsOfSource();
+  CompareAnswers(
+      [this](auto compare) { RowTest(predicate, *source, node).ForEach(target, compare); });
+  PrepareOwn(AreAnswersMany() ? target.size() : coming.size());
   TellAnswers();
 }
 
 void FilteredView::Evaluate() noexcept {
   const RowTest matches(predicate, *source, node);
-  std::erase_if(target, [&](RowId id) { return !matches(id); });
+  std::size_t shown = 0;
+  matches.ForEach(target, [&](RowId id, bool isShown) {
+    if (isShown) target[shown++] = id;
+  });
+  target.resize(shown);
 }
 
 void FilteredView::Remove(const ListStep& step) noexcept {
@@ -149,9 +179,9 @@ void FilteredView::TakeTarget(const ListStep& step) noexcept {
 void FilteredView::Insert(const ListStep& step) noexcept {
   const RowTest matches(predicate, *source, node);
   placed.clear();
-  for (const RowId id : step.rows) {
-    if (matches(id)) placed.push_back({0, id});
-  }
+  matches.ForEach(step.rows, [this](RowId id, bool isShown) {
+    if (isShown) placed.push_back({0, id});
+  });
   if (placed.empty()) return;
   const std::size_t at = FindPlace(step.at, 0, order.Size());
   for (PlacedRow& row : placed) row.at = at;
@@ -172,8 +202,16 @@ void FilteredView::Move(const ListStep& step) noexcept {
 
 void FilteredView::Ask(std::span<const RowId> ids) noexcept {
   if (ids.size() <= few) return AskFew(ids);
-  Mark(ids);
-  AskMany([this](RowId id) { return IsMarked(id); });
+  rows.clear();
+  RowTest(predicate, *source, node).ForEach(ids, [this](RowId id, bool isShown) {
+    if (isShown != order.Contains(id)) rows.push_back(id);
+  });
+  if (rows.empty()) return;
+  Mark(rows);
+  TakeRowsOfSource();
+  CompareAnswers([this](auto compare) {
+    for (const RowId id : target) compare(id, order.Contains(id) != IsMarked(id));
+  });
   TellAnswers();
 }
 
@@ -198,39 +236,33 @@ void FilteredView::AskFew(std::span<const RowId> ids) noexcept {
   TellInsertions();
 }
 
-/// Goes over all rows of the list once, and asks for those for which `asks` answers true. `placed`
-/// gets the rows that go, `coming` those that come when these are gone, `target` what is shown in
-/// the end.
-template <class Asks>
-void FilteredView::AskMany(Asks asks) noexcept {
-  const RowTest matches(predicate, *source, node);
+/// Goes over all rows of the list, which stand in `target`: visit(compare) calls compare(id,
+/// isShown) for each. `target` gets what is shown in the end, `placed` the rows that go, and
+/// `coming` those that come when these are gone.
+template <class Visit>
+void FilteredView::CompareAnswers(Visit visit) noexcept {
   placed.clear();
   coming.clear();
-  TakeRowsOfSource();
-  std::size_t index = 0;
-  std::size_t shown = 0;
-  std::size_t kept = 0;
-  for (const RowId id : target) {
+  visit([this, index = std::size_t{0}, shown = std::size_t{0}](RowId id, bool isShown) mutable {
     const bool wasShown = order.Contains(id);
-    const bool isShown = asks(id) ? matches(id) : wasShown;
+    if (isShown && !wasShown) coming.push_back({shown - coming.size(), id});
     if (wasShown && !isShown) placed.push_back({index, id});
-    if (isShown && !wasShown) coming.push_back({kept, id});
     if (isShown) target[shown++] = id;
     index += wasShown ? 1 : 0;
-    kept += wasShown && isShown ? 1 : 0;
-  }
-  target.resize(shown);
+  });
+  target.resize(order.Size() + coming.size() - placed.size());
+}
+
+/// Says whether the answers are told at once instead of in ranges.
+bool FilteredView::AreAnswersMany() const noexcept {
+  return CountRanges(placed) + CountGaps(coming) > MostRanges();
 }
 
 bool FilteredView::TellAnswers() noexcept {
-  const std::size_t removals = CountRanges();
+  if (AreAnswersMany()) return TellTarget();
+  if (!TellRanges(ListChangeKind::Removed)) return false;
   placed.swap(coming);
-  const bool isMuch = removals + CountGaps() > MostRanges();
-  placed.swap(coming);
-  if (isMuch) return TellTarget();
-  if (!TellRemovals()) return false;
-  placed.swap(coming);
-  return TellInsertions();
+  return TellRanges(ListChangeKind::Inserted);
 }
 
 /// Finds the first of the rows from `first` to `end` that stands behind a place of the list.

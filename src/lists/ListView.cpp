@@ -80,6 +80,11 @@ const void* ListView::RowOf(RowId id) const noexcept {
   return source == nullptr ? nullptr : source->RowOf(id);
 }
 
+void ListView::CopyRows(std::span<const RowId> ids, const void** to) const noexcept {
+  if (source != nullptr) return source->CopyRows(ids, to);
+  std::fill_n(to, ids.size(), nullptr);
+}
+
 SetResult ListView::UpdateRow(RowId id, const RowEdit& edit) {
   if (source != nullptr) return source->UpdateRow(id, edit);
   return {false, PropertyError::Absent, L"The list of this view has ended."};

@@ -183,6 +183,7 @@ void RowOrder::OpenPlaces(std::size_t place, std::size_t count) noexcept {
 }
 
 void RowOrder::ClosePlaces(std::size_t place, std::size_t count) noexcept {
+  if (count == 0) return;
   const auto first = static_cast<std::ptrdiff_t>(place);
   const auto end = static_cast<std::ptrdiff_t>(place + count);
   for (std::size_t i = place; i < place + count; ++i) {

@@ -54,15 +54,15 @@ bool ListView::Tell(const ListStep& step) noexcept {
   return node.TellAfter(step);
 }
 
-std::size_t ListView::CountRanges() const noexcept {
-  std::size_t count = placed.empty() ? 0 : 1;
-  for (std::size_t i = 1; i < placed.size(); ++i) count += placed[i].at != placed[i - 1].at + 1;
+std::size_t ListView::CountRanges(std::span<const PlacedRow> some) noexcept {
+  std::size_t count = some.empty() ? 0 : 1;
+  for (std::size_t i = 1; i < some.size(); ++i) count += some[i].at != some[i - 1].at + 1;
   return count;
 }
 
-std::size_t ListView::CountGaps() const noexcept {
-  std::size_t count = placed.empty() ? 0 : 1;
-  for (std::size_t i = 1; i < placed.size(); ++i) count += placed[i].at != placed[i - 1].at;
+std::size_t ListView::CountGaps(std::span<const PlacedRow> some) noexcept {
+  std::size_t count = some.empty() ? 0 : 1;
+  for (std::size_t i = 1; i < some.size(); ++i) count += some[i].at != some[i - 1].at;
   return count;
 }
 
@@ -84,7 +84,7 @@ bool ListView::TellRanges(ListChangeKind kind) noexcept {
 }
 
 bool ListView::TellRemovals() noexcept {
-  if (CountRanges() <= MostRanges()) return TellRanges(ListChangeKind::Removed);
+  if (CountRanges(placed) <= MostRanges()) return TellRanges(ListChangeKind::Removed);
   target.clear();
   std::size_t index = 0;
   auto next = placed.begin();
@@ -99,7 +99,7 @@ bool ListView::TellRemovals() noexcept {
 }
 
 bool ListView::TellInsertions() noexcept {
-  if (CountGaps() <= MostRanges()) return TellRanges(ListChangeKind::Inserted);
+  if (CountGaps(placed) <= MostRanges()) return TellRanges(ListChangeKind::Inserted);
   rows.resize(order.Size());
   CopyIds(rows);
   MergeInto(rows);

@@ -56,8 +56,10 @@ class FilteredList final : public details::ViewOf<ReadableList<Row>, details::Fi
 
   template <class Predicate>
   [[nodiscard]] static details::RowPredicate Test(Predicate predicate) {
-    return [predicate = std::move(predicate)](const void* row) -> bool {
-      return predicate(*static_cast<const Row*>(row));
+    return [predicate = std::move(predicate)](details::RowQuestions& asked) {
+      for (std::size_t i = asked.answered; i < asked.rows.size(); asked.answered = ++i) {
+        asked.answers[i] = predicate(*static_cast<const Row*>(asked.rows[i]));
+      }
     };
   }
 };

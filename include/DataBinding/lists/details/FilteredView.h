@@ -19,8 +19,16 @@
 
 namespace DataBinding::details {
 
-/// Says whether a row is shown.
-using RowPredicate = RepeatingCallback<bool(const void* row)>;
+/// Rows of which a view asks whether they are shown. One call asks for many of them, since a call
+/// through a callback costs more than most questions.
+struct RowQuestions {
+  std::span<const void* const> rows;
+  bool* answers;
+  std::size_t answered = 0;
+};
+
+/// Answers the questions that are not answered yet. Where it throws, the next one is the reason.
+using RowPredicate = RepeatingCallback<void(RowQuestions& questions)>;
 
 class DATABINDING_API FilteredView final : public ListView {
  public:
@@ -51,8 +59,9 @@ class DATABINDING_API FilteredView final : public ListView {
   void AskAnew();
   void Ask(std::span<const RowId> ids) noexcept;
   void AskFew(std::span<const RowId> ids) noexcept;
-  template <class Asks>
-  void AskMany(Asks asks) noexcept;
+  template <class Visit>
+  void CompareAnswers(Visit visit) noexcept;
+  [[nodiscard]] bool AreAnswersMany() const noexcept;
   bool TellAnswers() noexcept;
   [[nodiscard]] std::size_t FindPlace(std::size_t place, std::size_t first,
                                       std::size_t end) const noexcept;

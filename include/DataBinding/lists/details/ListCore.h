@@ -220,6 +220,10 @@ class DATABINDING_API ListNode {
   /// The row of an id. It can be read as long as the row is in the list, and after that until the
   /// outermost operation is over.
   [[nodiscard]] virtual const void* RowOf(RowId id) const noexcept = 0;
+  /// The rows of many ids; `to` has room for as many.
+  virtual void CopyRows(std::span<const RowId> ids, const void** to) const noexcept {
+    for (const RowId id : ids) *to++ = RowOf(id);
+  }
   /// The row at an index, or null beyond the end.
   [[nodiscard]] virtual const void* RowAtPlace(std::size_t index) const noexcept {
     return index < Size() ? RowOf(At(index)) : nullptr;

@@ -47,6 +47,9 @@ class ListStorage : public ReadableList<Row> {
     if constexpr (SourceRow<Row>) return OwnedSources::SourceIn(slot);
     return slot;
   }
+  void CopyRows(std::span<const RowId> ids, const void** to) const noexcept final {
+    for (const RowId id : ids) *to++ = RowOf(id);
+  }
   [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept final {
     return index < engine.Order().Size() ? RowOf(engine.Order().At(index)) : nullptr;
   }

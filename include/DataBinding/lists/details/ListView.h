@@ -75,6 +75,7 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   [[nodiscard]] RowId At(std::size_t index) const noexcept { return Rows().At(index); }
   [[nodiscard]] std::size_t IndexOf(RowId id) const noexcept { return Rows().IndexOf(id); }
   [[nodiscard]] const void* RowOf(RowId id) const noexcept;
+  void CopyRows(std::span<const RowId> ids, const void** to) const noexcept;
   SetResult UpdateRow(RowId id, const RowEdit& edit);
   [[nodiscard]] bool IsReadOnly() const { return source != nullptr && source->IsReadOnly(); }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept;
@@ -163,6 +164,8 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   /// Inserts the rows of `placed`. Their places are those of the present rows before which they are
   /// to stand, in ascending order.
   bool TellInsertions() noexcept;
+  /// Removes or inserts the rows of `placed` in ranges, however many these are.
+  bool TellRanges(ListChangeKind kind) noexcept;
   /// Makes `target` the rows of the view, by one Reset, or Reordered where the rows are the same.
   bool TellTarget() noexcept;
   /// The first half of TellTarget, and the second.
@@ -173,11 +176,11 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   ///@}
   /// Merges the rows of `placed` into `base`, where their places are, and gives `target`.
   void MergeInto(std::span<const RowId> base) noexcept;
-  /// The number of ranges that the places of `placed` make: of rows that stand there, or of rows
-  /// that come before the places.
+  /// The number of ranges that the places make: of rows that stand there, or of rows that come
+  /// before the places.
   ///@{
-  [[nodiscard]] std::size_t CountRanges() const noexcept;
-  [[nodiscard]] std::size_t CountGaps() const noexcept;
+  [[nodiscard]] static std::size_t CountRanges(std::span<const PlacedRow> some) noexcept;
+  [[nodiscard]] static std::size_t CountGaps(std::span<const PlacedRow> some) noexcept;
   ///@}
   /// Puts all rows of the list into `target`.
   void TakeRowsOfSource() noexcept;
@@ -205,7 +208,6 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   void AwakenNow();
   void ReserveRoom(std::size_t most, RowId idsBelow);
   [[nodiscard]] ListPlan OwnPlan(const ListPlan& plan) const noexcept;
-  bool TellRanges(ListChangeKind kind) noexcept;
   void TakeNothing(const ListStep& step) noexcept;
   [[nodiscard]] bool IsTarget() const noexcept;
   void CompareWithTarget() noexcept;

@@ -25,6 +25,9 @@ class ViewOf : public Base {
   [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept final {
     return index < view.Size() ? view.RowOf(view.At(index)) : nullptr;
   }
+  void CopyRows(std::span<const RowId> ids, const void** to) const noexcept final {
+    view.CopyRows(ids, to);
+  }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return view.IdsBelow(); }
   SetResult UpdateRow(RowId id, const RowEdit& edit) final { return view.UpdateRow(id, edit); }
   [[nodiscard]] bool IsReadOnly() const final { return view.IsReadOnly(); }
