@@ -59,8 +59,7 @@ bool AnyList::CanSetField(std::size_t number) const {
 }
 
 Value AnyList::Cell(std::size_t index, std::size_t field) const {
-  const void* const row = RowAtPlace(index);
-  const details::RowTable* const table = Table();
+  const auto [row, table] = RowAtPlace(index);
   if (row == nullptr || table == nullptr || field >= table->fields.size()) return {};
   return table->fields[field].get(row);
 }

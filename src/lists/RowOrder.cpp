@@ -18,12 +18,6 @@ void ThrowTooLong() { std::vector<RowId>().reserve(std::numeric_limits<std::size
 
 }  // namespace
 
-RowId RowOrder::At(std::size_t index) const noexcept {
-  assert(index < size);
-  const std::size_t place = PlaceOf(index);
-  return BlockAt(place).ids[index - starts[place]];
-}
-
 /// The search goes over the whole block without a branch, which compilers turn into a few vector
 /// instructions.
 std::size_t RowOrder::IndexOf(RowId id) const noexcept {
@@ -109,13 +103,7 @@ void RowOrder::Assign(std::span<const RowId> ids) {
   ReleaseSpares();
 }
 
-std::size_t RowOrder::PlaceOf(std::size_t index) const noexcept {
-  const auto ends = [&](std::size_t place) {
-    return place + 1 == starts.size() ? size : starts[place + 1];
-  };
-  if (lastPlace < starts.size() && index >= starts[lastPlace] && index < ends(lastPlace)) {
-    return lastPlace;
-  }
+std::size_t RowOrder::SearchPlaceOf(std::size_t index) const noexcept {
   const auto behind = std::upper_bound(starts.begin(), starts.end(), index);
   lastPlace = static_cast<std::size_t>(behind - starts.begin()) - 1;
   return lastPlace;

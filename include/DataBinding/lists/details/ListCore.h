@@ -205,6 +205,12 @@ class RowEdit {
   SetResult (*run)(const void* function, void* row);
 };
 
+/// A row, and what is known of its type.
+struct TypedRow {
+  const void* row;
+  const RowTable* table;
+};
+
 /// A list, a view or a bind, without its row type.
 class DATABINDING_API ListNode {
  public:
@@ -224,9 +230,9 @@ class DATABINDING_API ListNode {
   virtual void CopyRows(std::span<const RowId> ids, const void** to) const noexcept {
     for (const RowId id : ids) *to++ = RowOf(id);
   }
-  /// The row at an index, or null beyond the end.
-  [[nodiscard]] virtual const void* RowAtPlace(std::size_t index) const noexcept {
-    return index < Size() ? RowOf(At(index)) : nullptr;
+  /// The row at an index, if there is one, and what Table() returns, in one call.
+  [[nodiscard]] virtual TypedRow RowAtPlace(std::size_t index) const noexcept {
+    return {index < Size() ? RowOf(At(index)) : nullptr, Table()};
   }
   /// Returns what is known of the row type, or null while nothing is known.
   [[nodiscard]] virtual const RowTable* Table() const noexcept = 0;

@@ -51,6 +51,10 @@ class DATABINDING_API ListEngine {
   [[nodiscard]] const RowOrder& Order() const noexcept { return present.order; }
   [[nodiscard]] const RowSlots& Slots() const noexcept { return storage; }
   [[nodiscard]] const std::shared_ptr<ListTurns>& Turns() const noexcept { return turns; }
+  /// The row at an index, or null beyond the end.
+  [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept {
+    return index < present.order.Size() ? storage.Row(present.order.At(index)) : nullptr;
+  }
   /// Returns the first row of a key, or KeyTable::none.
   [[nodiscard]] RowId Find(const void* key) const noexcept;
   [[nodiscard]] ListPlan Pending() const noexcept;

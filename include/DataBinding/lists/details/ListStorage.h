@@ -50,8 +50,17 @@ class ListStorage : public ReadableList<Row> {
   void CopyRows(std::span<const RowId> ids, const void** to) const noexcept final {
     for (const RowId id : ids) *to++ = RowOf(id);
   }
-  [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept final {
-    return index < engine.Order().Size() ? RowOf(engine.Order().At(index)) : nullptr;
+  [[nodiscard]] TypedRow RowAtPlace(std::size_t index) const noexcept final {
+    const void* const slot = engine.RowAtPlace(index);
+    if constexpr (SourceRow<Row>) {
+      return {slot == nullptr ? nullptr : OwnedSources::SourceIn(slot), Table()};
+    } else {
+      return {slot, Table()};
+    }
+  }
+  [[nodiscard]] const RowTable* Table() const noexcept final {
+    if constexpr (SourceRow<Row>) return ReadableList<Row>::Table();
+    return &engine.Slots().Table();
   }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return engine.Slots().IdsBelow(); }
   void CopyIds(std::span<RowId> to) const noexcept final { engine.CopyIds(to); }

@@ -49,7 +49,10 @@ class DATABINDING_API RowOrder {
 
   [[nodiscard]] std::size_t Size() const noexcept { return size; }
   /// The id at an index below Size(). O(log n).
-  [[nodiscard]] RowId At(std::size_t index) const noexcept;
+  [[nodiscard]] RowId At(std::size_t index) const noexcept {
+    const std::size_t place = PlaceOf(index);
+    return BlockAt(place).ids[index - starts[place]];
+  }
   /// The index of an id, or `nowhere`.
   [[nodiscard]] std::size_t IndexOf(RowId id) const noexcept;
   [[nodiscard]] bool Contains(RowId id) const noexcept {
@@ -91,7 +94,13 @@ class DATABINDING_API RowOrder {
   [[nodiscard]] Block& BlockAt(std::size_t place) const noexcept {
     return *blocks[sequence[place]];
   }
-  [[nodiscard]] std::size_t PlaceOf(std::size_t index) const noexcept;
+  /// Looks first where it looked last, since rows are often read one by one.
+  [[nodiscard]] std::size_t PlaceOf(std::size_t index) const noexcept {
+    const bool isThere =
+        lastPlace < starts.size() && index - starts[lastPlace] < BlockAt(lastPlace).count;
+    return isThere ? lastPlace : SearchPlaceOf(index);
+  }
+  [[nodiscard]] std::size_t SearchPlaceOf(std::size_t index) const noexcept;
   [[nodiscard]] std::size_t BlocksFor(std::size_t insertions) const noexcept;
   void ReserveBlocks(std::size_t more, RowId idsBelow);
   void ReleaseSpares() noexcept;
@@ -115,7 +124,7 @@ class DATABINDING_API RowOrder {
   std::vector<BlockNumber> placeOf;   // by number
   std::vector<BlockNumber> blockOf;   // by id; noBlock for an id that is not in
   std::size_t size = 0;
-  mutable std::size_t lastPlace = 0;  // where PlaceOf looks first: rows are read one by one
+  mutable std::size_t lastPlace = 0;  // which PlaceOf has found
   std::size_t promised = 0;           // insertions that were reserved and not yet made
 };
 

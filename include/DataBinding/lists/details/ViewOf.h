@@ -22,8 +22,8 @@ class ViewOf : public Base {
   [[nodiscard]] RowId At(std::size_t index) const noexcept final { return view.At(index); }
   [[nodiscard]] std::size_t IndexOfRow(RowId id) const noexcept final { return view.IndexOf(id); }
   [[nodiscard]] const void* RowOf(RowId id) const noexcept final { return view.RowOf(id); }
-  [[nodiscard]] const void* RowAtPlace(std::size_t index) const noexcept final {
-    return index < view.Size() ? view.RowOf(view.At(index)) : nullptr;
+  [[nodiscard]] TypedRow RowAtPlace(std::size_t index) const noexcept final {
+    return {index < view.Size() ? view.RowOf(view.At(index)) : nullptr, this->Table()};
   }
   void CopyRows(std::span<const RowId> ids, const void** to) const noexcept final {
     view.CopyRows(ids, to);
