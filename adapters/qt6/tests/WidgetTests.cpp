@@ -175,6 +175,7 @@ TEST_P(EachWidget, MayEndWithinItsOwnCommit) {
 }
 
 TEST_P(EachWidget, FilesNothingWhenItsWindowEnds) {
+  source.Write(First());
   auto* dialogue = new QWidget(&window, Qt::Dialog);
   Kind().bind(dialogue, Kind().property, {});
   dialogue->show();

@@ -24,6 +24,7 @@
 #include "DataBindingQt6/widgets/Bind.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
 #include "Dress.h"
+#include "Leaving.h"
 #include "WidgetBind.h"
 
 namespace DataBinding::Qt6 {
@@ -32,13 +33,6 @@ namespace {
 
 constexpr bool HasReason(EditState state) {
   return state == EditState::Refused || state == EditState::Conflict;
-}
-
-bool LeavesWidget(const QEvent& event) {
-  if (event.type() != QEvent::FocusOut) return false;
-  const auto reason = static_cast<const QFocusEvent&>(event).reason();
-  return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason &&
-         reason != Qt::MenuBarFocusReason;
 }
 
 /// Runs a step that Qt has called, into which nothing may be thrown.
@@ -122,6 +116,7 @@ struct Binding::Inner {
   QTimer* timer = nullptr;
   QString shownReason;
   bool isWriting = false;
+  bool showsAgain = false;
   bool isHeld = false;           // a mouse button is held on the widget
   bool waitsForRelease = false;  // something was chosen meanwhile
 };
@@ -130,6 +125,11 @@ Binding::Binding(QObject& widget, const details::WidgetOps& ops, const VtrString
                  const VtrString& property, const BindOptions& options)
     : QObject(&widget), inner(std::make_unique<Inner>(widget, ops, source, property, options)) {
   Bindings::Add(*this);
+  QWidget* const shown = Widget();
+  FollowScope(shown == nullptr ? &widget : shown,
+              [self = QPointer<Binding>(this)](IDataSourceProvider* provider) {
+                if (self) self->inner->bind.Connect(provider);
+              });
   if (ops.connect != nullptr) {
     inner->session.emplace(
         inner->bind, [this] { return inner->Read(); },
@@ -143,11 +143,6 @@ Binding::Binding(QObject& widget, const details::WidgetOps& ops, const VtrString
   } else {
     Follow();
   }
-  QWidget* const shown = Widget();
-  FollowScope(shown == nullptr ? &widget : shown,
-              [self = QPointer<Binding>(this)](IDataSourceProvider* provider) {
-                if (self) self->inner->bind.Connect(provider);
-              });
   ShowState();
 }
 
@@ -219,7 +214,10 @@ bool Binding::HasTyped() const { return inner->session && inner->session->HasTyp
 Framework::BindStatus Binding::Status() const { return inner->bind.Status(); }
 
 QWidget* Binding::Widget() const {
-  return inner->dresses.empty() ? nullptr : inner->dresses.front().Widget();
+  for (const Dress& dress : inner->dresses) {
+    if (dress.Widget() != nullptr) return dress.Widget();
+  }
+  return nullptr;
 }
 
 SetResult Binding::Check() { return inner->session ? inner->session->Check() : SetResult(); }
@@ -257,6 +255,20 @@ void Binding::finished() {
   if (!inner->HearsEdits()) return;
   if (inner->timer != nullptr) inner->timer->stop();
   Guard(inner->bind.Path(), [this] { inner->session->Commit(); });
+}
+
+void Binding::showAgain() {
+  if (std::exchange(inner->showsAgain, true)) return;
+  QMetaObject::invokeMethod(this, &Binding::ShowAgainNow, Qt::QueuedConnection);
+}
+
+void Binding::ShowAgainNow() {
+  inner->showsAgain = false;
+  if (HasTyped()) return;
+  Guard(inner->bind.Path(), [this] {
+    if (inner->session) return inner->session->Revert();
+    if (const auto present = inner->bind.Get()) inner->Write(*present);
+  });
 }
 
 void Binding::CommitLater() {

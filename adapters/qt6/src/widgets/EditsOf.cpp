@@ -17,8 +17,15 @@ WindowEdits* FindEdits(const QWidget& window) {
   return window.findChild<WindowEdits*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
+/// A dock or a palette that floats belongs to its window all the same.
 QWidget* Outer(const QWidget& widget) {
-  return widget.isWindow() ? nullptr : widget.parentWidget();
+  const bool isOwnWindow = widget.isWindow() && widget.windowType() != Qt::Tool;
+  return isOwnWindow ? nullptr : widget.parentWidget();
+}
+
+bool IsWithin(const QWidget* widget, const QWidget& window) {
+  while (widget != nullptr && widget != &window) widget = Outer(*widget);
+  return widget != nullptr;
 }
 
 }  // namespace
@@ -30,10 +37,7 @@ std::vector<Binding*> WindowEdits::Bindings() const {
   const auto* const window = static_cast<const QWidget*>(parent());
   if (window == nullptr) return within;
   for (Binding* binding : Qt6::Bindings::All()) {
-    const QWidget* const widget = binding->Widget();
-    if (widget != nullptr && (widget == window || window->isAncestorOf(widget))) {
-      within.push_back(binding);
-    }
+    if (IsWithin(binding->Widget(), *window)) within.push_back(binding);
   }
   return within;
 }

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // This file holds the traits of the widgets that show numbers.
 
+#include <QAbstractSlider>
 #include <QDoubleSpinBox>
+#include <QProgressBar>
 #include <QSpinBox>
+#include <memory>
+#include <utility>
 
 #include "DataBindingQt6/widgets/Bind.h"
 #include "SpinEdits.h"
@@ -49,6 +53,34 @@ struct WidgetTraits<QDoubleSpinBox> {
   }
 };
 
+/// A slider announces each change of its value, and before that what the user does to it. So only
+/// what follows an action is an edit.
+template <>
+struct WidgetTraits<QAbstractSlider> {
+  using Form = int;
+  static int Read(const QAbstractSlider& slider) { return slider.value(); }
+  static void Write(QAbstractSlider& slider, int number) { slider.setValue(number); }
+  static void Clear(QAbstractSlider& slider) { slider.setValue(slider.minimum()); }
+  static void Connect(QAbstractSlider& slider, Binding& binding) {
+    const auto isMoved = std::make_shared<bool>(false);
+    QObject::connect(&slider, &QAbstractSlider::actionTriggered, &binding,
+                     [&slider, isMoved] { *isMoved = slider.sliderPosition() != slider.value(); });
+    QObject::connect(&slider, &QAbstractSlider::valueChanged, &binding, [&binding, isMoved] {
+      if (std::exchange(*isMoved, false)) binding.chosen();
+    });
+  }
+};
+
+/// A progress bar ignores a number out of its range.
+template <>
+struct WidgetTraits<QProgressBar> {
+  using Form = int;
+  static void Write(QProgressBar& bar, int number) {
+    bar.setValue(qBound(bar.minimum(), number, bar.maximum()));
+  }
+  static void Clear(QProgressBar& bar) { bar.reset(); }
+};
+
 Binding& Bind(QSpinBox* box, const VtrString& source, const VtrString& property,
               const BindOptions& options) {
   return details::MakeBinding(box, details::widgetOps<QSpinBox>, source, property, options);
@@ -57,6 +89,17 @@ Binding& Bind(QSpinBox* box, const VtrString& source, const VtrString& property,
 Binding& Bind(QDoubleSpinBox* box, const VtrString& source, const VtrString& property,
               const BindOptions& options) {
   return details::MakeBinding(box, details::widgetOps<QDoubleSpinBox>, source, property, options);
+}
+
+Binding& Bind(QAbstractSlider* slider, const VtrString& source, const VtrString& property,
+              const BindOptions& options) {
+  return details::MakeBinding(slider, details::widgetOps<QAbstractSlider>, source, property,
+                              options);
+}
+
+Binding& Bind(QProgressBar* bar, const VtrString& source, const VtrString& property,
+              const BindOptions& options) {
+  return details::MakeBinding(bar, details::widgetOps<QProgressBar>, source, property, options);
 }
 
 }  // namespace DataBinding::Qt6

@@ -9,8 +9,10 @@
 #pragma once
 
 #include <QAbstractSpinBox>
+#include <QCalendarWidget>
+#include <QLineEdit>
 #include <QObject>
-#include <functional>
+#include <QPointer>
 
 #include "DataBindingQt6/widgets/Binding.h"
 
@@ -28,11 +30,17 @@ class SpinEdits final : public QObject {
 
  private:
   SpinEdits(QAbstractSpinBox& box, Binding& itsBinding);
+  void WatchLine(const QLineEdit& line);
+  void WatchCalendar(QObject& watched);
   void NoteEvent();
+  void Finish();
 
   Binding& binding;
+  QPointer<QCalendarWidget> calendar;
   bool isTyping = false;  // the line edit has announced a text that the box has not read yet
   bool isStepping = false;
+  bool hasText = false;  // something was typed that the box may still correct
+  bool isLeaving = true;
 };
 
 }  // namespace DataBinding::Qt6

@@ -5,7 +5,7 @@ namespace DataBinding::Qt6 {
 
 namespace {
 
-const wchar_t* NameOf(ValueKind kind) {
+const wchar_t* DescribeKind(ValueKind kind) {
   switch (kind) {
     case ValueKind::Bool:
       return L"a truth value";
@@ -50,7 +50,7 @@ SetResult WidgetBind::Check(const Value& value) const {
 VtrString WidgetBind::WhyMisfit() const {
   return VtrString().Format(
       L"Property \"%s\" of data source \"%s\" is %s, which the widget does not show.", Path(),
-      DataSource(), NameOf(bind.Kind()));
+      DataSource(), DescribeKind(bind.Kind()));
 }
 
 }  // namespace DataBinding::Qt6

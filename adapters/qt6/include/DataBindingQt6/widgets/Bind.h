@@ -15,7 +15,11 @@
 ///
 /// - What the program changes at a widget is no edit, and the next value overwrites it.
 /// - A value beyond the range of a widget is shown as its end, and stays as it is. Set the range
-///   before Bind: a range that is set later shows the value at the next change only.
+///   before Bind, or call showAgain() after it.
+/// - Before Bind, make a combo box editable and set its model, and give a group its buttons and
+/// ids.
+/// - Numbers as text are the same in every locale; spin boxes show them as the user's country does.
+/// - A date or time that is none is shown as the earliest one; setSpecialValueText(" ") hides that.
 /// - A QValidator keeps the user from finishing and gives no reason; let the property validate.
 /// - A text with tags is shown as rich text by a QLabel unless its textFormat is Qt::PlainText.
 /// - Radio buttons that exclude each other belong into a QButtonGroup, which is bound as one.
@@ -33,9 +37,18 @@
 #include "DataBindingQt6/widgets/details/WidgetOps.h"
 
 class QAbstractButton;
+class QAbstractSlider;
+class QButtonGroup;
+class QComboBox;
+class QDateEdit;
+class QDateTimeEdit;
 class QDoubleSpinBox;
+class QLCDNumber;
 class QLineEdit;
+class QPlainTextEdit;
+class QProgressBar;
 class QSpinBox;
+class QTimeEdit;
 
 namespace DataBinding::Qt6 {
 
@@ -44,14 +57,32 @@ namespace DataBinding::Qt6 {
 ///@{
 DATABINDING_QT6_API Binding& Bind(QLineEdit* edit, const VtrString& source,
                                   const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QPlainTextEdit* edit, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QLabel* label, const VtrString& source, const VtrString& property,
+                                  const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QLCDNumber* number, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
 DATABINDING_QT6_API Binding& Bind(QSpinBox* box, const VtrString& source, const VtrString& property,
                                   const BindOptions& options = {});
 DATABINDING_QT6_API Binding& Bind(QDoubleSpinBox* box, const VtrString& source,
                                   const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QAbstractSlider* slider, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QProgressBar* bar, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
 DATABINDING_QT6_API Binding& Bind(QAbstractButton* button, const VtrString& source,
                                   const VtrString& property, const BindOptions& options = {});
-DATABINDING_QT6_API Binding& Bind(QLabel* label, const VtrString& source, const VtrString& property,
-                                  const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QButtonGroup* group, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QComboBox* box, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QDateTimeEdit* edit, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QDateEdit* edit, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
+DATABINDING_QT6_API Binding& Bind(QTimeEdit* edit, const VtrString& source,
+                                  const VtrString& property, const BindOptions& options = {});
 ///@}
 
 /// Binds a widget of the application's own, for which it has specialised WidgetTraits.

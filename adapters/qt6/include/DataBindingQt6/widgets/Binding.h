@@ -95,6 +95,10 @@ class DATABINDING_QT6_API Binding final : public QObject {
   void chosen();
   void finished();
   ///@}
+  /// Writes the widget again when control has returned to the loop, unless something is typed in
+  /// it. Call it when the application has changed what the widget can show, such as its range. It
+  /// is called for a combo box when its entries have changed.
+  void showAgain();
 
  Q_SIGNALS:
   /// The state or its reason has changed.
@@ -115,6 +119,7 @@ class DATABINDING_QT6_API Binding final : public QObject {
   void Leave();
   void ShowState();
   void DisableAbsent();
+  void ShowAgainNow();
   void CommitLater();
   bool PressesKey(int key);
 

@@ -3,8 +3,8 @@
 /// window closes, when a button is pressed that takes no focus, or before another record is shown.
 ///
 /// The widgets are looked for when something is asked, so it does not matter when they were bound
-/// or put into the window. Dialogues of the window are windows of their own. Any widget will do in
-/// place of a window; then the edits are those within it.
+/// or put into the window. Docks that float belong to the window, dialogues are windows of their
+/// own. Any widget will do in place of a window; then the edits are those within it.
 ///
 ///   void Editor::closeEvent(QCloseEvent* event) {
 ///     event->setAccepted(Qt6::EditsOf(this).CommitAll().IsAccepted());

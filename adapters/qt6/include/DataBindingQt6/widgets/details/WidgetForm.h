@@ -11,7 +11,7 @@
 #include <QString>
 #include <QTime>
 #include <cstdint>
-#include <limits>
+#include <optional>
 
 #include "DataBinding/framework/NumberConverter.h"
 #include "DataBinding/reflection/Value.h"
@@ -22,12 +22,11 @@ namespace DataBinding::Qt6 {
 
 /// A Choice is one of several things, each of which has a number and a name: an entry of a combo
 /// box, a button of a group. A property that is a text is shown by the name, one that is a number
-/// by the number.
+/// by the number, and only that of the two is there when it is written.
 struct Choice {
-  /// This is -1 where nothing is chosen, and where only a name is known.
+  /// This is -1 where nothing is chosen.
   int number = -1;
-  /// This is empty where only a number is known.
-  QString name = {};
+  std::optional<QString> name = {};
 };
 
 namespace details {
@@ -85,12 +84,12 @@ struct WidgetForm<Choice> {
   static constexpr bool asText = false;
   static bool Fits(ValueKind kind) { return IsNumber(kind) || kind == ValueKind::Text; }
   static Value ToValue(const Choice& held, ValueKind kind) {
-    if (kind == ValueKind::Text) return ToVtrString(held.name);
+    if (kind == ValueKind::Text) return ToVtrString(held.name.value_or(QString()));
     return NumberOfKind(held.number, kind);
   }
   static Choice FromValue(const Value& value) {
-    if (const auto* name = value.Get<VtrString>()) return {-1, ToQString(*name)};
-    return {WidgetForm<int>::FromValue(value), {}};
+    if (const auto* name = value.Get<VtrString>()) return {.name = ToQString(*name)};
+    return {.number = WidgetForm<int>::FromValue(value)};
   }
 };
 
