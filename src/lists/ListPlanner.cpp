@@ -35,29 +35,33 @@ void ListPlanner::Assign(const RowArray& rows) {
   if (!isOrderSame) PlanOrder();
 }
 
+/// A row is mostly followed by the same row as before, so that one is tried first. Comparing all
+/// fields with it tells whether the keys are equal, too, and the key need not be looked up.
 void ListPlanner::MatchByKey(const RowArray& rows) {
+  const bool hasDoubles = state.keys.HasDoubles();
   std::size_t guess = 0;
   for (std::size_t j = 0; j < rows.count; ++j) {
-    const std::size_t place = FindMatch(rows[j], guess);
-    if (place == isNew) continue;
-    Match(j, place, rows[j]);
+    std::size_t place = guess;
+    const bool mayGuess = !hasDoubles && place < before.size() && !isKept[place];
+    std::uint64_t differing = mayGuess ? Differing(place, rows[j]) : engine.keyBit;
+    if ((differing & engine.keyBit) != 0) {
+      place = FindMatch(rows[j]);
+      if (place == isNew) continue;
+      differing = Differing(place, rows[j]);
+    }
+    Match(j, place, differing);
     guess = place + 1;
   }
 }
 
-bool ListPlanner::AreKeysEqual(RowId id, const void* row) const noexcept {
-  const RowTable& table = engine.storage.Table();
-  return table.areKeysEqual(table.key(reader.Row(id)), table.key(row));
+std::uint64_t ListPlanner::Differing(std::size_t place, const void* row) const {
+  return engine.storage.Table().differing(reader.Row(before[place]), row);
 }
 
-std::size_t ListPlanner::FindMatch(const void* row, std::size_t guess) {
-  const bool hasDoubles = state.keys.HasDoubles();
-  if (!hasDoubles && guess < before.size() && !isKept[guess] && AreKeysEqual(before[guess], row)) {
-    return guess;
-  }
+std::size_t ListPlanner::FindMatch(const void* row) {
   RowId found = state.keys.Find(engine.storage.Table().key(row), reader);
   if (found == KeyTable::none) return isNew;
-  if (hasDoubles && state.keys.Next(found) != KeyTable::none) found = NextDouble(found);
+  if (state.keys.Next(found) != KeyTable::none) found = NextDouble(found);
   if (found == KeyTable::none) return isNew;
   const std::size_t place = state.order.IndexOf(found);
   return isKept[place] ? isNew : place;
@@ -77,27 +81,25 @@ RowId ListPlanner::NextDouble(RowId first) {
 }
 
 void ListPlanner::MatchByPlace(const RowArray& rows) {
-  const auto& differing = engine.storage.Table().differing;
   const std::size_t most = std::min(rows.count, before.size());
   std::size_t head = 0;
-  while (head < most && differing(reader.Row(before[head]), rows[head]) == 0) ++head;
+  while (head < most && Differing(head, rows[head]) == 0) ++head;
   std::size_t tail = 0;
-  while (tail < most - head && differing(reader.Row(before[before.size() - 1 - tail]),
-                                         rows[rows.count - 1 - tail]) == 0) {
+  while (tail < most - head &&
+         Differing(before.size() - 1 - tail, rows[rows.count - 1 - tail]) == 0) {
     ++tail;
   }
   for (std::size_t j = 0; j < rows.count; ++j) {
     const bool isInTail = j >= rows.count - tail;
     const std::size_t place = isInTail ? j + before.size() - rows.count : j;
-    if (isInTail || j < before.size() - tail) Match(j, place, rows[j]);
+    if (isInTail || j < before.size() - tail) Match(j, place, Differing(place, rows[j]));
   }
 }
 
-void ListPlanner::Match(std::size_t j, std::size_t place, const void* row) {
+void ListPlanner::Match(std::size_t j, std::size_t place, std::uint64_t differing) {
   places[j] = place;
   isKept[place] = true;
   if (j == place) ++inPlace;
-  const std::uint64_t differing = engine.storage.Table().differing(reader.Row(before[place]), row);
   if (differing == 0) return;
   changed.push_back(j);
   fields |= differing;

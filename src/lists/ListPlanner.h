@@ -39,11 +39,11 @@ class ListPlanner {
   static constexpr std::size_t isNew = RowOrder::nowhere;
 
   void MatchByKey(const RowArray& rows);
-  [[nodiscard]] std::size_t FindMatch(const void* row, std::size_t guess);
+  [[nodiscard]] std::size_t FindMatch(const void* row);
   [[nodiscard]] RowId NextDouble(RowId first);
   void MatchByPlace(const RowArray& rows);
-  void Match(std::size_t j, std::size_t place, const void* row);
-  [[nodiscard]] bool AreKeysEqual(RowId id, const void* row) const noexcept;
+  [[nodiscard]] std::uint64_t Differing(std::size_t place, const void* row) const;
+  void Match(std::size_t j, std::size_t place, std::uint64_t differing);
   void TakeRows(const RowArray& rows);
 
   void PlanOrder();
