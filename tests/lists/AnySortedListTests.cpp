@@ -157,17 +157,5 @@ TEST_F(AnySortedListTest, SetsACellByATextAsItsFieldReadsIt) {
   EXPECT_FALSE(shown.CanSetField(1) || shown.CanSetField(3));
 }
 
-TEST_F(AnySortedListTest, IsEmptyAndSortsNothingWhenItsListHasEnded) {
-  auto other = std::make_unique<ListData<Process>>();
-  other->Insert(0, Process{1, L"", 0});
-  AnySortedList orphan(*other);
-  EXPECT_EQ(orphan.Size(), 1);
-
-  other.reset();
-
-  EXPECT_TRUE(orphan.IsEmpty());
-  EXPECT_FALSE(orphan.SortBy(0) || orphan.CanMoveRows());
-}
-
 }  // namespace
 }  // namespace DataBinding

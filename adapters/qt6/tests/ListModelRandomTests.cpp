@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAbstractItemModelTester>
+#include <QItemSelectionModel>
 #include <QSortFilterProxyModel>
 #include <algorithm>
 #include <memory>
@@ -9,6 +10,7 @@
 
 #include "DataBinding/lists/FilteredList.h"
 #include "DataBindingQt6/models/ListModel.h"
+#include "DataBindingQt6/models/ListSelection.h"
 #include "DataBindingQt6/values/Text.h"
 #include "People.h"
 
@@ -63,18 +65,19 @@ class Copy : public QObject {
   QList<QVariantList> cells;
 };
 
-/// Does random operations on a list, which a model shows through a view, and a proxy on that.
+/// Does random operations on a list, which a model shows through a view, and a proxy on that, and
+/// on a selection.
 class RandomPeople : public testing::Test {
  protected:
   RandomPeople() {
     proxy.setSourceModel(&model);
-    proxy.setDynamicSortFilter(true);
     proxy.setSortRole(Qt::EditRole);
     proxy.sort(2);
     proxy.setFilterKeyColumn(1);
-    proxy.setFilterFixedString("1");
     copy = std::make_unique<Copy>(model);
     proxied = std::make_unique<Copy>(proxy);
+    selection = std::make_unique<QItemSelectionModel>(&proxy);
+    new ListSelection(selection.get(), chosen);
   }
 
   int Below(std::size_t end) { return end == 0 ? 0 : static_cast<int>(random() % end); }
@@ -85,7 +88,8 @@ class RandomPeople : public testing::Test {
   }
 
   void Operate() {
-    switch (Below(12)) {
+    const int row = Below(people.Size());
+    switch (Below(16)) {
       case 0:
         return model.sort(Below(6) - 1, Qt::SortOrder(Below(2)));
       case 1:
@@ -99,12 +103,12 @@ class RandomPeople : public testing::Test {
         people.Move(Place(), 1, Place());
         return;
       case 5:
-        model.moveRows({}, Below(people.Size()), 1 + Below(3), {}, Below(people.Size() + 1));
+        model.moveRows({}, row, 1 + Below(3), {}, Below(people.Size() + 1));
         return;
       case 6:
         return Shuffle();
       case 7:
-        model.setData(model.index(Below(people.Size()), 2), 0.5 * Below(60) - 1);
+        model.setData(model.index(row, 2), 0.5 * Below(60) - 1);
         return;
       case 8:
         people.UpdateAt(Place(), [this](Person& person) { person.isMember = Below(2) == 0; });
@@ -112,9 +116,21 @@ class RandomPeople : public testing::Test {
       case 9:
         people.UpdateAt(Place(), [this](Person& person) { person = Anyone(); });
         return;
+      case 10:
+        return proxy.setFilterFixedString(Below(4) == 0 ? "" : "1");
+      case 11:
+      case 12:
+        return selection->select(proxy.index(row, 0), Selected(Below(2) == 0));
+      case 13:
+        chosen.Add(people.IdAt(Place()).value_or(0));
+        return;
       default:
         people.Insert(Place(), Anyone());
     }
+  }
+  static QItemSelectionModel::SelectionFlags Selected(bool isToggled) {
+    using Model = QItemSelectionModel;
+    return (isToggled ? Model::Toggle : Model::Select) | Model::Rows;
   }
   void Shuffle() {
     people.Edit([this](std::vector<Person>& rows) {
@@ -125,69 +141,67 @@ class RandomPeople : public testing::Test {
     });
   }
 
-  /// Compares all with the rows of the list.
+  /// Compares all cells with the rows of the list.
   [[nodiscard]] bool IsModelRight() const {
-    std::size_t shown = 0;
-    for (const Person& person : people) {
-      if (person.isMember) continue;
-      const int row = model.IndexOf(people.At(*IndexIn(person))).row();
-      const QVariantList cells = {person.id,
-                                  person.id,
-                                  {},
-                                  ToQString(person.name),
-                                  ToQString(person.name),
-                                  {},
-                                  person.weight,
-                                  person.weight,
-                                  {},
-                                  {},
-                                  false,
-                                  static_cast<int>(Qt::Unchecked)};
-      if (row < 0 || copy->Cells()[row] != cells) return false;
-      ++shown;
+    const auto guest = [](const Person& person) { return !person.isMember; };
+    if (copy->Cells().size() != std::ranges::count_if(people, guest)) return false;
+    for (int row = 0; row < model.rowCount(); ++row) {
+      const Person& person = people.RowAt(*model.IdAt(model.index(row, 0)));
+      const QString name = ToQString(person.name);
+      const QVariant off = static_cast<int>(Qt::Unchecked);
+      const QVariantList cells = {person.id,     person.id,     {}, name, name,  {},
+                                  person.weight, person.weight, {}, {},   false, off};
+      if (person.isMember || copy->Cells()[row] != cells) return false;
     }
-    return shown == static_cast<std::size_t>(copy->Cells().size());
-  }
-  [[nodiscard]] std::optional<std::size_t> IndexIn(const Person& person) const {
-    for (std::size_t i = 0; i < people.Size(); ++i) {
-      if (&people[i] == &person) return i;
-    }
-    return std::nullopt;
+    return true;
   }
   /// A proxy leaves open how rows stand that it finds equal.
   [[nodiscard]] bool IsProxyRight() const {
     const auto byId = [](const QVariantList& row) { return row[0].toInt(); };
     const auto byWeight = [](const QVariantList& row) { return row[6].toDouble(); };
+    const QString filter = proxy.filterRegularExpression().pattern();
     QList<QVariantList> expected = copy->Cells();
     QList<QVariantList> found = proxied->Cells();
     if (!std::ranges::is_sorted(found, {}, byWeight)) return false;
-    expected.removeIf([](const QVariantList& row) { return !row[3].toString().contains('1'); });
+    expected.removeIf([&](const auto& row) { return !row[3].toString().contains(filter); });
     std::ranges::sort(expected, {}, byId);
     std::ranges::sort(found, {}, byId);
     return expected == found;
+  }
+  [[nodiscard]] bool IsSelectionRight() const {
+    std::vector<int> rows;
+    for (const RowId id : chosen.Ids()) {
+      const QModelIndex index = proxy.mapFromSource(model.IndexOf(id));
+      if (index.isValid()) rows.push_back(index.row());
+    }
+    std::vector<int> selected;
+    for (const QModelIndex& index : selection->selectedRows()) selected.push_back(index.row());
+    return std::ranges::is_permutation(rows, selected);
   }
 
   std::mt19937 random{2024};
   int next = 1;
   ListData<Person> people;
   FilteredList<Person> guests{people, [](const Person& person) { return !person.isMember; }};
+  Selection<Person> chosen{people};
   ListModel model{guests};
   QSortFilterProxyModel proxy;
   QAbstractItemModelTester tester{&model, Fatal::FailureReportingMode::Fatal};
   QAbstractItemModelTester proxyTester{&proxy, Fatal::FailureReportingMode::Fatal};
   std::unique_ptr<Copy> copy;
   std::unique_ptr<Copy> proxied;
+  std::unique_ptr<QItemSelectionModel> selection;
 };
 
-TEST_F(RandomPeople, AreShownExactlyByAModelAndByAProxyOverIt) {
+TEST_F(RandomPeople, AreShownAndSelectedExactlyInAModelAndInAProxyOverIt) {
   const int asked = qEnvironmentVariableIntValue("RANDOM_OPERATIONS");
   const int operations = asked > 0 ? asked : 1500;
   for (int number = 0; number < operations; ++number) {
     Operate();
-    if (number % 8 == 0) {
-      ASSERT_TRUE(IsModelRight()) << number;
-      ASSERT_TRUE(IsProxyRight()) << number;
-    }
+    ASSERT_TRUE(IsSelectionRight()) << number;
+    if (number % 8 != 0) continue;
+    ASSERT_TRUE(IsModelRight()) << number;
+    ASSERT_TRUE(IsProxyRight()) << number;
   }
 }
 

@@ -59,13 +59,6 @@ TEST_F(ListModelTest, ShowsFieldsByNameUnderTheirHeaders) {
   EXPECT_FALSE(Shown(0, 4).isValid() || model.index(0, 4).flags().testFlag(Qt::ItemIsEditable));
 }
 
-TEST_F(ListModelTest, ShowsAllFieldsWhereNoColumnIsGiven) {
-  const ListModel all(people);
-
-  EXPECT_EQ(all.columnCount(), 4);
-  EXPECT_EQ(all.headerData(3, Qt::Horizontal), "Member");
-}
-
 TEST_F(ListModelTest, SetsCellsByValuesAndByTyping) {
   EXPECT_TRUE(model.setData(model.index(1, 1), "Ann"));
   EXPECT_TRUE(model.setData(model.index(1, 2), "70.25"));

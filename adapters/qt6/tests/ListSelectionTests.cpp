@@ -5,8 +5,8 @@
 #include <QTableView>
 #include <QTest>
 #include <algorithm>
+#include <functional>
 #include <memory>
-#include <random>
 
 #include <gtest/gtest.h>
 
@@ -140,48 +140,6 @@ TEST_F(ListSelectionTest, AnObserverMayChooseAnotherRowInstead) {
 
   EXPECT_EQ(Chosen(), Ids{1});
   EXPECT_EQ(Selected(), Ids{1});
-}
-
-TEST_F(ListSelectionTest, BothSidesAgreeAfterAnyOperations) {
-  std::mt19937 random(11);
-  const auto below = [&](std::size_t end) { return static_cast<int>(random() % end); };
-  for (int number = 0; number < 600; ++number) {
-    const auto at = static_cast<std::size_t>(below(people.Size() + 1));
-    const int row = below(static_cast<std::size_t>(proxy.rowCount() + 1));
-    const auto flag = below(2) == 0 ? QItemSelectionModel::Toggle : QItemSelectionModel::Select;
-    switch (below(8)) {
-      case 0:
-        view.selectionModel()->select(proxy.index(row, 0), flag | QItemSelectionModel::Rows);
-        break;
-      case 1:
-        if (at < people.Size()) chosen.Add(people.At(at));
-        break;
-      case 2:
-        if (at < people.Size()) chosen.Remove(people.At(at));
-        break;
-      case 3:
-        people.UpdateAt(at, [](Person& person) { person.isMember = !person.isMember; });
-        break;
-      case 4:
-        proxy.setFilterFixedString(below(2) == 0 ? "" : "1");
-        break;
-      case 5:
-        people.Remove(at);
-        break;
-      case 6:
-        people.Edit([&](std::vector<Person>& rows) { std::ranges::shuffle(rows, random); });
-        break;
-      default:
-        people.Insert(at, People({100 + number})[0]);
-    }
-    Ids expected;
-    for (const RowId id : chosen.Ids()) {
-      const bool isShown = proxy.mapFromSource(model.IndexOf(id)).isValid();
-      if (isShown) expected.push_back(people.RowAt(id).id);
-    }
-    std::ranges::sort(expected);
-    ASSERT_EQ(Selected(), expected) << number;
-  }
 }
 
 TEST(ListSelection, WaitsForTheRowsOfASourceThatComesAgain) {
