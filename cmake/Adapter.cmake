@@ -29,6 +29,10 @@ function(databinding_adapter target component)
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
   databinding_warnings(${target})
+  # Nobody replaces the adapter's functions by others of their names: they may be inlined within it.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  endif()
 
   databinding_install_adapter()
   set_property(GLOBAL APPEND PROPERTY DATABINDING_ADAPTERS ${component})

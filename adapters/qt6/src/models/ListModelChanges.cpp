@@ -37,8 +37,8 @@ void ListModel::FindFields() {
   if (!isSame && sortColumn >= 0) sort(sortColumn, sortOrder);
 }
 
-/// Returns where a row of the model stands in the list.
-std::size_t ListModel::PlaceOf(int row) const {
+/// The rows of what is believed to have happened stand where they stood before it.
+std::size_t ListModel::PlaceBelieved(int row) const {
   int place = row;
   if (believed == Open::Insert && row >= openAt) {
     place = row < openAt + openRows ? -1 : row - openRows;

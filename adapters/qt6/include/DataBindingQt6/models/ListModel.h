@@ -118,7 +118,11 @@ class DATABINDING_QT6_API ListModel : public QAbstractTableModel {
   enum class Open { Nothing, Insert, Remove, Move, Layout, Reset };
 
   [[nodiscard]] const ShownColumn* ColumnOf(const QModelIndex& index) const;
-  [[nodiscard]] std::size_t PlaceOf(int row) const;
+  /// Returns where a row of the model stands in the list.
+  [[nodiscard]] std::size_t PlaceOf(int row) const {
+    return believed == Open::Nothing ? static_cast<std::size_t>(row) : PlaceBelieved(row);
+  }
+  [[nodiscard]] std::size_t PlaceBelieved(int row) const;
   [[nodiscard]] Value CellOf(const ShownColumn& column, const QModelIndex& index) const;
   [[nodiscard]] QVariant Formatted(const ShownColumn& column, const QModelIndex& index,
                                    int role) const;
