@@ -145,8 +145,8 @@ def check_adapter(file, target):
     if other_kit is None:
         return
     if kit != other_kit:
-        if file.relative_to(ROOT).parts[0] != "examples":
-            report(file, f"{target.name} is of an adapter, which only examples include")
+        if file.relative_to(ROOT).parts[0] != "examples" and "consumer" not in file.parts:
+            report(file, f"{target.name} is of an adapter, which only examples and the consumer include")
     elif "src" in target.relative_to(ROOT).parts and target.parent != file.parent:
         report(file, f"{target.name} is private to {target.parent.relative_to(ROOT)}")
     elif own and other and other not in {own} | ADAPTERS.get(kit, {}).get(own, set()):

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "AddressBook.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+using namespace DataBinding;
+
+VtrString WhyNoName(const VtrString& text) {
+  return text.IsEmpty() ? L"A contact needs a name." : L"";
+}
+
+VtrString WhyNoPhone(const VtrString& text) {
+  const bool isRight = std::ranges::all_of(std::wstring_view(text), [](wchar_t each) {
+    return std::wstring_view(L"0123456789 +-()/").find(each) != std::wstring_view::npos;
+  });
+  return isRight ? L"" : L"A phone number has digits, blanks and + - ( ) / only.";
+}
+
+VtrString WhyNoEmail(const VtrString& text) {
+  const bool isRight = text.IsEmpty() || std::ranges::count(std::wstring_view(text), L'@') == 1;
+  return isRight ? L"" : L"An address has one @.";
+}
+
+namespace {
+
+VtrString WhyRefused(const Contact& contact) {
+  const std::array reasons{WhyNoName(contact.name), WhyNoPhone(contact.phone),
+                           WhyNoEmail(contact.email)};
+  const auto first = std::ranges::find_if_not(reasons, &VtrString::IsEmpty);
+  return first == reasons.end() ? VtrString() : *first;
+}
+
+Contact ContactIn(const nlohmann::json& from, int id) {
+  const auto text = [&](const char* name) {
+    return VtrString::FromUtf8(from.value(name, std::string()));
+  };
+  return {
+      id, text("name"), text("phone"), text("email"), text("city"), from.value("friend", false)};
+}
+
+}  // namespace
+
+VtrString AddressBook::Add(Contact contact) {
+  VtrString reason = WhyRefused(contact);
+  if (!reason.IsEmpty()) return reason;
+  contact.id = ++lastId;
+  return contacts.Insert(contacts.Size(), std::move(contact)).reason;
+}
+
+void AddressBook::AddMany(int count) {
+  static constexpr std::array first{L"Ada",   L"Bruno", L"Clara", L"Emma",
+                                    L"Farid", L"Hugo",  L"Ines"};
+  static constexpr std::array last{L"Amsel", L"Berger", L"Dorn", L"Fischer", L"Hansen", L"Jung"};
+  static constexpr std::array city{L"Aachen", L"Bergen", L"Como", L"Delft", L"Essen", L"Graz"};
+  std::mt19937 random(static_cast<unsigned>(lastId));
+  const auto any = [&](const auto& names) { return names[random() % names.size()]; };
+  std::vector<Contact> made;
+  for (int i = 0; i < count; ++i) {
+    const VtrString name = any(last);
+    made.push_back({++lastId, VtrString().Format(L"%s %s", any(first), name),
+                    VtrString().Format(L"+49 %d %d", 200 + random() % 700, random() % 1'000'000),
+                    VtrString().Format(L"%s%d@mail.org", name, lastId), any(city),
+                    random() % 5 == 0});
+  }
+  contacts.Insert(contacts.Size(), std::move(made));
+}
+
+void AddressBook::Remove(std::span<const RowId> ids) {
+  if (ids.empty()) return;
+  removed.clear();
+  std::set<int> going;
+  for (const RowId id : ids) {
+    going.insert(contacts.RowAt(id).id);
+    removed.emplace_back(*contacts.IndexOf(id), contacts.RowAt(id));
+  }
+  std::ranges::sort(removed, {}, [](const auto& each) { return each.first; });
+  contacts.Edit([&going](std::vector<Contact>& rows) {
+    std::erase_if(rows, [&going](const Contact& row) { return going.contains(row.id); });
+  });
+  canUndo.Set(true);
+}
+
+void AddressBook::UndoRemoval() {
+  contacts.Edit([this](std::vector<Contact>& rows) {
+    for (const auto& [at, contact] : removed) {
+      rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(std::min(at, rows.size())), contact);
+    }
+  });
+  removed.clear();
+  canUndo.Set(false);
+}
+
+VtrString AddressBook::Load(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return L"The file cannot be read.";
+  const std::string text(std::istreambuf_iterator<char>(file), {});
+  std::vector<Contact> read;
+  int number = 1;
+  try {
+    for (const auto& each : nlohmann::json::parse(text).get<std::vector<nlohmann::json>>()) {
+      read.push_back(ContactIn(each, number));
+      const VtrString reason = WhyRefused(read.back());
+      if (!reason.IsEmpty()) return VtrString().Format(L"Contact %d: %s", number, reason);
+      ++number;
+    }
+  } catch (const nlohmann::json::parse_error& fault) {
+    const auto before = std::string_view(text).substr(0, fault.byte == 0 ? 0 : fault.byte - 1);
+    return VtrString().Format(L"Line %d, column %d: the file is damaged.",
+                              std::ranges::count(before, '\n') + 1,
+                              before.size() - (before.rfind('\n') + 1) + 1);
+  } catch (const nlohmann::json::exception& fault) {
+    return VtrString().Format(L"Contact %d: %s.", number, VtrString::FromUtf8(fault.what()));
+  }
+  lastId = number - 1;
+  canUndo.Set(false);
+  return contacts.Assign(std::move(read)).reason;
+}
+
+VtrString AddressBook::Save(const std::filesystem::path& path) const {
+  auto json = nlohmann::json::array();
+  for (const Contact& each : contacts) {
+    json.push_back({{"name", each.name.ToUtf8()},
+                    {"phone", each.phone.ToUtf8()},
+                    {"email", each.email.ToUtf8()},
+                    {"city", each.city.ToUtf8()},
+                    {"friend", each.isFriend}});
+  }
+  return std::ofstream(path) << json.dump(2) << std::endl ? L"" : L"The file cannot be written.";
+}
