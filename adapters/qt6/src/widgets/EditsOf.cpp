@@ -13,8 +13,12 @@ namespace DataBinding::Qt6 {
 
 namespace {
 
-WindowEdits* FindEdits(const QWidget& window) {
-  return window.findChild<WindowEdits*>(QString(), Qt::FindDirectChildrenOnly);
+/// There are few windows whose edits anybody asks for, and a window may have a thousand children.
+/// So they are kept here, and not looked for among the children. The list is never given back,
+/// because windows with static lifetime may end after it would.
+std::vector<QPointer<WindowEdits>>& AllEdits() {
+  static auto& all = *new std::vector<QPointer<WindowEdits>>;
+  return all;
 }
 
 /// A dock or a palette that floats belongs to its window all the same.
@@ -30,7 +34,10 @@ bool IsWithin(const QWidget* widget, const QWidget& window) {
 
 }  // namespace
 
-WindowEdits::WindowEdits(QWidget* window) : QObject(window), toldTyped(HasTyped()) {}
+WindowEdits::WindowEdits(QWidget* window) : QObject(window), toldTyped(HasTyped()) {
+  std::erase_if(AllEdits(), [](const auto& edits) { return edits.isNull(); });
+  AllEdits().emplace_back(this);
+}
 
 std::vector<Binding*> WindowEdits::Bindings() const {
   std::vector<Binding*> within;
@@ -77,12 +84,10 @@ void WindowEdits::RevertAll() {
 bool WindowEdits::HasTyped() const { return Group()->HasTyped(); }
 
 void WindowEdits::TellOf(const Binding& changed) {
-  std::vector<QPointer<WindowEdits>> told;
-  for (const QWidget* at = changed.Widget(); at != nullptr; at = Outer(*at)) {
-    if (WindowEdits* edits = FindEdits(*at)) told.emplace_back(edits);
-  }
-  for (const auto& edits : told) {
-    if (!edits) continue;
+  const auto all = AllEdits();
+  for (const auto& edits : all) {
+    const auto* const window = edits ? static_cast<const QWidget*>(edits->parent()) : nullptr;
+    if (window == nullptr || !IsWithin(changed.Widget(), *window)) continue;
     // A binding that ends with something typed is told, too, when it is gone.
     connect(&changed, &QObject::destroyed, edits, &WindowEdits::Tell,
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
@@ -100,8 +105,10 @@ WindowEdits& EditsOf(QWidget* window) {
     static WindowEdits none(nullptr);
     return none;
   }
-  WindowEdits* const edits = FindEdits(*window);
-  return edits != nullptr ? *edits : *new WindowEdits(window);
+  for (const auto& edits : AllEdits()) {
+    if (edits && edits->parent() == window) return *edits;
+  }
+  return *new WindowEdits(window);  // it belongs to the window
 }
 
 }  // namespace DataBinding::Qt6
