@@ -29,6 +29,7 @@ PLACES = {
     "stress": {"stress"},
     "fuzz": {"fuzz"},
     "examples/sysmon": {"sysmon", "sysmon_tests", "fuzz"},
+    "examples/addressbook": {"addressbook"},
     "examples/readme.cpp": {"example_readme"},
     "include/DataBinding": {"all"},
     "CMakePresets.json": {"all"},
