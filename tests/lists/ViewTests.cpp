@@ -76,9 +76,9 @@ TEST_F(ViewTest, ManyRowsStandAsComparingThemWouldHaveThem) {
   const auto check = [&](const auto& order, int thrower = 1000) {
     const SortedList sorted(tasks, order);
     auto expected = rows;
-    const auto thrown = std::ranges::stable_partition(
-        expected, [&](const Task& task) { return task.id != thrower; });
-    std::stable_sort(expected.begin(), thrown.begin(), order);
+    const auto thrown = std::stable_partition(expected.begin(), expected.end(),
+                                              [&](const Task& task) { return task.id != thrower; });
+    std::stable_sort(expected.begin(), thrown, order);
     EXPECT_TRUE(std::ranges::equal(sorted, expected, {}, &Task::id, &Task::id));
   };
   const auto idOrThrow = [](const Task& task) { return task.id == 7 ? throw task : task.id; };
