@@ -52,8 +52,7 @@ std::vector<int> RowsOf(const QItemSelection& selection) {
     for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(row);
   }
   std::ranges::sort(rows);
-  const auto rest = std::ranges::unique(rows);
-  rows.erase(rest.begin(), rest.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   return rows;
 }
 
