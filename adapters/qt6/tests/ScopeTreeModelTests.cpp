@@ -11,6 +11,7 @@
 #include "DataBinding/datasource/MakeDataSource.h"
 #include "DataBinding/datasource/NamedDataSource.h"
 #include "DataBinding/property/Property.h"
+#include "DataBinding/property/PropertyAccess.h"
 
 namespace DataBinding::Qt6::Testing {
 namespace {
