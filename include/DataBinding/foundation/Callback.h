@@ -128,7 +128,9 @@ struct Invoker<Result(Args...)> {
   template <class Target, class Source>
   static comlike_ptr<BindStateBase> Bind(Source&& source) {
     using Functor = std::remove_cvref_t<Target>;
-    if constexpr (isNullableFunctor<Functor>) {
+    // A function by its bare name is never null, and g++ warns of the comparison.
+    if constexpr (isNullableFunctor<Functor> &&
+                  !std::is_function_v<std::remove_reference_t<Source>>) {
       if (source == nullptr) return {};
     }
     const auto invoke = reinterpret_cast<BindStateBase::InvokeFunction>(&Run<Target>);
