@@ -25,3 +25,11 @@ function(databinding_discover_tests target)
   gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 TEST_FILTER Fault*:*/Fault*
                        PROPERTIES LABELS ${target} ENVIRONMENT ASAN_OPTIONS=detect_leaks=0)
 endfunction()
+
+# Tests of programs of Qt need no display. Qt's libraries keep some of what they allocate until the
+# process ends.
+set(databindingQtEnvironment QT_QPA_PLATFORM=offscreen)
+if(DATABINDING_SANITIZE MATCHES "address")
+  list(APPEND databindingQtEnvironment
+       LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/adapters/qt6/tests/leaks.supp)
+endif()
