@@ -21,6 +21,8 @@ table with a log of events; elsewhere it prints frames of plain text.
   --json          take two samples, one interval apart, print them as JSON, and end;
                   with --frames take N samples, and list the events, too
   --alarm NAME=X  raise an alarm at X: Cpu and Memory in percent (90), Load (50)
+  --shot FILE     sysmon-window only: save what the window shows after the frames, 3 if
+                  none are given, as a picture, and end; no display is needed
   --help          print this text
 
 keys: arrows, PgUp, PgDn, Home, End  move       c m p n  sort by cpu, memory, pid, name
@@ -49,10 +51,13 @@ std::pair<std::string, std::string> ParseAlarm(std::string_view text) {
   return {std::string(text.substr(0, sign)), std::string(text.substr(sign + 1))};
 }
 
-constexpr option known[] = {
-    {"interval", required_argument, nullptr, 'i'}, {"frames", required_argument, nullptr, 'f'},
-    {"alarm", required_argument, nullptr, 'a'},    {"json", no_argument, nullptr, 'j'},
-    {"help", no_argument, nullptr, 'h'},           {nullptr, 0, nullptr, 0}};
+constexpr option known[] = {{"interval", required_argument, nullptr, 'i'},
+                            {"frames", required_argument, nullptr, 'f'},
+                            {"alarm", required_argument, nullptr, 'a'},
+                            {"json", no_argument, nullptr, 'j'},
+                            {"shot", required_argument, nullptr, 's'},
+                            {"help", no_argument, nullptr, 'h'},
+                            {nullptr, 0, nullptr, 0}};
 
 }  // namespace
 
@@ -78,6 +83,9 @@ Options ParseOptions(int count, char** arguments) {
         break;
       case 'j':
         options.isJson = true;
+        break;
+      case 's':
+        options.shot = optarg;
         break;
       case 'h':
         options.isHelp = true;

@@ -17,6 +17,8 @@ struct Options {
   /// Limits of alarms: names and values, as they were written.
   std::vector<std::pair<std::string, std::string>> alarms;
   bool isJson = false;
+  /// Where sysmon-window saves what it shows, before it ends.
+  std::string shot;
   bool isHelp = false;
 };
 

@@ -96,6 +96,7 @@ int Main(int count, char** arguments) {
     std::cout << usageText;
     return EXIT_SUCCESS;
   }
+  if (!options.shot.empty()) throw UsageError("--shot is for sysmon-window");
   const int endingSignal = RunMonitor(options);
   // All is put back as it was. Now the signal ends the program, so that its parent learns of it.
   if (endingSignal != 0) Signals::EndBy(endingSignal);

@@ -17,6 +17,8 @@ class ProcessScope {
       : scope(&root, L"process", nullptr), chosen(processes), row(&scope, L"Process", chosen) {}
 
   [[nodiscard]] IDataSourceProvider& Get() { return scope; }
+  /// The row that is chosen last is the one that the scope shows.
+  [[nodiscard]] DataBinding::Selection<Process>& Chosen() { return chosen; }
   void Show(DataBinding::RowId process) { chosen.Choose(process); }
   /// False once the process has ended.
   [[nodiscard]] bool HasProcess() const { return chosen.CurrentId().has_value(); }
