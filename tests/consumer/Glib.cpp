@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <DataBinding/DataBinding.h>
 #include <DataBindingGlib/GlibIdlePass.h>
+
+#include <DataBinding/DataBinding.h>
 
 using namespace DataBinding;
 

@@ -12,10 +12,10 @@
 namespace DataBinding::Qt6::Testing {
 
 struct Person {
-  int id;
+  int id = 0;
   VtrString name;
-  double weight;
-  bool isMember;
+  double weight = 0;
+  bool isMember = false;
   bool operator==(const Person&) const = default;
 };
 

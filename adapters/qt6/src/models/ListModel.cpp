@@ -28,10 +28,10 @@ QVariant EditAsText(const Value& value, int role, const QModelIndex& /*index*/) 
   return role == Qt::EditRole ? QVariant(ToQString(value.ToText())) : QVariant();
 }
 
-ListModel::ListModel(AnyList& list, std::vector<ListColumn> wanted, QObject* parent)
-    : QAbstractTableModel(parent), rows(list), hasAllFields(wanted.empty()) {
-  columns.reserve(wanted.size());
-  for (ListColumn& column : wanted) columns.push_back({std::move(column), {}});
+ListModel::ListModel(AnyList& list, std::vector<ListColumn> wantedColumns, QObject* parent)
+    : QAbstractTableModel(parent), rows(list), hasAllFields(wantedColumns.empty()) {
+  columns.reserve(wantedColumns.size());
+  for (ListColumn& column : wantedColumns) columns.push_back({std::move(column), {}});
   FindFields();
   count = static_cast<int>(rows.Size());
   seen = rows.Observe({.before = [this](const ListChange& change) { Begin(change); },

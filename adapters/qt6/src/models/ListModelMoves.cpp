@@ -17,7 +17,7 @@ const QString rowsFormat = QStringLiteral("application/x-databinding-rows");
 class DraggedRows final : public QMimeData {
  public:
   explicit DraggedRows(const QModelIndexList& indexes) {
-    for (const QModelIndex& index : indexes) rows.push_back(index);
+    for (const QModelIndex& index : indexes) rows.emplace_back(index);
     setData(rowsFormat, {});
   }
 

@@ -32,7 +32,7 @@ class DATABINDING_QT6_API QtIdlePass : public QObject {
   static constexpr std::chrono::milliseconds usualFrame{16};
 
   /// Less than a millisecond counts as one.
-  explicit QtIdlePass(std::chrono::milliseconds frame = usualFrame, QObject* parent = nullptr);
+  explicit QtIdlePass(std::chrono::milliseconds length = usualFrame, QObject* parent = nullptr);
   QtIdlePass(const QtIdlePass&) = delete;
   QtIdlePass& operator=(const QtIdlePass&) = delete;
   ~QtIdlePass() override;

@@ -62,7 +62,7 @@ class DATABINDING_QT6_API ListModel : public QAbstractTableModel {
 
  public:
   /// Shows these columns, or all fields of the rows where none is given.
-  explicit ListModel(AnyList& list, std::vector<ListColumn> columns = {},
+  explicit ListModel(AnyList& list, std::vector<ListColumn> wantedColumns = {},
                      QObject* parent = nullptr);
   ~ListModel() override;
 
@@ -92,7 +92,7 @@ class DATABINDING_QT6_API ListModel : public QAbstractTableModel {
   /// model only. dropMimeData answers false even so: a view would remove the rows that it takes for
   /// copied.
   ///@{
-  bool moveRows(const QModelIndex& sourceParent, int sourceRow, int count,
+  bool moveRows(const QModelIndex& sourceParent, int sourceRow, int moved,
                 const QModelIndex& destinationParent, int destinationChild) override;
   [[nodiscard]] Qt::DropActions supportedDropActions() const override;
   [[nodiscard]] QStringList mimeTypes() const override;

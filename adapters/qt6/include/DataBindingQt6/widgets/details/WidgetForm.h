@@ -26,6 +26,7 @@ namespace DataBinding::Qt6 {
 struct Choice {
   /// This is -1 where nothing is chosen.
   int number = -1;
+  /// Holds nothing where the number counts.
   std::optional<QString> name = {};
 };
 
