@@ -153,6 +153,7 @@ inline constexpr char word[] = "word", text[] = "text", value[] = "value", check
                       currentIndex[] = "currentIndex", plainText[] = "plainText", one[] = "one",
                       date[] = "date", time[] = "time", six[] = "06";
 
+// NOLINTNEXTLINE(readability-function-size): it has the columns of the table
 inline WidgetKind Row(const char* name, const wchar_t* property, std::array<Value, 3> values,
                       decltype(WidgetKind::bind) bind, decltype(WidgetKind::enter) enter,
                       decltype(WidgetKind::change) change, decltype(WidgetKind::shown) shown) {

@@ -73,6 +73,7 @@ SetResult WindowEdits::CommitAll() {
 
 SetResult WindowEdits::CheckAll() { return Group()->CheckAll(); }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes the edits
 void WindowEdits::RevertAll() {
   std::vector<QPointer<Binding>> reverted;
   for (Binding* binding : Bindings()) reverted.emplace_back(binding);
