@@ -33,10 +33,11 @@ VtrString WhyNoEmail(const VtrString& text) {
 namespace {
 
 VtrString WhyRefused(const Contact& contact) {
-  const std::array reasons{WhyNoName(contact.name), WhyNoPhone(contact.phone),
-                           WhyNoEmail(contact.email)};
-  const auto first = std::ranges::find_if_not(reasons, &VtrString::IsEmpty);
-  return first == reasons.end() ? VtrString() : *first;
+  for (const VtrString& reason :
+       {WhyNoName(contact.name), WhyNoPhone(contact.phone), WhyNoEmail(contact.email)}) {
+    if (!reason.IsEmpty()) return reason;
+  }
+  return {};
 }
 
 Contact ContactIn(const nlohmann::json& from, int id) {
@@ -107,7 +108,7 @@ VtrString AddressBook::Load(const std::filesystem::path& path) {
   int number = 1;
   try {
     for (const auto& each : nlohmann::json::parse(text).get<std::vector<nlohmann::json>>()) {
-      read.push_back(ContactIn(each, number));
+      read.push_back(ContactIn(each, lastId + number));  // no number comes again
       const VtrString reason = WhyRefused(read.back());
       if (!reason.IsEmpty()) return VtrString().Format(L"Contact %d: %s", number, reason);
       ++number;
@@ -120,7 +121,7 @@ VtrString AddressBook::Load(const std::filesystem::path& path) {
   } catch (const nlohmann::json::exception& fault) {
     return VtrString().Format(L"Contact %d: %s.", number, VtrString::FromUtf8(fault.what()));
   }
-  lastId = number - 1;
+  lastId += number - 1;
   canUndo.Set(false);
   return contacts.Assign(std::move(read)).reason;
 }

@@ -11,7 +11,10 @@ using namespace DataBinding;
 
 namespace {
 
-bool IsSame(wchar_t one, wchar_t other) { return std::towlower(one) == std::towlower(other); }
+bool IsSame(wchar_t one, wchar_t other) {
+  return std::towlower(static_cast<std::wint_t>(one)) ==
+         std::towlower(static_cast<std::wint_t>(other));
+}
 
 /// A row that is in no book yet, as a source of the dialogue's scope.
 struct Draft {
@@ -67,6 +70,10 @@ Window::Window(AddressBook& shownBook, IDataSourceProvider& root)
   resize(1160, 640);
   AddToolBar();
   table->setModel(&model);
+  connect(
+      &model, &Qt6::ListModel::refused, this,
+      [this](const QModelIndex&, const QString& reason) { Say(Qt6::ToVtrString(reason)); },
+      Qt::QueuedConnection);
   new Qt6::ListSelection(table->selectionModel(), chosen);  // it belongs to the view
   table->setSortingEnabled(true);
   table->sortByColumn(0, Qt::AscendingOrder);
@@ -92,6 +99,7 @@ void Window::AddToolBar() {
   bar->setMovable(false);
   const auto add = [&](const char* text, auto act) {
     return bar->addAction(text, this, [this, act] {
+      table->setFocus();  // which finishes what is typed in a cell
       if (Qt6::EditsOf(this).CommitAll().IsAccepted()) act();
     });
   };
@@ -143,6 +151,7 @@ void Window::Ask(bool isNew) {
   auto* dialogue = new QDialog(this);
   dialogue->setAttribute(Qt::WA_DeleteOnClose);
   const auto draft = std::make_shared<Draft>(*scope);
+  const auto edited = chosen.CurrentId();
   if (!isNew) CopyProperties(current.Source(), draft->source.Source());
   Qt6::SetScope(dialogue, draft->scope.get());
   auto* form = new QFormLayout(dialogue);
@@ -152,8 +161,11 @@ void Window::Ask(bool isNew) {
   connect(buttons, &QDialogButtonBox::rejected, dialogue, &QDialog::reject);
   connect(buttons, &QDialogButtonBox::accepted, dialogue, [=, this] {
     if (!Qt6::EditsOf(dialogue).CommitAll().IsAccepted()) return;
-    const VtrString reason = isNew ? book.Add(draft->rows[0])
-                                   : CopyProperties(draft->source.Source(), current.Source()).text;
+    const bool isSame = isNew || chosen.CurrentId() == edited;
+    const VtrString reason = !isSame ? VtrString(L"The contact has gone.")
+                             : isNew
+                                 ? book.Add(draft->rows[0])
+                                 : CopyProperties(draft->source.Source(), current.Source()).text;
     reason.IsEmpty() ? dialogue->accept() : Say(reason);
   });
   dialogue->open();

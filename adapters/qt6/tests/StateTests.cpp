@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAction>
+#include <QMenu>
 #include <QPushButton>
 #include <memory>
 #include <utility>
@@ -95,7 +96,10 @@ TEST_F(QtCommand, FilesWhatWasTypedOrIsNotCarriedOut) {
   EXPECT_EQ(Raised(), 0);
   EXPECT_TRUE(edit->hasFocus());
   thing->refuses = false;
-  button->click();
+  QMenu menu(&window);
+  QAction* const inMenu = menu.addAction("Save");
+  Bind(inMenu, L"QtCommand.Save");
+  inMenu->trigger();
   EXPECT_EQ(Raised(), 1);
   EXPECT_EQ(*thing->Text, L"typed");
 

@@ -21,7 +21,7 @@ namespace {
 void EndAfterFrames(const Options& options, QWidget& window) {
   if (!options.shot.empty() && !window.grab().save(QString::fromStdString(options.shot))) {
     std::cerr << "sysmon: cannot write '" << options.shot << "'\n";
-    QApplication::exit(EXIT_FAILURE);
+    return QApplication::exit(EXIT_FAILURE);
   }
   QApplication::quit();
 }

@@ -16,10 +16,23 @@ namespace DataBinding::Qt6 {
 
 namespace {
 
+/// Returns the window that a widget stands in. A menu and a floating dock belong to that of their
+/// parent.
+QWidget* OuterWindow(const QWidget& widget) {
+  QWidget* window = widget.window();
+  while (window->parentWidget() != nullptr &&
+         (window->windowType() == Qt::Popup || window->windowType() == Qt::Tool)) {
+    window = window->parentWidget()->window();
+  }
+  return window;
+}
+
 /// Returns the window whose edits are filed before a command that stands at an object.
-QWidget* WindowOf(QObject* object) {
+QWidget* WindowOf(const QObject* object) {
   for (; object != nullptr; object = object->parent()) {
-    if (auto* widget = qobject_cast<QWidget*>(object)) return widget->window();
+    const auto* const widget = qobject_cast<const QWidget*>(object);
+    QWidget* const window = widget == nullptr ? nullptr : OuterWindow(*widget);
+    if (window != nullptr && window->windowType() != Qt::Popup) return window;
   }
   return QApplication::activeWindow();
 }

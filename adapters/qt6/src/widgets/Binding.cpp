@@ -17,6 +17,7 @@
 
 #include "Bindings.h"
 #include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBinding/foundation/ScopedValue.h"
 #include "DataBinding/framework/EditSession.h"
 #include "DataBinding/framework/OneWay.h"
 #include "DataBindingQt6/loop/QtIdlePass.h"
@@ -37,7 +38,7 @@ constexpr bool HasReason(EditState state) {
 
 /// Runs a step that Qt has called, into which nothing may be thrown.
 template <class Step>
-void Guard(const VtrString& property, Step step) {
+void Guard(VtrString property, Step step) {
   try {
     step();
   } catch (...) {
@@ -70,22 +71,31 @@ struct Binding::Inner {
   }
   void Write(const Value& value) {
     if (!ops.isWhole(widget)) return;
+    if (keepsText) {
+      isBehind = true;
+      return;
+    }
     written = value;
-    const bool wasWriting = std::exchange(isWriting, true);
-    ops.write(widget, value);
-    isWriting = wasWriting;
-    if (ops.read != nullptr) heldAsWritten = ops.read(widget, bind.Kind());
+    const bool isHere = WriteAsProgram([&] { ops.write(widget, value); });
+    if (isHere && ops.read != nullptr) heldAsWritten = ops.read(widget, bind.Kind());
   }
   void Clear() {
     if (ops.clear == nullptr || !ops.isWhole(widget)) return;
-    const bool wasWriting = std::exchange(isWriting, true);
-    ops.clear(widget);
-    isWriting = wasWriting;
+    WriteAsProgram([&] { ops.clear(widget); });
+  }
+  /// Runs a step whose changes of the widget are no edits. False where that has ended this, since a
+  /// slot of the widget may do anything.
+  template <class Step>
+  bool WriteAsProgram(Step step) {
+    const auto flag = isWriting;
+    const ScopedValue writing(*flag, true);
+    step();
+    return flag.use_count() > 1;
   }
 
   /// Says whether the user may edit the widget now. Qt tells a widget that it loses the focus even
   /// in the destructor of QWidget.
-  [[nodiscard]] bool HearsEdits() const { return session && !isWriting && ops.isWhole(widget); }
+  [[nodiscard]] bool HearsEdits() const { return session && !*isWriting && ops.isWhole(widget); }
   /// What is called here may end the widget, and all of this with it.
   void Allow(Dress::Use use) {
     const QPointer<QObject> alive(&widget);
@@ -115,7 +125,9 @@ struct Binding::Inner {
   std::unique_ptr<OneWayJoin> shown;
   QTimer* timer = nullptr;
   QString shownReason;
-  bool isWriting = false;
+  std::shared_ptr<bool> isWriting = std::make_shared<bool>(false);
+  bool keepsText = false;  // the user goes on typing in the text that is filed
+  bool isBehind = false;   // the widget does not show what has become of that text
   bool showsAgain = false;
   bool isHeld = false;           // a mouse button is held on the widget
   bool waitsForRelease = false;  // something was chosen meanwhile
@@ -230,7 +242,10 @@ void Binding::Revert() {
   if (!inner->session) return;
   const QPointer<Binding> alive(this);
   inner->session->Revert();
-  if (alive && State() == EditState::Absent) inner->Clear();
+  if (!alive || State() != EditState::Absent) return;
+  inner->Clear();
+  if (alive) DisableAbsent();
+  if (alive) WindowEdits::TellOf(*this);
 }
 
 void Binding::typed() {
@@ -238,7 +253,7 @@ void Binding::typed() {
   const QPointer<Binding> alive(this);
   Guard(inner->bind.Path(), [this] { inner->session->Typed(); });
   if (!alive) return;
-  if (inner->options.commitOn == CommitOn::Typing) finished();
+  if (inner->options.commitOn == CommitOn::Typing) CommitTyped();
   if (alive && inner->options.commitOn == CommitOn::Delay) CommitLater();
 }
 
@@ -253,8 +268,20 @@ void Binding::chosen() {
 
 void Binding::finished() {
   if (!inner->HearsEdits()) return;
+  const QPointer<Binding> alive(this);
   if (inner->timer != nullptr) inner->timer->stop();
   Guard(inner->bind.Path(), [this] { inner->session->Commit(); });
+  if (alive && std::exchange(inner->isBehind, false)) ShowAgainNow();
+}
+
+/// Files what is typed and leaves the text alone, since the user goes on typing: "1." is a number
+/// that would be shown as "1".
+void Binding::CommitTyped() {
+  if (!inner->HearsEdits()) return;
+  const QPointer<Binding> alive(this);
+  inner->keepsText = inner->ops.asText;
+  Guard(inner->bind.Path(), [this] { inner->session->Commit(); });
+  if (alive) inner->keepsText = false;
 }
 
 void Binding::showAgain() {
@@ -275,7 +302,7 @@ void Binding::CommitLater() {
   if (inner->timer == nullptr) {
     inner->timer = new QTimer(this);
     inner->timer->setSingleShot(true);
-    connect(inner->timer, &QTimer::timeout, this, &Binding::finished);
+    connect(inner->timer, &QTimer::timeout, this, &Binding::CommitTyped);
   }
   inner->timer->start(inner->options.delay);
 }
@@ -285,10 +312,11 @@ bool Binding::eventFilter(QObject* /*watched*/, QEvent* event) {
   const QPointer<Binding> alive(this);
   switch (event->type()) {
     case QEvent::FocusOut:
+      inner->isHeld = false;  // a popup has taken the mouse
       if (LeavesWidget(*event)) finished();
       break;
     case QEvent::MouseButtonPress:
-      inner->isHeld = true;
+      inner->isHeld = static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton;
       break;
     case QEvent::MouseButtonRelease:
       inner->isHeld = false;
@@ -337,8 +365,9 @@ void Binding::ShowState() {
   if (alive) Q_EMIT stateChanged(state);
 }
 
+/// What was typed can still be reverted, for which the widget needs its keys.
 void Binding::DisableAbsent() {
-  if (State() == EditState::Absent) inner->Allow(Dress::Use::Nothing);
+  if (State() == EditState::Absent && !HasTyped()) inner->Allow(Dress::Use::Nothing);
 }
 
 }  // namespace DataBinding::Qt6

@@ -64,6 +64,7 @@ bool SpinEdits::eventFilter(QObject* watched, QEvent* event) {
       break;
     case QEvent::FocusIn:
       isLeaving = true;
+      if (isStepping) NoteEvent();  // the menu is closed
       break;
     case QEvent::KeyPress:
     case QEvent::Wheel:

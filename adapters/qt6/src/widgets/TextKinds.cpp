@@ -70,7 +70,9 @@ struct WidgetTraits<QPlainTextEdit> {
     const bool hasUndo = edit.document()->isUndoRedoEnabled();
     QObject::connect(&edit, &QPlainTextEdit::textChanged, &binding, [&edit, &binding, hasUndo] {
       const bool isUsers = hasUndo ? edit.document()->isUndoRedoEnabled() : edit.hasFocus();
-      if (isUsers && edit.document()->isModified()) binding.typed();
+      // An undo may lead back to the text that was written, which is not modified.
+      const QTextDocument& document = *edit.document();
+      if (isUsers && (document.isModified() || document.isRedoAvailable())) binding.typed();
     });
   }
 };

@@ -10,6 +10,9 @@
 /// selected: a CurrentRow follows it. Rows that the program chooses are selected in all columns,
 /// and the last one becomes current.
 ///
+/// A view in SingleSelection mode chooses the next row itself when the chosen one is hidden; where
+/// a filter may do that, let the view select several rows (ExtendedSelection).
+///
 /// The list of the Selection is that of the model, or one whose ids that has: the list itself, a
 /// view of it, or the same bind. The join is a child of the selection model and ends with it. The
 /// selections, the model and the list end in any order, on the thread of the list. A view gets

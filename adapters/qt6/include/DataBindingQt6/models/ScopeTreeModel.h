@@ -40,10 +40,10 @@ class DATABINDING_QT6_API ScopeTreeModel : public QAbstractItemModel {
   /// These are the operations of every item model.
   ///@{
   [[nodiscard]] QModelIndex index(int row, int column,
-                                  const QModelIndex& parent = {}) const override;
+                                  const QModelIndex& above = {}) const override;
   using QObject::parent;
   [[nodiscard]] QModelIndex parent(const QModelIndex& child) const override;
-  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int rowCount(const QModelIndex& above = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
   ///@}

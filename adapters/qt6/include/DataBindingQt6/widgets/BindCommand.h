@@ -6,7 +6,7 @@
 /// typed in its window is filed first (EditsOf.h), also where the button takes no focus. Where an
 /// edit is refused, the event is not raised, and the widget of that edit gets the focus and shows
 /// why. The window is that of the button, or the one in which the action has its parent, or else
-/// the active one.
+/// the active one; a menu and a floating dock belong to the window of their parent.
 ///
 /// The bind belongs to the button. Give it a data context of its own by SetDataContextBind. Binding
 /// the button once more takes the place of the former. Leave the enabling to the bind. Exceptions

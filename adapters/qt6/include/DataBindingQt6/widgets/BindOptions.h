@@ -20,7 +20,7 @@ namespace DataBinding::Qt6 {
 /// Says when an edit is filed. With each of them, an edit is filed when it is finished.
 enum class CommitOn {
   Finish,   ///< what is typed when it is finished, what is chosen at once
-  Typing,   ///< at each character, too
+  Typing,   ///< at each character, too; the text is left as it is until the edit is finished
   Release,  ///< what is chosen with the mouse when the button is let go of, and not while it is
             ///< held
   Delay     ///< when the user has not changed anything for a time

@@ -8,7 +8,8 @@
 ///   true, for style sheets: `QLineEdit[refused="true"] { border: 1px solid red }`. All of this
 ///   goes when a later edit is accepted, or by Revert, for which Escape stands.
 /// - Absent: the widget is cleared and, when control has returned to the loop, disabled, so that
-///   the focus stays where another source comes at once. What was typed stays.
+///   the focus stays where another source comes at once. What was typed stays, and the widget
+///   enabled.
 /// - ReadOnly: the widget is read-only or, where its kind is never, disabled.
 ///
 /// The widget is enabled, and may be edited, again when that state ends, unless it was disabled or
@@ -121,6 +122,7 @@ class DATABINDING_QT6_API Binding final : public QObject {
   void DisableAbsent();
   void ShowAgainNow();
   void CommitLater();
+  void CommitTyped();
   bool PressesKey(int key);
 
   std::unique_ptr<Inner> inner;
