@@ -24,7 +24,7 @@
 #include "DataBindingGlib/Export.h"
 
 /// GLib's own name of its main context.
-struct _GMainContext;  // NOLINT(bugprone-reserved-identifier)
+struct _GMainContext;
 
 namespace DataBinding {
 
