@@ -51,16 +51,20 @@ void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, boo
   if (!isHeldOnly) UndoDisable(name, fireHeldEvent);
 }
 
-/// Undoes one disable, be it of DisableEvent or of an EventHold.
+/// Undoes one disable, be it of DisableEvent or of an EventHold. The held event stays held while
+/// the observers are called, who may drop it or disable the name again.
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, bool fireHeldEvent) {
   const auto alive = GetWeakPtr();
-  const auto disabled = disabledEvents.find(name);
+  const VtrString kept = name;
+  const auto disabled = disabledEvents.find(kept);
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);
-  const auto held = heldEvents.extract(name);
-  TellOfDisabling(name);
-  if (alive && fireHeldEvent && !held.empty()) SendEvent(held.mapped());
+  auto held = fireHeldEvent ? decltype(heldEvents.extract(kept))() : heldEvents.extract(kept);
+  TellOfDisabling(kept);
+  if (!alive || !fireHeldEvent || IsDisable(kept)) return;
+  held = heldEvents.extract(kept);
+  if (!held.empty()) SendEvent(held.mapped());
 }
 
 /// Holds an event of a disabled name. The older event ends after the new one is in its place, since
@@ -72,11 +76,14 @@ void EventBroadcaster<Update, Threading>::HoldEvent(const VtrString& name, Event
 
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::BeginHold(const VtrString& name) {
-  const details::OneThreadVisit visit(pendingEvents->delivering);
-  auto& holds = holdCounts[name];
-  auto& disables = disabledEvents[name];
-  ++holds;
-  if (++disables == 1) TellOfDisabling(name);
+  bool isDisabledNow = false;
+  {
+    const details::OneThreadVisit visit(pendingEvents->delivering);
+    auto& holds = holdCounts[name];
+    isDisabledNow = ++disabledEvents[name] == 1;
+    ++holds;
+  }
+  if (isDisabledNow) TellOfDisabling(name);
 }
 
 template <class Update, class Threading>
@@ -113,7 +120,8 @@ void EventBroadcaster<Update, Threading>::DisableEvent(const VtrString& name) {
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::TellOfDisabling(const VtrString& name) {
   if (disablingObservers.Core() == nullptr) return;
-  Guard(name, [this, kept = name] { disablingObservers.CallAll(kept); });
+  const VtrString kept = name;
+  Guard(kept, [&] { disablingObservers.CallAll(kept); });
 }
 
 template <class Update, class Threading>

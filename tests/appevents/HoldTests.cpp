@@ -61,6 +61,21 @@ TEST_F(Holds, AllEndInAscendingOrderUntilTheBroadcasterIsReleased) {
   EXPECT_FALSE(IAppEventBroadcaster::HasInstance());
 }
 
+TEST_F(Holds, HaveTheirEventUntilTheEndOfTheNameWasTold) {
+  const Subscription told = events().ObserveDisabling([&](const VtrString& name) {
+    if (!events().IsDisable(name)) events().DisableEvent(name);
+  });
+  events().DisableEvent(moved.Name());
+  moved.Send(1);
+  events().EnableEvent(moved.Name(), true);
+  EXPECT_TRUE(events().AnyPendingDisableEvents(moved.Name()));
+  moved.Send(2);
+  const Subscription last = events().ObserveDisabling(
+      [](const VtrString&) { IAppEventBroadcaster::ReleaseInstance(false); });
+  const EventHold hold(closed);
+  EXPECT_EQ(Notes(), "");
+}
+
 TEST_F(Holds, OfAScopeEndOnceHoweverTheyAreMoved) {
   std::optional<EventHold> first(moved);
   moved.Send(1);

@@ -150,8 +150,9 @@ class DATABINDING_API EventBroadcaster {
   [[nodiscard]] bool IsDisable(const VtrString& name);
   /// Calls the callback with the name when one is disabled that was not, and when it is enabled
   /// again, before its held event is delivered, until the subscription ends. On the delivering
-  /// thread. The callback may do anything, also release the broadcaster. What it throws is treated
-  /// like a listener's, when all were called.
+  /// thread. The callback may do anything, also release the broadcaster, drop the held event, or
+  /// disable the name again, by which the event stays held. What it throws is treated like a
+  /// listener's, when all were called.
   Subscription ObserveDisabling(const RepeatingCallback<void(const VtrString& name)>& callback);
   /// True when the name is disabled and an event is held for it.
   [[nodiscard]] bool AnyPendingDisableEvents(const VtrString& name) const;
