@@ -95,7 +95,8 @@ SetResult AnyList::SetCell(std::size_t index, std::size_t field, const Value& va
 
 SetResult AnyList::SetCellText(std::size_t index, std::size_t field, const VtrString& text) {
   const ValueKind kind = FieldKind(field);
-  if (kind == ValueKind::Text || kind == ValueKind::Nothing) return SetCell(index, field, text);
+  const bool canParse = kind != ValueKind::Text && index < Size() && CanSetField(field);
+  if (!canParse) return SetCell(index, field, text);
   const details::RowField& described = Table()->fields[field];
   const auto value = details::ParseValue(kind, text, *described.type);
   if (value) return SetCell(index, field, *value);

@@ -95,7 +95,6 @@ bool AnySortedList::SortBy(std::size_t field, Order order) {
     sorting.number = [cell, order](const void* row) { return NumberOfCell(cell(row), order); };
   }
   view.SortBy(std::move(sorting));
-  isSorted = true;
   return true;
 }
 
@@ -104,15 +103,12 @@ bool AnySortedList::SortBy(const VtrString& field, Order order) {
   return number && SortBy(*number, order);
 }
 
-void AnySortedList::KeepOrderOfList() {
-  view.SortBy({});
-  isSorted = false;
-}
+void AnySortedList::KeepOrderOfList() { view.SortBy({}); }
 
 SetResult AnySortedList::MoveRows(std::size_t from, std::size_t count, std::size_t to) {
-  return isSorted ? ViewOf::MoveRows(from, count, to) : view.MoveRows(from, count, to);
+  return view.IsSorted() ? ViewOf::MoveRows(from, count, to) : view.MoveRows(from, count, to);
 }
 
-bool AnySortedList::CanMoveRows() const { return !isSorted && view.CanMoveRows(); }
+bool AnySortedList::CanMoveRows() const { return !view.IsSorted() && view.CanMoveRows(); }
 
 }  // namespace DataBinding

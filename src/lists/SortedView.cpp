@@ -103,13 +103,16 @@ void SortedView::Evaluate() noexcept {
 }
 
 /// Sorts rows that are given in the order of the list into `compared`. Returns how many are sorted;
-/// the others cannot be compared.
+/// the others cannot be compared. A comparison that changes the list may have larger arrays take
+/// the place of these; the outgrown ones are sorted to the end.
 std::size_t SortedView::Sort(std::span<const RowId> ids) noexcept {
   compared.clear();
   for (const RowId id : ids) compared.push_back({id, source->RowOf(id)});
   if (spare.size() < ids.size()) spare.resize(ids.size());
   const RowLess less(sorting.compare, node);
-  const std::size_t live = SortRows(compared, spare.data(), less, sorting.number);
+  const std::span<ComparedRow> sorted(compared);
+  const std::size_t live = SortRows(sorted, spare.data(), less, sorting.number);
+  if (compared.data() != sorted.data()) std::ranges::copy(sorted, compared.begin());
   return live == 1 && !less.Accepts(compared[0].row) ? 0 : live;
 }
 

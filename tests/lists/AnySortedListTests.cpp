@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DataBinding/lists/AnySortedList.h"
 
+#include <algorithm>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -146,6 +150,28 @@ TEST_F(AnySortedListTest, MovesRowsOfItsListWhileItShowsTheOrderOfThat) {
   FilteredList all(list, [](const Process&) { return true; });
   EXPECT_FALSE(all.CanMoveRows() || AnySortedList(all).CanMoveRows());
   EXPECT_EQ(IdsOf(list), "1 3 9 10 ");
+
+  const Subscription again = shown.Observe({.after = [&](const ListChange&) {
+    if (IdsOf(shown) == IdsOf(list)) shown.SortBy(L"Cpu");
+  }});
+  shown.KeepOrderOfList();
+  EXPECT_FALSE(shown.CanMoveRows()) << "an observer has sorted it again";
+}
+
+TEST(AnySortedList, StandsSortedThoughAComparisonHasMadeItsListLonger) {
+  ListData<Process> list;
+  list.Assign(Testing::Processes({1, 5, 3, 4, 2, 6}));
+  std::vector<int> more(100);
+  std::iota(more.begin(), more.end(), 7);
+  bool isDue = false;
+  SortedList ids(list, [&](const Process& one, const Process& other) {
+    if (std::exchange(isDue, false)) list.Insert(0, Testing::Processes(more));
+    return one.id < other.id;
+  });
+  EXPECT_EQ(IdsOf(ids), "1 2 3 4 5 6 ");
+  isDue = true;
+  list.Edit([](auto& rows) { std::ranges::reverse(rows); });
+  EXPECT_TRUE(ids.Size() == 106 && std::ranges::is_sorted(ids, {}, &Process::id));
 }
 
 TEST_F(AnySortedListTest, SetsACellByATextAsItsFieldReadsIt) {
@@ -153,6 +179,7 @@ TEST_F(AnySortedListTest, SetsACellByATextAsItsFieldReadsIt) {
   EXPECT_EQ(list.Find(10)->cpu, 0.5);
   EXPECT_FALSE(shown.SetCellText(1, 2, L"much").IsAccepted());
   EXPECT_EQ(shown.SetCellText(1, 2, L"-1").reason, L"is negative");
+  EXPECT_EQ(shown.SetCellText(4, 2, L"much").error, PropertyError::OutOfRange);
   EXPECT_TRUE(shown.CanSetField(2));
   EXPECT_FALSE(shown.CanSetField(1) || shown.CanSetField(3));
 }

@@ -45,13 +45,11 @@ class DATABINDING_API AnySortedList final : public details::ViewOf<AnyList, deta
   /// Moves rows of the list, as long as its order is shown; refuses it while the view is sorted,
   /// and while a change is told.
   SetResult MoveRows(std::size_t from, std::size_t count, std::size_t to) override;
-  /// Returns true while MoveRows would move rows of a list that may be changed.
+  /// Returns true while the order of a list is shown that lets others move its rows. MoveRows still
+  /// refuses while a change is told.
   [[nodiscard]] bool CanMoveRows() const override;
   /// Returns what is known of the rows of the list, or null while nothing is known.
   [[nodiscard]] const details::RowTable* Table() const noexcept override { return view.Table(); }
-
- private:
-  bool isSorted = false;
 };
 
 }  // namespace DataBinding

@@ -245,7 +245,8 @@ class DATABINDING_API ListNode {
   [[nodiscard]] virtual bool IsReadOnly() const { return false; }
   /// Moves rows that stand side by side; the first one stands at `to` afterwards. A list whose
   /// owner lets others change it does so, a bind to it, and an AnySortedList that shows its order.
-  /// All others refuse it, and CanMoveRows says so before.
+  /// All others refuse it, and CanMoveRows says so before. While a change is told a list lets the
+  /// move wait, and the others refuse it, whatever CanMoveRows says.
   ///@{
   virtual SetResult MoveRows(std::size_t from, std::size_t count, std::size_t to);
   [[nodiscard]] virtual bool CanMoveRows() const { return false; }

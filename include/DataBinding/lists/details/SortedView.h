@@ -52,6 +52,8 @@ class DATABINDING_API SortedView final : public ListView {
 
   /// Sorts by other functions. Waits while the family tells a change.
   void SortBy(RowSorting functions);
+  /// Returns true while the rows stand in another order than that of the list.
+  [[nodiscard]] bool IsSorted() const noexcept { return sorting.compare.GetBindState() != nullptr; }
 
  private:
   void Evaluate() noexcept override;
