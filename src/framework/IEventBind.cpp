@@ -106,6 +106,8 @@ void IEventBind::SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataCo
         dataContextBind->SubscribeToChanges([this] { OnDataContextChanged(); });
   } catch (...) {
     EndDataContextBind();
+    FirstFailure dropped;
+    dropped.Try([this] { TellChange(); });
     throw;
   }
   TellChange();

@@ -53,13 +53,17 @@ class DATABINDING_API IEventBind : public IBaseBind {
   /// Calls the callback whenever the answer of CanRaise may have become another one, until the
   /// subscription ends. The base tells when the data context's bind notifies or is replaced. The
   /// callback may do anything, also end the event bind; then no other one is called. What it throws
-  /// leaves the operation that made the change, when all were called.
+  /// leaves Connect or SetDataContextBind when all were called. Where a property, a source or a
+  /// scope has changed the data context, or the event's name was disabled or enabled, it is treated
+  /// as what a callback of these throws: a property's goes to the handler of
+  /// SetListenerFailureHandler, a disabled name's to the broadcaster's error handler, and a scope's
+  /// destructor drops it.
   virtual Subscription SubscribeToChanges(const RepeatingCallback<void()>& callback);
 
   /// Takes over the bind of the data context, and runs the callback with (this, that bind) whenever
   /// it notifies, but not now. The bind that was set before is ended; a null bind puts none in its
   /// place. If subscribing to the new bind throws, there is none either, and the exception is let
-  /// out.
+  /// out, after the callbacks of SubscribeToChanges, whose own exceptions are dropped.
   void SetDataContextBind(std::unique_ptr<Framework::IDataBind<IDataContext*>> bind,
                           DataContextCallback callback);
 
