@@ -246,14 +246,16 @@ EditState EditCore::StateNow() const {
   return base->IsReadOnly() ? EditState::ReadOnly : EditState::Clean;
 }
 
-/// Tells the state if it has changed, once nothing goes on any more.
+/// Tells the state if it has changed, or whether something is typed, once nothing goes on any more.
 void EditCore::Settle() {
   if (step != Step::None || !IsJoined()) return;
   const EditState now = StateNow();
   VtrString reason = refusal;
   if (now == EditState::Conflict && refusal.IsEmpty()) reason = WhyInConflict();
   if (now == EditState::Absent) reason = {};
-  const bool isSame = std::exchange(told, now) == now && toldReason == reason;
+  const bool isStateSame = std::exchange(told, now) == now;
+  const bool isTypedSame = std::exchange(toldTyped, isTyped) == isTyped;
+  const bool isSame = isStateSame && isTypedSame && toldReason == reason;
   toldReason = std::move(reason);
   if (!isSame) states.CallAll(now);
 }

@@ -31,9 +31,9 @@ class EditGroup::State : public std::enable_shared_from_this<State> {
   [[nodiscard]] bool IsRefused(const std::shared_ptr<EditCore>& core) const {
     return core != nullptr && refused.lock() == core;
   }
-  Subscription OnState(const RepeatingCallback<void(const bool&)>& callback) {
-    return callbacks.Add(callback);
-  }
+  Subscription OnState(const RepeatingCallback<void(const bool&)>& callback);
+  /// The group is gone, so nobody is told from now on.
+  void End() { callbacks = CallbackList<bool>(); }
   /// Tells that HasTyped has become another one.
   void Tell();
 
@@ -72,6 +72,7 @@ void EditGroup::State::Remove(const std::shared_ptr<EditCore>& core) {
 /// again as long as that goes on.
 SetResult EditGroup::State::CommitAll() {
   const auto living = Living();
+  refused.reset();
   FirstFailure failure;
   SetResult first;
   bool goesOn = true;
@@ -97,7 +98,10 @@ SetResult EditGroup::State::CheckAll() {
   SetResult first;
   refused.reset();
   for (const auto& core : Living()) {
-    if (core->HasTyped()) NoteRefusal(core, core->Judge(Purpose::Check), first);
+    if (!core->HasTyped()) continue;
+    if (core->IsBusy())
+      return {false, PropertyError::Refused, L"An edit is being committed or checked."};
+    NoteRefusal(core, core->Judge(Purpose::Check), first);
   }
   return first;
 }
@@ -118,13 +122,22 @@ EditGroup::State::Cores EditGroup::State::Living() const {
   return living;
 }
 
+/// A function that is called before it may have changed the state, and then all were told of that.
+Subscription EditGroup::State::OnState(const RepeatingCallback<void(const bool&)>& callback) {
+  if (!callback) return {};
+  return callbacks.Add([self = weak_from_this(), callback](const bool& hasTyped) {
+    const auto keep = self.lock();
+    if (keep != nullptr && keep->told == hasTyped) callback(hasTyped);
+  });
+}
+
 void EditGroup::State::Tell() {
   const bool now = HaveTyped(Living());
   if (std::exchange(told, now) != now) callbacks.CallAll(now);
 }
 
 EditGroup::EditGroup() : state(std::make_shared<State>()) {}
-EditGroup::~EditGroup() = default;
+EditGroup::~EditGroup() { state->End(); }
 
 void EditGroup::Add(const EditSession& session) {
   const auto keep = state;

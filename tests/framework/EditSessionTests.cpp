@@ -296,6 +296,23 @@ TEST_F(GroupedEdits, TellWhetherAnythingIsTyped) {
 
   EXPECT_EQ(log, "typed none ");
   EXPECT_TRUE(session->HasTyped());
+  group.Add(*session);
+  child->DeleteLocalDataSourceInstance(L"Gauge");
+  log.clear();
+  session->Revert();
+  EXPECT_EQ(Notes(), "none") << "also while there is no value";
+}
+
+TEST_F(GroupedEdits, TellNothingThatIsNotTrueAnyMore) {
+  auto both = std::make_unique<EditGroup>();
+  both->Add(*session);
+  const Subscription first =
+      both->OnState([&](bool typed) { typed ? session->Revert() : both.reset(); });
+  const Subscription second = both->OnState([&](bool typed) { log += typed ? "typed " : "none "; });
+  log.clear();
+  Type(L"4");
+
+  EXPECT_EQ(Notes(), "3");
 }
 
 TEST_F(GroupedEdits, SayWhichOfThemWasRefusedFirst) {

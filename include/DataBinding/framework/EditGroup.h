@@ -41,7 +41,8 @@ class DATABINDING_API EditGroup {
   /// window edit a draft (CopyProperties.h). Inside a commit of one of these edits, it refuses.
   SetResult CommitAll();
   /// Says whether each edit for itself would be accepted now, answers the first refusal, and sets
-  /// nothing. CommitAll may accept an edit that is refused here, once another one is filed.
+  /// nothing. CommitAll may accept an edit that is refused here, once another one is filed. Inside
+  /// a commit or check of one of these edits, it refuses.
   [[nodiscard]] SetResult CheckAll();
   /// Reverts all edits.
   void RevertAll();
@@ -53,7 +54,8 @@ class DATABINDING_API EditGroup {
   /// Calls the function with HasTyped when that has changed, until the subscription or the group
   /// ends, so that a button can follow it. Nobody is told when a session ends that has something
   /// typed; that is told with the next change of any session. The function may do anything, also
-  /// end the group. What it throws leaves the operation of the session.
+  /// end the group. Where it changes HasTyped, all are told of that, and those behind it do not
+  /// hear of the former answer. What it throws leaves the operation of the session.
   Subscription OnState(const RepeatingCallback<void(const bool& hasTyped)>& callback);
 
  private:

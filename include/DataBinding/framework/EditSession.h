@@ -74,10 +74,10 @@ class DATABINDING_API EditSession {
   /// Returns true while the widget holds something that was typed and is neither filed nor
   /// reverted, and the bind has not ended.
   [[nodiscard]] bool HasTyped() const noexcept;
-  /// Calls the function when the state or its reason has changed, until the subscription or the
-  /// session ends. The function may do anything, also end the session. Where it changes the state,
-  /// all are told of that, and those behind it do not hear of the former state. What it throws
-  /// leaves the operation in the end.
+  /// Calls the function when the state, its reason or HasTyped has changed, until the subscription
+  /// or the session ends. So it may be called with Absent again. The function may do anything, also
+  /// end the session. Where it changes the state, all are told of that, and those behind it do not
+  /// hear of the former state. What it throws leaves the operation in the end.
   Subscription OnState(const RepeatingCallback<void(const EditState&)>& callback);
 
   /// The user has changed what the widget holds. What equals the form that was written last is no

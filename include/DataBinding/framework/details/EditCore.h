@@ -54,6 +54,8 @@ class DATABINDING_API EditCore : public std::enable_shared_from_this<EditCore> {
   [[nodiscard]] EditState State() const noexcept;
   [[nodiscard]] VtrString Reason() const { return IsJoined() ? toldReason : VtrString(); }
   [[nodiscard]] bool HasTyped() const noexcept { return isTyped && IsJoined(); }
+  /// Returns true while an operation goes on, so that no other one is done.
+  [[nodiscard]] bool IsBusy() const noexcept { return step != Step::None; }
   Subscription OnState(const RepeatingCallback<void(const EditState&)>& callback);
   void Typed();
   /// Reads the widget for a purpose, and asks again about what is refused from then on.
@@ -157,6 +159,7 @@ class DATABINDING_API EditCore : public std::enable_shared_from_this<EditCore> {
   std::uint64_t record = 0;  // the one that the widget shows, or was told to be absent
   bool isAbsent = true;
   bool isTyped = false;
+  bool toldTyped = false;
 };
 
 }  // namespace DataBinding::details
