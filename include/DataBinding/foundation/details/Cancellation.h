@@ -20,8 +20,13 @@
     throw;                              \
   }
 /// Marks a function that uses the macro above. The runtime deliberately throws the exception of a
-/// cancellation without an object, and the sanitizer would report the null reference in the catch.
+/// cancellation without an object, and the sanitizer would report the null reference in the catch;
+/// in a function into which this one is inlined it does so all the same.
+#if defined(__SANITIZE_ADDRESS__)
+#define DATABINDING_CATCHES_CANCELLATION __attribute__((no_sanitize("null"), noinline))
+#else
 #define DATABINDING_CATCHES_CANCELLATION __attribute__((no_sanitize("null")))
+#endif
 #else
 #define DATABINDING_PASS_CANCELLATION
 #define DATABINDING_CATCHES_CANCELLATION
