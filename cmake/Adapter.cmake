@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# What all adapters have in common: an adapter is a library of its own beside DataBinding, with a
-# component of the CMake package, a pkg-config file and Debian packages of its own.
+# Builds and installs adapters. Each is a library of its own beside DataBinding, with a component of
+# the CMake package, a pkg-config file and Debian packages of its own.
 
 # databinding_adapter(<target> <component> SUMMARY text FIND dependency... PKGCONFIG module... DEBIAN
 # package...)

@@ -9,7 +9,7 @@
 
 #include "AddressBook.h"
 
-/// What one window shows of the book.
+/// A View is the part of the book that one window shows, and the text it is searched for.
 struct View : DataBinding::NamedDataSource {
   explicit View(AddressBook& shownBook) : NamedDataSource(L"View"), book(shownBook) {}
   [[nodiscard]] bool Holds(const Contact& each) const;

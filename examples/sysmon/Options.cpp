@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
 #include <string>
 #include <string_view>
 
@@ -60,6 +63,18 @@ constexpr option known[] = {{"interval", required_argument, nullptr, 'i'},
                             {nullptr, 0, nullptr, 0}};
 
 }  // namespace
+
+int RunProgram(int (*program)(int, char**), int count, char** arguments) {
+  try {
+    return program(count, arguments);
+  } catch (const UsageError& error) {
+    std::cerr << "sysmon: " << error.what() << "\nTry 'sysmon --help'.\n";
+    return 2;
+  } catch (const std::exception& error) {
+    std::cerr << "sysmon: " << error.what() << '\n';
+    return EXIT_FAILURE;
+  }
+}
 
 Options ParseOptions(int count, char** arguments) {
   Options options;

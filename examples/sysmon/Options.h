@@ -30,6 +30,10 @@ class UsageError : public std::runtime_error {
 
 extern const char usageText[];
 
+/// Runs a program, and answers its exit code. Where it throws, the reason is printed; a UsageError
+/// ends with 2.
+[[nodiscard]] int RunProgram(int (*program)(int, char**), int count, char** arguments);
+
 /// Throws UsageError.
 [[nodiscard]] Options ParseOptions(int count, char** arguments);
 

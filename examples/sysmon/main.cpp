@@ -11,7 +11,6 @@
 /// Start reading at model/Events.h, then model/MachineSources.h, view/Watch.h and view/Table.h.
 #include <clocale>
 #include <cstdlib>
-#include <exception>
 #include <iostream>
 #include <stdexcept>
 
@@ -109,13 +108,5 @@ int Main(int count, char** arguments) {
 
 int main(int count, char** arguments) {
   std::setlocale(LC_CTYPE, "");  // NOLINT(concurrency-mt-unsafe): one thread
-  try {
-    return Sysmon::Main(count, arguments);
-  } catch (const Sysmon::UsageError& error) {
-    std::cerr << "sysmon: " << error.what() << "\nTry 'sysmon --help'.\n";
-    return 2;
-  } catch (const std::exception& error) {
-    std::cerr << "sysmon: " << error.what() << '\n';
-    return EXIT_FAILURE;
-  }
+  return Sysmon::RunProgram(&Sysmon::Main, count, arguments);
 }

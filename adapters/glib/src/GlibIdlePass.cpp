@@ -20,7 +20,8 @@ namespace {
 
 constexpr gint64 notReady = -1;
 
-/// What GLib knows of a pass, which may end while it is dispatched.
+/// A PassSource is the object by which GLib knows a pass. It outlives a pass that ends while it is
+/// dispatched.
 struct PassSource {
   GSource base;
   void* pass;

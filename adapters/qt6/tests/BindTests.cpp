@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What kinds of widgets do by themselves, and bindings with windows.
+// These tests concern single kinds of widgets, and windows that hold bound widgets.
 #include "DataBindingQt6/widgets/Bind.h"
 
 #include <QAction>

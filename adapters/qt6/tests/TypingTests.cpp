@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What becomes of a text between the first key and its end.
+// These tests follow a text from the first key until it is filed, reverted or undone.
 #include <QLineEdit>
 #include <QPlainTextEdit>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What all kinds of widgets do alike.
+// These tests hold for each row of the table in WidgetKinds.h.
 
 #include <gtest/gtest.h>
 

@@ -68,13 +68,5 @@ int Main(int count, char** arguments) {
 }  // namespace Sysmon
 
 int main(int count, char** arguments) {
-  try {
-    return Sysmon::Main(count, arguments);
-  } catch (const Sysmon::UsageError& error) {
-    std::cerr << "sysmon: " << error.what() << "\nTry 'sysmon --help'.\n";
-    return 2;
-  } catch (const std::exception& error) {
-    std::cerr << "sysmon: " << error.what() << '\n';
-    return EXIT_FAILURE;
-  }
+  return Sysmon::RunProgram(&Sysmon::Main, count, arguments);
 }

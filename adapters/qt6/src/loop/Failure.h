@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What the log and the signals say of an exception.
+/// These functions word exceptions for Qt's log and for the signal `failed`.
 #pragma once
 
 #include <QLoggingCategory>

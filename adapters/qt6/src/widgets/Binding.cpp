@@ -96,7 +96,7 @@ struct Binding::Inner {
   /// Says whether the user may edit the widget now. Qt tells a widget that it loses the focus even
   /// in the destructor of QWidget.
   [[nodiscard]] bool HearsEdits() const { return session && !*isWriting && ops.isWhole(widget); }
-  /// What is called here may end the widget, and all of this with it.
+  /// Disabling a part moves the focus, and a slot of that may end the widget with all of this.
   void Allow(Dress::Use use) {
     const QPointer<QObject> alive(&widget);
     for (std::size_t i = 0; alive && i < dresses.size(); ++i) dresses[i].Allow(use);
@@ -349,7 +349,7 @@ bool Binding::PressesKey(int key) {
   return !alive;
 }
 
-/// What is called here may end the widget, since a widget that is disabled loses the focus.
+/// Each step may end the widget: a widget that is disabled loses the focus, and slots hear of that.
 void Binding::ShowState() {
   if (!inner->session) return;
   const QPointer<Binding> alive(this);
@@ -365,7 +365,7 @@ void Binding::ShowState() {
   if (alive) Q_EMIT stateChanged(state);
 }
 
-/// What was typed can still be reverted, for which the widget needs its keys.
+/// A widget in which something is typed stays enabled, since Escape is to revert it.
 void Binding::DisableAbsent() {
   if (State() == EditState::Absent && !HasTyped()) inner->Allow(Dress::Use::Nothing);
 }

@@ -2,10 +2,10 @@
 /// SpinEdits tells a binding which changes of a spin box the user has made. The box itself
 /// announces all of them alike, also those of the program and of a range that has become narrower.
 ///
-/// What is typed, the line edit within the box announces. Everything else that the user does begins
+/// The line edit within the box announces typed text. Everything else that the user does begins
 /// with an event of the box: a key, a turn of the wheel, a press on an arrow, the timer that
-/// repeats it, the menu. What changes before control has returned to the loop is taken for the
-/// user's.
+/// repeats it, the menu. A change that comes before control has returned to the loop is taken for
+/// the user's.
 #pragma once
 
 #include <QAbstractSpinBox>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/// What kinds of widgets share that hold a line edit.
+/// These functions are shared by all kinds of widgets that hold a line edit.
 #pragma once
 
 #include <QLineEdit>

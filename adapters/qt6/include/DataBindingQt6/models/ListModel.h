@@ -7,8 +7,8 @@
 /// and the model emits `refused` with the reason. Numbers stand on the right, and a function of the
 /// column gives the cells other texts, colours and so on.
 ///
-/// What is typed in the editor of a cell is overwritten when the cell changes meanwhile; a form by
-/// Bind keeps it.
+/// A change of a cell overwrites the text in an editor that is open there; a widget that is bound
+/// by Bind keeps its text.
 ///
 /// Views sort the model by its headers (`setSortingEnabled`) without a proxy and without touching
 /// the list, and `sort(-1)` shows the list's order again. In that order rows are dragged to other

@@ -9,8 +9,8 @@
 /// a property is edited needs no BindEnabled for that: Bind disables it where there is nothing to
 /// edit.
 ///
-/// What is joined belongs to the widget and ends with it. Joining the same once more takes the
-/// place of the former. A null widget is ignored. A widget that is shown by BindVisible should have
+/// The join belongs to the widget and ends with it. A second join of the same kind takes the place
+/// of the first. A null widget is ignored. A widget that is shown by BindVisible should have
 /// its parent before, since a widget without one is shown as a window.
 ///
 ///   Qt6::BindEnabled(port, L"Server", L"IsManual");

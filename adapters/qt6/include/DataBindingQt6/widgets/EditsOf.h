@@ -6,8 +6,8 @@
 /// or put into the window. Docks that float belong to the window, dialogues are windows of their
 /// own. Any widget will do in place of a window; then the edits are those within it.
 ///
-/// What is typed in a cell of a table belongs to the table; give the table the focus before, which
-/// finishes it.
+/// The editor of a table's cell is not among them; give the table the focus first, which finishes
+/// that editor.
 ///
 ///   void Editor::closeEvent(QCloseEvent* event) {
 ///     event->setAccepted(Qt6::EditsOf(this).CommitAll().IsAccepted());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// A WidgetForm tells how what a widget holds becomes a Value and is made of one.
 ///
-/// What a widget holds is a number, a truth value, a text, a choice, a date, a time, or any type
+/// A widget holds a number, a truth value, a text, a choice, a date, a time, or any type
 /// that has a form (ValueForm.h). `Fits` says of which kinds of properties it can show the values,
 /// `asText` that it shows the texts of values of any kind.
 #pragma once
