@@ -56,7 +56,8 @@ void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, boo
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, bool fireHeldEvent) {
   const auto alive = GetWeakPtr();
-  const VtrString kept = name;
+  // An observer may end the text of the caller.
+  const VtrString kept = name;  // NOLINT(performance-unnecessary-copy-initialization)
   const auto disabled = disabledEvents.find(kept);
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);

@@ -36,8 +36,10 @@ constexpr bool HasReason(EditState state) {
   return state == EditState::Refused || state == EditState::Conflict;
 }
 
-/// Runs a step that Qt has called, into which nothing may be thrown.
+/// Runs a step that Qt has called, into which nothing may be thrown. The step may end the bind
+/// whose name this is, so the name is a copy.
 template <class Step>
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void Guard(VtrString property, Step step) {
   try {
     step();
