@@ -56,15 +56,14 @@ void EventBroadcaster<Update, Threading>::EnableEvent(const VtrString& name, boo
 template <class Update, class Threading>
 void EventBroadcaster<Update, Threading>::UndoDisable(const VtrString& name, bool fireHeldEvent) {
   const auto alive = GetWeakPtr();
-  // An observer may end the text of the caller.
-  const VtrString kept = name;  // NOLINT(performance-unnecessary-copy-initialization)
+  const VtrString kept = name;  // NOLINT(performance-unnecessary-copy-initialization): it may end
   const auto disabled = disabledEvents.find(kept);
   if (disabled == disabledEvents.end() || --disabled->second > 0) return;
   disabledEvents.erase(disabled);
-  auto held = fireHeldEvent ? decltype(heldEvents.extract(kept))() : heldEvents.extract(kept);
-  TellOfDisabling(kept);
+  if (!fireHeldEvent) static_cast<void>(heldEvents.extract(kept));
+  if (alive) TellOfDisabling(kept);
   if (!alive || !fireHeldEvent || IsDisable(kept)) return;
-  held = heldEvents.extract(kept);
+  const auto held = heldEvents.extract(kept);
   if (!held.empty()) SendEvent(held.mapped());
 }
 
