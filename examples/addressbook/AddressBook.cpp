@@ -9,6 +9,8 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -19,9 +21,8 @@ VtrString WhyNoName(const VtrString& text) {
 }
 
 VtrString WhyNoPhone(const VtrString& text) {
-  const bool isRight = std::ranges::all_of(std::wstring_view(text), [](wchar_t each) {
-    return std::wstring_view(L"0123456789 +-()/").find(each) != std::wstring_view::npos;
-  });
+  const std::wstring_view allowed = L"0123456789 +-()/";
+  const bool isRight = std::wstring_view(text).find_first_not_of(allowed) == allowed.npos;
   return isRight ? L"" : L"A phone number has digits, blanks and + - ( ) / only.";
 }
 
@@ -30,36 +31,22 @@ VtrString WhyNoEmail(const VtrString& text) {
   return isRight ? L"" : L"An address has one @.";
 }
 
-namespace {
-
-VtrString WhyRefused(const Contact& contact) {
-  for (const VtrString& reason :
-       {WhyNoName(contact.name), WhyNoPhone(contact.phone), WhyNoEmail(contact.email)}) {
-    if (!reason.IsEmpty()) return reason;
-  }
-  return {};
+static Contact ContactIn(const nlohmann::json& at, int id) {
+  const auto text = [&](const char* key) { return VtrString::FromUtf8(at.value(key, "")); };
+  return {id, text("name"), text("phone"), text("email"), text("city"), at.value("friend", false)};
 }
 
-Contact ContactIn(const nlohmann::json& from, int id) {
-  const auto text = [&](const char* name) {
-    return VtrString::FromUtf8(from.value(name, std::string()));
-  };
-  return {
-      id, text("name"), text("phone"), text("email"), text("city"), from.value("friend", false)};
-}
-
-}  // namespace
-
-VtrString AddressBook::Add(Contact contact) {
-  VtrString reason = WhyRefused(contact);
-  if (!reason.IsEmpty()) return reason;
+VtrString AddressBook::Put(Contact contact) {
+  const SetResult checked = contacts.CheckRow(contact);
+  if (!checked.IsAccepted()) return checked.reason;
+  if (contact.id != 0)
+    return contacts.Update(contact.id, [&](Contact& row) { row = contact; }).text;
   contact.id = ++lastId;
-  return contacts.Insert(contacts.Size(), std::move(contact)).reason;
+  return contacts.Insert(contacts.Size(), std::move(contact)).text;
 }
 
 void AddressBook::AddMany(int count) {
-  static constexpr std::array first{L"Ada",   L"Bruno", L"Clara", L"Emma",
-                                    L"Farid", L"Hugo",  L"Ines"};
+  static constexpr std::array first{L"Ada", L"Bruno", L"Clara", L"Emma", L"Farid", L"Hugo"};
   static constexpr std::array last{L"Amsel", L"Berger", L"Dorn", L"Fischer", L"Hansen", L"Jung"};
   static constexpr std::array city{L"Aachen", L"Bergen", L"Como", L"Delft", L"Essen", L"Graz"};
   std::mt19937 random(static_cast<unsigned>(lastId));
@@ -80,12 +67,12 @@ void AddressBook::Remove(std::span<const RowId> ids) {
   removed.clear();
   std::set<int> going;
   for (const RowId id : ids) {
-    going.insert(contacts.RowAt(id).id);
-    removed.emplace_back(*contacts.IndexOf(id), contacts.RowAt(id));
+    const Contact& contact = contacts.RowAt(id);
+    going.insert(contact.id);
+    removed.emplace(*contacts.IndexOf(id), contact);
   }
-  std::ranges::sort(removed, {}, [](const auto& each) { return each.first; });
-  contacts.Edit([&going](std::vector<Contact>& rows) {
-    std::erase_if(rows, [&going](const Contact& row) { return going.contains(row.id); });
+  contacts.Edit([&](std::vector<Contact>& rows) {
+    std::erase_if(rows, [&](const Contact& row) { return going.contains(row.id); });
   });
   canUndo.Set(true);
 }
@@ -109,7 +96,7 @@ VtrString AddressBook::Load(const std::filesystem::path& path) {
   try {
     for (const auto& each : nlohmann::json::parse(text).get<std::vector<nlohmann::json>>()) {
       read.push_back(ContactIn(each, lastId + number));  // no number comes again
-      const VtrString reason = WhyRefused(read.back());
+      const VtrString reason = contacts.CheckRow(read.back()).reason;
       if (!reason.IsEmpty()) return VtrString().Format(L"Contact %d: %s", number, reason);
       ++number;
     }

@@ -4,9 +4,8 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <span>
-#include <utility>
-#include <vector>
 
 #include <DataBinding/DataBinding.h>
 
@@ -34,8 +33,9 @@ class AddressBook : public DataBinding::NamedDataSource {
  public:
   AddressBook() : NamedDataSource(L"AddressBook") {}
 
-  /// Adds a contact under a number of its own. Answers why not, or nothing.
-  DataBinding::VtrString Add(Contact contact);
+  /// Puts a contact in the place of the one of its number, or adds it under a number of its own
+  /// where it has none. Answers why not, or nothing.
+  DataBinding::VtrString Put(Contact contact);
   void AddMany(int count);
   void Remove(std::span<const DataBinding::RowId> ids);
   void UndoRemoval();
@@ -50,5 +50,5 @@ class AddressBook : public DataBinding::NamedDataSource {
 
  private:
   int lastId = 0;
-  std::vector<std::pair<std::size_t, Contact>> removed;
+  std::map<std::size_t, Contact> removed;  // by their places
 };

@@ -1,38 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Window.h"
 
-#include <algorithm>
-#include <cwctype>
-#include <memory>
-#include <string_view>
-#include <utility>
-
 using namespace DataBinding;
 
-namespace {
-
-bool IsSame(wchar_t one, wchar_t other) {
-  return std::towlower(static_cast<std::wint_t>(one)) ==
-         std::towlower(static_cast<std::wint_t>(other));
-}
-
-/// A row that is in no book yet, as a source of the dialogue's scope.
-struct Draft {
-  explicit Draft(IDataSourceProvider& outer) : scope(outer.CreateDataSourceProvider(L"", nullptr)) {
-    rows.Insert(0, Contact());
-    chosen.ChooseKey(0);
-  }
-  DataSourceProviderPtr scope;
-  ListData<Contact> rows;
-  Selection<Contact> chosen{rows};
-  CurrentRow<Contact> source{scope.get(), L"Draft", chosen};
-};
-
 /// Adds the fields of a contact, bound to the source of that name.
-void AddFields(QFormLayout* form, const VtrString& source) {
+static void AddFields(QFormLayout* form, const VtrString& source) {
   auto* hint = new QLabel;
   hint->setObjectName("hint");
-  hint->setWordWrap(true);
   for (const auto* field : {L"Name", L"Phone", L"Email", L"City"}) {
     auto* edit = new QLineEdit;
     form->addRow(QString::fromWCharArray(field), edit);
@@ -44,13 +18,9 @@ void AddFields(QFormLayout* form, const VtrString& source) {
   Qt6::Bind(isFriend, source, L"Friend");
 }
 
-}  // namespace
-
 bool View::Holds(const Contact& each) const {
   const VtrString all = each.name + L"\n" + each.phone + L"\n" + each.email + L"\n" + each.city;
-  const std::wstring_view text = all;
-  const std::wstring_view part = *search;
-  return std::search(text.begin(), text.end(), part.begin(), part.end(), IsSame) != text.end();
+  return Qt6::ToQString(all).contains(Qt6::ToQString(*search), Qt::CaseInsensitive);
 }
 
 VtrString View::Count() const {
@@ -64,6 +34,7 @@ Window::Window(AddressBook& shownBook, IDataSourceProvider& root)
       view(Emplace<View>(*scope, shownBook)),
       chosen(book.contacts),
       current(scope.get(), L"Contact", chosen),
+      draft(scope.get(), L"Draft", drafted),
       model(view.shown, {{L"Name"}, {L"Phone"}, {L"Email"}, {L"City"}, {L"Friend"}}) {
   Qt6::SetScope(this, scope.get());
   setWindowTitle("Address book");
@@ -78,12 +49,8 @@ Window::Window(AddressBook& shownBook, IDataSourceProvider& root)
   table->setSortingEnabled(true);
   table->sortByColumn(0, Qt::AscendingOrder);
   table->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table->setAlternatingRowColors(true);
-  table->setShowGrid(false);
-  table->setWordWrap(false);
   table->verticalHeader()->hide();
   table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-  table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   auto* parts = new QSplitter;
   parts->addWidget(table);
   parts->addWidget(MakeCard());
@@ -96,16 +63,15 @@ Window::Window(AddressBook& shownBook, IDataSourceProvider& root)
 
 void Window::AddToolBar() {
   auto* bar = addToolBar("Contacts");
-  bar->setMovable(false);
   const auto add = [&](const char* text, auto act) {
     return bar->addAction(text, this, [this, act] {
       table->setFocus();  // which finishes what is typed in a cell
       if (Qt6::EditsOf(this).CommitAll().IsAccepted()) act();
     });
   };
-  add("Add", [this] { Ask(true); });
+  add("Add", [this] { Ask({}); });
   add("Edit", [this] {
-    if (chosen.CurrentId()) Ask(false);
+    if (const auto id = chosen.CurrentId()) Ask(book.contacts.RowAt(*id));
   });
   add("Remove", [this] { book.Remove(chosen.Ids()); });
   Qt6::BindEnabled(add("Undo", [this] { book.UndoRemoval(); }), L"AddressBook", L"CanUndo");
@@ -134,9 +100,7 @@ void Window::AddToolBar() {
 QWidget* Window::MakeCard() {
   auto* card = new QFrame;
   card->setObjectName("card");
-  card->setMinimumWidth(310);
   auto* form = new QFormLayout(card);
-  form->setContentsMargins(20, 20, 20, 20);
   auto* name = new QLabel;
   name->setObjectName("name");
   form->addRow(name);
@@ -145,27 +109,21 @@ QWidget* Window::MakeCard() {
   return card;
 }
 
-/// Has a draft edited: a new contact, or a copy of the current one. Where it is refused, the reason
-/// is said and the dialogue stays.
-void Window::Ask(bool isNew) {
+/// Has a copy of a contact edited, or a new contact, which has no number yet. Where it is refused,
+/// the reason is said and the dialogue stays.
+void Window::Ask(const Contact& contact) {
+  drafts.Assign({contact});
+  drafted.ChooseKey(contact.id);
   auto* dialogue = new QDialog(this);
   dialogue->setAttribute(Qt::WA_DeleteOnClose);
-  const auto draft = std::make_shared<Draft>(*scope);
-  const auto edited = chosen.CurrentId();
-  if (!isNew) CopyProperties(current.Source(), draft->source.Source());
-  Qt6::SetScope(dialogue, draft->scope.get());
   auto* form = new QFormLayout(dialogue);
   AddFields(form, L"Draft");
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   form->addRow(buttons);
   connect(buttons, &QDialogButtonBox::rejected, dialogue, &QDialog::reject);
-  connect(buttons, &QDialogButtonBox::accepted, dialogue, [=, this] {
+  connect(buttons, &QDialogButtonBox::accepted, dialogue, [this, dialogue] {
     if (!Qt6::EditsOf(dialogue).CommitAll().IsAccepted()) return;
-    const bool isSame = isNew || chosen.CurrentId() == edited;
-    const VtrString reason = !isSame ? VtrString(L"The contact has gone.")
-                             : isNew
-                                 ? book.Add(draft->rows[0])
-                                 : CopyProperties(draft->source.Source(), current.Source()).text;
+    const VtrString reason = book.Put(drafts[0]);
     reason.IsEmpty() ? dialogue->accept() : Say(reason);
   });
   dialogue->open();

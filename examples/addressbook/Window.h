@@ -36,7 +36,7 @@ class Window : public QMainWindow {
  private:
   void AddToolBar();
   QWidget* MakeCard();
-  void Ask(bool isNew);
+  void Ask(const Contact& contact);
   void Say(const DataBinding::VtrString& reason);
 
   AddressBook& book;
@@ -45,6 +45,12 @@ class Window : public QMainWindow {
   View& view;
   DataBinding::Selection<Contact> chosen;
   DataBinding::CurrentRow<Contact> current;
+  /// The contact that a dialogue edits, as a source of the window's scope.
+  ///@{
+  DataBinding::ListData<Contact> drafts;
+  DataBinding::Selection<Contact> drafted{drafts};
+  DataBinding::CurrentRow<Contact> draft;
+  ///@}
   DataBinding::Qt6::ListModel model;
   QTableView* table = new QTableView;
 };

@@ -7,27 +7,13 @@
 
 using namespace DataBinding;
 
-static constexpr const char* style = R"(
-QMainWindow, QDialog, #card, QToolBar { background: #ffffff; border: none; }
-QToolBar { border-bottom: 1px solid #dde2e7; padding: 8px; }
-QToolButton { padding: 5px 9px; border-radius: 5px; }
-QToolButton:hover { background: #e6eef8; }
-QLineEdit { padding: 5px 8px; border: 1px solid #c6ced6; border-radius: 5px; }
-QLineEdit:focus { border-color: #2d77d6; }
-QLineEdit[refused="true"] { border-color: #c4342b; background: #fdf0ef; }
-QTableView { border: none; alternate-background-color: #f6f8fa; }
-QTableView { selection-background-color: #d5e6fb; selection-color: #10253c; }
-QHeaderView::section { background: #eaeef2; color: #4b5966; border: none; padding: 7px; }
-#name { font-size: 21px; font-weight: 600; }
-#hint { color: #c4342b; })";
-
 int main(int argc, char** argv) {
   const QString shot = argc > 2 && argv[argc - 2] == QString("--shot") ? argv[argc - 1] : "";
   if (!shot.isEmpty() && !qEnvironmentVariableIsSet("DISPLAY"))
     qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication application(argc, argv);
   QApplication::setStyle("fusion");
-  application.setStyleSheet(style);
+  application.setStyleSheet("file:///:/style.qss");
   Qt6::Install();
   const Qt6::QtIdlePass pass;
   DataSourceProvider root(nullptr, L"", nullptr);

@@ -213,11 +213,10 @@ SetResult ListEngine::PlanChange(ListOperation& operation, RowId row, const RowE
   if (differing == 0) operation.DropLastChange();
   operation.AddFields(differing);
   const bool isAsked = differing != 0 && edit.Purpose() != RowEdit::Aim::PutBack;
-  return isAsked ? ReasonAgainst(others.Row(other), differing) : SetResult();
+  return isAsked ? CheckRow(others.Row(other), differing) : SetResult();
 }
 
-/// Asks the validators of the fields that differ.
-SetResult ListEngine::ReasonAgainst(const void* row, std::uint64_t fields) const {
+SetResult ListEngine::CheckRow(const void* row, std::uint64_t fields) const {
   for (const RowField& field : storage.Table().fields) {
     if ((fields & RowTable::BitOf(field.number)) == 0) continue;
     const VtrString reason = field.reasonAgainst(field, row);

@@ -129,6 +129,8 @@ TEST(List, SaysWhyACellIsNotSet) {
        "it."},
       {list.SetCell(0, L"Cpu", -1.0),
        "Field \"Cpu\" of list \"without name\" refuses the value: is negative"},
+      {list.CheckRow({3, L"new", -1.0}),
+       "Field \"Cpu\" of list \"without name\" refuses the value: is negative"},
       {list.SetCell(0, L"Id", 2),
        "Field \"Id\" of list \"without name\" refuses the value: another row has the key 2"},
       {list.Update(7, [](Process&) {}), "List \"without name\" has no row with the key 7."},

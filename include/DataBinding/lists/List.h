@@ -26,6 +26,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <ranges>
 #include <span>
@@ -115,6 +116,13 @@ class ListData : public details::ListStorage<Row> {
     });
     std::forward<Change>(change)(rows);
     return Assign(std::move(rows));
+  }
+
+  /// Asks the validators of all fields about a row, and answers the first refusal. Insert, Assign
+  /// and Edit are for the owner of the list and do not ask, so rows that come from a file or from a
+  /// user are checked by this before.
+  [[nodiscard]] SetResult CheckRow(const Row& row) const {
+    return this->engine.CheckRow(&row, ~std::uint64_t{0});
   }
 
   /// Does what UpdateAt does, for the row of an id.

@@ -71,6 +71,8 @@ class DATABINDING_API ListEngine {
   SetResult UpdateKeys(std::span<const void* const> keys, const RowEdit& edit);
   SetResult UpdateAt(std::size_t index, const RowEdit& edit);
   ///@}
+  /// Asks the validators of those fields of a row whose bits are set.
+  [[nodiscard]] SetResult CheckRow(const void* row, std::uint64_t fields) const;
   /// Calls a function with each row, in order, as the list will be when all that waits is done.
   void VisitComing(const RowEdit& visit);
 
@@ -143,7 +145,6 @@ class DATABINDING_API ListEngine {
   SetResult PlanChanges(ListOperation& operation, const State& state, std::span<const RowId> rows,
                         const RowEdit& edit);
   SetResult PlanChange(ListOperation& operation, RowId row, const RowEdit& edit);
-  [[nodiscard]] SetResult ReasonAgainst(const void* row, std::uint64_t fields) const;
   [[nodiscard]] SetResult ReasonAgainstKeys(const State& state,
                                             const ListOperation& operation) const;
   void ReportDoubles() const;
