@@ -82,6 +82,7 @@ void EditCore::TakeIfPresent() {
 
 /// An edit that cannot be read, because that throws, is an edit all the same.
 void EditCore::Typed() {
+  isTypedAnew = step == Step::Setting || step == Step::SettingAndChanged;
   if (step != Step::None || !IsJoined()) return;
   isTyped = true;
   Do([this] {
@@ -149,8 +150,10 @@ bool EditCore::IsInConflict() {
 }
 
 /// Sets the edit and shows what has become of it. A bind that throws may have changed all the same.
+/// What the user types in a listener of the bind, which may run an event loop, is the next edit.
 SetResult EditCore::Set() {
   SetResult result;
+  isTypedAnew = false;
   FirstFailure failure;
   step = Step::Setting;
   const bool hasReturned = failure.Try([&] { result = SetParsed(); });
@@ -158,6 +161,10 @@ SetResult EditCore::Set() {
   const bool isTaken =
       hasReturned ? result.IsAccepted() : isChanged && IsJoined() && IsPresentAsParsed();
   if (isTaken) ForgetTyped();
+  if (isTaken && isTypedAnew && IsJoined()) {
+    NoteReadAsShown(true);
+    isTyped = true;
+  }
   // A change that waits is shown when it is told.
   if (isTaken && result.waits && !isChanged) {
     NoteReadAsShown(true);

@@ -35,6 +35,7 @@ void RowSource::PostConstruct() {
     ofList = list->ObserveChanges(BindWeak(self, &RowSource::FollowList));
   }
   shown = chosen->CurrentId();
+  numbered = shown;
 }
 
 bool RowSource::FindInterfaceByIID(const GUID& id, void** out) {
@@ -49,6 +50,12 @@ std::optional<RowId> RowSource::ShownId() const noexcept {
   const AnySelection* const selection = chosen.Get();
   if (selection == nullptr || selection->List() == nullptr) return std::nullopt;
   return holds == 0 ? selection->CurrentId() : held;
+}
+
+std::uint64_t RowSource::Serial() const noexcept {
+  const auto now = ShownId();
+  if (std::exchange(numbered, now) != now) ++serial;
+  return serial;
 }
 
 const void* RowSource::ShownRow() const noexcept {
@@ -81,7 +88,7 @@ void RowSource::FollowSelection() {
   if (holds != 0) return;
   const auto now = chosen ? chosen->CurrentId() : std::nullopt;
   if (std::exchange(shown, now) == now) return;
-  ++serial;
+  static_cast<void>(Serial());
   AnnounceFields(~std::uint64_t{0});
 }
 

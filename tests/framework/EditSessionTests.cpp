@@ -211,6 +211,19 @@ TEST_F(Edits, TellEachStateToAllThatAreStillThere) {
   EXPECT_EQ(told, 2);
 }
 
+/// A listener that runs an event loop, so that the user goes on typing.
+TEST_F(Edits, ThatAreTypedWhileOneIsSetAreTheNextOnes) {
+  Type(L"1");
+  Subscription typing = bind->SubscribeToChanges([this](Framework::BindChange) { Type(L"12"); });
+  EXPECT_TRUE(session->Commit().changed);
+  typing.Cancel();
+
+  EXPECT_EQ(*gauge->Level, 1);
+  EXPECT_EQ(session->State(), EditState::Typed);
+  EXPECT_TRUE(session->Commit().changed);
+  EXPECT_EQ(*gauge->Level, 12);
+}
+
 TEST_F(Edits, KnowTheirOwnValueInAnotherForm) {
   Type(L"007");
   EXPECT_TRUE(session->Commit().changed);

@@ -2,11 +2,13 @@
 #include "DataBinding/lists/CurrentRow.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "../support/Scopes.h"
 #include "DataBinding/framework/DataBind.h"
+#include "DataBinding/framework/EditSession.h"
 #include "DataBinding/framework/TwoWay.h"
 #include "DataBinding/lists/List.h"
 #include "DataBinding/lists/SortedList.h"
@@ -177,6 +179,28 @@ TEST_F(CurrentRows, ShowAnEditThatHadToWaitWhenItIsMade) {
   list->Update(2, [](Guest& guest) { guest.seats = 6; });
   EXPECT_EQ(box, L"8");
   EXPECT_EQ((*list)[0].seats, 8);
+}
+
+/// An observer of the selection that is told before the current row may save the form.
+TEST_F(CurrentRows, TakeNoEditThatWasTypedForTheFormerRow) {
+  std::optional<EditSession> edit;
+  const auto save = [&] {
+    if (edit) edit->Commit();
+  };
+  const Subscription saved = chosen->Observe({.changed = save});
+  const CurrentRow<Guest> later(child.get(), L"Later", *chosen);
+  chosen->ChooseKey(1);
+  Framework::DataBind<VtrString> shown(child.get(), L"Later", L"Name");
+  VtrString text;
+  edit.emplace(
+      shown, [&] { return text; }, [&](const VtrString& value) { text = value; });
+  text = L"Anne";
+  edit->Typed();
+
+  chosen->ChooseKey(2);
+
+  EXPECT_EQ(edit->State(), EditState::Conflict);
+  EXPECT_EQ((*list)[1].name, L"Bob");
 }
 
 TEST_F(CurrentRows, EndInAnyOrder) {

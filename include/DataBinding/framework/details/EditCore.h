@@ -159,6 +159,7 @@ class DATABINDING_API EditCore : public std::enable_shared_from_this<EditCore> {
   std::uint64_t record = 0;  // the one that the widget shows, or was told to be absent
   bool isAbsent = true;
   bool isTyped = false;
+  bool isTypedAnew = false;  // while an edit is set
   bool toldTyped = false;
 };
 

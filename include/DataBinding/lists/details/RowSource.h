@@ -41,7 +41,8 @@ class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
   /// Returns true while only the list's own source changes it.
   [[nodiscard]] bool IsListReadOnly() const;
 
-  [[nodiscard]] std::uint64_t Serial() const noexcept override { return serial; }
+  /// Grows also where it is asked before the selection has told of another row.
+  [[nodiscard]] std::uint64_t Serial() const noexcept override;
   [[nodiscard]] const wchar_t* WhyAbsent() const noexcept override { return L"no row is chosen"; }
   void Hold() noexcept override;
   void Release() override;
@@ -61,7 +62,11 @@ class DATABINDING_API RowSource : public NamedDataSource, public ShownRecord {
   std::optional<RowId> shown;
   std::optional<RowId> held;
   std::size_t holds = 0;
-  std::uint64_t serial = 0;
+  /// The number, and the row that it was last given to.
+  ///@{
+  mutable std::uint64_t serial = 0;
+  mutable std::optional<RowId> numbered;
+  ///@}
   std::vector<std::shared_ptr<PropertyBase>> fields;
   Subscription ofSelection;
   Subscription ofList;
