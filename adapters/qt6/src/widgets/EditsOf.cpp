@@ -2,6 +2,7 @@
 #include "DataBindingQt6/widgets/EditsOf.h"
 
 #include <QPointer>
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -82,7 +83,13 @@ void WindowEdits::RevertAll() {
   }
 }
 
-bool WindowEdits::HasTyped() const { return Group()->HasTyped(); }
+bool WindowEdits::HasTyped() const {
+  const auto* const window = static_cast<const QWidget*>(parent());
+  return window != nullptr &&
+         std::ranges::any_of(Qt6::Bindings::All(), [&](const Binding* binding) {
+           return binding->HasTyped() && IsWithin(binding->Widget(), *window);
+         });
+}
 
 void WindowEdits::TellOf(const Binding& changed) {
   const auto all = AllEdits();
