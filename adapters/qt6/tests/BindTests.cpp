@@ -18,8 +18,12 @@
 
 #include <gtest/gtest.h>
 
+#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/lists/List.h"
+#include "DataBinding/lists/SourceList.h"
 #include "DataBindingQt6/loop/QtIdlePass.h"
+#include "DataBindingQt6/models/ListModel.h"
+#include "DataBindingQt6/models/ScopeTreeModel.h"
 #include "DataBindingQt6/widgets/BindChoices.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
 #include "DataBindingQt6/widgets/Explain.h"
@@ -252,16 +256,23 @@ constexpr auto FieldsOf(const City*) {
   return Fields(Key(L"Number", &City::number), Field(L"Name", &City::name));
 }
 
+int Throw() { throw 1; }
+struct Broken : NamedDataSource {
+  Broken() : NamedDataSource(L"Broken") {}
+  ComputedProperty<int> Bad{this, L"Bad", &Throw};
+};
+constexpr auto FieldsOf(const Broken*) { return Fields(Field(L"Bad", &Broken::Bad)); }
+
 class Places : public NamedDataSource {
  public:
   Places() : NamedDataSource(L"Places") {}
   List<City> Cities{this, L"Cities"};
+  SourceList<Broken> Ruins{this, L"Ruins"};
 };
 
 TEST_F(Bindings, FillAComboBoxFromAList) {
-  auto* const places = MakeDataSource<Places>(scope.get()).release();
-  scope->AddDataSource(places);
-  places->Cities.Assign({{1, L"Ulm"}, {2, L"Bonn"}});
+  auto& places = Emplace<Places>(*scope);
+  places.Cities.Assign({{1, L"Ulm"}, {2, L"Bonn"}});
   thing->Text.Set(L"Bonn");
   auto& box = Make<QComboBox>();
   BindChoices(&box, L"Places", L"Cities", L"Name");
@@ -270,12 +281,34 @@ TEST_F(Bindings, FillAComboBoxFromAList) {
 
   thing->Text.Set(L"Kiel");
   EXPECT_EQ(box.currentIndex(), -1);
-  places->Cities.Assign({{3, L"Kiel"}, {1, L"Ulm"}});
+  places.Cities.Assign({{3, L"Kiel"}, {1, L"Ulm"}});
   EXPECT_TRUE(QTest::qWaitFor([&] { return box.currentIndex() == 0; }, 500));
 
   EXPECT_EQ(box.count(), 2);
   EXPECT_EQ(box.currentText(), "Kiel");
   EXPECT_EQ(*thing->Text, L"Kiel");
+}
+
+TEST_F(Bindings, LetNothingIntoQtThatAGetterThrows) {
+  int failures = 0;
+  SetListenerFailureHandler([&](const ListenerFailure&) { ++failures; });
+  const ScopeTreeModel tree(*scope, L"", L"Broken", L"Bad");
+  const DataSourceProvider inner(scope.get(), L"", nullptr);
+  Emplace<Broken>(*scope);
+  auto& places = Emplace<Places>(*scope);
+  places.Ruins.Emplace();
+  const ListModel rows(places.Ruins);
+  auto& box = Make<QComboBox>();
+  EXPECT_ANY_THROW(Bind(&Make<QLabel>(), L"Broken", L"Bad"));
+  EXPECT_TRUE(EditsOf(&window).Bindings().empty());
+
+  BindChoices(&box, L"Places", L"Ruins", L"Bad");
+
+  EXPECT_EQ(box.itemText(0), "");
+  EXPECT_FALSE(rows.index(0, 0).data().isValid());
+  EXPECT_EQ(tree.index(0, 0).data().toString(), "");
+  EXPECT_EQ(failures, 3);
+  SetListenerFailureHandler(nullptr);
 }
 
 TEST_F(Bindings, TellWhetherAWindowHoldsAnythingTyped) {

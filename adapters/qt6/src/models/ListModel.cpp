@@ -5,12 +5,11 @@
 
 #include <QPersistentModelIndex>
 #include <QPointer>
-#include <exception>
 #include <utility>
 
-#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/Variant.h"
+#include "DataBindingQt6/values/details/Guard.h"
 
 namespace DataBinding::Qt6 {
 
@@ -18,6 +17,12 @@ namespace {
 
 bool IsNumber(ValueKind kind) {
   return kind == ValueKind::Signed || kind == ValueKind::Unsigned || kind == ValueKind::Double;
+}
+
+QVariant BoxOf(const Value& cell) {
+  const bool* const isChecked = cell.Get<bool>();
+  if (isChecked == nullptr) return {};
+  return static_cast<int>(*isChecked ? Qt::Checked : Qt::Unchecked);
 }
 
 std::size_t ToSize(int number) { return static_cast<std::size_t>(number); }
@@ -62,8 +67,13 @@ const ListModel::ShownColumn* ListModel::ColumnOf(const QModelIndex& index) cons
   return number < columns.size() ? &columns[number] : nullptr;
 }
 
+/// Returns nothing for a cell whose getter throws, since Qt asks for it.
 Value ListModel::CellOf(const ShownColumn& column, const QModelIndex& index) const {
-  return column.field ? rows.Cell(PlaceOf(index.row()), *column.field) : Value();
+  Value cell;
+  if (!column.field) return cell;
+  details::Guard(column.wanted.field,
+                 [&] { cell = rows.Cell(PlaceOf(index.row()), *column.field); });
+  return cell;
 }
 
 QVariant ListModel::data(const QModelIndex& index, int role) const {
@@ -80,7 +90,7 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
       return ToVariant(CellOf(*column, index));
     case Qt::CheckStateRole:
       if (column->kind != ValueKind::Bool) return {};
-      return static_cast<int>(CellOf(*column, index) == Value(true) ? Qt::Checked : Qt::Unchecked);
+      return BoxOf(CellOf(*column, index));
     case Qt::TextAlignmentRole:
       if (!IsNumber(column->kind)) return {};
       return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
@@ -90,12 +100,10 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant ListModel::Formatted(const ShownColumn& column, const QModelIndex& index, int role) const {
-  try {
-    return column.wanted.format(CellOf(column, index), role, index);
-  } catch (...) {
-    ReportListenerFailure(column.wanted.field, std::current_exception());
-    return {};
-  }
+  QVariant made;
+  details::Guard(column.wanted.field,
+                 [&] { made = column.wanted.format(CellOf(column, index), role, index); });
+  return made;
 }
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -127,7 +135,7 @@ bool ListModel::setData(const QModelIndex& index, const QVariant& value, int rol
     return false;
   }
   if (isBox ? column->kind != ValueKind::Bool : role != Qt::EditRole) return false;
-  return Attempt(index, [&, row = ToSize(index.row()), field = *column->field] {
+  return Attempt(index, [&, row = PlaceOf(index.row()), field = *column->field] {
     if (isBox) return rows.SetCell(row, field, value.toInt() == Qt::Checked);
     if (value.typeId() != QMetaType::QString) return rows.SetCell(row, field, ToValue(value));
     return rows.SetCellText(row, field, ToVtrString(value.toString()));
@@ -151,14 +159,7 @@ void ListModel::sort(int column, Qt::SortOrder order) {
 bool ListModel::Attempt(const QModelIndex& index, const std::function<SetResult()>& operation) {
   const QPointer<ListModel> self(this);
   const QPersistentModelIndex cell(index);
-  const VtrString name = rows.ListName();
-  SetResult result;
-  try {
-    result = operation();
-  } catch (...) {
-    ReportListenerFailure(name, std::current_exception());
-    result = {false, PropertyError::Refused, {}, L"the operation has failed"};
-  }
+  const SetResult result = details::GuardResult(rows.ListName(), operation);
   if (!result.IsAccepted() && self != nullptr) {
     Q_EMIT refused(cell, ToQString(result.reason.IsEmpty() ? result.text : result.reason));
   }

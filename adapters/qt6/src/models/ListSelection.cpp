@@ -8,11 +8,10 @@
 #include <QAbstractProxyModel>
 #include <QPointer>
 #include <algorithm>
-#include <exception>
 
-#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/foundation/ScopedValue.h"
 #include "DataBindingQt6/models/ListModel.h"
+#include "DataBindingQt6/values/details/Guard.h"
 
 namespace DataBinding::Qt6 {
 
@@ -151,14 +150,10 @@ void ListSelection::Take() {
   const bool isOfUser = changing == 0 && !isShowing && !isTaking;
   if (!isOfUser || !chosen || ModelBelow(selection.model()) == nullptr) return;
   const QPointer<ListSelection> self(this);
-  try {
-    const std::vector<RowId> ids = SelectedIds();
-    if (std::ranges::equal(ids, chosen->Ids())) return;
-    isTaking = true;
-    chosen->Choose(ids);
-  } catch (...) {
-    ReportListenerFailure(L"selection", std::current_exception());
-  }
+  const std::vector<RowId> ids = SelectedIds();
+  if (std::ranges::equal(ids, chosen->Ids())) return;
+  isTaking = true;
+  details::Guard(L"selection", [&] { chosen->Choose(ids); });
   if (self == nullptr) return;
   isTaking = false;
   Show();

@@ -7,6 +7,7 @@
 
 #include "DataBinding/framework/AnyBind.h"
 #include "DataBindingQt6/values/Text.h"
+#include "DataBindingQt6/values/details/Guard.h"
 
 namespace DataBinding::Qt6 {
 
@@ -132,8 +133,12 @@ int ScopeTreeModel::columnCount(const QModelIndex& /*above*/) const { return 1; 
 
 QVariant ScopeTreeModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid() || role != Qt::DisplayRole) return {};
-  const auto text = NodeOf(index).text->ReadText();
-  return text ? ToQString(*text) : QString();
+  QString shown;
+  details::Guard(propertyName, [&] {
+    const auto text = NodeOf(index).text->ReadText();
+    if (text) shown = ToQString(*text);
+  });
+  return shown;
 }
 
 }  // namespace DataBinding::Qt6

@@ -7,10 +7,9 @@
 #include <QChildEvent>
 #include <QHash>
 #include <QPointer>
-#include <exception>
 #include <utility>
 
-#include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBindingQt6/values/details/Guard.h"
 #include "ScopeNode.h"
 
 namespace DataBinding::Qt6 {
@@ -79,11 +78,7 @@ bool ScopeNode::TellFollowers() {
   const std::size_t size = followers.size();
   for (std::size_t i = 0; i < size; ++i) {
     const auto follower = followers[i];
-    try {
-      (*follower)(scope);
-    } catch (...) {
-      ReportListenerFailure(L"scope of a widget", std::current_exception());
-    }
+    details::Guard(L"scope of a widget", [&] { (*follower)(scope); });
     // A follower may have set another scope, of which all have heard by now.
     if (!alive || told != scope) return false;
   }

@@ -11,6 +11,7 @@
 #include "DataBinding/framework/AnyListBind.h"
 #include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/Text.h"
+#include "DataBindingQt6/values/details/Guard.h"
 #include "DataBindingQt6/widgets/Binding.h"
 #include "TextKinds.h"
 
@@ -53,7 +54,9 @@ QStringList Choices::Entries() const {
   if (!number) return entries;
   entries.reserve(static_cast<qsizetype>(rows.Size()));
   for (std::size_t row = 0; row < rows.Size(); ++row) {
-    entries.append(ToQString(rows.Cell(row, *number).ToText()));
+    QString entry;
+    details::Guard(field, [&] { entry = ToQString(rows.Cell(row, *number).ToText()); });
+    entries.append(entry);
   }
   return entries;
 }
@@ -73,7 +76,8 @@ void Choices::Fill() {
     return;
   }
   Binding* const binding = Binding::Of(&box);
-  if (index < 0 && binding != nullptr && binding->HasTyped()) binding->Revert();
+  if (index >= 0 || binding == nullptr || !binding->HasTyped()) return;
+  details::Guard(field, [&] { binding->Revert(); });
 }
 
 }  // namespace

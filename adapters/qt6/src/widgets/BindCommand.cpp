@@ -5,11 +5,10 @@
 #include <QAction>
 #include <QApplication>
 #include <QPointer>
-#include <exception>
 #include <utility>
 
-#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBindingQt6/scopes/Scope.h"
+#include "DataBindingQt6/values/details/Guard.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
 
 namespace DataBinding::Qt6 {
@@ -59,12 +58,10 @@ class CommandJoin : public QObject {
 
   void Raise() {
     const QPointer<CommandJoin> alive(this);
-    try {
+    details::Guard(L"command of a button", [&] {
       if (commitsEdits && !EditsOf(WindowOf(parent())).CommitAll().IsAccepted()) return;
       if (alive) bind->Raise();
-    } catch (...) {
-      ReportListenerFailure(L"command of a button", std::current_exception());
-    }
+    });
   }
 
  private:

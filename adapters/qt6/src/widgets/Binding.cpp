@@ -10,18 +10,17 @@
 #include <QPointer>
 #include <QTimer>
 #include <algorithm>
-#include <exception>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "Bindings.h"
-#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/foundation/ScopedValue.h"
 #include "DataBinding/framework/EditSession.h"
 #include "DataBinding/framework/OneWay.h"
 #include "DataBindingQt6/loop/QtIdlePass.h"
 #include "DataBindingQt6/scopes/Scope.h"
+#include "DataBindingQt6/values/details/Guard.h"
 #include "DataBindingQt6/widgets/Bind.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
 #include "Dress.h"
@@ -30,22 +29,12 @@
 
 namespace DataBinding::Qt6 {
 
+using details::Guard;
+
 namespace {
 
 constexpr bool HasReason(EditState state) {
   return state == EditState::Refused || state == EditState::Conflict;
-}
-
-/// Runs a step that Qt has called, into which nothing may be thrown. The step may end the bind
-/// whose name this is, so the name is a copy.
-template <class Step>
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
-void Guard(VtrString property, Step step) {
-  try {
-    step();
-  } catch (...) {
-    ReportListenerFailure(property, std::current_exception());
-  }
 }
 
 }  // namespace
@@ -138,7 +127,6 @@ struct Binding::Inner {
 Binding::Binding(QObject& widget, const details::WidgetOps& ops, const VtrString& source,
                  const VtrString& property, const BindOptions& options)
     : QObject(&widget), inner(std::make_unique<Inner>(widget, ops, source, property, options)) {
-  Bindings::Add(*this);
   QWidget* const shown = Widget();
   FollowScope(shown == nullptr ? &widget : shown,
               [self = QPointer<Binding>(this)](IDataSourceProvider* provider) {
@@ -157,6 +145,7 @@ Binding::Binding(QObject& widget, const details::WidgetOps& ops, const VtrString
   } else {
     Follow();
   }
+  Bindings::Add(*this);  // last, because what was thrown above would leave it there
   ShowState();
 }
 
