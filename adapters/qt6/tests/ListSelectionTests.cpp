@@ -142,6 +142,16 @@ TEST_F(ListSelectionTest, AnObserverMayChooseAnotherRowInstead) {
   EXPECT_EQ(Selected(), Ids{1});
 }
 
+TEST_F(ListSelectionTest, ASlotMayChooseAnotherRowWhileOneIsShown) {
+  QObject::connect(view.selectionModel(), &QItemSelectionModel::selectionChanged, &view,
+                   [&] { chosen.ChooseKey(4); });
+
+  chosen.ChooseKey(2);
+
+  EXPECT_EQ(Chosen(), Ids{4});
+  EXPECT_EQ(Selected(), Ids{4});
+}
+
 TEST(ListSelection, WaitsForTheRowsOfASourceThatComesAgain) {
   DataSourceProvider scope(nullptr, L"", nullptr);
   Framework::AnyListBind bind(&scope, L"Club", L"Members");

@@ -71,7 +71,10 @@ QItemSelection SelectionOf(const QAbstractItemModel& model, const std::vector<in
 }  // namespace
 
 ListSelection::ListSelection(QItemSelectionModel* selectionModel, AnySelection& rows)
-    : QObject(selectionModel), selection(*selectionModel), chosen(rows.AsWeakPtr()) {
+    : QObject(selectionModel),
+      selection(selectionModel == nullptr ? *new QItemSelectionModel(nullptr, this)
+                                          : *selectionModel),
+      chosen(rows.AsWeakPtr()) {
   QAbstractItemModel* const model = selection.model();
   if (model != nullptr) {
     FollowBeginnings(*model);
@@ -159,10 +162,10 @@ void ListSelection::Take() {
   Show();
 }
 
-/// Selects what is chosen, unless that is so already.
+/// Selects what is chosen, unless that is so already. What hears of that may choose other rows.
 void ListSelection::Show() {
-  isShowDue = changing != 0;
-  if (isShowDue || isTaking || isShowing || selection.model() == nullptr) return;
+  isShowDue = changing != 0 || isShowing;
+  if (isShowDue || isTaking || selection.model() == nullptr) return;
   std::vector<int> wanted;
   if (chosen) {
     for (const RowId id : chosen->Ids()) {
@@ -175,7 +178,9 @@ void ListSelection::Show() {
   isShowing = true;
   ShowRows(wanted);
   if (self != nullptr) ShowCurrent();
-  if (self != nullptr) isShowing = false;
+  if (self == nullptr) return;
+  isShowing = false;
+  if (isShowDue) Show();
 }
 
 void ListSelection::ShowRows(const std::vector<int>& wanted) {

@@ -37,7 +37,7 @@ namespace DataBinding::Qt6 {
 
 class DATABINDING_QT6_API ListSelection : public QObject {
  public:
-  /// Selects what is chosen. The selection model has its model, and is not null.
+  /// Selects what is chosen. The selection model has its model. A null one is joined to nothing.
   ListSelection(QItemSelectionModel* selectionModel, AnySelection& rows);
   ~ListSelection() override;
 
