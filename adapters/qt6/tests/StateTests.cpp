@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAction>
+#include <QCheckBox>
 #include <QMenu>
 #include <QPushButton>
 #include <memory>
@@ -48,6 +49,20 @@ TEST_F(QtState, IsJoinedOnce) {
   thing->Flag.Set(true);
   thing->Flag.Set(false);
 
+  EXPECT_TRUE(box->isEnabled());
+}
+
+TEST_F(QtState, EnablesABoundWidgetWhereItsBindingDoesSo) {
+  auto* box = new QCheckBox(&window);
+  BindEnabled(box, L"Thing", L"Number");
+  Bind(box, L"Thing", L"FixedFlag");
+
+  thing->Number.Set(1);
+  EXPECT_FALSE(box->isEnabled()) << "since the flag is read-only";
+  thing->Number.Set(0);
+  Bind(box, L"Thing", L"Flag");
+  EXPECT_FALSE(box->isEnabled());
+  thing->Number.Set(1);
   EXPECT_TRUE(box->isEnabled());
 }
 

@@ -45,13 +45,13 @@ class StateJoin : public QObject {
   Subscription changing;
 };
 
-template <class Object>
+template <class Object, class Set>
 void JoinTruth(Object* object, const char* what, const VtrString& source, const VtrString& property,
-               void (Object::*set)(bool)) {
+               Set set) {
   if (object == nullptr) return;
   const auto write = [object, set](const Framework::AnyBind& bind) {
     const auto read = bind.Read();
-    (object->*set)(read.value && ToVariant(*read.value).toBool());
+    std::invoke(set, *object, read.value && ToVariant(*read.value).toBool());
   };
   new StateJoin(*object, what, source, property, write);  // it belongs to the object
 }
@@ -69,7 +69,8 @@ void JoinText(QWidget* widget, const char* what, const VtrString& source, const 
 }  // namespace
 
 void BindEnabled(QWidget* widget, const VtrString& source, const VtrString& property) {
-  JoinTruth(widget, "enabled", source, property, &QWidget::setEnabled);
+  JoinTruth(widget, "enabled", source, property,
+            [](QWidget& enabled, bool on) { SetDisabledBy(enabled, Disabler::Property, !on); });
 }
 
 void BindEnabled(QAction* action, const VtrString& source, const VtrString& property) {

@@ -11,12 +11,24 @@ namespace DataBinding::Qt6 {
 namespace {
 
 constexpr const char* readOnlyProperty = "readOnly";
+constexpr const char* disablersProperty = "databindingDisablers";
 
 bool HasReadOnly(const QWidget& widget) {
   return widget.metaObject()->indexOfProperty(readOnlyProperty) >= 0;
 }
 
 }  // namespace
+
+bool IsDisabledBy(const QWidget& widget, Disabler disabler) {
+  return (widget.property(disablersProperty).toInt() & static_cast<int>(disabler)) != 0;
+}
+
+void SetDisabledBy(QWidget& widget, Disabler disabler, bool isDisabled) {
+  const int others = widget.property(disablersProperty).toInt() & ~static_cast<int>(disabler);
+  const int all = isDisabled ? others | static_cast<int>(disabler) : others;
+  widget.setProperty(disablersProperty, all);
+  widget.setEnabled(all == 0);
+}
 
 /// A widget whose kind is never read-only is disabled instead. Disabling a widget moves the focus,
 /// which may end it.
@@ -28,12 +40,11 @@ void Dress::Allow(Use use) {
 
 void Dress::SetEnabled(bool on) {
   if (widget == nullptr) return;
-  if (on) {
-    if (std::exchange(hasDisabled, false)) widget->setEnabled(true);
-  } else if (!hasDisabled && !widget->testAttribute(Qt::WA_ForceDisabled)) {
-    hasDisabled = true;
-    widget->setEnabled(false);
-  }
+  const bool isOfApplication = !hasDisabled && widget->testAttribute(Qt::WA_ForceDisabled) &&
+                               !IsDisabledBy(*widget, Disabler::Property);
+  if (on != hasDisabled || isOfApplication) return;
+  hasDisabled = !on;
+  SetDisabledBy(*widget, Disabler::Binding, hasDisabled);
 }
 
 void Dress::SetReadOnly(bool on) {

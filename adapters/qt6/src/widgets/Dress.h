@@ -12,6 +12,12 @@
 
 namespace DataBinding::Qt6 {
 
+/// Names those that disable a widget. It is enabled while none of them does.
+enum class Disabler { Binding = 1, Property = 2 };
+[[nodiscard]] bool IsDisabledBy(const QWidget& widget, Disabler disabler);
+/// This may move the focus, which may end the widget.
+void SetDisabledBy(QWidget& widget, Disabler disabler, bool isDisabled);
+
 class Dress {
  public:
   explicit Dress(QWidget* itsWidget) : widget(itsWidget) {}
