@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // These tests follow a text from the first key until it is filed, reverted or undone.
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCompleter>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
@@ -35,6 +38,48 @@ TEST_F(Typing, LeavesATextAloneThatIsFiledWhileItIsTyped) {
   EXPECT_EQ(edit.text(), "1.50");
   elsewhere.setFocus();
   EXPECT_EQ(edit.text(), "1.5") << "as the property has it";
+}
+
+TEST_F(Typing, LeavesAComboBoxAloneWhoseTextIsTrimmed) {
+  QComboBox box(&window);
+  box.setEditable(true);
+  Enter(box);
+  Bind(&box, L"Thing", L"Text", {.commitOn = CommitOn::Typing});
+  thing->onChange = [&] { thing->Text.Set(ToVtrString(ToQString(*thing->Text).trimmed())); };
+
+  QTest::keyClicks(&box, "New York");
+
+  EXPECT_EQ(*thing->Text, L"New York");
+}
+
+TEST_F(Typing, FilesWhatACompleterHasChosen) {
+  QLineEdit edit(&window);
+  QCompleter completer(QStringList{"Berlin"});
+  edit.setCompleter(&completer);
+  Enter(edit);
+  Bind(&edit, L"Thing", L"Text", {.commitOn = CommitOn::Typing});
+  QTest::keyClicks(&edit, "B");
+
+  QTest::keyClick(completer.popup(), Qt::Key_Down);
+  QTest::keyClick(completer.popup(), Qt::Key_Return);
+  QApplication::processEvents();
+
+  EXPECT_EQ(*thing->Text, L"Berlin");
+}
+
+TEST_F(Typing, ShowsTheReasonsOfTwoWidgetsInOneLabel) {
+  QLineEdit edit(&window);
+  QLineEdit other(&window);
+  Bind(&edit, L"Thing", L"Text", {.reasonIn = &hint});
+  Bind(&other, L"Thing", L"Text", {.reasonIn = &hint});
+  thing->refuses = true;
+  for (QLineEdit* each : {&edit, &other}) QTest::keyClicks(each, "x");
+  EXPECT_FALSE(EditsOf(&window).CommitAll().IsAccepted());
+
+  Binding::Of(&edit)->Revert();
+  EXPECT_NE(hint.text(), "");
+  Binding::Of(&other)->Revert();
+  EXPECT_EQ(hint.text(), "");
 }
 
 TEST_F(Typing, FilesTheUndoOfATextThatWasFiled) {

@@ -99,8 +99,16 @@ struct Binding::Inner {
     QLabel* const label = reasonIn;
     if (label == nullptr || former == reason) return;
     if (!reason.isEmpty() || label->text() == Dress::AsPlain(former)) {
-      label->setText(Dress::AsPlain(reason));
+      label->setText(Dress::AsPlain(reason.isEmpty() ? OtherReasonIn(*label) : reason));
     }
+  }
+  /// Returns the reason of another widget that shows it in the same label, or nothing.
+  static QString OtherReasonIn(const QLabel& label) {
+    for (const Binding* other : Bindings::All()) {
+      const Inner& shows = *other->inner;
+      if (shows.reasonIn == &label && !shows.shownReason.isEmpty()) return shows.shownReason;
+    }
+    return {};
   }
 
   QObject& widget;
@@ -117,7 +125,8 @@ struct Binding::Inner {
   QTimer* timer = nullptr;
   QString shownReason;
   std::shared_ptr<bool> isWriting = std::make_shared<bool>(false);
-  bool keepsText = false;  // the user goes on typing in the text that is filed
+  bool goesOn = false;     // the last edit was typed, and not chosen
+  bool keepsText = false;  // what is filed now stays as it is typed
   bool isBehind = false;   // the widget does not show what has become of that text
   bool showsAgain = false;
   bool isHeld = false;           // a mouse button is held on the widget
@@ -242,6 +251,7 @@ void Binding::Revert() {
 void Binding::typed() {
   if (!inner->HearsEdits()) return;
   const QPointer<Binding> alive(this);
+  inner->goesOn = true;
   Guard(inner->bind.Path(), [this] { inner->session->Typed(); });
   if (!alive) return;
   if (inner->options.commitOn == CommitOn::Typing) CommitTyped();
@@ -252,7 +262,9 @@ void Binding::chosen() {
   if (!inner->HearsEdits()) return;
   const QPointer<Binding> alive(this);
   typed();
-  if (!alive || inner->options.commitOn == CommitOn::Delay) return;
+  if (!alive) return;
+  inner->goesOn = false;
+  if (inner->options.commitOn == CommitOn::Delay) return;
   inner->waitsForRelease = inner->isHeld && inner->options.commitOn == CommitOn::Release;
   if (!inner->waitsForRelease) finished();
 }
@@ -265,12 +277,12 @@ void Binding::finished() {
   if (alive && std::exchange(inner->isBehind, false)) ShowAgainNow();
 }
 
-/// Files what is typed and leaves the text alone, since the user goes on typing: "1." is a number
+/// Files what is typed and leaves the widget alone where the user goes on typing: "1." is a number
 /// that would be shown as "1".
 void Binding::CommitTyped() {
   if (!inner->HearsEdits()) return;
   const QPointer<Binding> alive(this);
-  inner->keepsText = inner->ops.asText;
+  inner->keepsText = inner->goesOn;
   Guard(inner->bind.Path(), [this] { inner->session->Commit(); });
   if (alive) inner->keepsText = false;
 }

@@ -3,6 +3,7 @@
 
 #include "TextKinds.h"
 
+#include <QCompleter>
 #include <QLCDNumber>
 #include <QLabel>
 #include <QLineEdit>
@@ -39,6 +40,11 @@ struct WidgetTraits<QLineEdit> {
   static void Clear(QLineEdit& edit) { edit.clear(); }
   static void Connect(QLineEdit& edit, Binding& binding) {
     QObject::connect(&edit, &QLineEdit::textEdited, &binding, &Binding::typed);
+    // The edit takes the text after this hears of it.
+    const auto chosen = qOverload<const QString&>(&QCompleter::activated);
+    if (const QCompleter* const completer = edit.completer()) {
+      QObject::connect(completer, chosen, &binding, &Binding::typed, Qt::QueuedConnection);
+    }
   }
 };
 

@@ -13,13 +13,13 @@
 ///
 /// Enumerations are texts. A property that does not fit is not shown, and Status() says so.
 ///
-/// - What the program changes at a widget is no edit, and the next value overwrites it; only what
-/// it
-///   inserts into a QPlainTextEdit looks like typing.
+/// - What the program changes at a widget is no edit, and the next value overwrites it. What it
+///   inserts into a QPlainTextEdit looks like typing, though.
 /// - A half typed number out of range is no edit yet. Dates are local; an edit loses their zone.
 /// - A value beyond the range of a widget is shown as its end, and stays as it is. Set the range
 ///   before Bind, or call showAgain() after it.
-/// - Before Bind, make a combo box editable, set its model, and give a group its buttons and ids.
+/// - Before Bind, make a combo box editable, set its model, give a group its buttons and ids, and a
+///   QLineEdit its completer.
 /// - Numbers as text are the same in every locale; spin boxes show them as the user's country does.
 /// - A date or time that is none is shown as the earliest one; setSpecialValueText(" ") hides that.
 /// - A QValidator keeps the user from finishing and gives no reason; let the property validate.
