@@ -14,6 +14,7 @@
 #include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -299,34 +300,40 @@ TEST_F(Bindings, LetNothingIntoQtThatAGetterThrows) {
   places.Ruins.Emplace();
   const ListModel rows(places.Ruins);
   auto& box = Make<QComboBox>();
+  Bind(&Make<QLineEdit>(), L"Thing", L"Text");
+  QTest::keyClicks(window.focusWidget(), "typed");
+  thing->onChange = &Throw;
+  EXPECT_FALSE(EditsOf(&window).CommitAll().IsAccepted());
   EXPECT_ANY_THROW(Bind(&Make<QLabel>(), L"Broken", L"Bad"));
-  EXPECT_TRUE(EditsOf(&window).Bindings().empty());
+  EXPECT_EQ(EditsOf(&window).Bindings().size(), 1);
 
   BindChoices(&box, L"Places", L"Ruins", L"Bad");
 
   EXPECT_EQ(box.itemText(0), "");
   EXPECT_FALSE(rows.index(0, 0).data().isValid());
   EXPECT_EQ(tree.index(0, 0).data().toString(), "");
-  EXPECT_EQ(failures, 3);
+  EXPECT_EQ(failures, 4);
   SetListenerFailureHandler(nullptr);
 }
 
 TEST_F(Bindings, TellWhetherAWindowHoldsAnythingTyped) {
   auto& edit = Make<QLineEdit>();
-  auto& page = Make<QWidget>();
-  auto* const inner = new QLineEdit(&page);
-  inner->show();
+  auto& tabs = Make<QTabWidget>();
+  auto* const inner = new QLineEdit;
+  tabs.addTab(inner, "inner");
+  tabs.addTab(new QWidget, "other");
   Bind(&edit, L"Thing", L"Text");
   Bind(inner, L"Thing", L"Number");
   QSignalSpy told(&EditsOf(&window), &WindowEdits::hasTypedChanged);
   QTest::keyClicks(inner, "x");
   QTest::keyClicks(&edit, "ab");
+  tabs.setCurrentIndex(1);
   EXPECT_FALSE(EditsOf(&window).CommitAll().IsAccepted());
   EXPECT_TRUE(inner->hasFocus()) << "the one that was refused";
   EXPECT_EQ(*thing->Text, L"ab");
-  EXPECT_TRUE(EditsOf(&page).HasTyped());
+  EXPECT_TRUE(EditsOf(&tabs).HasTyped());
 
-  delete &page;
+  delete &tabs;
   QApplication::processEvents();
 
   EXPECT_EQ(told, (QList<QList<QVariant>>{{true}, {false}}));

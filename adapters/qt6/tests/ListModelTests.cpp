@@ -2,6 +2,8 @@
 #include "DataBindingQt6/models/ListModel.h"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QSortFilterProxyModel>
@@ -17,6 +19,7 @@
 #include "DataBinding/framework/AnyListBind.h"
 #include "DataBinding/lists/FilteredList.h"
 #include "DataBindingQt6/values/Text.h"
+#include "DataBindingQt6/widgets/EditsOf.h"
 #include "People.h"
 
 namespace DataBinding::Qt6::Testing {
@@ -138,6 +141,19 @@ TEST_F(ListModelTest, IsSortedByAHeaderOfItsViewWithoutTouchingTheList) {
   EXPECT_EQ(IdsIn(model), "3 1 2 ");
   EXPECT_EQ(three.row(), 0);
   EXPECT_EQ(people[0].id, 3);
+}
+
+TEST_F(ListModelTest, HasWhatIsTypedInACellWhenAWindowIsCommitted) {
+  QTableView view;
+  view.setModel(&model);
+  view.show();
+  QApplication::setActiveWindow(&view);
+  view.edit(model.index(0, 1));
+  QTest::keyClicks(view.viewport()->findChild<QLineEdit*>(), "Ann");
+
+  EXPECT_TRUE(EditsOf(&view).CommitAll().IsAccepted());
+
+  EXPECT_EQ(people[0].name, L"Ann");
 }
 
 TEST_F(ListModelTest, RowsAreDraggedWhileTheOrderOfTheListIsShown) {

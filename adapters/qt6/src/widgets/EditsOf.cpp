@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DataBindingQt6/widgets/EditsOf.h"
 
+#include <QAbstractItemView>
 #include <QPointer>
+#include <QStackedWidget>
+#include <QTabWidget>
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -9,10 +12,13 @@
 #include "Bindings.h"
 #include "DataBinding/framework/EditGroup.h"
 #include "DataBinding/framework/EditSession.h"
+#include "DataBindingQt6/values/details/Guard.h"
 
 namespace DataBinding::Qt6 {
 
 namespace {
+
+constexpr const wchar_t* editsName = L"edits of a window";
 
 /// There are few windows whose edits anybody asks for, and a window may have a thousand children.
 /// So they are kept here, and not looked for among the children. The list is never given back,
@@ -31,6 +37,25 @@ QWidget* Outer(const QWidget& widget) {
 bool IsWithin(const QWidget* widget, const QWidget& window) {
   while (widget != nullptr && widget != &window) widget = Outer(*widget);
   return widget != nullptr;
+}
+
+/// Finishes the editor of a table's cell in which the user is.
+void FinishCell(QWidget& window) {
+  QWidget* at = window.focusWidget();
+  for (; at != nullptr && at != &window; at = at->parentWidget()) {
+    auto* const view = qobject_cast<QAbstractItemView*>(at->parentWidget());
+    if (view != nullptr && at == view->viewport()) return view->setFocus(Qt::OtherFocusReason);
+  }
+}
+
+/// Shows the pages on which a widget stands. What hears of that may end the widget.
+void ShowPages(QWidget& widget) {
+  for (QPointer<QWidget> page(&widget); page; page = page ? page->parentWidget() : nullptr) {
+    auto* const stack = qobject_cast<QStackedWidget*>(page->parentWidget());
+    if (stack == nullptr) continue;
+    auto* const tabs = qobject_cast<QTabWidget*>(stack->parentWidget());
+    tabs == nullptr ? stack->setCurrentWidget(page) : tabs->setCurrentWidget(page);
+  }
 }
 
 }  // namespace
@@ -60,26 +85,33 @@ std::unique_ptr<EditGroup> WindowEdits::Group() const {
 
 SetResult WindowEdits::CommitAll() {
   const QPointer<WindowEdits> alive(this);
+  if (auto* const window = static_cast<QWidget*>(parent())) FinishCell(*window);
+  if (!alive) return {};
   const auto group = Group();
-  SetResult result = group->CommitAll();
+  SetResult result = details::GuardResult(editsName, [&] { return group->CommitAll(); });
   if (result.IsAccepted() || !alive) return result;
   for (const Binding* binding : Bindings()) {
     const EditSession* const session = binding->Session();
     if (session == nullptr || !group->WasRefusedFirst(*session)) continue;
-    binding->Widget()->setFocus(Qt::OtherFocusReason);
+    const QPointer<QWidget> refused = binding->Widget();
+    ShowPages(*refused);
+    if (refused) refused->setFocus(Qt::OtherFocusReason);
     break;
   }
   return result;
 }
 
-SetResult WindowEdits::CheckAll() { return Group()->CheckAll(); }
+SetResult WindowEdits::CheckAll() {
+  const auto group = Group();
+  return details::GuardResult(editsName, [&] { return group->CheckAll(); });
+}
 
 // NOLINTNEXTLINE(readability-make-member-function-const): it changes the edits
 void WindowEdits::RevertAll() {
   std::vector<QPointer<Binding>> reverted;
   for (Binding* binding : Bindings()) reverted.emplace_back(binding);
   for (const auto& binding : reverted) {
-    if (binding) binding->Revert();
+    if (binding) details::Guard(editsName, [&] { binding->Revert(); });
   }
 }
 

@@ -6,8 +6,11 @@
 /// or put into the window. Docks that float belong to the window, dialogues are windows of their
 /// own. Any widget will do in place of a window; then the edits are those within it.
 ///
-/// The editor of a table's cell is not among them; give the table the focus first, which finishes
-/// that editor.
+/// The editor of a table's cell is not among them, but CommitAll gives the table the focus, which
+/// finishes that editor. A cell that the model refuses then is no refusal here.
+///
+/// All of this is called from slots and events of Qt, so nothing is thrown: what an edit throws
+/// goes to the failure handler (ListenerGuard.h), and the edit counts as refused.
 ///
 ///   void Editor::closeEvent(QCloseEvent* event) {
 ///     event->setAccepted(Qt6::EditsOf(this).CommitAll().IsAccepted());
@@ -41,7 +44,8 @@ class DATABINDING_QT6_API WindowEdits final : public QObject {
   explicit WindowEdits(QWidget* window);
 
   /// Commits all edits and answers the first refusal, as EditGroup does (EditGroup.h). The widget
-  /// of the edit that was refused first gets the focus.
+  /// of the edit that was refused first gets the focus, and the pages of tabs and stacks on which
+  /// it stands are shown.
   SetResult CommitAll();
   /// Says what CommitAll would answer, and sets nothing.
   [[nodiscard]] SetResult CheckAll();

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-/// Guard runs a step that Qt has called, into which nothing may be thrown. What the step throws
-/// goes to the failure handler (ListenerGuard.h), under a name.
+/// Guard runs a step that Qt has called, into which nothing may be thrown.
+///
+/// What the step throws goes to the failure handler (ListenerGuard.h), under a name. All rooms of
+/// the adapter use it where a getter, a validator or a function of the application runs:
+///
+///   details::Guard(propertyName, [&] { shown = ToQString(*text.ReadText()); });
 #pragma once
 
 #include <exception>
