@@ -65,7 +65,6 @@ void Window::AddToolBar() {
   auto* bar = addToolBar("Contacts");
   const auto add = [&](const char* text, auto act) {
     return bar->addAction(text, this, [this, act] {
-      table->setFocus();  // which finishes what is typed in a cell
       if (Qt6::EditsOf(this).CommitAll().IsAccepted()) act();
     });
   };
