@@ -72,6 +72,20 @@ bool Tell(const VtrString& property, std::exception_ptr exception, std::uint32_t
   return true;
 }
 
+/// Calls a function with what an exception says of itself.
+template <class Call>
+void CallWithText(const std::exception_ptr& exception, Call call) {
+  try {
+    std::rethrow_exception(exception);
+  } catch (const std::exception& thrown) {
+    call(thrown.what());
+  } catch (const VtrString& text) {
+    call(text.ToUtf8().c_str());
+  } catch (...) {
+    call("an exception of a class of its own");
+  }
+}
+
 #if !defined(NDEBUG)
 
 /// Writes without allocating, since a fault may have left the heap locked.
@@ -97,18 +111,19 @@ void ShowFirst(const VtrString& name, const std::exception_ptr& exception, std::
     std::snprintf(text.data(), text.size(), "hardware fault 0x%x", code);
     return Show(name, text.data());
   }
-  try {
-    std::rethrow_exception(exception);
-  } catch (const std::exception& thrown) {
-    Show(name, thrown.what());
-  } catch (...) {
-    Show(name, "an exception of a class of its own");
-  }
+  CallWithText(exception, [&](const char* text) { Show(name, text); });
 }
 
 #endif
 
 }  // namespace
+
+VtrString ExceptionText(const std::exception_ptr& exception) {
+  VtrString copy;
+  if (exception == nullptr) return copy;
+  CallWithText(exception, [&](const char* text) { copy = VtrString::FromUtf8(text); });
+  return copy;
+}
 
 void details::ReportFailure(const VtrString& name, const std::exception_ptr& exception,
                             std::uint32_t code) {

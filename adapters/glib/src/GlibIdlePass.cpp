@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 
+#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBinding/foundation/String.h"
 
 namespace DataBinding {
@@ -26,18 +27,6 @@ struct PassSource {
   GSource base;
   void* pass;
 };
-
-std::string Describe(const std::exception_ptr& exception) {
-  try {
-    std::rethrow_exception(exception);
-  } catch (const std::exception& thrown) {
-    return thrown.what();
-  } catch (const VtrString& text) {
-    return text.ToUtf8();
-  } catch (...) {
-    return "an exception of a class of its own";
-  }
-}
 
 }  // namespace
 
@@ -98,7 +87,7 @@ void GlibIdlePass::Source::Deliver() {
   try {
     pass->RunFor(std::chrono::microseconds(frame / 2));
   } catch (...) {
-    Tell(Describe(std::current_exception()));
+    Tell(ExceptionText(std::current_exception()).ToUtf8());
   }
   if (!pass) return;
   due = std::max(begun + frame, g_get_monotonic_time() + frame / 2);

@@ -38,6 +38,10 @@ struct ListenerFailure {
   std::uint32_t faultCode = 0;
 };
 
+/// Returns what an exception says of itself, for a log or a message: `what()`, or the text where a
+/// VtrString was thrown. Says so for an exception of any other class. Null has no text.
+[[nodiscard]] DATABINDING_API VtrString ExceptionText(const std::exception_ptr& exception);
+
 /// Sets the handler that is told of each swallowed failure, on the thread on which it happened. A
 /// process starts without a handler, and null removes it. What the handler throws is dropped.
 ///

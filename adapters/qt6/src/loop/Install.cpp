@@ -3,7 +3,7 @@
 
 #include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBindingQt6/values/Text.h"
-#include "Failure.h"
+#include "LogCategory.h"
 
 namespace DataBinding::Qt6 {
 
@@ -12,7 +12,7 @@ namespace {
 void Log(const ListenerFailure& failure) {
   const QString what = failure.exception == nullptr
                            ? QStringLiteral("hardware fault 0x%1").arg(failure.faultCode, 0, 16)
-                           : Describe(failure.exception);
+                           : ToQString(ExceptionText(failure.exception));
   qCWarning(LogCategory).noquote().nospace()
       << "Failure at \"" << ToQString(failure.property) << "\": " << what;
 }
@@ -22,18 +22,6 @@ void Log(const ListenerFailure& failure) {
 const QLoggingCategory& LogCategory() {
   static const QLoggingCategory category("databinding");
   return category;
-}
-
-QString Describe(const std::exception_ptr& exception) {
-  try {
-    std::rethrow_exception(exception);
-  } catch (const std::exception& thrown) {
-    return QString::fromUtf8(thrown.what());
-  } catch (const VtrString& text) {
-    return ToQString(text);
-  } catch (...) {
-    return QStringLiteral("an exception of a class of its own");
-  }
 }
 
 void Install() {

@@ -7,7 +7,9 @@
 #include <exception>
 #include <vector>
 
-#include "Failure.h"
+#include "DataBinding/broadcast/ListenerGuard.h"
+#include "DataBindingQt6/values/Text.h"
+#include "LogCategory.h"
 
 namespace DataBinding::Qt6 {
 
@@ -66,7 +68,7 @@ void QtIdlePass::Deliver() {
   try {
     pass.RunFor(Budget());
   } catch (...) {
-    Tell(alive, Describe(std::current_exception()));
+    Tell(alive, ToQString(ExceptionText(std::current_exception())));
   }
   if (!alive) return;
   over = Clock::now();
