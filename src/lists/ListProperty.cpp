@@ -13,7 +13,7 @@ constexpr auto* isNoValue = L"It is a list, which is no value.";
 ListProperty::ListProperty(DataSourceImpl& itsSource, PropertyName propertyName,
                            bool isReadOnlyList)
     : PropertyBase(itsSource, propertyName), isReadOnly(isReadOnlyList) {
-  File();
+  File(Type());
 }
 
 const runtime_type_base& ListProperty::Type() const {

@@ -94,11 +94,12 @@ void ReflectionAccess::FindAccessor(const IReflectable& table, const VtrString& 
   if (IsGone(found.accessor)) found.error = PropertyError::Absent;
 }
 
-void ReflectionAccess::File(IReflectable& table, PropertyBase& property, bool isTableComplete) {
+void ReflectionAccess::File(IReflectable& table, PropertyBase& property,
+                            const runtime_type_base& type, bool isTableComplete) {
   if (isTableComplete) table.reflectable.ReserveNames();
   RepeatingCallbackMemento accessor;
   accessor.Lend(property);
-  table._AddDelegate(property.Name(), accessor, property.Type());
+  table._AddDelegate(property.Name(), accessor, type);
 }
 
 VtrString ReflectionAccess::NameOf(const IDataSource& source) {

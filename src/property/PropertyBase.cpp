@@ -14,9 +14,6 @@
 
 namespace DataBinding::details {
 
-PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
-    : ChainedMember(itsSource, propertyName.ToString()) {}
-
 PropertyBase::PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName,
                            std::unique_ptr<PropertyExtras> options)
     : PropertyBase(itsSource, propertyName) {
@@ -45,11 +42,11 @@ void PropertyBase::EndExtras() noexcept {
   for (PropertyExtras* other : ended->dependencies) std::erase(other->dependents, ended.get());
 }
 
-void PropertyBase::File() {
+void PropertyBase::File(const runtime_type_base& type) {
   assert(!ReflectionAccess::HasLiving(Source(), Name()) &&
          "a source has two properties of one name");
   try {
-    ReflectionAccess::File(Home(), *this, DataSourceAccess::IsComplete(Source()));
+    ReflectionAccess::File(Home(), *this, type, DataSourceAccess::IsComplete(Source()));
     // A property that an override files elsewhere is not found when a batch is opened.
     const PropertyChanges* const changes = DataSourceAccess::Changes(Source());
     if (!IsChained() || (changes != nullptr && changes->AreAllLinked())) Extras();

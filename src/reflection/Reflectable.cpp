@@ -203,7 +203,11 @@ void Reflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMem
   auto* const member = static_cast<ChainedMember*>(delegate.Lender());
   const bool isOwn = member != nullptr && &member->Home() == object && !member->IsChained() &&
                      member->Name() == name && AreSameType(type, member->Type());
-  if (isOwn) return Link(*member);
+  return isOwn ? Link(*member) : AddByHand(name, delegate, type);
+}
+
+void Reflectable::AddByHand(const VtrString& name, const RepeatingCallbackMemento& delegate,
+                            const runtime_type_base& type) {
   RepeatingCallbackMemento own = delegate;
   ReflectedItem& item = Map().Item(name);
   const RepeatingCallbackMemento former = TakeOwned(item);
@@ -212,18 +216,24 @@ void Reflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMem
 }
 
 void Reflectable::Link(ChainedMember& member) {
-  if (chained == longestChainWithoutMap) ReserveNames();
-  RepeatingCallbackMemento former;
-  if (MemberMap* const map = ExistingMap()) {
-    MemberMap::Links link;
-    if (newest != nullptr) link.emplace(newest, &member);
-    ReserveOneMore(map->newer);
-    ReflectedItem& item = map->Item(member.Name());
-    former = TakeOwned(item);
-    item.type = member.Type();
-    item.delegate.Lend(member);
-    map->newer.merge(link);
-  }
+  const bool needsMap = chained == longestChainWithoutMap || ExistingMap() != nullptr;
+  return needsMap ? LinkInMap(member) : Chain(member);
+}
+
+void Reflectable::LinkInMap(ChainedMember& member) {
+  MemberMap& map = Map();
+  MemberMap::Links link;
+  if (newest != nullptr) link.emplace(newest, &member);
+  ReserveOneMore(map.newer);
+  ReflectedItem& item = map.Item(member.Name());
+  const RepeatingCallbackMemento former = TakeOwned(item);
+  item.type = member.Type();
+  item.delegate.Lend(member);
+  map.newer.merge(link);
+  Chain(member);
+}
+
+void Reflectable::Chain(ChainedMember& member) noexcept {
   member.older = std::exchange(newest, &member);
   ++chained;
 }

@@ -74,7 +74,8 @@ class DATABINDING_API ReflectionAccess {
   [[nodiscard]] static bool HasLiving(const IReflectable& table, const VtrString& name);
   /// Files a property. A source that is complete goes on living when the property ends, so it makes
   /// sure that the name can be kept then.
-  static void File(IReflectable& table, PropertyBase& property, bool isTableComplete);
+  static void File(IReflectable& table, PropertyBase& property, const runtime_type_base& type,
+                   bool isTableComplete);
   static void Unfile(IReflectable& table, PropertyBase& property) noexcept {
     table.reflectable.Unlink(property);
   }

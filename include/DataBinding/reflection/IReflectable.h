@@ -128,7 +128,11 @@ class DATABINDING_API Reflectable {
   [[nodiscard]] MemberMap* ExistingMap() const noexcept;
   [[nodiscard]] MemberMap& Map() const;
   [[nodiscard]] Known Look(const VtrString& name) const;
+  void AddByHand(const VtrString& name, const RepeatingCallbackMemento& delegate,
+                 const runtime_type_base& type);
   void Link(ChainedMember& member);
+  void LinkInMap(ChainedMember& member);
+  void Chain(ChainedMember& member) noexcept;
   [[nodiscard]] ChainedMember*& PlaceOf(const ChainedMember& member) noexcept;
   void KeepNames() const noexcept;
   [[nodiscard]] RepeatingCallbackMemento ResolveDelegate(const VtrString& name,

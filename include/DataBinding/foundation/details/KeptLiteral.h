@@ -33,11 +33,19 @@ const wchar_t > ;
   return hash;
 }
 
-/// Returns the string that is kept of a literal with this LiteralHash, or an ordinary one when the
-/// table is full. May be called on any thread; allocates only for a new text.
-[[nodiscard]] DATABINDING_API VtrString KeptLiteral(std::wstring_view literal, std::uint32_t hash);
+/// Returns the buffer that is kept of a literal with this LiteralHash, or an ordinary one when the
+/// table is full. The caller owns a reference to it, which for a kept buffer is not counted. May be
+/// called on any thread; allocates only for a new text.
+[[nodiscard]] DATABINDING_API StringBuffer* KeptBuffer(std::wstring_view literal,
+                                                       std::uint32_t hash);
+/// Returns the string of that buffer.
+///@{
+[[nodiscard]] inline VtrString KeptLiteral(std::wstring_view literal, std::uint32_t hash) {
+  return VtrString::Adopt(KeptBuffer(literal, hash));
+}
 [[nodiscard]] inline VtrString KeptLiteral(std::wstring_view literal) {
   return KeptLiteral(literal, LiteralHash(literal));
 }
+///@}
 
 }  // namespace VtrPlatform::details

@@ -66,14 +66,15 @@ struct StringBuffer {
     if (!IsCounted(buffer)) return;
     if (buffer->references.fetch_sub(1, std::memory_order_acq_rel) == 1) Delete(buffer);
   }
+  /// Ends a buffer, whether it is kept or not. Nobody else may have it.
+  static void Delete(StringBuffer* buffer) noexcept {
+    buffer->~StringBuffer();
+    ::operator delete(buffer);
+  }
 
  private:
   [[nodiscard]] static bool IsCounted(const StringBuffer* buffer) noexcept {
     return buffer != nullptr && (buffer->references.load(std::memory_order_relaxed) & kept) == 0;
-  }
-  static void Delete(StringBuffer* buffer) noexcept {
-    buffer->~StringBuffer();
-    ::operator delete(buffer);
   }
 };
 

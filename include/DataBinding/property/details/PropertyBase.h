@@ -97,7 +97,8 @@ class DATABINDING_API PropertyBase : public ChainedMember {
   static PropertyChanges& PrepareBatch(DataSourceImpl& source);
 
  protected:
-  PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName);
+  PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName)
+      : ChainedMember(itsSource, propertyName.ToString()) {}
   /// Takes the extras of a property that has options, or null.
   PropertyBase(DataSourceImpl& itsSource, PropertyName propertyName,
                std::unique_ptr<PropertyExtras> options);
@@ -105,8 +106,9 @@ class DATABINDING_API PropertyBase : public ChainedMember {
     if (ExistingExtras() != nullptr) EndExtras();
   }
 
-  /// Files this property in its source's table. The class answers Type and MakeState by now.
-  void File();
+  /// Files this property in its source's table, under its Type. The class answers Type and
+  /// MakeState by now.
+  void File(const runtime_type_base& type);
   /// Takes the property out of the table and ends its accessor, so that nobody finds it while it
   /// goes. The destructor of a class calls it before anything of the property ends.
   void EndAccess() noexcept;
@@ -233,7 +235,7 @@ class TypedProperty : public IProperty<T> {
   template <class... Extras>
   TypedProperty(DataSourceImpl& itsSource, PropertyName propertyName, Extras... options)
       : IProperty<T>(itsSource, propertyName, std::move(options)...) {
-    this->File();
+    this->File(runtime_type<Filed>::Get());
   }
   ~TypedProperty() override {
     if (this->IsChained()) this->EndAccess();
