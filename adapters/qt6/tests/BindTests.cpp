@@ -293,7 +293,7 @@ TEST_F(Bindings, FillAComboBoxFromAList) {
 TEST_F(Bindings, LetNothingIntoQtThatAGetterThrows) {
   int failures = 0;
   SetListenerFailureHandler([&](const ListenerFailure&) { ++failures; });
-  const ScopeTreeModel tree(*scope, L"", L"Broken", L"Bad");
+  const ScopeTreeModel tree(*scope, L"", {{L"Broken", L"Bad"}});
   const DataSourceProvider inner(scope.get(), L"", nullptr);
   Emplace<Broken>(*scope);
   auto& places = Emplace<Places>(*scope);

@@ -18,7 +18,9 @@ namespace {
 
 struct Page : NamedDataSource {
   Page() : NamedDataSource(L"Page") {}
-  Property<VtrString> title{this, L"Title"};
+  Property<VtrString> title{this, L"Title", {}, {.validate = &NotEmpty}};
+  Property<bool> done{this, L"Done", false};
+  static VtrString NotEmpty(const VtrString& text) { return text.IsEmpty() ? L"is empty" : L""; }
 };
 
 class ScopeTreeModelTest : public testing::Test {
@@ -47,7 +49,7 @@ class ScopeTreeModelTest : public testing::Test {
 TEST_F(ScopeTreeModelTest, ShowsScopesThatComeAndGoByTheTextsOfTheirSources) {
   const auto early = Open(upper.get(), L"A");
   auto inner = Open(early.get(), L"b");
-  ScopeTreeModel model(*upper, L"page", L"Page", L"Title");
+  ScopeTreeModel model(*upper, L"page", {{L"Page", L"Title"}, {L"Page", L"Done", "Ready"}});
   const QAbstractItemModelTester check(&model,
                                        QAbstractItemModelTester::FailureReportingMode::Fatal);
   const QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
@@ -60,6 +62,14 @@ TEST_F(ScopeTreeModelTest, ShowsScopesThatComeAndGoByTheTextsOfTheirSources) {
   SetProperty(late->GetLocalDataSourceInstance(L"Page"), L"Title", VtrString(L"E"));
   EXPECT_EQ(Shown(model), "A(b(d))E");
   EXPECT_GT(changes.size(), 0);
+
+  const QSignalSpy refusals(&model, &ScopeTreeModel::refused);
+  EXPECT_TRUE(model.setData(model.index(1, 1), Qt::Checked, Qt::CheckStateRole));
+  EXPECT_EQ(model.index(1, 1).data(Qt::CheckStateRole).toInt(), Qt::Checked);
+  EXPECT_FALSE(model.setData(model.index(1, 0), ""));
+  EXPECT_EQ(refusals.value(0).value(1).toString(), "is empty");
+  EXPECT_EQ(model.headerData(1, Qt::Horizontal).toString(), "Ready");
+  EXPECT_EQ(model.headerData(0, Qt::Horizontal).toString(), "Title");
   inner.reset();
   EXPECT_EQ(Shown(model), "AE");
   late.reset();

@@ -36,6 +36,11 @@ enum class ValueKind {
   Text
 };
 
+/// Returns true for the kinds of numbers.
+[[nodiscard]] constexpr bool IsNumber(ValueKind kind) noexcept {
+  return kind == ValueKind::Signed || kind == ValueKind::Unsigned || kind == ValueKind::Double;
+}
+
 namespace details {
 
 /// The numbers that a Value holds without loss.

@@ -7,27 +7,11 @@
 #include <QPointer>
 #include <utility>
 
+#include "Cells.h"
 #include "DataBindingQt6/values/Text.h"
-#include "DataBindingQt6/values/Variant.h"
 #include "DataBindingQt6/values/details/Guard.h"
 
 namespace DataBinding::Qt6 {
-
-namespace {
-
-bool IsNumber(ValueKind kind) {
-  return kind == ValueKind::Signed || kind == ValueKind::Unsigned || kind == ValueKind::Double;
-}
-
-QVariant BoxOf(const Value& cell) {
-  const bool* const isChecked = cell.Get<bool>();
-  if (isChecked == nullptr) return {};
-  return static_cast<int>(*isChecked ? Qt::Checked : Qt::Unchecked);
-}
-
-std::size_t ToSize(int number) { return static_cast<std::size_t>(number); }
-
-}  // namespace
 
 QVariant EditAsText(const Value& value, int role, const QModelIndex& /*index*/) {
   return role == Qt::EditRole ? QVariant(ToQString(value.ToText())) : QVariant();
@@ -63,7 +47,7 @@ int ListModel::columnCount(const QModelIndex& parent) const {
 
 const ListModel::ShownColumn* ListModel::ColumnOf(const QModelIndex& index) const {
   if (!index.isValid() || index.model() != this) return nullptr;
-  const std::size_t number = ToSize(index.column());
+  const std::size_t number = details::ToSize(index.column());
   return number < columns.size() ? &columns[number] : nullptr;
 }
 
@@ -83,20 +67,7 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
     QVariant made = Formatted(*column, index, role);
     if (made.isValid()) return made;
   }
-  switch (role) {
-    case Qt::DisplayRole:
-      return column->kind == ValueKind::Bool ? QVariant() : ToVariant(CellOf(*column, index));
-    case Qt::EditRole:
-      return ToVariant(CellOf(*column, index));
-    case Qt::CheckStateRole:
-      if (column->kind != ValueKind::Bool) return {};
-      return BoxOf(CellOf(*column, index));
-    case Qt::TextAlignmentRole:
-      if (!IsNumber(column->kind)) return {};
-      return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
-    default:
-      return {};
-  }
+  return details::CellData(column->kind, role, [&] { return CellOf(*column, index); });
 }
 
 QVariant ListModel::Formatted(const ShownColumn& column, const QModelIndex& index, int role) const {
@@ -108,10 +79,10 @@ QVariant ListModel::Formatted(const ShownColumn& column, const QModelIndex& inde
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
   const bool isOfColumn = orientation == Qt::Horizontal && section >= 0;
-  if (!isOfColumn || role != Qt::DisplayRole || ToSize(section) >= columns.size()) {
+  if (!isOfColumn || role != Qt::DisplayRole || details::ToSize(section) >= columns.size()) {
     return QAbstractTableModel::headerData(section, orientation, role);
   }
-  const ListColumn& column = columns[ToSize(section)].wanted;
+  const ListColumn& column = columns[details::ToSize(section)].wanted;
   return column.header.isEmpty() ? ToQString(column.field) : column.header;
 }
 
@@ -124,21 +95,19 @@ Qt::ItemFlags ListModel::flags(const QModelIndex& index) const {
   if (!column->field || column->wanted.isReadOnly || !rows.CanSetField(*column->field)) {
     return flags;
   }
-  const bool isBox = column->kind == ValueKind::Bool;
-  return flags | (isBox ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable);
+  return flags | details::EditFlag(column->kind);
 }
 
 bool ListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
   const ShownColumn* const column = ColumnOf(index);
-  const bool isBox = role == Qt::CheckStateRole;
-  if (column == nullptr || !column->field || column->wanted.isReadOnly || !value.isValid()) {
+  if (column == nullptr || !column->field || column->wanted.isReadOnly || !value.isValid() ||
+      !details::IsEditRole(column->kind, role)) {
     return false;
   }
-  if (isBox ? column->kind != ValueKind::Bool : role != Qt::EditRole) return false;
   return Attempt(index, [&, row = PlaceOf(index.row()), field = *column->field] {
-    if (isBox) return rows.SetCell(row, field, value.toInt() == Qt::Checked);
-    if (value.typeId() != QMetaType::QString) return rows.SetCell(row, field, ToValue(value));
-    return rows.SetCellText(row, field, ToVtrString(value.toString()));
+    return details::SetCellData(
+        value, role, [&](const Value& cell) { return rows.SetCell(row, field, cell); },
+        [&](const VtrString& text) { return rows.SetCellText(row, field, text); });
   });
 }
 
@@ -146,8 +115,8 @@ void ListModel::sort(int column, Qt::SortOrder order) {
   sortColumn = column;
   sortOrder = order;
   Attempt({}, [this] {
-    const bool isOne = sortColumn >= 0 && ToSize(sortColumn) < columns.size();
-    const auto field = isOne ? columns[ToSize(sortColumn)].field : std::nullopt;
+    const bool isOne = sortColumn >= 0 && details::ToSize(sortColumn) < columns.size();
+    const auto field = isOne ? columns[details::ToSize(sortColumn)].field : std::nullopt;
     const bool isUp = sortOrder == Qt::AscendingOrder;
     field ? static_cast<void>(rows.SortBy(*field, isUp ? Order::Ascending : Order::Descending))
           : rows.KeepOrderOfList();

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DataBindingQt6/models/ScopeTreeModel.h"
 
+#include <QPersistentModelIndex>
+#include <QPointer>
 #include <algorithm>
 #include <utility>
 #include <vector>
 
+#include "Cells.h"
 #include "DataBinding/framework/AnyBind.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/details/Guard.h"
@@ -24,35 +27,35 @@ struct ScopeTreeModel::Node {
   std::uint64_t number;  // of the row in the list above
   WeakPtr<IDataSourceProvider> scope;
   ScopeList list;
-  std::unique_ptr<Framework::AnyBind> text;
+  std::vector<std::unique_ptr<Framework::AnyBind>> cells;  // of the columns
   std::vector<std::unique_ptr<Node>> children;
   Subscription ofList;
-  Subscription ofText;
+  std::vector<Subscription> ofCells;
 };
 
 ScopeTreeModel::ScopeTreeModel(IDataSourceProvider& upper, const VtrString& categories,
-                               const VtrString& source, const VtrString& property,
-                               QObject* itsParent)
+                               std::vector<ScopeColumn> shownColumns, QObject* itsParent)
     : QAbstractItemModel(itsParent),
       wanted(categories),
-      sourceName(source),
-      propertyName(property),
+      columns(std::move(shownColumns)),
       root(MakeNode(nullptr, 0, upper)) {}
 
 ScopeTreeModel::~ScopeTreeModel() = default;
 
-/// Finding the text may build sources that add scopes, so the list is read after that.
+/// Finding the cells may build sources that add scopes, so the list is read after that.
 std::unique_ptr<ScopeTreeModel::Node> ScopeTreeModel::MakeNode(const Node* above,
                                                                std::uint64_t number,
                                                                IDataSourceProvider& scope) {
   auto made = std::make_unique<Node>(above, number, scope, wanted);
   Node* const node = made.get();
-  if (above != nullptr) {
-    node->text = std::make_unique<Framework::AnyBind>(&scope, sourceName, propertyName);
-    node->ofText = node->text->SubscribeToChanges([this, node] {
-      const QModelIndex shown = IndexOf(*node);
-      if (shown.isValid()) Q_EMIT dataChanged(shown, shown);
-    });
+  for (int column = 0; above != nullptr && column < columnCount(); ++column) {
+    const ScopeColumn& shown = columns[details::ToSize(column)];
+    node->cells.push_back(
+        std::make_unique<Framework::AnyBind>(&scope, shown.source, shown.property));
+    node->ofCells.push_back(node->cells.back()->SubscribeToChanges([this, node, column] {
+      const QModelIndex changed = IndexOf(*node, column);
+      if (changed.isValid()) Q_EMIT dataChanged(changed, changed);
+    }));
   }
   auto& rows = node->list.Rows();
   for (std::size_t i = 0; i < rows.Size(); ++i) AddChild(*node, rows[i]);
@@ -104,12 +107,12 @@ const ScopeTreeModel::Node& ScopeTreeModel::NodeOf(const QModelIndex& index) con
 
 /// Returns the index of a node; an invalid one for the upper scope, and for a node that is not
 /// shown yet.
-QModelIndex ScopeTreeModel::IndexOf(const Node& node) const {
+QModelIndex ScopeTreeModel::IndexOf(const Node& node, int column) const {
   if (node.above == nullptr) return {};
   const auto& rows = node.above->children;
   const auto found = std::ranges::find(rows, &node, &std::unique_ptr<Node>::get);
   return found == rows.end() ? QModelIndex()
-                             : createIndex(static_cast<int>(found - rows.begin()), 0, &node);
+                             : createIndex(static_cast<int>(found - rows.begin()), column, &node);
 }
 
 IDataSourceProvider* ScopeTreeModel::ScopeAt(const QModelIndex& index) const {
@@ -117,28 +120,70 @@ IDataSourceProvider* ScopeTreeModel::ScopeAt(const QModelIndex& index) const {
 }
 
 QModelIndex ScopeTreeModel::index(int row, int column, const QModelIndex& above) const {
-  if (column != 0 || row < 0 || row >= rowCount(above)) return {};
-  return createIndex(row, 0, NodeOf(above).children[static_cast<std::size_t>(row)].get());
+  if (!hasIndex(row, column, above)) return {};
+  return createIndex(row, column, NodeOf(above).children[details::ToSize(row)].get());
 }
 
 QModelIndex ScopeTreeModel::parent(const QModelIndex& child) const {
   return child.isValid() ? IndexOf(*NodeOf(child).above) : QModelIndex();
 }
 
+/// Rows stand below the first column.
 int ScopeTreeModel::rowCount(const QModelIndex& above) const {
-  return static_cast<int>(NodeOf(above).children.size());
+  return above.column() > 0 ? 0 : static_cast<int>(NodeOf(above).children.size());
 }
 
-int ScopeTreeModel::columnCount(const QModelIndex& /*above*/) const { return 1; }
+int ScopeTreeModel::columnCount(const QModelIndex& /*above*/) const {
+  return static_cast<int>(columns.size());
+}
+
+Framework::AnyBind& ScopeTreeModel::CellOf(const QModelIndex& index) const {
+  return *NodeOf(index).cells[details::ToSize(index.column())];
+}
 
 QVariant ScopeTreeModel::data(const QModelIndex& index, int role) const {
-  if (!index.isValid() || role != Qt::DisplayRole) return {};
-  QString shown;
-  details::Guard(propertyName, [&] {
-    const auto text = NodeOf(index).text->ReadText();
-    if (text) shown = ToQString(*text);
+  QVariant data;
+  if (!index.isValid()) return data;
+  const Framework::AnyBind& cell = CellOf(index);
+  details::Guard(columns[details::ToSize(index.column())].property, [&] {
+    data =
+        details::CellData(cell.Kind(), role, [&] { return cell.Read().value.value_or(Value()); });
   });
-  return shown;
+  return data;
+}
+
+QVariant ScopeTreeModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  const bool isOfColumn = orientation == Qt::Horizontal && section >= 0 && section < columnCount();
+  if (!isOfColumn || role != Qt::DisplayRole) {
+    return QAbstractItemModel::headerData(section, orientation, role);
+  }
+  const ScopeColumn& column = columns[details::ToSize(section)];
+  return column.header.isEmpty() ? ToQString(column.property) : column.header;
+}
+
+Qt::ItemFlags ScopeTreeModel::flags(const QModelIndex& index) const {
+  const Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+  if (!index.isValid() || columns[details::ToSize(index.column())].isReadOnly) return flags;
+  const Framework::AnyBind& cell = CellOf(index);
+  return cell.HasValue() && !cell.IsReadOnly() ? flags | details::EditFlag(cell.Kind()) : flags;
+}
+
+bool ScopeTreeModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (!index.isValid() || columns[details::ToSize(index.column())].isReadOnly) return false;
+  Framework::AnyBind& cell = CellOf(index);
+  if (!value.isValid() || !details::IsEditRole(cell.Kind(), role)) return false;
+  const QPointer<ScopeTreeModel> self(this);
+  const QPersistentModelIndex edited(index);
+  const SetResult result =
+      details::GuardResult(columns[details::ToSize(index.column())].property, [&] {
+        return details::SetCellData(
+            value, role, [&](const Value& given) { return cell.Write(given); },
+            [&](const VtrString& text) { return cell.WriteText(text); });
+      });
+  if (!result.IsAccepted() && self != nullptr) {
+    Q_EMIT refused(edited, ToQString(result.reason.IsEmpty() ? result.text : result.reason));
+  }
+  return result.IsAccepted();
 }
 
 }  // namespace DataBinding::Qt6

@@ -32,10 +32,6 @@ struct Choice {
 
 namespace details {
 
-[[nodiscard]] constexpr bool IsNumber(ValueKind kind) {
-  return kind == ValueKind::Signed || kind == ValueKind::Unsigned || kind == ValueKind::Double;
-}
-
 /// Returns the number as the kind of the property has it, so that equal numbers are equal Values.
 [[nodiscard]] DATABINDING_QT6_API Value NumberOfKind(const Value& number, ValueKind kind);
 
