@@ -24,22 +24,38 @@ class RowTest {
     Ask({{&row, 1}, &isShown});
     return isShown;
   }
-  /// Calls visit(id, isShown) for each row, in order.
+  /// Calls visit(id, isShown) for each of the rows, in order.
   template <class Visit>
   void ForEach(std::span<const RowId> ids, Visit visit) const noexcept {
-    constexpr std::size_t most = 64;
-    std::array<const void*, most> rows{};
     while (!ids.empty()) {
       const std::size_t count = std::min(most, ids.size());
-      std::array<bool, most> answers{};
-      source.CopyRows(ids.first(count), rows.data());
-      Ask({{rows.data(), count}, answers.data()});
-      for (std::size_t i = 0; i < count; ++i) visit(ids[i], answers[i]);
+      AskTogether(ids.first(count), visit);
       ids = ids.subspan(count);
+    }
+  }
+  /// Calls visit(id, isShown) for each row of the list, in order.
+  template <class Visit>
+  void ForAll(Visit visit) const noexcept {
+    std::array<RowId, most> ids{};
+    for (std::size_t at = 0; at < source.Size(); at += most) {
+      const std::span<RowId> some(ids.data(), std::min(most, source.Size() - at));
+      source.CopyIds(at, some);
+      AskTogether(some, visit);
     }
   }
 
  private:
+  static constexpr std::size_t most = 64;
+
+  template <class Visit>
+  void AskTogether(std::span<const RowId> ids, Visit& visit) const noexcept {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): CopyRows fills as many as are asked
+    std::array<const void*, most> rows;
+    std::array<bool, most> answers{};
+    source.CopyRows(ids, rows.data());
+    Ask({{rows.data(), ids.size()}, answers.data()});
+    for (std::size_t i = 0; i < ids.size(); ++i) visit(ids[i], answers[i]);
+  }
   void Ask(RowQuestions questions) const noexcept {
     while (questions.answered < questions.rows.size()) {
       try {
@@ -116,10 +132,8 @@ void FilteredView::FilterBy(RowPredicate& function, std::vector<Subscription>& f
 void FilteredView::AskAnew() {
   if (!IsAwake()) return;
   ReserveAll();
-  TakeRowsOfSource();
-  CompareAnswers(
-      [this](auto compare) { RowTest(predicate, *source, node).ForEach(target, compare); });
-  PrepareOwn(AreAnswersMany() ? target.size() : coming.size());
+  CompareAnswers([this](auto compare) { RowTest(predicate, *source, node).ForAll(compare); });
+  PrepareOwn(AreAnswersMany() ? order.Size() + coming.size() - placed.size() : coming.size());
   TellAnswers();
 }
 
@@ -236,21 +250,19 @@ void FilteredView::AskFew(std::span<const RowId> ids) noexcept {
   TellInsertions();
 }
 
-/// Goes over all rows of the list, which stand in `target`: visit(compare) calls compare(id,
-/// isShown) for each. `target` gets what is shown in the end, `placed` the rows that go, and
-/// `coming` those that come when these are gone.
+/// Goes over all rows of the list: visit(compare) calls compare(id, isShown) for each, in order.
+/// `placed` gets the rows that go, and `coming` those that come when these are gone. Most rows stay
+/// as they are, so nothing else is done for each.
 template <class Visit>
 void FilteredView::CompareAnswers(Visit visit) noexcept {
   placed.clear();
   coming.clear();
-  visit([this, index = std::size_t{0}, shown = std::size_t{0}](RowId id, bool isShown) mutable {
+  visit([this, index = std::size_t{0}](RowId id, bool isShown) mutable {
     const bool wasShown = order.Contains(id);
-    if (isShown && !wasShown) coming.push_back({shown - coming.size(), id});
+    if (isShown && !wasShown) coming.push_back({index - placed.size(), id});
     if (wasShown && !isShown) placed.push_back({index, id});
-    if (isShown) target[shown++] = id;
     index += wasShown ? 1 : 0;
   });
-  target.resize(order.Size() + coming.size() - placed.size());
 }
 
 /// Says whether the answers are told at once instead of in ranges.
@@ -259,10 +271,15 @@ bool FilteredView::AreAnswersMany() const noexcept {
 }
 
 bool FilteredView::TellAnswers() noexcept {
-  if (AreAnswersMany()) return TellTarget();
-  if (!TellRanges(ListChangeKind::Removed)) return false;
+  if (!AreAnswersMany()) {
+    if (!TellRanges(ListChangeKind::Removed)) return false;
+    placed.swap(coming);
+    return TellRanges(ListChangeKind::Inserted);
+  }
+  CopyRest(rows);
   placed.swap(coming);
-  return TellRanges(ListChangeKind::Inserted);
+  MergeInto(rows);
+  return TellTarget();
 }
 
 /// Finds the first of the rows from `first` to `end` that stands behind a place of the list.

@@ -57,12 +57,6 @@ ListPlan ListEngine::Pending() const noexcept {
           pending.changes};
 }
 
-void ListEngine::CopyIds(std::span<RowId> to) const noexcept {
-  auto next = to.begin();
-  present.order.ForEach(
-      [&](std::span<const RowId> ids) { next = std::ranges::copy(ids, next).out; });
-}
-
 ListEngine::State& ListEngine::Planning() {
   Foresee();
   return coming == nullptr ? present : coming->state;

@@ -111,8 +111,8 @@ void ListNode::RestDependents() noexcept {
   }
 }
 
-void ListNode::CopyIds(std::span<RowId> to) const noexcept {
-  for (std::size_t i = 0; i < to.size(); ++i) to[i] = At(i);
+void ListNode::CopyIds(std::size_t at, std::span<RowId> to) const noexcept {
+  for (RowId& id : to) id = At(at++);
 }
 
 bool ListNode::TellBefore(const ListStep& step) noexcept {

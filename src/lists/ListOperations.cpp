@@ -49,13 +49,8 @@ void AddRemovals(ListOperation& operation, const RowOrder& order, std::span<cons
 }  // namespace
 
 std::vector<RowId> ListEngine::IdsFrom(std::size_t at, std::size_t count) const {
-  std::vector<RowId> ids;
-  ids.reserve(count);
-  if (count == present.order.Size()) {
-    present.order.ForEach([&](auto part) { ids.insert(ids.end(), part.begin(), part.end()); });
-  } else {
-    for (std::size_t i = 0; i < count; ++i) ids.push_back(present.order.At(at + i));
-  }
+  std::vector<RowId> ids(count);
+  present.order.CopyIds(at, ids);
   return ids;
 }
 

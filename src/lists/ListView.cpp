@@ -100,11 +100,6 @@ VtrString ListView::ListName() const {
 
 RowId ListView::IdsBelow() const noexcept { return source == nullptr ? 0 : source->IdsBelow(); }
 
-void ListView::CopyIds(std::span<RowId> to) const noexcept {
-  auto next = to.begin();
-  order.ForEach([&](std::span<const RowId> ids) { next = std::ranges::copy(ids, next).out; });
-}
-
 bool ListView::Awaken() {
   if (isAwake || isAwaking || hasEnded || source == nullptr) return isAwake;
   const ScopedValue awaking(isAwaking, true);
@@ -237,7 +232,7 @@ void ListView::TakeTurn(RepeatingCallback<void()> run) {
 
 void ListView::TakeRowsOfSource() noexcept {
   target.resize(source->Size());
-  source->CopyIds(target);
+  source->CopyIds(0, target);
 }
 
 std::size_t ListView::MostRanges() const noexcept {

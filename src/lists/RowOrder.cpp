@@ -29,6 +29,17 @@ std::size_t RowOrder::IndexOf(RowId id) const noexcept {
   return starts[placeOf[number]] + offset;
 }
 
+void RowOrder::CopyIds(std::size_t at, std::span<RowId> to) const noexcept {
+  while (!to.empty()) {
+    const std::size_t place = PlaceOf(at);
+    const auto ids = BlockAt(place).Ids().subspan(at - starts[place]);
+    const std::size_t here = std::min(ids.size(), to.size());
+    std::copy_n(ids.begin(), here, to.begin());
+    at += here;
+    to = to.subspan(here);
+  }
+}
+
 void RowOrder::Reserve(std::size_t insertions, RowId idsBelow) {
   if (insertions >= mostInBlock * noBlock) ThrowTooLong();
   ReserveBlocks(BlocksFor(insertions), idsBelow);
@@ -86,7 +97,7 @@ void RowOrder::Move(std::size_t from, std::size_t count, std::size_t to) noexcep
   for (std::size_t done = 0; done < count;) {
     const std::size_t here = std::min(mostInBlock, count - done);
     const std::size_t offset = to < from ? done : count - done - here;
-    for (std::size_t i = 0; i < here; ++i) ids[i] = At(from + offset + i);
+    CopyIds(from + offset, {ids.data(), here});
     Erase(from + offset, here);
     Insert(to + offset, {ids.data(), here});
     done += here;

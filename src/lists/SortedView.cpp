@@ -132,7 +132,7 @@ void SortedView::Insert(const ListStep& step) noexcept {
     aside += PlaceSorted(live, Sorted(), order.Size(), [this](auto at) { return order.At(at); });
   } else {
     rows.resize(order.Size());
-    CopyIds(rows);
+    CopyIds(0, rows);
     aside += PlaceSorted(live, Sorted(), order.Size(), [this](auto at) { return rows[at]; });
   }
   TellInsertions();
@@ -274,7 +274,7 @@ void SortedView::TakeMarkedInOrderOfList(std::span<const RowId> ids) noexcept {
   const std::size_t size = source->Size();
   if (ids.size() > size / rowsPassedInTheTimeOfASearch) {
     rows.resize(size);
-    source->CopyIds(rows);
+    source->CopyIds(0, rows);
     std::erase_if(rows, [this](RowId id) { return !IsMarked(id); });
     return;
   }

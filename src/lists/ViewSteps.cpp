@@ -85,23 +85,27 @@ bool ListView::TellRanges(ListChangeKind kind) noexcept {
 
 bool ListView::TellRemovals() noexcept {
   if (CountRanges(placed) <= MostRanges()) return TellRanges(ListChangeKind::Removed);
-  target.clear();
+  CopyRest(target);
+  asideInTarget = aside;
+  return TellTarget();
+}
+
+void ListView::CopyRest(std::vector<RowId>& to) const noexcept {
+  to.clear();
   std::size_t index = 0;
   auto next = placed.begin();
   order.ForEach([&](std::span<const RowId> ids) {
     for (const RowId id : ids) {
       const bool goes = next != placed.end() && next->at == index++;
-      goes ? static_cast<void>(++next) : target.push_back(id);
+      goes ? static_cast<void>(++next) : to.push_back(id);
     }
   });
-  asideInTarget = aside;
-  return TellTarget();
 }
 
 bool ListView::TellInsertions() noexcept {
   if (CountGaps(placed) <= MostRanges()) return TellRanges(ListChangeKind::Inserted);
   rows.resize(order.Size());
-  CopyIds(rows);
+  CopyIds(0, rows);
   MergeInto(rows);
   asideInTarget = aside;
   return TellTarget();

@@ -263,8 +263,9 @@ class DATABINDING_API ListNode {
   [[nodiscard]] virtual bool IsSourceGoing() const noexcept { return false; }
   /// The outermost operation of the family whose root this is has ended.
   virtual void AtRest() {}
-  /// Copies the ids of all rows, in order; `to` has room for Size() ids.
-  virtual void CopyIds(std::span<RowId> to) const noexcept;
+  /// Copies the ids of the rows from an index on, in order. There are at least as many as `to` has
+  /// room for.
+  virtual void CopyIds(std::size_t at, std::span<RowId> to) const noexcept;
   /// Tells, while a step is told, whether the fields of rows can be read as they are after it.
   [[nodiscard]] virtual bool HasNewRows() const noexcept { return phase == Phase::After; }
   /// Has a view ask its rows before somebody observes or follows it. Returns false where it shows

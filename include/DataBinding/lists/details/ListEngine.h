@@ -58,7 +58,6 @@ class DATABINDING_API ListEngine {
   /// Returns the first row of a key, or KeyTable::none.
   [[nodiscard]] RowId Find(const void* key) const noexcept;
   [[nodiscard]] ListPlan Pending() const noexcept;
-  void CopyIds(std::span<RowId> to) const noexcept;
 
   /// These are the operations of ListData. They take indexes of the list as it reads now.
   ///@{

@@ -63,7 +63,9 @@ class ListStorage : public ReadableList<Row> {
     return &engine.Slots().Table();
   }
   [[nodiscard]] RowId IdsBelow() const noexcept final { return engine.Slots().IdsBelow(); }
-  void CopyIds(std::span<RowId> to) const noexcept final { engine.CopyIds(to); }
+  void CopyIds(std::size_t at, std::span<RowId> to) const noexcept final {
+    engine.Order().CopyIds(at, to);
+  }
   [[nodiscard]] RowId FindKey(const void* key) const noexcept final {
     if constexpr (SourceRow<Row>) return ListNode::FindKey(key);
     return engine.Find(key);

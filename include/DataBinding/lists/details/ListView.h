@@ -95,7 +95,7 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   }
   [[nodiscard]] RowId IdsBelow() const noexcept;
   [[nodiscard]] ListPlan Pending() const noexcept;
-  void CopyIds(std::span<RowId> to) const noexcept;
+  void CopyIds(std::size_t at, std::span<RowId> to) const noexcept { order.CopyIds(at, to); }
   ///@}
   /// Asks the rows if the view still sleeps. Returns false if it sleeps on, because it is just
   /// asking them or has ended. Strong guarantee.
@@ -174,6 +174,9 @@ class DATABINDING_API ListView : public ListDependent, protected ViewRoom {
   bool EndTarget() noexcept;
   ///@}
   ///@}
+  /// Copies the rows of the view without those of `placed`, which have their places in ascending
+  /// order. There is room for them.
+  void CopyRest(std::vector<RowId>& to) const noexcept;
   /// Merges the rows of `placed` into `base`, where their places are, and gives `target`.
   void MergeInto(std::span<const RowId> base) noexcept;
   /// The number of ranges that the places make: of rows that stand there, or of rows that come

@@ -72,6 +72,8 @@ class DATABINDING_API RowOrder {
   /// Reserve(ids.size(), idsBelow).
   void Assign(std::span<const RowId> ids);
 
+  /// Copies the ids from an index on; there are at least as many as `to` has room for.
+  void CopyIds(std::size_t at, std::span<RowId> to) const noexcept;
   /// Calls visit(std::span<const RowId>) with the ids, block by block in their order.
   template <class Visit>
   void ForEach(Visit&& visit) const {

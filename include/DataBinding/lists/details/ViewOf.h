@@ -37,7 +37,7 @@ class ViewOf : public Base {
   [[nodiscard]] bool HasNewRows() const noexcept final { return view.HasNewRows(); }
   [[nodiscard]] bool IsSourceGoing() const noexcept final { return view.IsSourceGoing(); }
   [[nodiscard]] VtrString ListName() const final { return view.ListName(); }
-  void CopyIds(std::span<RowId> to) const noexcept final { view.CopyIds(to); }
+  void CopyIds(std::size_t at, std::span<RowId> to) const noexcept final { view.CopyIds(at, to); }
 
  protected:
   template <class... Settings>
