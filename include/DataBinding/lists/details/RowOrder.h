@@ -87,10 +87,11 @@ class DATABINDING_API RowOrder {
   static constexpr std::size_t wellFilled = mostInBlock * 7 / 8;
   static constexpr std::size_t mostJoined = mostInBlock * 3 / 4;
   static constexpr BlockNumber noBlock = 0xffff;
-  struct Block {
+  // Only the first `count` ids have values, since writing all of a spare block would take its time.
+  struct Block {  // NOLINT(cppcoreguidelines-pro-type-member-init): the reason is above
     [[nodiscard]] std::span<const RowId> Ids() const noexcept { return {ids.data(), count}; }
     std::uint32_t count = 0;
-    std::array<RowId, mostInBlock> ids{};
+    std::array<RowId, mostInBlock> ids;
   };
 
   [[nodiscard]] Block& BlockAt(std::size_t place) const noexcept {
