@@ -58,12 +58,6 @@ bool AnyList::CanSetField(std::size_t number) const {
          !IsReadOnly();
 }
 
-Value AnyList::Cell(std::size_t index, std::size_t field) const {
-  const auto [row, table] = RowAtPlace(index);
-  if (row == nullptr || table == nullptr || field >= table->fields.size()) return {};
-  return table->fields[field].get(row);
-}
-
 SetResult AnyList::SetCell(std::size_t index, const VtrString& field, const Value& value) {
   const auto number = FieldNumber(field);
   if (number) return SetCell(index, *number, value);

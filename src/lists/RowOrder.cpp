@@ -192,6 +192,7 @@ void RowOrder::ClosePlaces(std::size_t place, std::size_t count) noexcept {
   }
   sequence.erase(sequence.begin() + first, sequence.begin() + end);
   starts.erase(starts.begin() + first, starts.begin() + end);
+  lastPlace = 0;
   Renumber(place);
 }
 

@@ -44,7 +44,11 @@ class DATABINDING_API AnyList : public details::ListNode {
   [[nodiscard]] bool CanSetField(std::size_t number) const;
 
   /// The value of a cell; nothing where there is no such cell or the field's type has no form.
-  [[nodiscard]] Value Cell(std::size_t index, std::size_t field) const;
+  [[nodiscard]] Value Cell(std::size_t index, std::size_t field) const {
+    const auto [row, table] = RowAtPlace(index);
+    if (row == nullptr || table == nullptr || field >= table->fields.size()) return {};
+    return table->fields[field].get(row);
+  }
   /// Sets a cell as an Update of its row would. The field's validator is asked, and a field or list
   /// that is read-only refuses the value. The result's text names the list, the field and what is
   /// wrong.

@@ -99,8 +99,7 @@ class DATABINDING_API RowOrder {
   }
   /// Looks first where it looked last, since rows are often read one by one.
   [[nodiscard]] std::size_t PlaceOf(std::size_t index) const noexcept {
-    const bool isThere =
-        lastPlace < starts.size() && index - starts[lastPlace] < BlockAt(lastPlace).count;
+    const bool isThere = index - starts[lastPlace] < BlockAt(lastPlace).count;
     return isThere ? lastPlace : SearchPlaceOf(index);
   }
   [[nodiscard]] std::size_t SearchPlaceOf(std::size_t index) const noexcept;
@@ -127,7 +126,7 @@ class DATABINDING_API RowOrder {
   std::vector<BlockNumber> placeOf;   // by number
   std::vector<BlockNumber> blockOf;   // by id; noBlock for an id that is not in
   std::size_t size = 0;
-  mutable std::size_t lastPlace = 0;  // which PlaceOf has found
+  mutable std::size_t lastPlace = 0;  // which PlaceOf has found; a place in use, if there is one
   std::size_t promised = 0;           // insertions that were reserved and not yet made
 };
 
