@@ -13,12 +13,13 @@
 ///   SortedList sorted(contacts, By(&Contact::name));
 ///
 /// Whatever a source announces is told as a Changed of its row, so views, binds and selections
-/// follow the properties: once for each announcement, so for a PropertyBatch at its end. A property
-/// that is no field is told without a field that differs. The source has changed already in both
-/// calls, and there is no former row. What is announced while the family tells a change is told
-/// together, as one change, after it. Without memory for telling it, the failure handler is told,
-/// and the change comes with the next one. Fields are set by the properties' own Set and
-/// validators, also by SetCell and in a CurrentRow, at once whatever is being told.
+/// follow the properties: once for each announcement. The end of a PropertyBatch announces one
+/// property after the other, so it tells a Changed for each. A property that is no field is told
+/// without a field that differs. The source has changed already in both calls, and there is no
+/// former row. What is announced while the family tells a change is told together, as one change,
+/// after it. Without memory for telling it, the failure handler is told, and the change comes with
+/// the next one. Fields are set by the properties' own Set and validators, also by SetCell and in a
+/// CurrentRow, at once whatever is being told.
 ///
 /// A source ends when the operation that removes it, and all that has waited for it, are over;
 /// nobody else ends it, and it is in no scope. A callback of its own property may remove it. The
