@@ -3,37 +3,39 @@
 
 #include <QComboBox>
 #include <QLineEdit>
-#include <QPointer>
 #include <QStringList>
 #include <utility>
 
 #include "DataBinding/foundation/Subscription.h"
 #include "DataBinding/framework/AnyListBind.h"
-#include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/details/Guard.h"
 #include "DataBindingQt6/widgets/Binding.h"
+#include "Join.h"
 #include "TextKinds.h"
 
 namespace DataBinding::Qt6 {
 
 namespace {
 
-/// Joins one box to one list, and is a child of the box.
-class Choices final : public QObject {
+/// Joins one box to one list.
+class Choices final : public Join {
  public:
   Choices(QComboBox& itsBox, const VtrString& context, const VtrString& source,
           const VtrString& list, VtrString shownField)
-      : QObject(&itsBox), box(itsBox), rows(context, source, list), field(std::move(shownField)) {
-    setObjectName(QStringLiteral("DataBindingChoices"));
+      : Join(itsBox, "choices"),
+        box(itsBox),
+        rows(context, source, list),
+        field(std::move(shownField)) {
     changes = rows.Observe({.before = {}, .after = [this](const ListChange&) { FillLater(); }});
-    FollowScope(&box, [self = QPointer<Choices>(this)](IDataSourceProvider* provider) {
-      if (self) self->rows.Connect(provider);
-    });
+    Follow();
     Fill();
   }
 
+  [[nodiscard]] Framework::BindStatus Status() const override { return rows.Status(); }
+
  private:
+  void Enter(IDataSourceProvider* scope) override { rows.Connect(scope); }
   void FillLater() {
     if (std::exchange(isDue, true)) return;
     QMetaObject::invokeMethod(this, &Choices::Fill, Qt::QueuedConnection);
@@ -85,7 +87,6 @@ void Choices::Fill() {
 void BindChoices(QComboBox* box, const VtrString& source, const VtrString& list,
                  const VtrString& field, const VtrString& context) {
   if (box == nullptr) return;
-  delete box->findChild<QObject*>(QStringLiteral("DataBindingChoices"), Qt::FindDirectChildrenOnly);
   new Choices(*box, context, source, list, field);  // it belongs to the box
 }
 

@@ -7,9 +7,9 @@
 #include <QPointer>
 #include <utility>
 
-#include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/details/Guard.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
+#include "Join.h"
 
 namespace DataBinding::Qt6 {
 
@@ -37,21 +37,16 @@ QWidget* WindowOf(const QObject* object) {
 }
 
 /// Joins its parent to an event.
-class CommandJoin : public QObject {
+class CommandJoin final : public Join {
  public:
   CommandJoin(QObject& joined, std::unique_ptr<Framework::EventBind> itsBind, bool commits)
-      : bind(std::move(itsBind)), commitsEdits(commits) {
-    const auto name = QStringLiteral("DataBinding.command");
-    delete joined.findChild<QObject*>(name, Qt::FindDirectChildrenOnly);
-    setObjectName(name);
-    setParent(&joined);
-  }
+      : Join(joined, "command"), bind(std::move(itsBind)), commitsEdits(commits) {}
 
   template <class Object>
-  Framework::EventBind& Follow(Object& object) {
+  Framework::EventBind& Enable(Object& object) {
     const auto enable = [this, &object] { object.setEnabled(bind->CanRaise()); };
     enabling = bind->SubscribeToChanges(enable);
-    FollowScope(this, [this](IDataSourceProvider* scope) { bind->Connect(scope); });
+    Follow();
     enable();
     return *bind;
   }
@@ -64,33 +59,37 @@ class CommandJoin : public QObject {
     });
   }
 
+  [[nodiscard]] Framework::BindStatus Status() const override { return bind->Status(); }
+
  private:
+  void Enter(IDataSourceProvider* scope) override { bind->Connect(scope); }
+
   std::unique_ptr<Framework::EventBind> bind;
   bool commitsEdits;
   Subscription enabling;
 };
 
 template <class Object, class Signal>
-Framework::EventBind& Join(Object* object, Signal signal,
-                           std::unique_ptr<Framework::EventBind> bind,
-                           const CommandOptions& options) {
+Framework::EventBind& JoinEvent(Object* object, Signal signal,
+                                std::unique_ptr<Framework::EventBind> bind,
+                                const CommandOptions& options) {
   static Framework::EventBind none;
   if (object == nullptr || bind == nullptr) return none;
   auto* join = new CommandJoin(*object, std::move(bind), options.commitsEdits);
   QObject::connect(object, signal, join, &CommandJoin::Raise);
-  return join->Follow(*object);
+  return join->Enable(*object);
 }
 
 }  // namespace
 
 Framework::EventBind& Bind(QAction* action, std::unique_ptr<Framework::EventBind> bind,
                            const CommandOptions& options) {
-  return Join(action, &QAction::triggered, std::move(bind), options);
+  return JoinEvent(action, &QAction::triggered, std::move(bind), options);
 }
 
 Framework::EventBind& Bind(QAbstractButton* button, std::unique_ptr<Framework::EventBind> bind,
                            const CommandOptions& options) {
-  return Join(button, &QAbstractButton::clicked, std::move(bind), options);
+  return JoinEvent(button, &QAbstractButton::clicked, std::move(bind), options);
 }
 
 }  // namespace DataBinding::Qt6

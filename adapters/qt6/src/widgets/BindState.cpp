@@ -8,32 +8,29 @@
 #include <utility>
 
 #include "DataBinding/framework/AnyBind.h"
-#include "DataBindingQt6/scopes/Scope.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/values/Variant.h"
 #include "Dress.h"
+#include "Join.h"
 
 namespace DataBinding::Qt6 {
 
 namespace {
 
-/// Writes one property of its parent by a property of a data source.
-class StateJoin : public QObject {
+/// Writes one property of an object by a property of a data source.
+class StateJoin final : public Join {
  public:
   using Write = std::function<void(const Framework::AnyBind&)>;
 
-  StateJoin(QObject& joined, const char* what, const VtrString& source, const VtrString& property,
-            Write toWrite)
-      : bind(VtrString(), source, property), write(std::move(toWrite)) {
-    const QString name = QStringLiteral("DataBinding.%1").arg(QLatin1String(what));
-    delete joined.findChild<QObject*>(name, Qt::FindDirectChildrenOnly);
-    setObjectName(name);
-    setParent(&joined);
-    FollowScope(this, [this](IDataSourceProvider* scope) { Enter(scope); });
+  StateJoin(QObject& joined, const char* what, const Framework::AnyBind& itsBind, Write toWrite)
+      : Join(joined, what), bind(itsBind), write(std::move(toWrite)) {
+    Follow();
   }
 
+  [[nodiscard]] Framework::BindStatus Status() const override { return bind.Status(); }
+
  private:
-  void Enter(IDataSourceProvider* scope) {
+  void Enter(IDataSourceProvider* scope) override {
     changing.Cancel();  // a bind tells of another source more than once
     bind.Connect(scope);
     changing = bind.SubscribeToChanges([this] { write(bind); });
@@ -46,52 +43,57 @@ class StateJoin : public QObject {
 };
 
 template <class Object, class Set>
-void JoinTruth(Object* object, const char* what, const VtrString& source, const VtrString& property,
-               Set set) {
+void JoinTruth(Object* object, const char* what, const Framework::AnyBind& truth, Set set) {
   if (object == nullptr) return;
   const auto write = [object, set](const Framework::AnyBind& bind) {
     const auto read = bind.Read();
     std::invoke(set, *object, read.value && ToVariant(*read.value).toBool());
   };
-  new StateJoin(*object, what, source, property, write);  // it belongs to the object
+  new StateJoin(*object, what, truth, write);  // it belongs to the object
 }
 
 template <class Form>
-void JoinText(QWidget* widget, const char* what, const VtrString& source, const VtrString& property,
+void JoinText(QWidget* widget, const char* what, const Framework::AnyBind& text,
               void (QWidget::*set)(const QString&), Form form) {
   if (widget == nullptr) return;
   const auto write = [widget, set, form](const Framework::AnyBind& bind) {
     (widget->*set)(form(ToQString(bind.ReadText().value.value_or(VtrString()))));
   };
-  new StateJoin(*widget, what, source, property, write);  // it belongs to the widget
+  new StateJoin(*widget, what, text, write);  // it belongs to the widget
 }
 
 }  // namespace
 
-void BindEnabled(QWidget* widget, const VtrString& source, const VtrString& property) {
-  JoinTruth(widget, "enabled", source, property,
+void BindEnabled(QWidget* widget, const VtrString& source, const VtrString& property,
+                 const VtrString& context) {
+  JoinTruth(widget, "enabled", {context, source, property},
             [](QWidget& enabled, bool on) { SetDisabledBy(enabled, Disabler::Property, !on); });
 }
 
-void BindEnabled(QAction* action, const VtrString& source, const VtrString& property) {
-  JoinTruth(action, "enabled", source, property, &QAction::setEnabled);
+void BindEnabled(QAction* action, const VtrString& source, const VtrString& property,
+                 const VtrString& context) {
+  JoinTruth(action, "enabled", {context, source, property}, &QAction::setEnabled);
 }
 
-void BindVisible(QWidget* widget, const VtrString& source, const VtrString& property) {
-  JoinTruth(widget, "visible", source, property, &QWidget::setVisible);
+void BindVisible(QWidget* widget, const VtrString& source, const VtrString& property,
+                 const VtrString& context) {
+  JoinTruth(widget, "visible", {context, source, property}, &QWidget::setVisible);
 }
 
-void BindVisible(QAction* action, const VtrString& source, const VtrString& property) {
-  JoinTruth(action, "visible", source, property, &QAction::setVisible);
+void BindVisible(QAction* action, const VtrString& source, const VtrString& property,
+                 const VtrString& context) {
+  JoinTruth(action, "visible", {context, source, property}, &QAction::setVisible);
 }
 
-void BindTitle(QWidget* window, const VtrString& source, const VtrString& property) {
-  JoinText(window, "title", source, property, &QWidget::setWindowTitle,
+void BindTitle(QWidget* window, const VtrString& source, const VtrString& property,
+               const VtrString& context) {
+  JoinText(window, "title", {context, source, property}, &QWidget::setWindowTitle,
            [](const QString& text) { return text; });
 }
 
-void BindToolTip(QWidget* widget, const VtrString& source, const VtrString& property) {
-  JoinText(widget, "toolTip", source, property, &QWidget::setToolTip, &Dress::AsPlain);
+void BindToolTip(QWidget* widget, const VtrString& source, const VtrString& property,
+                 const VtrString& context) {
+  JoinText(widget, "toolTip", {context, source, property}, &QWidget::setToolTip, &Dress::AsPlain);
 }
 
 }  // namespace DataBinding::Qt6

@@ -2,16 +2,20 @@
 /// These functions let a property say whether a widget is enabled or visible, and what its title
 /// and its tool tip are.
 ///
-/// The property is found by name in the scope of the widget (Scope.h), as Bind finds it. It may be
-/// of any type. A truth value, a number other than 0, and a text other than "", "0" and "false"
-/// enable and show; where there is no value, the widget is disabled or hidden, and its title or
-/// tool tip is empty. So do not set the same of a widget by the program as well. A widget in which
-/// a property is edited may have a BindEnabled, too: Bind disables it where there is nothing to
-/// edit, and it is enabled where both allow that.
+/// The property is found by name in the scope of the widget (Scope.h), as Bind finds it, or in the
+/// data context that is named. It may be of any type. A truth value, a number other than 0, and a
+/// text other than "", "0" and "false" enable and show; where there is no value, the widget is
+/// disabled or hidden, and its title or tool tip is empty. So do not set the same of a widget by
+/// the program as well. A widget in which a property is edited may have a BindEnabled, too: Bind
+/// disables it where there is nothing to edit, and it is enabled where both allow that.
 ///
 /// The join belongs to the widget and ends with it. A second join of the same kind takes the place
 /// of the first. A null widget is ignored. A widget that is shown by BindVisible should have
 /// its parent before, since a widget without one is shown as a window.
+///
+/// What a getter throws leaves the call that joins, and no join is made. Later it goes to the
+/// failure handler (ListenerGuard.h), and the widget stays as it is. All of it belongs to the
+/// thread of the widgets.
 ///
 ///   Qt6::BindEnabled(port, L"Server", L"IsManual");
 ///   Qt6::BindTitle(&window, L"Document", L"Title");
@@ -28,23 +32,23 @@ namespace DataBinding::Qt6 {
 /// Enables by a property.
 ///@{
 DATABINDING_QT6_API void BindEnabled(QWidget* widget, const VtrString& source,
-                                     const VtrString& property);
+                                     const VtrString& property, const VtrString& context = {});
 DATABINDING_QT6_API void BindEnabled(QAction* action, const VtrString& source,
-                                     const VtrString& property);
+                                     const VtrString& property, const VtrString& context = {});
 ///@}
 /// Shows and hides by a property.
 ///@{
 DATABINDING_QT6_API void BindVisible(QWidget* widget, const VtrString& source,
-                                     const VtrString& property);
+                                     const VtrString& property, const VtrString& context = {});
 DATABINDING_QT6_API void BindVisible(QAction* action, const VtrString& source,
-                                     const VtrString& property);
+                                     const VtrString& property, const VtrString& context = {});
 ///@}
 /// Shows the text of a property as the title of a window.
 DATABINDING_QT6_API void BindTitle(QWidget* window, const VtrString& source,
-                                   const VtrString& property);
+                                   const VtrString& property, const VtrString& context = {});
 /// Shows the text of a property as tool tip. Characters that Qt takes for rich text are shown as
 /// they are.
 DATABINDING_QT6_API void BindToolTip(QWidget* widget, const VtrString& source,
-                                     const VtrString& property);
+                                     const VtrString& property, const VtrString& context = {});
 
 }  // namespace DataBinding::Qt6
