@@ -27,7 +27,6 @@
 #include "DataBindingQt6/models/ScopeTreeModel.h"
 #include "DataBindingQt6/widgets/BindChoices.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
-#include "DataBindingQt6/widgets/Explain.h"
 #include "Things.h"
 
 namespace DataBinding::Qt6::Testing {
@@ -337,24 +336,6 @@ TEST_F(Bindings, TellWhetherAWindowHoldsAnythingTyped) {
   QApplication::processEvents();
 
   EXPECT_EQ(told, (QList<QList<QVariant>>{{true}, {false}}));
-}
-
-TEST_F(Bindings, ExplainWhyWidgetsShowNothing) {
-  auto& edit = Make<QLineEdit>();
-  auto& box = Make<QSpinBox>();
-  edit.setToolTip("tip");
-  edit.setObjectName("name");
-  Bind(&edit, L"Thing", L"Txt");
-  Bind(&box, L"Thing", L"Text");
-  const QStringList lines = Explain(&window);
-  ASSERT_EQ(lines.size(), 2);
-  EXPECT_TRUE(lines[0].startsWith("name: ")) << lines[0].toStdString();
-  EXPECT_EQ("QSpinBox: " + box.toolTip(), lines[1]);
-  EXPECT_EQ(Binding::Of(&box)->Status().state, Framework::BindStatus::State::WrongType);
-
-  Bind(&edit, L"Thing", L"Text");
-  EXPECT_EQ(Explain(&window).size(), 1);
-  EXPECT_EQ(edit.toolTip(), "tip");
 }
 
 TEST_F(Bindings, LeaveTheApplicationItsOwnStates) {

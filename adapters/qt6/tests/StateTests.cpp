@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QMenu>
 #include <QPushButton>
 #include <memory>
@@ -9,8 +10,10 @@
 #include "DataBinding/appevents/AppEvent.h"
 #include "DataBinding/appevents/EventHold.h"
 #include "DataBinding/appevents/IdlePass.h"
+#include "DataBindingQt6/widgets/BindChoices.h"
 #include "DataBindingQt6/widgets/BindCommand.h"
 #include "DataBindingQt6/widgets/BindState.h"
+#include "DataBindingQt6/widgets/Explain.h"
 #include "Things.h"
 
 namespace DataBinding::Qt6::Testing {
@@ -64,6 +67,28 @@ TEST_F(QtState, EnablesABoundWidgetWhereItsBindingDoesSo) {
   EXPECT_FALSE(box->isEnabled());
   thing->Number.Set(1);
   EXPECT_TRUE(box->isEnabled());
+}
+
+TEST_F(QtState, IsExplainedWhereNothingIsFound) {
+  auto* edit = new QLineEdit(&window);
+  auto* box = new QComboBox(&window);
+  auto* action = new QAction(&window);
+  edit->setToolTip("tip");
+  edit->setObjectName("name");
+  Bind(edit, L"Thing", L"Txt");
+  Bind(box, L"Thing", L"Flag");
+  BindChoices(box, L"Thing", L"Cities", L"Name");
+  BindTitle(&window, L"Thing", L"Title", L"Context");
+  Bind(action, L"QtState.Print", {.context = L"Context"});
+  const QStringList lines = Explain(&window);
+  ASSERT_EQ(lines.size(), 5);
+  EXPECT_EQ("name: " + edit->toolTip(), lines[0]);
+  EXPECT_EQ(box->toolTip().count("\n"), 1);
+  EXPECT_EQ(Binding::Of(box)->Status().state, Framework::BindStatus::State::WrongType);
+
+  Bind(edit, L"Thing", L"Text");
+  EXPECT_EQ(Explain(&window).size(), 4);
+  EXPECT_EQ(edit->toolTip(), "tip");
 }
 
 class QtCommand : public BoundWindow {

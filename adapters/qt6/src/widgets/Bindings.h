@@ -9,6 +9,9 @@
 
 namespace DataBinding::Qt6 {
 
+/// Says whether a widget stands in a window. A dock that floats does, a dialogue does not.
+[[nodiscard]] bool IsWithin(const QWidget* widget, const QWidget& window);
+
 class Bindings {
  public:
   static void Add(Binding& binding) { All().push_back(&binding); }

@@ -34,11 +34,6 @@ QWidget* Outer(const QWidget& widget) {
   return isOwnWindow ? nullptr : widget.parentWidget();
 }
 
-bool IsWithin(const QWidget* widget, const QWidget& window) {
-  while (widget != nullptr && widget != &window) widget = Outer(*widget);
-  return widget != nullptr;
-}
-
 /// Finishes the editor of a table's cell in which the user is.
 void FinishCell(QWidget& window) {
   QWidget* at = window.focusWidget();
@@ -59,6 +54,11 @@ void ShowPages(QWidget& widget) {
 }
 
 }  // namespace
+
+bool IsWithin(const QWidget* widget, const QWidget& window) {
+  while (widget != nullptr && widget != &window) widget = Outer(*widget);
+  return widget != nullptr;
+}
 
 WindowEdits::WindowEdits(QWidget* window) : QObject(window), toldTyped(HasTyped()) {
   std::erase_if(AllEdits(), [](const auto& edits) { return edits.isNull(); });

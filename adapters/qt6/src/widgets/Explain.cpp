@@ -4,11 +4,14 @@
 #include <QShortcut>
 #include <QToolTip>
 #include <QVariant>
+#include <vector>
 
+#include "Bindings.h"
 #include "DataBindingQt6/values/Text.h"
 #include "DataBindingQt6/widgets/Binding.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
 #include "Dress.h"
+#include "Join.h"
 
 namespace DataBinding::Qt6 {
 
@@ -17,10 +20,12 @@ namespace {
 /// The tool tip that the application has given a widget that is explained.
 constexpr const char* formerTipProperty = "databindingFormerToolTip";
 
-void SetReason(QWidget& widget, const QString& reason) {
-  const QVariant former = widget.property(formerTipProperty);
-  if (!former.isValid()) widget.setProperty(formerTipProperty, widget.toolTip());
-  widget.setToolTip(Dress::AsPlain(reason));
+/// A widget may have several reasons.
+void AddReason(QWidget& widget, const QString& reason) {
+  const bool isFirst = !widget.property(formerTipProperty).isValid();
+  const QString before = isFirst ? QString() : widget.toolTip() + QLatin1Char('\n');
+  if (isFirst) widget.setProperty(formerTipProperty, widget.toolTip());
+  widget.setToolTip(before + Dress::AsPlain(reason));
 }
 
 void GiveBack(QWidget& widget) {
@@ -30,9 +35,33 @@ void GiveBack(QWidget& widget) {
   widget.setProperty(formerTipProperty, QVariant());
 }
 
-QString LabelOf(const QWidget& widget) {
-  return widget.objectName().isEmpty() ? QString::fromLatin1(widget.metaObject()->className())
-                                       : widget.objectName();
+QString LabelOf(const QObject& object) {
+  return object.objectName().isEmpty() ? QString::fromLatin1(object.metaObject()->className())
+                                       : object.objectName();
+}
+
+/// A widget or an action, and how one thing that is bound at it stands.
+struct Explained {
+  QObject* object;
+  Framework::BindStatus status;
+};
+
+const QWidget* WidgetAbove(const QObject* object) {
+  while (object != nullptr && !object->isWidgetType()) object = object->parent();
+  return static_cast<const QWidget*>(object);
+}
+
+std::vector<Explained> AllIn(QWidget& window) {
+  std::vector<Explained> all;
+  for (const Binding* binding : EditsOf(&window).Bindings()) {
+    all.push_back({binding->Widget(), binding->Status()});
+  }
+  for (const QObject* child : window.findChildren<QObject*>()) {
+    const auto* const join = dynamic_cast<const Join*>(child);
+    if (join == nullptr || !IsWithin(WidgetAbove(join), window)) continue;
+    all.push_back({join->parent(), join->Status()});
+  }
+  return all;
 }
 
 }  // namespace
@@ -40,15 +69,15 @@ QString LabelOf(const QWidget& widget) {
 QStringList Explain(QWidget* window) {
   QStringList lines;
   if (window == nullptr) return lines;
-  for (const Binding* binding : EditsOf(window).Bindings()) {
-    QWidget& widget = *binding->Widget();
-    const Framework::BindStatus status = binding->Status();
-    if (status.IsConnected()) {
-      GiveBack(widget);
-    } else {
-      SetReason(widget, ToQString(status.text));
-      lines.append(LabelOf(widget) + QStringLiteral(": ") + ToQString(status.text));
-    }
+  const std::vector<Explained> all = AllIn(*window);
+  for (const Explained& each : all) {
+    if (auto* const widget = qobject_cast<QWidget*>(each.object)) GiveBack(*widget);
+  }
+  for (const Explained& each : all) {
+    if (each.status.IsConnected()) continue;
+    const QString reason = ToQString(each.status.text);
+    if (auto* const widget = qobject_cast<QWidget*>(each.object)) AddReason(*widget, reason);
+    lines.append(LabelOf(*each.object) + QStringLiteral(": ") + reason);
   }
   QToolTip::showText(window->mapToGlobal(window->rect().center()),
                      Dress::AsPlain(lines.join(QLatin1Char('\n'))), window);
