@@ -7,6 +7,9 @@
 /// and the model emits `refused` with the reason. Numbers stand on the right, and a function of the
 /// column gives the cells other texts, colours and so on.
 ///
+/// A cell whose getter or own form throws shows nothing. What a set, a sort or a move throws is a
+/// refusal. The failure handler (ListenerGuard.h) is told of both, and Qt hears of no exception.
+///
 /// A change of a cell overwrites the text in an editor that is open there; a widget that is bound
 /// by Bind keeps its text.
 ///

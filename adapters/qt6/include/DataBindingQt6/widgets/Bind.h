@@ -54,8 +54,9 @@ class QTimeEdit;
 
 namespace DataBinding::Qt6 {
 
-/// Binds a widget, in place of the property to which it was bound before. The binding belongs to
-/// the widget. A null widget gets a binding that shows and files nothing.
+/// Binds a widget, in place of the property to which it was bound before, and drops what was typed
+/// for that. The binding belongs to the widget. A null widget gets a binding that shows and files
+/// nothing. What a getter throws leaves the call, and the widget is bound to nothing then.
 ///@{
 DATABINDING_QT6_API Binding& Bind(QLineEdit* edit, const VtrString& source,
                                   const VtrString& property, const BindOptions& options = {});

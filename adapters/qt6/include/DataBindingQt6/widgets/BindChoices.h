@@ -8,6 +8,9 @@
 /// is gone; then it is reverted. Bind joins the choice itself to a property: to one that is a text
 /// by the entry, to a number by the place of the row. Each may be called first.
 ///
+/// An entry whose getter throws is empty, and the failure handler (ListenerGuard.h) is told. Box
+/// and list belong to one thread, that of the widgets.
+///
 ///   Qt6::BindChoices(cityBox, L"Places", L"Cities", L"Name");
 ///   Qt6::Bind(cityBox, L"Person", L"City");
 #pragma once

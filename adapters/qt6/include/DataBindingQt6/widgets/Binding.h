@@ -16,13 +16,16 @@
 /// read-only before. In between, leave both to the binding.
 ///
 /// A widget that only shows has the states Clean and Absent, and is never disabled. It is written
-/// once a pass of the QtIdlePass that is there when it is bound, and at once where there is none.
+/// once a pass of the QtIdlePass that is there when it is bound, and stands still once that pass
+/// has ended; where there is none, it is written at once.
 ///
 /// Everything that a binding calls may end the widget, and then nothing touches it any more. As
 /// with any signal of Qt, a widget whose own signal is under way is better ended by deleteLater.
-/// When a window ends, nothing of it is filed. Exceptions of what an edit causes go to the failure
-/// handler (ListenerGuard.h), those of Commit and Overwrite to their caller. All of it belongs to
-/// the thread of the widgets.
+/// When a window ends, nothing of it is filed. All of it belongs to the thread of the widgets.
+///
+/// What getters, validators and traits throw while an edit or a change is under way goes to the
+/// failure handler (ListenerGuard.h), and within a pass to QtIdlePass::failed. It leaves Check,
+/// Commit, Overwrite and Revert where the program calls them, and Bind.
 #pragma once
 
 #include <QObject>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// WidgetTraits tell Bind how a widget of a type is read and written, and which of its signals tell
-/// an edit. An application specialises them for widgets of its own; the kinds of Qt are made so,
-/// too.
+/// an edit. An application specialises them for widgets of its own, as is done here for Qt's.
 ///
 /// `Form` is what the widget holds: a type of number, bool, QString, QDate, QTime, QDateTime, a
 /// Choice, or a type that has a form (ValueForm.h). A number shows properties of any type of number
@@ -13,10 +12,13 @@
 ///
 /// `Connect` joins signals to three slots of the binding. Take signals that only the user causes
 /// where there are such: what the program changes is no edit.
-/// - `typed`: the user has changed the widget, and goes on;
+/// - `typed`: the user has changed the widget, and goes on, so it is not written meanwhile;
 /// - `chosen`: the user has changed the widget, and is done with it;
 /// - `finished`: the user is done with the widget. That Enter was pressed in it or the focus has
 ///   left it, the binding sees by itself.
+///
+/// What these functions throw leaves Bind, and the widget is bound to nothing then. Later it is
+/// treated like what a property throws that is read or set there (Binding.h).
 ///
 ///   template <>
 ///   struct DataBinding::Qt6::WidgetTraits<Knob> {
