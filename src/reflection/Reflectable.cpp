@@ -241,24 +241,24 @@ void Reflectable::Chain(ChainedMember& member) noexcept {
 void Reflectable::Unlink(ChainedMember& member) noexcept {
   if (!member.IsChained()) return;
   if (!wholeEnds) KeepNames();
-  ChainedMember*& place = PlaceOf(member);
-  place = std::exchange(member.older, &member);
-  --chained;
-  if (MemberMap* const map = ExistingMap()) {
-    map->MarkGone(member);
-    map->Unlink(member, place);
-  }
+  return ExistingMap() == nullptr ? Unchain(member, newest) : UnlinkInMap(member);
 }
 
-/// Returns the link that leads to a chained member.
-ChainedMember*& Reflectable::PlaceOf(const ChainedMember& member) noexcept {
-  if (const MemberMap* const map = ExistingMap()) {
-    const auto found = map->newer.find(&member);
-    return found == map->newer.end() ? newest : found->second->older;
-  }
-  ChainedMember** place = &newest;
+void Reflectable::UnlinkInMap(ChainedMember& member) noexcept {
+  MemberMap& map = *ExistingMap();
+  const auto newer = map.newer.find(&member);
+  ChainedMember*& place = newer == map.newer.end() ? newest : newer->second->older;
+  Unchain(member, place);
+  map.MarkGone(member);
+  map.Unlink(member, place);
+}
+
+/// Takes a member out of the chain, to which `first` leads directly or by way of others.
+void Reflectable::Unchain(ChainedMember& member, ChainedMember*& first) noexcept {
+  ChainedMember** place = &first;
   while (*place != &member) place = &(*place)->older;
-  return *place;
+  *place = std::exchange(member.older, &member);
+  --chained;
 }
 
 void Reflectable::KeepNames() const noexcept {

@@ -133,7 +133,8 @@ class DATABINDING_API Reflectable {
   void Link(ChainedMember& member);
   void LinkInMap(ChainedMember& member);
   void Chain(ChainedMember& member) noexcept;
-  [[nodiscard]] ChainedMember*& PlaceOf(const ChainedMember& member) noexcept;
+  void UnlinkInMap(ChainedMember& member) noexcept;
+  void Unchain(ChainedMember& member, ChainedMember*& first) noexcept;
   void KeepNames() const noexcept;
   [[nodiscard]] RepeatingCallbackMemento ResolveDelegate(const VtrString& name,
                                                          const runtime_type_base& type) const;
