@@ -97,6 +97,7 @@ void ReflectionAccess::FindAccessor(const IReflectable& table, const VtrString& 
 void ReflectionAccess::File(IReflectable& table, PropertyBase& property,
                             const runtime_type_base& type, bool isTableComplete) {
   if (isTableComplete) table.reflectable.ReserveNames();
+  const FilingScope filing(property, type);
   RepeatingCallbackMemento accessor;
   accessor.Lend(property);
   table._AddDelegate(property.Name(), accessor, type);

@@ -24,6 +24,7 @@ constexpr std::uint32_t longestChainWithoutMap = 16;
 
 constinit thread_local HandlerFailures* innermostFailures = nullptr;
 constinit thread_local const Reflectable* lending = nullptr;
+constinit thread_local const FilingScope* innermostFiling = nullptr;
 
 /// Calls all handlers and notes the first exception, since a destructor cannot let one out.
 void RaiseQuietly(Event<void()>& event) noexcept {
@@ -51,6 +52,16 @@ void HandlerFailures::RethrowFirst() const {
 LendingScope::LendingScope(const Reflectable& table) noexcept
     : before(std::exchange(lending, &table)) {}
 LendingScope::~LendingScope() { lending = before; }
+
+FilingScope::FilingScope(const ChainedMember& member, const runtime_type_base& type) noexcept
+    : filed(&member), filedType(&type), outer(std::exchange(innermostFiling, this)) {}
+FilingScope::~FilingScope() { innermostFiling = outer; }
+
+bool FilingScope::IsTypeOf(const ChainedMember& member, const runtime_type_base& type) {
+  const FilingScope* const filing = innermostFiling;
+  const bool isKnown = filing != nullptr && filing->filed == &member && filing->filedType == &type;
+  return isKnown || AreSameType(type, member.Type());
+}
 
 /// The map with the order in which its names were added.
 struct MemberMap {
@@ -202,7 +213,7 @@ void Reflectable::_AddDelegate(const VtrString& name, const RepeatingCallbackMem
   // Nothing else lends to a table.
   auto* const member = static_cast<ChainedMember*>(delegate.Lender());
   const bool isOwn = member != nullptr && &member->Home() == object && !member->IsChained() &&
-                     member->Name() == name && AreSameType(type, member->Type());
+                     member->Name() == name && FilingScope::IsTypeOf(*member, type);
   return isOwn ? Link(*member) : AddByHand(name, delegate, type);
 }
 

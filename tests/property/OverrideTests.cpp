@@ -22,6 +22,7 @@ class Overriding : public NamedDataSource {
   void _AddDelegate(const VtrString& name, const RepeatingCallbackMemento& delegate,
                     const runtime_type_base& type) override {
     if (isSwallowing) return;
+    if (isSealing) return NamedDataSource::_AddDelegate(name, delegate, sealedType);
     kept.insert_or_assign(name, delegate);
     NamedDataSource::_AddDelegate(L"Other" + name, delegate, type);
     NamedDataSource::_AddDelegate(name, delegate, type);
@@ -35,6 +36,8 @@ class Overriding : public NamedDataSource {
   }
 
   bool isSwallowing = false;
+  bool isSealing = false;
+  const runtime_type_base& sealedType = runtime_type<const int>::Get();
   VtrString redirected = L"Size";
   std::map<VtrString, RepeatingCallbackMemento> kept;
 };
@@ -62,6 +65,14 @@ TEST_F(Overrides, OfFilingMayKeepAndRenameTheAccessor) {
   EXPECT_FALSE(IsLiving(L"Size"));
   EXPECT_EQ(GetProperty<int>(source.get(), L"OtherSize").error, PropertyError::Absent);
   EXPECT_EQ(GetProperty<int>(source.get(), L"Size").error, PropertyError::Absent);
+}
+
+TEST_F(Overrides, OfFilingMayMakeThePropertyReadOnly) {
+  source->isSealing = true;
+  const Property<int> sealed(source.get(), PropertyName(L"Sealed"));
+
+  EXPECT_TRUE(source->IsWritableProperty(L"Size"));
+  EXPECT_FALSE(source->IsWritableProperty(L"Sealed"));
 }
 
 TEST_F(Overrides, OfFilingMaySwallowTheProperty) {

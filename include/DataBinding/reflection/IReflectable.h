@@ -161,6 +161,25 @@ class DATABINDING_API LendingScope {
   const Reflectable* before;
 };
 
+/// While a FilingScope exists, a member is being filed on its thread under its own type. The table
+/// then knows the type by its address. To ask the member would take a virtual call that processors
+/// predict badly, since the members of an object are of different types.
+class DATABINDING_API FilingScope {
+ public:
+  FilingScope(const ChainedMember& member, const runtime_type_base& type) noexcept;
+  FilingScope(const FilingScope&) = delete;
+  FilingScope& operator=(const FilingScope&) = delete;
+  ~FilingScope();
+
+  /// Tells whether the type is that of the member.
+  [[nodiscard]] static bool IsTypeOf(const ChainedMember& member, const runtime_type_base& type);
+
+ private:
+  const ChainedMember* filed;
+  const runtime_type_base* filedType;
+  const FilingScope* outer;
+};
+
 /// Keeps the first exception that a destruction handler throws on this thread during its scope. The
 /// handlers run in a destructor, which cannot let the exception out.
 class DATABINDING_API HandlerFailures {
