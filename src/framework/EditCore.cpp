@@ -259,7 +259,7 @@ void EditCore::Settle() {
   const EditState now = StateNow();
   VtrString reason = refusal;
   if (now == EditState::Conflict && refusal.IsEmpty()) reason = WhyInConflict();
-  if (now == EditState::Absent) reason = {};
+  if (now == EditState::Absent && !isTyped) reason = {};
   const bool isStateSame = std::exchange(told, now) == now;
   const bool isTypedSame = std::exchange(toldTyped, isTyped) == isTyped;
   const bool isSame = isStateSame && isTypedSame && toldReason == reason;

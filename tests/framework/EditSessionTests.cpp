@@ -122,12 +122,14 @@ TEST_F(Edits, AreNeverFiledIntoAnotherRecord) {
   parent->DeleteLocalDataSourceInstance(L"Gauge");
   EXPECT_EQ(session->State(), EditState::Absent);
   EXPECT_TRUE(session->HasTyped());
+  EXPECT_EQ(session->Commit().error, PropertyError::NoSource);
+  EXPECT_FALSE(session->Reason().IsEmpty()) << "the user is told that it cannot be filed";
   gauge = AddGauge(parent, 40);
   EXPECT_EQ(session->State(), EditState::Conflict);
   session->Revert();
 
   EXPECT_EQ(*gauge->Level, 40);
-  EXPECT_EQ(Notes(), "3 typed conflict absent conflict 40 clean");
+  EXPECT_EQ(Notes(), "3 typed conflict absent absent conflict 40 clean");
 }
 
 TEST_F(Edits, TellWhatMayNotBeEdited) {

@@ -10,6 +10,7 @@
 #include "DataBinding/appevents/AppEvent.h"
 #include "DataBinding/appevents/EventHold.h"
 #include "DataBinding/appevents/IdlePass.h"
+#include "DataBinding/broadcast/ListenerGuard.h"
 #include "DataBindingQt6/widgets/BindChoices.h"
 #include "DataBindingQt6/widgets/BindCommand.h"
 #include "DataBindingQt6/widgets/BindState.h"
@@ -119,9 +120,29 @@ TEST_F(QtCommand, IsEnabledWhileItsEventCanBeRaised) {
   EXPECT_EQ(Raised(), 0);
   action.trigger();
   EXPECT_EQ(Raised(), 1);
+  BindEnabled(&action, L"Thing", L"Flag");
+  {
+    const EventHold busy(L"QtCommand.Save");
+    thing->Flag.Set(true);
+    EXPECT_FALSE(action.isEnabled()) << "the event cannot be raised";
+  }
+  EXPECT_TRUE(action.isEnabled());
   SetScope(&window, nullptr);
 
   EXPECT_FALSE(action.isEnabled());
+}
+
+TEST_F(QtCommand, TellsThatItsEventHasAnotherSignature) {
+  VtrString told;
+  SetListenerFailureHandler([&](const auto& failure) { told = ExceptionText(failure.exception); });
+  Bind(button, L"QtCommand.Other");
+  const auto other = AppEvent<>(VtrString(L"QtCommand.Other")).Subscribe([this] { ++raised; });
+
+  button->click();
+  SetListenerFailureHandler({});
+
+  EXPECT_FALSE(button->isEnabled());
+  EXPECT_FALSE(told.IsEmpty());
 }
 
 TEST_F(QtCommand, FilesWhatWasTypedOrIsNotCarriedOut) {
@@ -148,6 +169,10 @@ TEST_F(QtCommand, FilesWhatWasTypedOrIsNotCarriedOut) {
   button->click();
   EXPECT_EQ(Raised(), 1);
   EXPECT_EQ(*thing->Text, L"typed");
+
+  scope->DeleteLocalDataSourceInstance(L"Thing");
+  EXPECT_FALSE(EditsOf(&window).CommitAll().IsAccepted());
+  EXPECT_TRUE(edit->property("refused").toBool() && !edit->toolTip().isEmpty());
 }
 
 TEST_F(QtCommand, MayEndItsButtonByAnEditThatItFiles) {

@@ -5,10 +5,13 @@
 #include <QAction>
 #include <QApplication>
 #include <QPointer>
+#include <functional>
+#include <stdexcept>
 #include <utility>
 
 #include "DataBindingQt6/values/details/Guard.h"
 #include "DataBindingQt6/widgets/EditsOf.h"
+#include "Dress.h"
 #include "Join.h"
 
 namespace DataBinding::Qt6 {
@@ -44,18 +47,24 @@ class CommandJoin final : public Join {
 
   template <class Object>
   Framework::EventBind& Enable(Object& object) {
-    const auto enable = [this, &object] { object.setEnabled(bind->CanRaise()); };
-    enabling = bind->SubscribeToChanges(enable);
+    enable = [this, &object] { SetDisabledBy(object, Disabler::Command, !bind->CanRaise()); };
+    enabling = bind->SubscribeToChanges([this] { enable(); });
     Follow();
     enable();
     return *bind;
   }
 
+  /// Says why the event cannot be raised, which the bind learns late where another signature was
+  /// given to the event.
   void Raise() {
     const QPointer<CommandJoin> alive(this);
     details::Guard(L"command of a button", [&] {
       if (commitsEdits && !EditsOf(WindowOf(parent())).CommitAll().IsAccepted()) return;
-      if (alive) bind->Raise();
+      if (!alive || bind->Raise() || !alive) return;
+      const Framework::BindStatus status = bind->Status();
+      enable();
+      if (status.state == Framework::BindStatus::State::Connected) return;
+      throw std::runtime_error(status.text.ToUtf8());
     });
   }
 
@@ -66,6 +75,7 @@ class CommandJoin final : public Join {
 
   std::unique_ptr<Framework::EventBind> bind;
   bool commitsEdits;
+  std::function<void()> enable;
   Subscription enabling;
 };
 

@@ -52,6 +52,12 @@ void JoinTruth(Object* object, const char* what, const Framework::AnyBind& truth
   new StateJoin(*object, what, truth, write);  // it belongs to the object
 }
 
+template <class Object>
+void JoinEnabling(Object* object, const Framework::AnyBind& truth) {
+  JoinTruth(object, "enabled", truth,
+            [](Object& enabled, bool on) { SetDisabledBy(enabled, Disabler::Property, !on); });
+}
+
 template <class Form>
 void JoinText(QWidget* widget, const char* what, const Framework::AnyBind& text,
               void (QWidget::*set)(const QString&), Form form) {
@@ -66,13 +72,12 @@ void JoinText(QWidget* widget, const char* what, const Framework::AnyBind& text,
 
 void BindEnabled(QWidget* widget, const VtrString& source, const VtrString& property,
                  const VtrString& context) {
-  JoinTruth(widget, "enabled", {context, source, property},
-            [](QWidget& enabled, bool on) { SetDisabledBy(enabled, Disabler::Property, !on); });
+  JoinEnabling(widget, {context, source, property});
 }
 
 void BindEnabled(QAction* action, const VtrString& source, const VtrString& property,
                  const VtrString& context) {
-  JoinTruth(action, "enabled", {context, source, property}, &QAction::setEnabled);
+  JoinEnabling(action, {context, source, property});
 }
 
 void BindVisible(QWidget* widget, const VtrString& source, const VtrString& property,

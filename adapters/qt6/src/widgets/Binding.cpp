@@ -31,14 +31,6 @@ namespace DataBinding::Qt6 {
 
 using details::Guard;
 
-namespace {
-
-constexpr bool HasReason(EditState state) {
-  return state == EditState::Refused || state == EditState::Conflict;
-}
-
-}  // namespace
-
 struct Binding::Inner {
   Inner(QObject& itsWidget, const details::WidgetOps& itsOps, const VtrString& source,
         const VtrString& property, const BindOptions& given)
@@ -347,7 +339,7 @@ bool Binding::PressesKey(int key) {
   }
   if ((key == Qt::Key_Return || key == Qt::Key_Enter) && !inner->ops.takesEnter) {
     finished();
-    return !alive || HasReason(State());
+    return !alive || !Reason().IsEmpty();
   }
   return !alive;
 }
@@ -363,7 +355,7 @@ void Binding::ShowState() {
   } else {
     inner->Allow(state == EditState::ReadOnly ? Dress::Use::Read : Dress::Use::Edit);
   }
-  if (alive) inner->ShowReason(state, HasReason(state) ? ToQString(Reason()) : QString());
+  if (alive) inner->ShowReason(state, ToQString(Reason()));
   if (alive) WindowEdits::TellOf(*this);
   if (alive) Q_EMIT stateChanged(state);
 }

@@ -11,24 +11,12 @@ namespace DataBinding::Qt6 {
 namespace {
 
 constexpr const char* readOnlyProperty = "readOnly";
-constexpr const char* disablersProperty = "databindingDisablers";
 
 bool HasReadOnly(const QWidget& widget) {
   return widget.metaObject()->indexOfProperty(readOnlyProperty) >= 0;
 }
 
 }  // namespace
-
-bool IsDisabledBy(const QWidget& widget, Disabler disabler) {
-  return (widget.property(disablersProperty).toInt() & static_cast<int>(disabler)) != 0;
-}
-
-void SetDisabledBy(QWidget& widget, Disabler disabler, bool isDisabled) {
-  const int others = widget.property(disablersProperty).toInt() & ~static_cast<int>(disabler);
-  const int all = isDisabled ? others | static_cast<int>(disabler) : others;
-  widget.setProperty(disablersProperty, all);
-  widget.setEnabled(all == 0);
-}
 
 /// A widget whose kind is never read-only is disabled instead. Disabling a widget moves the focus,
 /// which may end it.
@@ -63,7 +51,7 @@ QString Dress::AsPlain(const QString& reason) {
 
 void Dress::ShowReason(EditState state, const QString& reason) {
   if (widget == nullptr) return;
-  Mark("refused", state == EditState::Refused);
+  Mark("refused", state != EditState::Conflict && !reason.isEmpty());
   Mark("conflict", state == EditState::Conflict);
   if (shown.isNull() && reason.isEmpty()) return;
   if (shown.isNull()) {

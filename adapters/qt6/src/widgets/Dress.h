@@ -6,17 +6,28 @@
 
 #include <QPointer>
 #include <QString>
+#include <QVariant>
 #include <QWidget>
 
 #include "DataBinding/framework/EditState.h"
 
 namespace DataBinding::Qt6 {
 
-/// Names those that disable a widget. It is enabled while none of them does.
-enum class Disabler { Binding = 1, Property = 2 };
-[[nodiscard]] bool IsDisabledBy(const QWidget& widget, Disabler disabler);
+/// Names those that disable a widget or an action. It is enabled while none of them does.
+enum class Disabler { Binding = 1, Property = 2, Command = 4 };
+inline constexpr const char* disablersProperty = "databindingDisablers";
+
+[[nodiscard]] inline bool IsDisabledBy(const QObject& object, Disabler disabler) {
+  return (object.property(disablersProperty).toInt() & static_cast<int>(disabler)) != 0;
+}
 /// This may move the focus, which may end the widget.
-void SetDisabledBy(QWidget& widget, Disabler disabler, bool isDisabled);
+template <class Object>
+void SetDisabledBy(Object& object, Disabler disabler, bool isDisabled) {
+  const int others = object.property(disablersProperty).toInt() & ~static_cast<int>(disabler);
+  const int all = isDisabled ? others | static_cast<int>(disabler) : others;
+  object.setProperty(disablersProperty, all);
+  object.setEnabled(all == 0);
+}
 
 class Dress {
  public:
@@ -26,7 +37,7 @@ class Dress {
   /// Says what the user may do with the widget.
   enum class Use { Edit, Read, Nothing };
   void Allow(Use use);
-  /// Shows the reason of a state that has one, and nothing of it in the other states.
+  /// Shows the reason of an edit that was not filed, or nothing of it where there is none.
   void ShowReason(EditState state, const QString& reason);
 
   /// Returns the text for a place where Qt shows tags as rich text. A reason quotes what the user

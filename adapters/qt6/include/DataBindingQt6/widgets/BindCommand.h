@@ -9,9 +9,10 @@
 /// the active one; a menu and a floating dock belong to the window of their parent.
 ///
 /// The bind belongs to the button. Give it a data context of its own by SetDataContextBind. Binding
-/// the button once more takes the place of the former. Leave the enabling to the bind. Exceptions
-/// go to the failure handler (ListenerGuard.h). A null button gets a bind that nothing raises,
-/// which is shared by all of them.
+/// the button once more takes the place of the former. Leave the enabling to the bind, and to a
+/// BindEnabled. Exceptions go to the failure handler (ListenerGuard.h), and so does the reason why
+/// a click cannot raise the event: most often its signature is another one. A null button gets a
+/// bind that nothing raises, which is shared by all of them.
 ///
 ///   Qt6::Bind(saveAction, L"SaveDocument");
 ///   Qt6::Bind(cancelButton, L"DropChanges", {.commitsEdits = false});

@@ -6,8 +6,8 @@
 /// data context that is named. It may be of any type. A truth value, a number other than 0, and a
 /// text other than "", "0" and "false" enable and show; where there is no value, the widget is
 /// disabled or hidden, and its title or tool tip is empty. So do not set the same of a widget by
-/// the program as well. A widget in which a property is edited may have a BindEnabled, too: Bind
-/// disables it where there is nothing to edit, and it is enabled where both allow that.
+/// the program as well. A widget in which a property is edited, and a button or an action that
+/// raises an event, may have a BindEnabled, too. It is enabled where both allow that.
 ///
 /// The join belongs to the widget and ends with it. A second join of the same kind takes the place
 /// of the first. A null widget is ignored. A widget that is shown by BindVisible should have

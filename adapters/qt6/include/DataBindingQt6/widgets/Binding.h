@@ -9,7 +9,7 @@
 ///   goes when a later edit is accepted, or by Revert, for which Escape stands.
 /// - Absent: the widget is cleared and, when control has returned to the loop, disabled, so that
 ///   the focus stays where another source comes at once. What was typed stays, and the widget
-///   enabled.
+///   enabled; that it cannot be filed is shown like a refusal.
 /// - ReadOnly: the widget is read-only or, where its kind is never, disabled.
 ///
 /// The widget is enabled, and may be edited, again when that state ends, unless it was disabled or
