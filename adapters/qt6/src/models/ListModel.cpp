@@ -51,30 +51,21 @@ const ListModel::ShownColumn* ListModel::ColumnOf(const QModelIndex& index) cons
   return number < columns.size() ? &columns[number] : nullptr;
 }
 
-/// Returns nothing for a cell whose getter throws, since Qt asks for it.
 Value ListModel::CellOf(const ShownColumn& column, const QModelIndex& index) const {
-  Value cell;
-  if (!column.field) return cell;
-  details::Guard(column.wanted.field,
-                 [&] { cell = rows.Cell(PlaceOf(index.row()), *column.field); });
-  return cell;
+  return column.field ? rows.Cell(PlaceOf(index.row()), *column.field) : Value();
 }
 
+/// Returns nothing for a cell whose getter or format throws, since Qt asks for it.
 QVariant ListModel::data(const QModelIndex& index, int role) const {
   const ShownColumn* const column = ColumnOf(index);
   if (column == nullptr) return {};
-  if (column->wanted.format) {
-    QVariant made = Formatted(*column, index, role);
-    if (made.isValid()) return made;
-  }
-  return details::CellData(column->kind, role, [&] { return CellOf(*column, index); });
-}
-
-QVariant ListModel::Formatted(const ShownColumn& column, const QModelIndex& index, int role) const {
-  QVariant made;
-  details::Guard(column.wanted.field,
-                 [&] { made = column.wanted.format(CellOf(column, index), role, index); });
-  return made;
+  return details::GuardRead(L"cell of a model", [&] {
+    if (column->wanted.format) {
+      QVariant made = column->wanted.format(CellOf(*column, index), role, index);
+      if (made.isValid()) return made;
+    }
+    return details::CellData(column->kind, role, [&] { return CellOf(*column, index); });
+  });
 }
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -142,14 +142,12 @@ Framework::AnyBind& ScopeTreeModel::CellOf(const QModelIndex& index) const {
 }
 
 QVariant ScopeTreeModel::data(const QModelIndex& index, int role) const {
-  QVariant data;
-  if (!index.isValid()) return data;
+  if (!index.isValid()) return {};
   const Framework::AnyBind& cell = CellOf(index);
-  details::Guard(columns[details::ToSize(index.column())].property, [&] {
-    data =
-        details::CellData(cell.Kind(), role, [&] { return cell.Read().value.value_or(Value()); });
+  return details::GuardRead(L"cell of a model", [&] {
+    return details::CellData(cell.Kind(), role,
+                             [&] { return cell.Read().value.value_or(Value()); });
   });
-  return data;
 }
 
 QVariant ScopeTreeModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -15,17 +15,28 @@
 
 namespace DataBinding::Qt6::details {
 
-/// Returns false where the step has thrown. The step may end the object whose name this is, so the
-/// name is a copy.
-template <class Step>
+/// Returns false where the step has thrown. The name is a literal, or a copy, since the step may
+/// end the object whose name it is.
+template <class Name, class Step>
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
-bool Guard(VtrString name, const Step& step) {
+bool Guard(Name name, const Step& step) {
   try {
     step();
     return true;
   } catch (...) {
-    ReportListenerFailure(name, std::current_exception());
+    ReportListenerFailure(VtrString(name), std::current_exception());
     return false;
+  }
+}
+
+/// Returns what is read, and nothing where that throws.
+template <class Name, class Read>
+auto GuardRead(Name name, const Read& read) -> decltype(read()) {
+  try {
+    return read();
+  } catch (...) {
+    ReportListenerFailure(VtrString(name), std::current_exception());
+    return {};
   }
 }
 
