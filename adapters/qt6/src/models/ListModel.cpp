@@ -55,16 +55,22 @@ Value ListModel::CellOf(const ShownColumn& column, const QModelIndex& index) con
   return column.field ? rows.Cell(PlaceOf(index.row()), *column.field) : Value();
 }
 
-/// Returns nothing for a cell whose getter or format throws, since Qt asks for it.
+/// Returns nothing for a cell whose getter throws, since Qt asks for it.
 QVariant ListModel::data(const QModelIndex& index, int role) const {
   const ShownColumn* const column = ColumnOf(index);
   if (column == nullptr) return {};
+  if (column->wanted.format) {
+    QVariant made = Formatted(*column, index, role);
+    if (made.isValid()) return made;
+  }
   return details::GuardRead(L"cell of a model", [&] {
-    if (column->wanted.format) {
-      QVariant made = column->wanted.format(CellOf(*column, index), role, index);
-      if (made.isValid()) return made;
-    }
     return details::CellData(column->kind, role, [&] { return CellOf(*column, index); });
+  });
+}
+
+QVariant ListModel::Formatted(const ShownColumn& column, const QModelIndex& index, int role) const {
+  return details::GuardRead(column.wanted.field, [&] {
+    return column.wanted.format(CellOf(column, index), role, index);
   });
 }
 

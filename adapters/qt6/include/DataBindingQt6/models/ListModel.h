@@ -130,6 +130,8 @@ class DATABINDING_QT6_API ListModel : public QAbstractTableModel {
   }
   [[nodiscard]] std::size_t PlaceBelieved(int row) const;
   [[nodiscard]] Value CellOf(const ShownColumn& column, const QModelIndex& index) const;
+  [[nodiscard]] QVariant Formatted(const ShownColumn& column, const QModelIndex& index,
+                                   int role) const;
   [[nodiscard]] bool HasOtherFields() const;
   void FindFields();
   bool Attempt(const QModelIndex& index, const std::function<SetResult()>& operation);
