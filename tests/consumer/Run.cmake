@@ -81,12 +81,13 @@ function(installed)
 endfunction()
 
 # As a unity build, which some projects make of all that they embed, and which takes less
-# time. Without a build type: debug information would bind what ccache keeps to this folder.
+# time. The adapters are used in the other ways. Without a build type: debug information would bind what ccache keeps to this folder.
 function(subdirectory)
   set(config)
   set(ofConfig)
   consume(${work}/embedding -D DATABINDING_SOURCES=${CMAKE_CURRENT_LIST_DIR}/../..
-          -D BUILD_SHARED_LIBS=OFF -D CMAKE_INSTALL_LIBDIR=${libDir} -D CMAKE_UNITY_BUILD=ON)
+          -D BUILD_SHARED_LIBS=OFF -D CMAKE_INSTALL_LIBDIR=${libDir} -D CMAKE_UNITY_BUILD=ON
+          -D DATABINDING_BUILD_ADAPTERS=OFF)
   install_and_move(${work}/embedding)
   consume_tree(${work}/moved)
 endfunction()
