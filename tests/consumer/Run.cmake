@@ -80,8 +80,9 @@ function(installed)
   consume_tree(${work}/moved ${adapters})
 endfunction()
 
-# As a unity build, which some projects make of all that they embed, and which takes less
-# time. The adapters are used in the other ways. Without a build type: debug information would bind what ccache keeps to this folder.
+# As a unity build, which some projects make of all that they embed, and which takes less time. The
+# adapters are used in the other ways. Without a build type: debug information would bind what ccache
+# keeps to this folder.
 function(subdirectory)
   set(config)
   set(ofConfig)
