@@ -150,7 +150,8 @@ bool EditCore::IsInConflict() {
 }
 
 /// Sets the edit and shows what has become of it. A bind that throws may have changed all the same.
-/// What the user types in a listener of the bind, which may run an event loop, is the next edit.
+/// A listener of the bind may run an event loop, in which the user goes on typing: that is the next
+/// edit.
 SetResult EditCore::Set() {
   SetResult result;
   isTypedAnew = false;

@@ -80,9 +80,9 @@ function(installed)
   consume_tree(${work}/moved ${adapters})
 endfunction()
 
-# As a unity build, which some projects make of all that they embed, and which takes less time. The
-# adapters are used in the other ways. Without a build type: debug information would bind what ccache
-# keeps to this folder.
+# Builds the library within the consumer's project. This is a unity build, which some projects make
+# of all that they embed, and which takes less time. The adapters are used in the other ways. There is
+# no build type, since debug information would bind what ccache keeps to this folder.
 function(subdirectory)
   set(config)
   set(ofConfig)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the adapter for Qt costs: a table beside one over a QStandardItemModel, and a window of
-// 10,000 rows while a thread raises events. Prints a row for each figure with what is to be
-// reached.
+// This program measures what the adapter for Qt costs. It shows a table beside one over a
+// QStandardItemModel, and a window of 10,000 rows while a thread raises events, and prints a row
+// for each figure with what is to be reached.
 
 #include <sys/resource.h>
 

@@ -53,4 +53,9 @@ template <class Write, class WriteText>
   return writeText(ToVtrString(given.toString()));
 }
 
+/// Returns what the user is told of a refusal.
+[[nodiscard]] inline QString ReasonOf(const SetResult& refusal) {
+  return ToQString(refusal.reason.IsEmpty() ? refusal.text : refusal.reason);
+}
+
 }  // namespace DataBinding::Qt6::details

@@ -127,7 +127,7 @@ bool ListModel::Attempt(const QModelIndex& index, const std::function<SetResult(
   const QPersistentModelIndex cell(index);
   const SetResult result = details::GuardResult(rows.ListName(), operation);
   if (!result.IsAccepted() && self != nullptr) {
-    Q_EMIT refused(cell, ToQString(result.reason.IsEmpty() ? result.text : result.reason));
+    Q_EMIT refused(cell, details::ReasonOf(result));
   }
   return result.IsAccepted();
 }

@@ -179,7 +179,7 @@ bool ScopeTreeModel::setData(const QModelIndex& index, const QVariant& value, in
             [&](const VtrString& text) { return cell.WriteText(text); });
       });
   if (!result.IsAccepted() && self != nullptr) {
-    Q_EMIT refused(edited, ToQString(result.reason.IsEmpty() ? result.text : result.reason));
+    Q_EMIT refused(edited, details::ReasonOf(result));
   }
   return result.IsAccepted();
 }

@@ -13,9 +13,9 @@
 /// of the first. A null widget is ignored. A widget that is shown by BindVisible should have
 /// its parent before, since a widget without one is shown as a window.
 ///
-/// What a getter throws leaves the call that joins, and no join is made. Later it goes to the
-/// failure handler (ListenerGuard.h), and the widget stays as it is. All of it belongs to the
-/// thread of the widgets.
+/// An exception of a getter leaves the call that joins, and no join is made. Later the failure
+/// handler (ListenerGuard.h) is told of such an exception, and the widget stays as it is. All of
+/// this belongs to the thread of the widgets.
 ///
 ///   Qt6::BindEnabled(port, L"Server", L"IsManual");
 ///   Qt6::BindTitle(&window, L"Document", L"Title");

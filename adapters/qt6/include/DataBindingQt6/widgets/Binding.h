@@ -23,9 +23,10 @@
 /// with any signal of Qt, a widget whose own signal is under way is better ended by deleteLater.
 /// When a window ends, nothing of it is filed. All of it belongs to the thread of the widgets.
 ///
-/// What getters, validators and traits throw while an edit or a change is under way goes to the
-/// failure handler (ListenerGuard.h), and within a pass to QtIdlePass::failed. It leaves Check,
-/// Commit, Overwrite and Revert where the program calls them, and Bind.
+/// Getters, validators and traits may throw while an edit or a change is under way. The failure
+/// handler (ListenerGuard.h) is told of the exception, and within a pass QtIdlePass::failed is.
+/// Where the program calls Bind, Check, Commit, Overwrite or Revert, the exception leaves that
+/// call.
 #pragma once
 
 #include <QObject>

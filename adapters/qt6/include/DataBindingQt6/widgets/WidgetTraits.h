@@ -17,8 +17,8 @@
 /// - `finished`: the user is done with the widget. That Enter was pressed in it or the focus has
 ///   left it, the binding sees by itself.
 ///
-/// What these functions throw leaves Bind, and the widget is bound to nothing then. Later it is
-/// treated like what a property throws that is read or set there (Binding.h).
+/// An exception of these functions leaves Bind, and the widget is bound to nothing then. Later it
+/// is treated like an exception of the property that is read or set there (Binding.h).
 ///
 ///   template <>
 ///   struct DataBinding::Qt6::WidgetTraits<Knob> {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// Guard runs a step that Qt has called, into which nothing may be thrown.
 ///
-/// What the step throws goes to the failure handler (ListenerGuard.h), under a name. All rooms of
-/// the adapter use it where a getter, a validator or a function of the application runs:
+/// The failure handler (ListenerGuard.h) is told of an exception of the step, under a name. All
+/// rooms of the adapter use it where a getter, a validator or a function of the application runs:
 ///
 ///   details::Guard(propertyName, [&] { shown = ToQString(*text.ReadText()); });
 #pragma once
@@ -15,17 +15,15 @@
 
 namespace DataBinding::Qt6::details {
 
-/// Returns false where the step has thrown. The name is a literal, or a copy, since the step may
-/// end the object whose name it is.
+/// Runs the step. The name is a literal, or a copy, since the step may end the object whose name it
+/// is.
 template <class Name, class Step>
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
-bool Guard(Name name, const Step& step) {
+void Guard(Name name, const Step& step) {
   try {
     step();
-    return true;
   } catch (...) {
     ReportListenerFailure(VtrString(name), std::current_exception());
-    return false;
   }
 }
 
